@@ -1,0 +1,26 @@
+# Every folder below src/ is one room: a static library that names the rooms it knows.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE OFF)
+
+# The flags of our own code; third-party code is built without them.
+add_library(corvina_own INTERFACE)
+target_include_directories(corvina_own INTERFACE "${CMAKE_CURRENT_SOURCE_DIR}/src")
+target_compile_definitions(corvina_own INTERFACE
+  WIN32_LEAN_AND_MEAN NOMINMAX STRICT _WIN32_WINNT=0x0600
+  CORVINA_VERSION="${PROJECT_VERSION}")
+if(MSVC)
+  target_compile_options(corvina_own INTERFACE /W4 /WX /permissive- /utf-8)
+else()
+  target_compile_options(corvina_own INTERFACE
+    -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+endif()
+
+# corvina_room(name SOURCES file... [KNOWS room-or-library...])
+function(corvina_room name)
+  cmake_parse_arguments(ROOM "" "" "SOURCES;KNOWS" ${ARGN})
+  add_library(corvina_${name} STATIC ${ROOM_SOURCES})
+  target_link_libraries(corvina_${name} PUBLIC corvina_own ${ROOM_KNOWS})
+endfunction()

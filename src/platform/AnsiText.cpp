@@ -1,0 +1,45 @@
+#include "platform/AnsiText.h"
+
+#include "runtime/RuntimeError.h"
+
+#include <limits>
+#include <windows.h>
+
+namespace corvina {
+namespace {
+
+int lengthForWindows(std::size_t length) {
+    if (length > static_cast<std::size_t>(std::numeric_limits<int>::max()))
+        throwOverflow();
+    return static_cast<int>(length);
+}
+
+} // namespace
+
+AnsiText toAnsi(std::wstring_view text) {
+    AnsiText result;
+    if (text.empty())
+        return result;
+    const int length = lengthForWindows(text.size());
+    BOOL replaced = FALSE;
+    const int size = ::WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, text.data(), length, nullptr,
+                                           0, nullptr, nullptr);
+    result.text.resize(static_cast<std::size_t>(size));
+    ::WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, text.data(), length, result.text.data(), size,
+                          nullptr, &replaced);
+    result.lossy = replaced != FALSE || text.find(L'\0') != std::wstring_view::npos;
+    return result;
+}
+
+std::wstring fromAnsi(std::string_view text) {
+    std::wstring result;
+    if (text.empty())
+        return result;
+    const int length = lengthForWindows(text.size());
+    const int size = ::MultiByteToWideChar(CP_ACP, 0, text.data(), length, nullptr, 0);
+    result.resize(static_cast<std::size_t>(size));
+    ::MultiByteToWideChar(CP_ACP, 0, text.data(), length, result.data(), size);
+    return result;
+}
+
+} // namespace corvina

@@ -1,0 +1,57 @@
+#pragma once
+
+// The byte stream of an audio source: every input family implements it and cSoundInf in one class.
+//
+// A source is created closed. OpenSource, then any number of Read and SeekTo, then CloseSource, which
+// the source also does by itself when it is destroyed. Everything runs on the thread that owns the
+// control. Failures are result codes; arithmetic overflow raises a run-time error.
+
+#include "stream/cSoundInf.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+#include <windows.h>
+
+#include <mmreg.h>
+
+namespace corvina {
+
+// Result codes that most sources share; each source's header lists what it answers.
+namespace SourceResult {
+inline constexpr std::int32_t done = 0;
+inline constexpr std::int32_t notOpen = 1; // also: could not be opened
+inline constexpr std::int32_t outOfRange = 3;
+inline constexpr std::int32_t endOfData = 5;
+} // namespace SourceResult
+
+// How SeekTo reads its value.
+namespace SeekMode {
+inline constexpr std::int32_t percent = 0;
+inline constexpr std::int32_t seconds = 1;
+} // namespace SeekMode
+
+class cSoundSTRM {
+public:
+    virtual ~cSoundSTRM() = default;
+
+    // The same object as its description.
+    virtual cSoundInf& Info() = 0;
+    // Lower case, without the dot.
+    virtual std::vector<std::wstring> Extensions() = 0;
+    // The read position has reached or passed the end of the data.
+    virtual bool EndOfStream() = 0;
+    virtual bool Seekable() = 0;
+    // The format of the bytes that Read delivers, in the source's own memory. Valid and unmoved from a
+    // successful OpenSource to the next one or the source's end; null before. At least 18 bytes, and
+    // as many more as its cbSize says, are readable there.
+    virtual const WAVEFORMATEX* WFXPointer() = 0;
+    virtual std::int32_t OpenSource(const std::wstring& Source) = 0;
+    virtual std::int32_t CloseSource() = 0;
+    // Copies up to cBytes bytes to pBuffer; cBytesRead is the number copied.
+    virtual std::int32_t Read(void* pBuffer, std::int32_t cBytes, std::int32_t& cBytesRead) = 0;
+    // Mode: see SeekMode. By reference as the interface has it; no source writes it.
+    virtual std::int32_t SeekTo(std::int32_t Value, std::int32_t& Mode) = 0;
+};
+
+} // namespace corvina

@@ -1,0 +1,92 @@
+#include "runtime/Checked.h"
+#include "runtime/Rounding.h"
+#include "runtime/Text.h"
+
+#include <gtest/gtest.h>
+#include <limits>
+
+namespace corvina {
+namespace {
+
+template <typename Body>
+std::int32_t errorNumberOf(Body&& body) {
+    try {
+        body();
+    } catch (const RuntimeError& error) {
+        return error.number();
+    }
+    return 0;
+}
+
+TEST(Rounding, ties_go_to_the_even_neighbour) {
+    EXPECT_EQ(roundToInt32(0.5), 0);
+    EXPECT_EQ(roundToInt32(1.5), 2);
+    EXPECT_EQ(roundToInt32(2.5), 2);
+    EXPECT_EQ(roundToInt32(-0.5), 0);
+    EXPECT_EQ(roundToInt32(-1.5), -2);
+    EXPECT_EQ(roundToInt32(-2.5), -2);
+}
+
+TEST(Rounding, other_values_go_to_the_nearest) {
+    EXPECT_EQ(roundToInt32(2.4999999), 2);
+    EXPECT_EQ(roundToInt32(2.5000001), 3);
+    EXPECT_EQ(roundToInt32(-7.9), -8);
+}
+
+TEST(Rounding, values_beyond_32_bits_raise_overflow) {
+    EXPECT_EQ(roundToInt32(2147483647.4), std::numeric_limits<std::int32_t>::max());
+    EXPECT_EQ(errorNumberOf([] { (void)roundToInt32(2147483647.5); }), 6);
+    EXPECT_EQ(roundToInt32(-2147483648.5), std::numeric_limits<std::int32_t>::min());
+    EXPECT_EQ(errorNumberOf([] { (void)roundToInt32(-2147483649.0); }), 6);
+    EXPECT_EQ(errorNumberOf([] { (void)roundToInt32(std::numeric_limits<double>::quiet_NaN()); }), 6);
+    EXPECT_EQ(errorNumberOf([] { (void)roundToInt32(std::numeric_limits<double>::infinity()); }), 6);
+}
+
+TEST(Rounding, values_beyond_16_bits_raise_overflow) {
+    EXPECT_EQ(roundToInt16(32767.4), 32767);
+    EXPECT_EQ(errorNumberOf([] { (void)roundToInt16(32767.5); }), 6);
+}
+
+TEST(Rounding, a_quotient_by_zero_raises_division_by_zero_and_zero_by_zero_overflow) {
+    EXPECT_EQ(errorNumberOf([] { (void)divide(1.0, 0.0); }), 11);
+    EXPECT_EQ(errorNumberOf([] { (void)divide(0.0, 0.0); }), 6);
+    EXPECT_EQ(divide(1.0, 4.0), 0.25);
+}
+
+TEST(Checked, results_beyond_32_bits_raise_overflow) {
+    constexpr auto highest = std::numeric_limits<std::int32_t>::max();
+    constexpr auto lowest = std::numeric_limits<std::int32_t>::min();
+    EXPECT_EQ(errorNumberOf([] { (void)add32(highest, 1); }), 6);
+    EXPECT_EQ(errorNumberOf([] { (void)subtract32(lowest, 1); }), 6);
+    EXPECT_EQ(errorNumberOf([] { (void)multiply32(65536, 32768); }), 6);
+    EXPECT_EQ(multiply32(-65536, 32768), lowest);
+}
+
+TEST(Checked, a_remainder_has_the_sign_of_its_dividend) {
+    EXPECT_EQ(remainder32(-7, 4), -3);
+    EXPECT_EQ(remainder32(7, -4), 3);
+    EXPECT_EQ(remainder32(std::numeric_limits<std::int32_t>::min(), -1), 0);
+    EXPECT_EQ(errorNumberOf([] { (void)remainder32(1, 0); }), 11);
+}
+
+TEST(Text, a_part_is_found_in_any_case_and_an_empty_part_always) {
+    EXPECT_TRUE(containsIgnoringCase(L"wma;mp3;wmv", L"MP3"));
+    EXPECT_TRUE(containsIgnoringCase(L"wav", L"wa"));
+    EXPECT_TRUE(containsIgnoringCase(L"ape", L""));
+    EXPECT_FALSE(containsIgnoringCase(L"ape", L"apes"));
+}
+
+TEST(Text, join_and_split_are_inverse) {
+    const std::vector<std::wstring> parts = {L"au", L"snd", L"aiff"};
+    EXPECT_EQ(join(parts, L";"), L"au;snd;aiff");
+    EXPECT_EQ(split(L"au;snd;aiff", L';'), parts);
+    EXPECT_TRUE(split(L"", L';').empty());
+}
+
+TEST(Text, trim_removes_blanks_at_both_ends_only) {
+    EXPECT_EQ(trim(L"  a b "), L"a b");
+    EXPECT_EQ(trim(L"   "), L"");
+}
+
+} // namespace
+} // namespace corvina
