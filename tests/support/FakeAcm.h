@@ -4,7 +4,7 @@
 // for a test program; fakeAcm.reset() before each test.
 
 #include "platform/AcmApi.h"
-#include "tests/support/Faults.h"
+#include "support/Faults.h"
 
 #include <algorithm>
 #include <cstring>

@@ -4,7 +4,7 @@
 
 #include "platform/FileApi.h"
 #include "platform/MmioApi.h"
-#include "tests/support/Faults.h"
+#include "support/Faults.h"
 
 namespace corvina::test {
 

@@ -4,7 +4,7 @@
 
 #include "stream/StrmTags.h"
 #include "stream/cSoundSTRM.h"
-#include "tests/support/WavBytes.h"
+#include "support/WavBytes.h"
 
 #include <algorithm>
 #include <cstdint>
