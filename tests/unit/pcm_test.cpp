@@ -134,11 +134,34 @@ TEST_F(Converter, a_caller_that_forces_16_bits_gets_no_retry) {
     EXPECT_EQ(fakeAcm.openings.size(), 1u);
 }
 
-TEST_F(Converter, a_format_that_no_codec_takes_is_refused_after_both_widths) {
+TEST_F(Converter, a_codec_that_goes_by_the_whole_record_gets_a_consistent_one_in_the_end) {
+    fakeAcm.refusedBits = {8};
+    fakeAcm.faults.arm("acmStreamOpen", 2);
+    MemorySource source(pcm(8000, 2, 4), {});
+    ASSERT_TRUE(start(source));
+    EXPECT_EQ(lastOutput().wBitsPerSample, 16);
+    EXPECT_EQ(lastOutput().nBlockAlign, 4);
+    EXPECT_EQ(lastOutput().nAvgBytesPerSec, 32000u);
+}
+
+TEST_F(Converter, a_format_that_no_codec_takes_is_refused) {
     fakeAcm.refusedBits = {8, 16};
     MemorySource source(pcm(8000, 1, 16), {});
     EXPECT_FALSE(start(source));
-    EXPECT_EQ(fakeAcm.openings.size(), 2u);
+}
+
+TEST_F(Converter, a_record_with_fields_of_0_that_codecs_divide_by_is_not_shown_to_them) {
+    for (int field = 0; field < 3; ++field) {
+        MemorySource source(pcm(8000, 1, 16), {});
+        if (field == 0)
+            source.format.nChannels = 0;
+        if (field == 1)
+            source.format.nSamplesPerSec = 0;
+        if (field == 2)
+            source.format.nBlockAlign = 0;
+        EXPECT_FALSE(start(source));
+        EXPECT_TRUE(fakeAcm.openings.empty());
+    }
 }
 
 TEST_F(Converter, a_source_without_a_format_is_refused) {
