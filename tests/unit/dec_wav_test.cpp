@@ -28,6 +28,16 @@ protected:
         ASSERT_EQ(open(plainWav(pcm(44100, 2, 16), noise(dataBytes))), 0);
     }
 
+    // Another chunk follows the data.
+    void openWithMoreBehind(std::size_t dataBytes) {
+        ASSERT_EQ(open(WavBytes()
+                           .format(pcm(44100, 2, 16))
+                           .chunk("data", noise(dataBytes))
+                           .chunk("LIST", noise(2000, 9))
+                           .bytes()),
+                  0);
+    }
+
     // A file of that many bytes of data (zeros that take no room) and more bytes behind them.
     void openSparse(std::int32_t dataBytes, std::int32_t behind) {
         const Bytes head = WavBytes()
@@ -250,12 +260,7 @@ TEST_F(DecWAVTest, a_closed_source_reads_nothing_and_does_not_seek) {
 // ---- reading near the end
 
 TEST_F(DecWAVTest, the_doubled_limit_serves_a_small_overrun_whole) {
-    ASSERT_EQ(open(WavBytes()
-                       .format(pcm(44100, 2, 16))
-                       .chunk("data", noise(3000))
-                       .chunk("LIST", noise(2000, 9))
-                       .bytes()),
-              0);
+    openWithMoreBehind(3000);
     leave(1000, 3000);
     std::int32_t got = 0;
     EXPECT_EQ(read(1500, got), 0); // 1500 <= 2 * 1000
@@ -274,12 +279,7 @@ TEST_F(DecWAVTest, the_doubled_limit_delivers_what_the_file_still_has) {
 }
 
 TEST_F(DecWAVTest, the_doubled_limit_cuts_an_overrun_of_more_than_half) {
-    ASSERT_EQ(open(WavBytes()
-                       .format(pcm(44100, 2, 16))
-                       .chunk("data", noise(3000))
-                       .chunk("LIST", noise(2000, 9))
-                       .bytes()),
-              0);
+    openWithMoreBehind(3000);
     leave(700, 3000);
     std::int32_t got = 0;
     EXPECT_EQ(read(1500, got), 5);
