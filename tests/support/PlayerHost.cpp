@@ -1,5 +1,7 @@
 #include "support/PlayerHost.h"
 
+#include "Unicode.h"
+
 #include <algorithm>
 #include <stdexcept>
 #include <utility>
@@ -25,13 +27,11 @@ Value ask(Call call) {
 } // namespace
 
 std::ostream& operator<<(std::ostream& out, const LoggedEvent& event) {
-    const auto narrow = [](const std::wstring& text) {
-        return std::string(static_cast<const char*>(_bstr_t(text.c_str())));
-    };
-    out << narrow(event.name);
+    using app::toUtf8;
+    out << toUtf8(event.name);
     if (event.name == L"Err")
-        out << "(\"" << narrow(event.function) << "\", " << event.number << ", \""
-            << narrow(event.description) << "\")";
+        out << "(\"" << toUtf8(event.function) << "\", " << event.number << ", \""
+            << toUtf8(event.description) << "\")";
     return out;
 }
 
