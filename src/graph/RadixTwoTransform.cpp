@@ -19,8 +19,7 @@ inline void butterfly(Complex& low, Complex& high, __m128d twiddleRe, __m128d tw
     const __m128d a = _mm_load_pd(&low.re);
     const __m128d b = _mm_load_pd(&high.re);
     const __m128d bSwapped = _mm_shuffle_pd(b, b, 1);
-    const __m128d t =
-        _mm_add_pd(_mm_mul_pd(twiddleRe, b), _mm_mul_pd(twiddleIm, bSwapped));
+    const __m128d t = _mm_add_pd(_mm_mul_pd(twiddleRe, b), _mm_mul_pd(twiddleIm, bSwapped));
     _mm_store_pd(&high.re, _mm_sub_pd(a, t));
     _mm_store_pd(&low.re, _mm_add_pd(a, t));
 }
@@ -49,8 +48,8 @@ RadixTwoTransform::RadixTwoTransform(std::int32_t size) {
     const double twoPi = 2.0 * pi;
     for (std::int64_t joined = 2; joined <= size; joined *= 2) {
         const double halfAngleSine = std::sin(pi / static_cast<double>(joined));
-        stages_.push_back({2.0 * (halfAngleSine * halfAngleSine),
-                           std::sin(twoPi / static_cast<double>(joined))});
+        stages_.push_back(
+            {2.0 * (halfAngleSine * halfAngleSine), std::sin(twoPi / static_cast<double>(joined))});
     }
 }
 

@@ -5,8 +5,8 @@
 //   y = b0 x + b1 x1 + b2 x2 - a1 y1 - a2 y2
 //
 // with x and y as fractions of 32767 in 32-bit floating point. The two last inputs and outputs stay
-// between calls, so the blocks of one stream are filtered without a seam. A new filter has only zero
-// coefficients and turns everything into silence: set them first.
+// between calls, so the blocks of one stream are filtered without a seam. A new filter has only
+// zero coefficients and turns everything into silence: set them first.
 //
 // One filter serves one channel; interleaved samples of several channels need to be parted before.
 // One thread.
@@ -50,7 +50,8 @@ private:
         float y2 = 0.0F;
     };
 
-    // Filters all of samples, or up to the first whose output is no finite number; returns how many.
+    // Filters all of samples, or up to the first whose output is no finite number; returns how
+    // many.
     [[nodiscard]] std::size_t filter(std::span<std::int16_t> samples) noexcept;
 
     BiquadCoefficients coefficients_;

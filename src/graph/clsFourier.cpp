@@ -12,8 +12,8 @@
 namespace corvina {
 namespace {
 
-// In fixed precision an operation that overflows, or has no result, leaves an infinity or a NaN, and
-// every sum and product after it does too; so looking at the result finds any fault on the way.
+// In fixed precision an operation that overflows, or has no result, leaves an infinity or a NaN,
+// and every sum and product after it does too; so looking at the result finds any fault on the way.
 double finite(double value) {
     if (!std::isfinite(value))
         throwOverflow();
@@ -63,9 +63,13 @@ void clsFourier::ImagIn(std::int32_t index, double value) {
     dirty_ = true;
 }
 
-double clsFourier::RealOut(std::int32_t index) { return output(index).re; }
+double clsFourier::RealOut(std::int32_t index) {
+    return output(index).re;
+}
 
-double clsFourier::ImagOut(std::int32_t index) { return output(index).im; }
+double clsFourier::ImagOut(std::int32_t index) {
+    return output(index).im;
+}
 
 double clsFourier::ComplexOut(std::int32_t index) {
     const Complex& bin = output(index);
@@ -77,8 +81,8 @@ float clsFourier::Timing() const noexcept {
                               static_cast<double>(frequency_.QuadPart) * 1000.0);
 }
 
-// The Blackman window over the whole block: its divisor is the highest index, not the count, so that
-// both the first and the last sample weigh nothing.
+// The Blackman window over the whole block: its divisor is the highest index, not the count, so
+// that both the first and the last sample weigh nothing.
 double clsFourier::weight(std::int32_t index) const noexcept {
     const double twoPi = 2.0 * std::numbers::pi;
     const double angle = (index - 1) * twoPi / (NumberOfSamples() - 1);

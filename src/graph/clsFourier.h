@@ -7,8 +7,8 @@
 // sample 1 is the first, bin 1 is the constant part. Nothing is normalised: with the window off, N
 // samples of value v give N * v / 2 in bin 1.
 //
-// One thread. Errors: 381 for an index outside 1 ... N or before a valid NumberOfSamples; 6 (overflow)
-// where a result would not be a finite number. Members that fail change no sample.
+// One thread. Errors: 381 for an index outside 1 ... N or before a valid NumberOfSamples; 6
+// (overflow) where a result would not be a finite number. Members that fail change no sample.
 
 #include "graph/RadixTwoTransform.h"
 #include "platform/PerformanceCounter.h"

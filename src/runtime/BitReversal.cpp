@@ -12,6 +12,8 @@ void fillBitReversalTable() noexcept {
         table[i] = static_cast<std::int32_t>(reverseBits(i, bitReversalTableBits));
 }
 
-const BitReversalTable& bitReversalTable() noexcept { return table; }
+const BitReversalTable& bitReversalTable() noexcept {
+    return table;
+}
 
 } // namespace corvina
