@@ -18,6 +18,7 @@ struct WindowApi {
     decltype(&::CallWindowProcA) callWindowProc = &::CallWindowProcA;
     decltype(&::PostMessageA) postMessage = &::PostMessageA;
     decltype(&::PeekMessageA) peekMessage = &::PeekMessageA;
+    decltype(&::PostQuitMessage) postQuitMessage = &::PostQuitMessage;
 };
 
 inline const WindowApi systemWindowApi;

@@ -84,8 +84,6 @@ public:
 
 private:
     [[nodiscard]] cSoundInf& openedFile() const;
-    void attach(HWND window, ISubclass& client);
-    void detachAll() noexcept;
 
     PlayerEvents& events_;
     const PlayerPlatform platform_;
@@ -94,7 +92,7 @@ private:
     TagTexts tags_;
     std::wstring currentFile_;
     PlaybackEngine engine_;
-    // Where messages are attached, and to whom.
+    // Where messages are attached, and to whom. The wave-input messages stay attached after DeInit.
     HWND window_ = nullptr;
     ISubclass* client_ = nullptr;
 };

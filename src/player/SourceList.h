@@ -24,7 +24,8 @@ public:
     // belongs to the first source: hosts have come to rely on both.
     [[nodiscard]] cSoundSTRM* FindSourceForFile(const std::wstring& file) const;
 
-    // Every extension once, in order.
+    // Every extension in order, without those that occur, whole or as a part, among the ones
+    // before.
     [[nodiscard]] std::vector<std::wstring> AllSupportedExtensions() const;
 
 private:
