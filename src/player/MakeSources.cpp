@@ -1,5 +1,8 @@
 #include "player/MakeSources.h"
 
+#include "sources/DecAPE.h"
+#include "sources/DecOGG.h"
+#include "sources/DecSND.h"
 #include "sources/DecWAV.h"
 
 namespace corvina {
@@ -14,7 +17,10 @@ std::unique_ptr<cSoundSTRM> make() {
 
 // The order in which the sources are tried for a file.
 constexpr SourceFactory sourceFactories[] = {
+    &make<DecAPE>,
+    &make<DecOGG>,
     &make<DecWAV>,
+    &make<DecSND>,
 };
 
 } // namespace
