@@ -36,8 +36,8 @@ DecWMAMP3::~DecWMAMP3() {
 
 void DecWMAMP3::createReader() {
     try {
-        const std::int32_t result = library_.CallFunc("WMCreateSyncReader", nullptr, playbackRights,
-                                                      reader_.put());
+        const std::int32_t result =
+            library_.CallFunc("WMCreateSyncReader", nullptr, playbackRights, reader_.put());
         // What a failed call leaves there is no reference.
         if (result != S_OK)
             (void)reader_.detach();
@@ -46,7 +46,9 @@ void DecWMAMP3::createReader() {
     }
 }
 
-std::vector<std::wstring> DecWMAMP3::Extensions() { return split(L"wma;mp3;wmv", L';'); }
+std::vector<std::wstring> DecWMAMP3::Extensions() {
+    return split(L"wma;mp3;wmv", L';');
+}
 
 std::int32_t DecWMAMP3::OpenSource(const std::wstring& Source) {
     if (!reader_)
@@ -102,7 +104,8 @@ void DecWMAMP3::dropSample() noexcept {
     sampleOffset_ = 0;
 }
 
-// The end of the stream is only ever noted by a failed fetch. A later success does not take it back.
+// The end of the stream is only ever noted by a failed fetch. A later success does not take it
+// back.
 bool DecWMAMP3::fetchNextSample() {
     if (!reader_)
         return false;
@@ -184,7 +187,9 @@ std::int32_t DecWMAMP3::SampleRate() {
     return static_cast<std::int32_t>(format_.record().nSamplesPerSec);
 }
 
-std::int16_t DecWMAMP3::Channels() { return static_cast<std::int16_t>(format_.record().nChannels); }
+std::int16_t DecWMAMP3::Channels() {
+    return static_cast<std::int16_t>(format_.record().nChannels);
+}
 
 std::int16_t DecWMAMP3::BitsPerSample() {
     return static_cast<std::int16_t>(format_.record().wBitsPerSample);
@@ -197,8 +202,12 @@ std::int32_t DecWMAMP3::Bitrate() {
     return static_cast<std::int32_t>(attributes_.bitrate);
 }
 
-std::int32_t DecWMAMP3::Position() { return mediaMilliseconds(position_); }
+std::int32_t DecWMAMP3::Position() {
+    return mediaMilliseconds(position_);
+}
 
-std::int32_t DecWMAMP3::Duration() { return mediaMilliseconds(attributes_.duration); }
+std::int32_t DecWMAMP3::Duration() {
+    return mediaMilliseconds(attributes_.duration);
+}
 
 } // namespace corvina

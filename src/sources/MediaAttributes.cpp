@@ -54,8 +54,7 @@ std::size_t sizeOfType(WMT_ATTR_DATATYPE type) noexcept {
 // Copies as many bytes as the type has and the field takes.
 template <typename Field>
 void copyValue(const Attribute& attribute, Field& field) noexcept {
-    std::memcpy(&field, attribute.value.data(),
-                std::min(sizeOfType(attribute.type), sizeof field));
+    std::memcpy(&field, attribute.value.data(), std::min(sizeOfType(attribute.type), sizeof field));
 }
 
 std::wstring textForm(const Attribute& attribute) {
@@ -79,7 +78,8 @@ std::wstring textForm(const Attribute& attribute) {
 
 // A small number becomes the character of that code, not its digits. Hosts know that they find a
 // control character where a file stores a number, and the number itself in that character's code.
-// Only texts and larger numbers come out as written; a text's first character is such a larger number.
+// Only texts and larger numbers come out as written; a text's first character is such a larger
+// number.
 std::wstring trackNumber(const Attribute& attribute) {
     constexpr std::uint32_t lastCharacter = 48;
     const auto number = attribute.number<std::uint32_t>();
@@ -94,14 +94,10 @@ struct TagRule {
 };
 
 constexpr TagRule tagRules[] = {
-    {L"Author", L"artist", textForm},
-    {L"WM/AlbumArtist", L"artist", textForm},
-    {L"WM/AlbumTitle", L"album", textForm},
-    {L"WM/Genre", L"genre", textForm},
-    {L"Title", L"title", textForm},
-    {L"WM/TrackNumber", L"tracknumber", trackNumber},
-    {L"Description", L"comment", textForm},
-    {L"WM/Year", L"year", textForm},
+    {L"Author", L"artist", textForm},       {L"WM/AlbumArtist", L"artist", textForm},
+    {L"WM/AlbumTitle", L"album", textForm}, {L"WM/Genre", L"genre", textForm},
+    {L"Title", L"title", textForm},         {L"WM/TrackNumber", L"tracknumber", trackNumber},
+    {L"Description", L"comment", textForm}, {L"WM/Year", L"year", textForm},
 };
 
 void take(const Attribute& attribute, MediaAttributes& attributes, StrmTags& tags) {

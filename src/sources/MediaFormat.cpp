@@ -82,8 +82,8 @@ bool selectPcmOutput(IWMSyncReader& reader, MediaFormat& format) {
         if (reader.GetOutputFormatCount(i, &formats) != S_OK)
             continue;
         // The inner counter goes in as the output and the outer one as the format, and one past the
-        // count, on purpose: a file has one audio output, so this asks for format 0, the reader's own
-        // choice, of every output number there may be, and those that do not exist fail and are
+        // count, on purpose: a file has one audio output, so this asks for format 0, the reader's
+        // own choice, of every output number there may be, and those that do not exist fail and are
         // passed over. Other formats of an output would be conversions that we have no use for.
         for (DWORD j = 0; j <= std::min(formats, mostFormats); ++j) {
             ComPtr<IWMOutputMediaProps> props;

@@ -26,8 +26,9 @@ private:
     std::vector<std::uint8_t> bytes_ = std::vector<std::uint8_t>(sizeof(WAVEFORMATEX));
 };
 
-// Lets the reader deliver its first output format that is uncompressed 16-bit PCM audio. False where
-// it has none. The format of PCM of another width stays in format until a later one replaces it.
+// Lets the reader deliver its first output format that is uncompressed 16-bit PCM audio. False
+// where it has none. The format of PCM of another width stays in format until a later one replaces
+// it.
 [[nodiscard]] bool selectPcmOutput(IWMSyncReader& reader, MediaFormat& format);
 
 } // namespace corvina

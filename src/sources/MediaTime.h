@@ -7,8 +7,8 @@
 
 namespace corvina {
 
-// Rounded to nearest, ties to even, on the whole number itself, so that no digit is lost whatever the
-// size. More than 32 bits raise Overflow.
+// Rounded to nearest, ties to even, on the whole number itself, so that no digit is lost whatever
+// the size. More than 32 bits raise Overflow.
 [[nodiscard]] std::int32_t mediaMilliseconds(std::uint64_t time);
 
 // The place that lies percent of the whole duration from the start, cut to whole units.
