@@ -1,6 +1,5 @@
 #include "stream/cPCM.h"
 
-#include "platform/MemoryProbe.h"
 #include "runtime/Checked.h"
 #include "runtime/Rounding.h"
 #include "stream/cSoundSTRM.h"
@@ -249,8 +248,10 @@ bool cPCM::GetSamples(void* pBuffer, std::int32_t cBytes, std::int32_t& cBytesRe
             auto* const destination = static_cast<std::uint8_t*>(pBuffer) + cBytesReturned;
             const auto* const converted =
                 reinterpret_cast<const std::uint8_t*>(outputBuffer_.data()) + readOffset_;
-            // A destination that cannot be written is counted as if it had been.
-            if (isWritable(destination, static_cast<std::size_t>(bytes)))
+            // A destination that cannot be written is counted as if it had been. This runs for
+            // every block, and touching its pages costs a fraction of asking the system about them.
+            // The other end of the copy is our own and always good.
+            if (!::IsBadWritePtr(destination, static_cast<UINT_PTR>(bytes)))
                 std::memcpy(destination, converted, static_cast<std::size_t>(bytes));
             cBytesReturned += bytes;
             readOffset_ += bytes;
