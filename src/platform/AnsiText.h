@@ -9,8 +9,8 @@ namespace corvina {
 
 struct AnsiText {
     std::string text;
-    // Some character has no equal in the code page, or the text holds a character of code 0, so that
-    // the converted text means something else (a question mark is a wildcard in a file name).
+    // Some character has no equal in the code page, or the text holds a character of code 0, so
+    // that the converted text means something else (a question mark is a wildcard in a file name).
     bool lossy = false;
 };
 

@@ -1,0 +1,25 @@
+#pragma once
+
+// The conversion functions of the audio compression manager. A user keeps the table by reference:
+// it must outlive the user.
+
+#include <windows.h>
+
+#include <mmreg.h>
+
+#include <msacm.h>
+
+namespace corvina {
+
+struct AcmApi {
+    decltype(&::acmStreamOpen) streamOpen = &::acmStreamOpen;
+    decltype(&::acmStreamSize) streamSize = &::acmStreamSize;
+    decltype(&::acmStreamPrepareHeader) streamPrepareHeader = &::acmStreamPrepareHeader;
+    decltype(&::acmStreamConvert) streamConvert = &::acmStreamConvert;
+    decltype(&::acmStreamUnprepareHeader) streamUnprepareHeader = &::acmStreamUnprepareHeader;
+    decltype(&::acmStreamClose) streamClose = &::acmStreamClose;
+};
+
+inline const AcmApi systemAcmApi;
+
+} // namespace corvina

@@ -1,0 +1,58 @@
+#include "stream/FileAccess.h"
+
+#include "platform/AnsiText.h"
+
+namespace corvina {
+
+FileRecord FileAccess::open(const std::wstring& path, DWORD desiredAccess, DWORD shareMode,
+                            DWORD creationDisposition) const {
+    FileRecord file;
+    file.path = path;
+    const AnsiText name = toAnsi(path);
+    if (!name.lossy)
+        file.handle = files_.createFile(name.text.c_str(), desiredAccess, shareMode, nullptr,
+                                        creationDisposition, 0, nullptr);
+    return file;
+}
+
+FileRecord FileAccess::openForReading(const std::wstring& path) const {
+    return open(path, GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING);
+}
+
+void FileAccess::close(FileRecord& file) const noexcept {
+    if (file.isOpen())
+        files_.closeHandle(file.handle);
+    file.handle = INVALID_HANDLE_VALUE;
+    file.path.clear();
+}
+
+std::int32_t FileAccess::read(const FileRecord& file, void* destination,
+                              std::int32_t bytes) const noexcept {
+    if (!file.isOpen())
+        return 0;
+    if (bytes < 0)
+        return -1;
+    DWORD got = 0;
+    const BOOL result =
+        files_.readFile(file.handle, destination, static_cast<DWORD>(bytes), &got, nullptr);
+    return result == TRUE ? static_cast<std::int32_t>(got) : -1;
+}
+
+std::int32_t FileAccess::setPosition(const FileRecord& file, std::int32_t distance,
+                                     MoveMethod method) const noexcept {
+    return static_cast<std::int32_t>(
+        files_.setFilePointer(file.handle, distance, nullptr, static_cast<DWORD>(method)));
+}
+
+std::int32_t FileAccess::position(const FileRecord& file) const noexcept {
+    return setPosition(file, 0, MoveMethod::fromCurrent);
+}
+
+bool FileAccess::exists(const std::wstring& path) const {
+    FileRecord file = openForReading(path);
+    const bool found = file.isOpen();
+    close(file);
+    return found;
+}
+
+} // namespace corvina

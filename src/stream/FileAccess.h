@@ -1,0 +1,50 @@
+#pragma once
+
+// The file functions that sources share: thin wrappers over the platform's, with 32-bit positions.
+//
+// A record is a handle and the path it was opened with. Nothing owns it: whoever keeps one closes
+// it. A path that the ANSI code page cannot spell, or that holds a character of code 0, would open
+// some other file and so opens none.
+
+#include "platform/FileApi.h"
+
+#include <cstdint>
+#include <string>
+
+namespace corvina {
+
+struct FileRecord {
+    HANDLE handle = INVALID_HANDLE_VALUE; // closed
+    std::wstring path;
+
+    [[nodiscard]] bool isOpen() const noexcept { return handle != INVALID_HANDLE_VALUE; }
+};
+
+enum class MoveMethod : DWORD { fromBeginning = FILE_BEGIN, fromCurrent = FILE_CURRENT };
+
+class FileAccess {
+public:
+    explicit FileAccess(const FileApi& files = systemFileApi) noexcept : files_(files) {}
+
+    // A record of the path; closed where the platform refuses it.
+    [[nodiscard]] FileRecord open(const std::wstring& path, DWORD desiredAccess, DWORD shareMode,
+                                  DWORD creationDisposition) const;
+    // For reading an existing file that others may read meanwhile.
+    [[nodiscard]] FileRecord openForReading(const std::wstring& path) const;
+    // Harmless on a closed record.
+    void close(FileRecord& file) const noexcept;
+    // Bytes read; 0 from a closed record; -1 where the platform fails or the count is negative.
+    [[nodiscard]] std::int32_t read(const FileRecord& file, void* destination,
+                                    std::int32_t bytes) const noexcept;
+    // The new position from the beginning; -1 on failure.
+    std::int32_t setPosition(const FileRecord& file, std::int32_t distance,
+                             MoveMethod method) const noexcept;
+    [[nodiscard]] std::int32_t position(const FileRecord& file) const noexcept;
+    // Whether the file can be opened for reading at this moment.
+    [[nodiscard]] bool exists(const std::wstring& path) const;
+
+private:
+    const FileApi& files_;
+};
+
+} // namespace corvina
