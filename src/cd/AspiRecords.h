@@ -1,7 +1,7 @@
 #pragma once
 
-// The request blocks of ASPI for Win32. A block is handed over by its address and must stay where it
-// is until its status is no longer pending.
+// The request blocks of ASPI for Win32. A block is handed over by its address and must stay where
+// it is until its status is no longer pending.
 
 #include <cstddef>
 #include <cstdint>
@@ -67,16 +67,13 @@ static_assert(sizeof(SrbHeader) == 8 && offsetof(SrbHeader, SRB_Hdr_Rsvd) == 4);
 static_assert(sizeof(SRB_HAInquiry) == 60 && offsetof(SRB_HAInquiry, HA_Rsvd1) == 58);
 static_assert(sizeof(SRB_GDEVBlock) == 12 && offsetof(SRB_GDEVBlock, SRB_DeviceType) == 10);
 static_assert(sizeof(SRB_ExecSCSICmd) == 80);
-static_assert(offsetof(SRB_ExecSCSICmd, SRB_Target) == 8 && offsetof(SRB_ExecSCSICmd, SRB_Lun) == 9 &&
-              offsetof(SRB_ExecSCSICmd, SRB_BufLen) == 12 &&
-              offsetof(SRB_ExecSCSICmd, SRB_BufPointer) == 16 &&
-              offsetof(SRB_ExecSCSICmd, SRB_SenseLen) == 20 &&
-              offsetof(SRB_ExecSCSICmd, SRB_CDBLen) == 21 &&
-              offsetof(SRB_ExecSCSICmd, SRB_HaStat) == 22 &&
-              offsetof(SRB_ExecSCSICmd, SRB_TargStat) == 23 &&
-              offsetof(SRB_ExecSCSICmd, SRB_PostProc) == 24 &&
-              offsetof(SRB_ExecSCSICmd, SRB_Rsvd2) == 28 &&
-              offsetof(SRB_ExecSCSICmd, CDBByte) == 48 &&
-              offsetof(SRB_ExecSCSICmd, SenseArea) == 64);
+static_assert(
+    offsetof(SRB_ExecSCSICmd, SRB_Target) == 8 && offsetof(SRB_ExecSCSICmd, SRB_Lun) == 9 &&
+    offsetof(SRB_ExecSCSICmd, SRB_BufLen) == 12 &&
+    offsetof(SRB_ExecSCSICmd, SRB_BufPointer) == 16 &&
+    offsetof(SRB_ExecSCSICmd, SRB_SenseLen) == 20 && offsetof(SRB_ExecSCSICmd, SRB_CDBLen) == 21 &&
+    offsetof(SRB_ExecSCSICmd, SRB_HaStat) == 22 && offsetof(SRB_ExecSCSICmd, SRB_TargStat) == 23 &&
+    offsetof(SRB_ExecSCSICmd, SRB_PostProc) == 24 && offsetof(SRB_ExecSCSICmd, SRB_Rsvd2) == 28 &&
+    offsetof(SRB_ExecSCSICmd, CDBByte) == 48 && offsetof(SRB_ExecSCSICmd, SenseArea) == 64);
 
 } // namespace corvina

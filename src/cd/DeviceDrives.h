@@ -1,7 +1,7 @@
 #pragma once
 
-// The CD drives that can be opened as devices, and which of them is selected: the half that the device
-// I/O control and the SCSI pass-through backends share.
+// The CD drives that can be opened as devices, and which of them is selected: the half that the
+// device I/O control and the SCSI pass-through backends share.
 //
 // Devices stay open from a successful InitMe to DeInitMe or the end of the list.
 
@@ -40,7 +40,9 @@ public:
     std::int32_t SelectDevice(std::int32_t index) noexcept;
     [[nodiscard]] std::int32_t DeviceCount() const noexcept;
     [[nodiscard]] std::wstring DeviceChar(std::int32_t index) const { return at(index).letter; }
-    [[nodiscard]] std::wstring DeviceName(std::int32_t index) const { return at(index).text.name(); }
+    [[nodiscard]] std::wstring DeviceName(std::int32_t index) const {
+        return at(index).text.name();
+    }
 
     // The open device of the selected drive; null while none is selected.
     [[nodiscard]] const FileRecord* selected() const noexcept;

@@ -22,8 +22,8 @@ static_assert(offsetof(TRACK_DATA, TrackNumber) == 2 && offsetof(TRACK_DATA, Add
 
 enum class AddressForm { msf, lba };
 
-// The table has an entry for each track up to the last and one for the lead-out. The record holds 100
-// descriptors; a last track beyond them repeats the last descriptor.
+// The table has an entry for each track up to the last and one for the lead-out. The record holds
+// 100 descriptors; a last track beyond them repeats the last descriptor.
 [[nodiscard]] std::unique_ptr<cTOC> driveTable(const CDROM_TOC& record, AddressForm form);
 
 } // namespace corvina

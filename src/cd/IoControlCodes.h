@@ -33,14 +33,16 @@ struct IoControlCode {
 inline constexpr std::size_t ioControlCodeCount = 62;
 using IoControlTable = std::array<IoControlCode, ioControlCodeCount>;
 
-// The table never changes, so it is filled when the library is compiled, not when a drive is looked for.
+// The table never changes, so it is filled when the library is compiled, not when a drive is looked
+// for.
 [[nodiscard]] constexpr IoControlTable BuildIoControlCodes() noexcept {
     using enum IoMethod;
     using enum IoAccess;
     const auto scsi = [](std::uint32_t function, IoAccess access) {
         return ioControlCode(IoDevice::controller, function, buffered, access);
     };
-    const auto cdrom = [](std::uint32_t function, IoMethod method = buffered, IoAccess access = read) {
+    const auto cdrom = [](std::uint32_t function, IoMethod method = buffered,
+                          IoAccess access = read) {
         return ioControlCode(IoDevice::cdrom, function, method, access);
     };
     const auto storage = [](std::uint32_t function, IoAccess access) {

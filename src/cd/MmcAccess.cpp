@@ -28,9 +28,13 @@ std::int32_t MmcAccess::ReadSectorsRAW(std::int32_t LBA, std::int32_t sectors, v
                                                                   : CdStatus::readFailed;
 }
 
-std::int32_t MmcAccess::OpenCD() { return moveTray(Tray::eject); }
+std::int32_t MmcAccess::OpenCD() {
+    return moveTray(Tray::eject);
+}
 
-std::int32_t MmcAccess::CloseCD() { return moveTray(Tray::loadAndStart); }
+std::int32_t MmcAccess::CloseCD() {
+    return moveTray(Tray::loadAndStart);
+}
 
 // The sense data is not looked at: a drive that was reached counts as holding a disc.
 bool MmcAccess::IsDiscPresent() {
@@ -40,7 +44,8 @@ bool MmcAccess::IsDiscPresent() {
 std::int32_t MmcAccess::moveTray(Tray tray) {
     if (!hasSelectedDrive())
         return CdStatus::noDrive;
-    return isDone(execute(Mmc::startStopUnit(tray), nullptr, 0)) ? CdStatus::done : CdStatus::failed;
+    return isDone(execute(Mmc::startStopUnit(tray), nullptr, 0)) ? CdStatus::done
+                                                                 : CdStatus::failed;
 }
 
 } // namespace corvina

@@ -29,7 +29,9 @@ std::wstring field(std::span<const std::uint8_t> bytes) {
 
 namespace Mmc {
 
-MmcCommand testUnitReady() noexcept { return command(0x00, 6); }
+MmcCommand testUnitReady() noexcept {
+    return command(0x00, 6);
+}
 
 MmcCommand inquiry() noexcept {
     MmcCommand result = command(0x12, 6);

@@ -40,9 +40,11 @@ namespace Mmc {
 // bytes of it although a sense area has only 16; the rest is 0.
 using CommandResult = std::array<std::uint8_t, 20>;
 
-[[nodiscard]] CommandResult commandResult(std::uint8_t status,
-                                          std::span<const std::uint8_t, senseAreaBytes> sense) noexcept;
-[[nodiscard]] inline bool isDone(const CommandResult& result) noexcept { return result[0] == 1; }
+[[nodiscard]] CommandResult
+commandResult(std::uint8_t status, std::span<const std::uint8_t, senseAreaBytes> sense) noexcept;
+[[nodiscard]] inline bool isDone(const CommandResult& result) noexcept {
+    return result[0] == 1;
+}
 
 // How a drive calls itself.
 struct DriveText {

@@ -3,9 +3,9 @@
 // One way to reach the CD drives of this machine: the contract of the three backends.
 //
 // InitMe once; DeviceCount, DeviceName and DeviceChar at any time after it; SelectDevice before the
-// operations on a drive; DeInitMe once at the end. Everything is synchronous, on the thread that owns
-// the control. Statuses are 32-bit results, 0 for success; each backend's header lists its own.
-// Indexes count from 0; DeviceChar and DeviceName raise Subscript out of range for any other.
+// operations on a drive; DeInitMe once at the end. Everything is synchronous, on the thread that
+// owns the control. Statuses are 32-bit results, 0 for success; each backend's header lists its
+// own. Indexes count from 0; DeviceChar and DeviceName raise Subscript out of range for any other.
 
 #include "cd/cTOC.h"
 

@@ -38,7 +38,9 @@ bool cTOCTrack::IsDataControl(std::uint8_t control) noexcept {
            audioControls.end();
 }
 
-std::int32_t cTOC::TrackCount() const noexcept { return static_cast<std::int32_t>(entries_.size()); }
+std::int32_t cTOC::TrackCount() const noexcept {
+    return static_cast<std::int32_t>(entries_.size());
+}
 
 void cTOC::TrackCount(std::int32_t count) {
     if (count < 0)
@@ -60,6 +62,8 @@ void cTOC::StoreEntry(const TrackDescriptor& descriptor) noexcept {
         entries_[static_cast<std::size_t>(index) - 1].SetDescriptor(descriptor);
 }
 
-bool cTOC::holds(std::int32_t index) const noexcept { return index >= 1 && index <= TrackCount(); }
+bool cTOC::holds(std::int32_t index) const noexcept {
+    return index >= 1 && index <= TrackCount();
+}
 
 } // namespace corvina

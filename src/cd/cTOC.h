@@ -1,8 +1,8 @@
 #pragma once
 
 // The table of contents of a disc: an entry for each track and, last, one for the lead-out, which
-// closes the last track. Entries have the number of their track, so tracks are 1 to TrackCount - 1 and
-// a track is as long as from its start to the next entry's.
+// closes the last track. Entries have the number of their track, so tracks are 1 to TrackCount - 1
+// and a track is as long as from its start to the next entry's.
 //
 // An index or a track number outside the table gives nothing and changes nothing.
 
@@ -12,8 +12,8 @@
 
 namespace corvina {
 
-// A descriptor as drives answer it: a reserved byte, ADR and CTL, the track number, a reserved byte,
-// the start address, most significant byte first.
+// A descriptor as drives answer it: a reserved byte, ADR and CTL, the track number, a reserved
+// byte, the start address, most significant byte first.
 using TrackDescriptor = std::array<std::uint8_t, 8>;
 
 inline constexpr std::uint8_t leadOutNumber = 170;

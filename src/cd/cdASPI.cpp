@@ -11,7 +11,9 @@ namespace corvina {
 cdASPI::cdASPI(DriveDevice devices, const LibraryApi& libraries)
     : devices_(devices), library_(libraries) {}
 
-cdASPI::~cdASPI() { library_.UnloadDLL(); }
+cdASPI::~cdASPI() {
+    library_.UnloadDLL();
+}
 
 std::int32_t cdASPI::InitMe() {
     ready_ = false;
@@ -57,7 +59,9 @@ std::wstring cdASPI::DeviceChar(std::int32_t index) {
     return {};
 }
 
-bool cdASPI::hasSelectedDrive() const noexcept { return ready_ && holds(selected_); }
+bool cdASPI::hasSelectedDrive() const noexcept {
+    return ready_ && holds(selected_);
+}
 
 CommandResult cdASPI::execute(const MmcCommand& command, void* data, std::uint32_t bytes) {
     return ExecScsi(at(selected_), command, Aspi::directionIn, data, bytes);
@@ -98,8 +102,8 @@ DriveText cdASPI::inquiry(const Drive& drive) {
     return driveText(answer);
 }
 
-CommandResult cdASPI::ExecScsi(const Drive& drive, const MmcCommand& command, std::uint8_t direction,
-                               void* data, std::uint32_t bytes) {
+CommandResult cdASPI::ExecScsi(const Drive& drive, const MmcCommand& command,
+                               std::uint8_t direction, void* data, std::uint32_t bytes) {
     SRB_ExecSCSICmd block{};
     block.header.SRB_Cmd = Aspi::executeScsi;
     block.header.SRB_HaId = drive.adapter;
@@ -112,8 +116,8 @@ CommandResult cdASPI::ExecScsi(const Drive& drive, const MmcCommand& command, st
     block.SRB_CDBLen = command.length;
     std::copy(command.bytes.begin(), command.bytes.end(), block.CDBByte);
     send(&block);
-    // Deliberate: the wait has no timeout, no sleep and no event. The driver writes to this block, on
-    // the stack, until the command has ended, so there is no leaving before.
+    // Deliberate: the wait has no timeout, no sleep and no event. The driver writes to this block,
+    // on the stack, until the command has ended, so there is no leaving before.
     const volatile std::uint8_t& status = block.header.SRB_Status;
     while (status == Aspi::pending) {
     }

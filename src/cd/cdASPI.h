@@ -1,10 +1,11 @@
 #pragma once
 
-// CD drives through ASPI for Win32 (wnaspi32.dll), the one way that also works outside the NT family.
-// A command has no end but its completion: it cannot be cancelled and nothing limits the wait.
-// Statuses: see MmcAccess; also 3 bad index, 4 no ASPI or no drive.
+// CD drives through ASPI for Win32 (wnaspi32.dll), the one way that also works outside the NT
+// family. A command has no end but its completion: it cannot be cancelled and nothing limits the
+// wait. Statuses: see MmcAccess; also 3 bad index, 4 no ASPI or no drive.
 //
-// The library stays loaded as long as the backend lives. DeInitMe leaves the list of drives as it is.
+// The library stays loaded as long as the backend lives. DeInitMe leaves the list of drives as it
+// is.
 
 #include "cd/DriveDevice.h"
 #include "cd/MmcAccess.h"
@@ -17,7 +18,8 @@ namespace corvina {
 
 class cdASPI final : public MmcAccess {
 public:
-    explicit cdASPI(DriveDevice devices = DriveDevice(), const LibraryApi& libraries = systemLibraryApi);
+    explicit cdASPI(DriveDevice devices = DriveDevice(),
+                    const LibraryApi& libraries = systemLibraryApi);
     ~cdASPI() override;
     cdASPI(const cdASPI&) = delete;
     cdASPI& operator=(const cdASPI&) = delete;

@@ -9,7 +9,8 @@
 namespace corvina {
 
 static_assert(sizeof(RAW_READ_INFO) == 16);
-static_assert(offsetof(RAW_READ_INFO, SectorCount) == 8 && offsetof(RAW_READ_INFO, TrackMode) == 12);
+static_assert(offsetof(RAW_READ_INFO, SectorCount) == 8 &&
+              offsetof(RAW_READ_INFO, TrackMode) == 12);
 static_assert(CDDA == 2);
 static_assert(sizeof(DISK_GEOMETRY) == 24);
 
@@ -43,9 +44,13 @@ std::int32_t cdIOCTL::ReadSectorsRAW(std::int32_t LBA, std::int32_t sectors, voi
                : CdStatus::readFailed;
 }
 
-std::int32_t cdIOCTL::OpenCD() { return moveTray(IoRequest::ejectMedia); }
+std::int32_t cdIOCTL::OpenCD() {
+    return moveTray(IoRequest::ejectMedia);
+}
 
-std::int32_t cdIOCTL::CloseCD() { return moveTray(IoRequest::loadMedia); }
+std::int32_t cdIOCTL::CloseCD() {
+    return moveTray(IoRequest::loadMedia);
+}
 
 bool cdIOCTL::IsDiscPresent() {
     DISK_GEOMETRY geometry{};
@@ -53,7 +58,9 @@ bool cdIOCTL::IsDiscPresent() {
                                            &geometry, sizeof(geometry));
 }
 
-DriveText cdIOCTL::describe(const FileRecord&) { return {L"Generic", L"CD-ROM drive", L"v1"}; }
+DriveText cdIOCTL::describe(const FileRecord&) {
+    return {L"Generic", L"CD-ROM drive", L"v1"};
+}
 
 std::int32_t cdIOCTL::moveTray(std::uint32_t code) const noexcept {
     if (!selected())

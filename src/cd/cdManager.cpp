@@ -67,7 +67,9 @@ bool cdManager::SelectDevice(std::int32_t index) {
     return backend_ && backend_->SelectDevice(index) == CdStatus::done;
 }
 
-std::int32_t cdManager::DeviceCount() { return backend_ ? backend_->DeviceCount() : 0; }
+std::int32_t cdManager::DeviceCount() {
+    return backend_ ? backend_->DeviceCount() : 0;
+}
 
 std::wstring cdManager::DeviceName(std::int32_t index) {
     return backend_ ? backend_->DeviceName(index) : std::wstring();
@@ -77,11 +79,17 @@ std::wstring cdManager::DeviceChar(std::int32_t index) {
     return backend_ ? backend_->DeviceChar(index) : std::wstring();
 }
 
-bool cdManager::OpenCD() { return backend_ && backend_->OpenCD() == CdStatus::done; }
+bool cdManager::OpenCD() {
+    return backend_ && backend_->OpenCD() == CdStatus::done;
+}
 
-bool cdManager::CloseCD() { return backend_ && backend_->CloseCD() == CdStatus::done; }
+bool cdManager::CloseCD() {
+    return backend_ && backend_->CloseCD() == CdStatus::done;
+}
 
-bool cdManager::IsDiscPresent() { return backend_ && backend_->IsDiscPresent(); }
+bool cdManager::IsDiscPresent() {
+    return backend_ && backend_->IsDiscPresent();
+}
 
 std::unique_ptr<cTOC> cdManager::GetTOC() {
     if (!backend_)
@@ -92,8 +100,8 @@ std::unique_ptr<cTOC> cdManager::GetTOC() {
     return table;
 }
 
-// Every step reads the table afresh, four times in all, and a step that fails (the disc was taken out
-// in between) is passed over: the drive may have been given another disc since the last step.
+// Every step reads the table afresh, four times in all, and a step that fails (the disc was taken
+// out in between) is passed over: the drive may have been given another disc since the last step.
 std::int32_t cdManager::SelectTrack(std::uint8_t track) {
     std::int32_t tracks = 0;
     tryStep([&] {
@@ -126,7 +134,9 @@ std::int32_t cdManager::startOf(std::int32_t track) {
     return entry->StartLBA();
 }
 
-std::int32_t cdManager::OpenSource(const std::wstring&) { return SourceResult::notOpen; }
+std::int32_t cdManager::OpenSource(const std::wstring&) {
+    return SourceResult::notOpen;
+}
 
 std::int32_t cdManager::Read(void* pBuffer, std::int32_t cBytes, std::int32_t& cBytesRead) {
     if (cBytesRead >= cBytes)
@@ -146,16 +156,16 @@ std::int32_t cdManager::Read(void* pBuffer, std::int32_t cBytes, std::int32_t& c
             bufferPosition_ += wanted;
             return SourceResult::done;
         }
-        // The position stays where it is: the refill resets it. After a failed refill these bytes are
-        // delivered again by the next call.
+        // The position stays where it is: the refill resets it. After a failed refill these bytes
+        // are delivered again by the next call.
         deliver(available);
         if (!FillBuffer())
             return SourceResult::endOfData;
     }
 }
 
-// Deliberate: four sectors are read wherever the track ends, so its last block may reach up to three
-// sectors into the next track. Ends of tracks are not trimmed.
+// Deliberate: four sectors are read wherever the track ends, so its last block may reach up to
+// three sectors into the next track. Ends of tracks are not trimmed.
 bool cdManager::FillBuffer() {
     if (EndOfStream() || !backend_ || !track_)
         return false;
@@ -169,12 +179,14 @@ bool cdManager::FillBuffer() {
 }
 
 std::int32_t cdManager::SeekTo(std::int32_t Value, std::int32_t& Mode) {
-    // Deliberate: what is left of the block stays in line and comes as silence before the new place.
+    // Deliberate: what is left of the block stays in line and comes as silence before the new
+    // place.
     buffer_.fill(0);
     if (Mode == SeekMode::percent) {
         if (Value < 0 || Value > 100)
             return SourceResult::outOfRange;
-        // Deliberate: these are seconds taken as sectors, so a percentage lands at 1/75 of its place.
+        // Deliberate: these are seconds taken as sectors, so a percentage lands at 1/75 of its
+        // place.
         sectorOffset_ = roundToInt32(Duration() / 1000.0 * Value / 100.0);
     } else if (Mode == SeekMode::seconds) {
         if (Value < 0 || Value > Duration() / 1000.0)
@@ -184,8 +196,12 @@ std::int32_t cdManager::SeekTo(std::int32_t Value, std::int32_t& Mode) {
     return SourceResult::done;
 }
 
-std::int32_t cdManager::Position() { return milliseconds(sectorOffset_); }
+std::int32_t cdManager::Position() {
+    return milliseconds(sectorOffset_);
+}
 
-std::int32_t cdManager::Duration() { return milliseconds(trackLength_); }
+std::int32_t cdManager::Duration() {
+    return milliseconds(trackLength_);
+}
 
 } // namespace corvina

@@ -1,7 +1,7 @@
 #pragma once
 
-// Chooses a CD backend and streams one track of the selected drive as 16-bit stereo PCM of 44100 Hz,
-// which is what raw audio sectors are.
+// Chooses a CD backend and streams one track of the selected drive as 16-bit stereo PCM of 44100
+// Hz, which is what raw audio sectors are.
 //
 // InitManager, then SelectDevice, then SelectTrack, then any number of Read and SeekTo. Without a
 // backend everything answers false, 0 or empty text; GetTOC alone expects one and raises Object
@@ -28,8 +28,9 @@ public:
     cdManager(const cdManager&) = delete;
     cdManager& operator=(const cdManager&) = delete;
 
-    // Tries SCSI pass-through, device I/O control (unless disabled) and ASPI, in this order, up to the
-    // first that can be used; whether there was one. The flag is by reference as the interface has it.
+    // Tries SCSI pass-through, device I/O control (unless disabled) and ASPI, in this order, up to
+    // the first that can be used; whether there was one. The flag is by reference as the interface
+    // has it.
     bool InitManager(const bool& DisableIOCTL = false);
     bool SelectDevice(std::int32_t index);
     [[nodiscard]] std::int32_t DeviceCount();
@@ -66,7 +67,8 @@ public:
     std::int16_t Channels() override { return 2; }
     std::int16_t BitsPerSample() override { return 16; }
     std::int32_t Bitrate() override { return 1411200; }
-    // Up to four sectors (53 ms) ahead of the bytes delivered: it counts what was read from the drive.
+    // Up to four sectors (53 ms) ahead of the bytes delivered: it counts what was read from the
+    // drive.
     std::int32_t Position() override;
     std::int32_t Duration() override;
 

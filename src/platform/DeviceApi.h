@@ -1,7 +1,7 @@
 #pragma once
 
-// The functions of kernel32 by which drives are found and asked. A user keeps the table by reference:
-// it must outlive the user.
+// The functions of kernel32 by which drives are found and asked. A user keeps the table by
+// reference: it must outlive the user.
 
 #include <windows.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-// A CD backend over discs that exist only as tables: what it was asked is recorded, what it reads is
-// the number of each sector, over and over.
+// A CD backend over discs that exist only as tables: what it was asked is recorded, the
+// 32-bit words of a sector that it reads all hold the sector's number.
 
 #include "cd/CdAddress.h"
 #include "cd/CdBackends.h"
@@ -27,11 +27,10 @@ struct FakeDisc {
         result->TrackCount(static_cast<std::int32_t>(entries.size()));
         for (const Entry& entry : entries) {
             const auto start = static_cast<std::uint32_t>(entry.start);
-            result->StoreEntry({0, static_cast<std::uint8_t>(0x10 | entry.control), entry.number, 0,
-                                static_cast<std::uint8_t>(start >> 24),
-                                static_cast<std::uint8_t>(start >> 16),
-                                static_cast<std::uint8_t>(start >> 8),
-                                static_cast<std::uint8_t>(start)});
+            result->StoreEntry(
+                {0, static_cast<std::uint8_t>(0x10 | entry.control), entry.number, 0,
+                 static_cast<std::uint8_t>(start >> 24), static_cast<std::uint8_t>(start >> 16),
+                 static_cast<std::uint8_t>(start >> 8), static_cast<std::uint8_t>(start)});
         }
         return result;
     }
@@ -55,9 +54,6 @@ struct FakeMachine {
     std::vector<Read> reads;
     std::vector<std::int32_t> selections;
 };
-
-// The 32-bit words of a sector all hold its number.
-inline std::int32_t wordOfSector(std::int32_t lba) { return lba; }
 
 class FakeBackend final : public cCDAccess {
 public:
@@ -90,7 +86,9 @@ public:
     std::wstring DeviceName(std::int32_t index) override {
         return L"drive " + std::to_wstring(index);
     }
-    std::int32_t DeviceCount() override { return static_cast<std::int32_t>(machine_.drives.size()); }
+    std::int32_t DeviceCount() override {
+        return static_cast<std::int32_t>(machine_.drives.size());
+    }
     std::int32_t GetTOC(std::unique_ptr<cTOC>& clsTOC) override {
         clsTOC.reset();
         ++machine_.tablesRead;
@@ -104,9 +102,9 @@ public:
         if (!machine_.sectorReadable(LBA))
             return CdStatus::readFailed;
         auto* place = static_cast<std::uint8_t*>(ptr);
-        for (std::int32_t sector = LBA; sector < LBA + sectors; ++sector)
+        for (std::int32_t sector = 0; sector < sectors; ++sector)
             for (std::int32_t i = 0; i < bytesPerSector; i += 4, place += 4) {
-                const std::int32_t word = wordOfSector(sector);
+                const std::int32_t word = LBA + sector;
                 std::memcpy(place, &word, sizeof(word));
             }
         return 0;

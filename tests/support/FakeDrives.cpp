@@ -32,7 +32,9 @@ HANDLE WINAPI fakeCreateFile(LPCSTR name, DWORD access, DWORD share, LPSECURITY_
     return handle;
 }
 
-BOOL WINAPI fakeCloseHandle(HANDLE handle) { return machine->open.erase(handle) == 1; }
+BOOL WINAPI fakeCloseHandle(HANDLE handle) {
+    return machine->open.erase(handle) == 1;
+}
 
 BOOL WINAPI fakeIoControl(HANDLE device, DWORD code, LPVOID input, DWORD inputBytes, LPVOID output,
                           DWORD outputBytes, LPDWORD got, LPOVERLAPPED) {
@@ -47,7 +49,9 @@ BOOL WINAPI fakeIoControl(HANDLE device, DWORD code, LPVOID input, DWORD inputBy
 
 } // namespace
 
-FakeDrives::FakeDrives() { machine = this; }
+FakeDrives::FakeDrives() {
+    machine = this;
+}
 
 const DeviceApi& FakeDrives::devices() {
     static const DeviceApi table{&fakeIoControl, &fakeDriveType, &fakeVersion};

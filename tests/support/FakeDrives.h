@@ -1,7 +1,7 @@
 #pragma once
 
-// A machine with CD drives that do not exist: the platform tables by which the backends find, open and
-// ask drives, every request recorded.
+// A machine with CD drives that do not exist: the platform tables by which the backends find, open
+// and ask drives, every request recorded.
 
 #include "platform/DeviceApi.h"
 #include "platform/FileApi.h"

@@ -27,7 +27,9 @@ std::size_t countOf(std::uint32_t device) {
     return count;
 }
 
-TEST(IoControlCodes, are_62) { EXPECT_EQ(ioControlTable.size(), 62u); }
+TEST(IoControlCodes, are_62) {
+    EXPECT_EQ(ioControlTable.size(), 62u);
+}
 
 TEST(IoControlCodes, are_all_different) {
     std::set<std::uint32_t> codes;

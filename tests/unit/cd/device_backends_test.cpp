@@ -22,7 +22,9 @@ using testing::ElementsAreArray;
 constexpr auto highest = std::numeric_limits<std::int32_t>::max();
 constexpr auto lowest = std::numeric_limits<std::int32_t>::min();
 
-DriveDevice fakeDevices() { return DriveDevice(FakeDrives::devices(), FakeDrives::files()); }
+DriveDevice fakeDevices() {
+    return DriveDevice(FakeDrives::devices(), FakeDrives::files());
+}
 
 template <typename Backend>
 class DeviceBackends : public testing::Test {
@@ -71,8 +73,11 @@ TYPED_TEST(DeviceBackends, a_cd_drive_A_is_never_found) {
 }
 
 TYPED_TEST(DeviceBackends, other_kinds_of_drives_are_not_opened) {
-    this->machine.types = {{'B', DRIVE_REMOVABLE}, {'C', DRIVE_FIXED}, {'E', DRIVE_REMOTE},
-                           {'F', DRIVE_RAMDISK},   {'G', DRIVE_UNKNOWN}};
+    this->machine.types = {{'B', DRIVE_REMOVABLE},
+                           {'C', DRIVE_FIXED},
+                           {'E', DRIVE_REMOTE},
+                           {'F', DRIVE_RAMDISK},
+                           {'G', DRIVE_UNKNOWN}};
     EXPECT_EQ(this->backend.InitMe(), 4);
     EXPECT_TRUE(this->machine.opened.empty());
 }
@@ -414,8 +419,8 @@ TEST_F(SptiBackend, passes_a_packet_of_60_bytes_in_and_out) {
 
 TEST_F(SptiBackend, fills_every_field_of_the_packet) {
     backend.ReadSectorsRAW(300, 4, buffer.data());
-    const std::uint32_t address = static_cast<std::uint32_t>(
-        reinterpret_cast<std::uintptr_t>(buffer.data()));
+    const std::uint32_t address =
+        static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(buffer.data()));
     std::array<std::uint8_t, 60> expected{44, 0, 0, 0, 0, 0, 12, 14, 1};
     const std::uint32_t words[] = {9408, 5, address, 44};
     std::memcpy(expected.data() + 12, words, sizeof(words));

@@ -33,15 +33,21 @@ CDROM_TOC recordOf(int last) {
     return record;
 }
 
-TEST(CdAddress, two_seconds_are_sector_0) { EXPECT_EQ(MsfToLba(0, 2, 0), 0); }
+TEST(CdAddress, two_seconds_are_sector_0) {
+    EXPECT_EQ(MsfToLba(0, 2, 0), 0);
+}
 
-TEST(CdAddress, no_time_at_all_is_sector_minus_150) { EXPECT_EQ(MsfToLba(0, 0, 0), -150); }
+TEST(CdAddress, no_time_at_all_is_sector_minus_150) {
+    EXPECT_EQ(MsfToLba(0, 0, 0), -150);
+}
 
 TEST(CdAddress, minute_89_is_the_last_of_the_program_area) {
     EXPECT_EQ(MsfToLba(89, 59, 74), 404849);
 }
 
-TEST(CdAddress, minute_90_is_in_the_lead_in) { EXPECT_EQ(MsfToLba(90, 0, 0), -45150); }
+TEST(CdAddress, minute_90_is_in_the_lead_in) {
+    EXPECT_EQ(MsfToLba(90, 0, 0), -45150);
+}
 
 TEST(CdAddress, the_last_time_of_all_is_the_sector_before_no_time) {
     EXPECT_EQ(MsfToLba(99, 59, 74), -151);
@@ -94,7 +100,9 @@ TEST(CdTrack, the_high_half_of_the_byte_has_no_say) {
     EXPECT_TRUE(trackWithByte1(0xF0).IsAudio());
 }
 
-TEST(CdTrack, a_track_without_any_control_is_audio) { EXPECT_TRUE(cTOCTrack().IsAudio()); }
+TEST(CdTrack, a_track_without_any_control_is_audio) {
+    EXPECT_TRUE(cTOCTrack().IsAudio());
+}
 
 TEST(CdTable, is_empty_at_first) {
     const cTOC table;
