@@ -77,11 +77,16 @@ HMODULE WINAPI noFileBesideUs(LPCWSTR, HANDLE, DWORD) {
     return nullptr;
 }
 
+template <typename Function>
+FARPROC asExport(Function* function) {
+    return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(function));
+}
+
 FARPROC WINAPI fakeGetProc(HMODULE, LPCSTR name) {
     if (std::string(name) == "GetASPI32SupportInfo" && aspi->exportsSupportInfo)
-        return reinterpret_cast<FARPROC>(&supportInfo);
+        return asExport(&supportInfo);
     if (std::string(name) == "SendASPI32Command" && aspi->exportsSendCommand)
-        return reinterpret_cast<FARPROC>(&sendCommand);
+        return asExport(&sendCommand);
     return nullptr;
 }
 

@@ -1,5 +1,6 @@
 // The two backends that reach drives as devices: cdIOCTL and cdSPTI.
 
+#include "cd/DriveTable.h"
 #include "cd/cdIOCTL.h"
 #include "cd/cdSPTI.h"
 #include "runtime/RuntimeError.h"
@@ -190,14 +191,13 @@ TYPED_TEST(DeviceBackends, InitMe_again_closes_what_was_open) {
 }
 
 TYPED_TEST(DeviceBackends, the_end_of_a_backend_closes_its_devices) {
-    FakeDrives machine;
-    machine.addCdRom('D');
+    this->machine.addCdRom('D');
     {
         TypeParam other{fakeDevices()};
         ASSERT_EQ(other.InitMe(), 0);
-        EXPECT_EQ(machine.open.size(), 1u);
+        EXPECT_EQ(this->machine.open.size(), 1u);
     }
-    EXPECT_TRUE(machine.open.empty());
+    EXPECT_TRUE(this->machine.open.empty());
 }
 
 TYPED_TEST(DeviceBackends, without_a_selected_drive_no_disc_is_present) {
