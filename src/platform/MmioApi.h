@@ -12,6 +12,7 @@ struct MmioApi {
     decltype(&::mmioOpenA) open = &::mmioOpenA;
     decltype(&::mmioStringToFOURCCA) stringToFourcc = &::mmioStringToFOURCCA;
     decltype(&::mmioDescend) descend = &::mmioDescend;
+    decltype(&::mmioRead) read = &::mmioRead;
     decltype(&::mmioSeek) seek = &::mmioSeek;
     decltype(&::mmioClose) close = &::mmioClose;
 };

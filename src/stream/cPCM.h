@@ -14,6 +14,7 @@
 #include "stream/SampleArray.h"
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 struct cCallback;
@@ -47,38 +48,36 @@ public:
     // False where no conversion of the source's format is possible. The observer may be null; it is
     // called with each converted block of 16-bit samples.
     bool InitConversion(cSoundSTRM& Source, cCallback* Callback, bool Force16Bit);
-    // A second entry that hosts of the first kind of source used; the same step for step.
+    // A second entry to the same steps.
     bool InitConversion2(cSoundSTRM& Source, cCallback* Callback, bool Force16Bit);
 
 private:
-    struct Converted {
-        std::int32_t used = 0;     // source bytes
-        std::int32_t produced = 0; // output bytes
-        bool success = false;
+    struct Sizes {
+        std::int32_t output; // bytes of PCM in half a second
+        std::int32_t source; // bytes that convert into one output buffer
     };
 
-    [[nodiscard]] bool openStream(cSoundSTRM& source) noexcept;
+    [[nodiscard]] bool openStream(cSoundSTRM& source);
     void closeStream() noexcept;
-    [[nodiscard]] bool measureStream(std::int32_t& sourceSize) noexcept;
-    void sizeBuffers(std::int32_t sourceSize);
+    [[nodiscard]] std::optional<Sizes> measureStream() const;
+    [[nodiscard]] bool sizeBuffers(const Sizes& sizes);
+    void restart() noexcept;
     [[nodiscard]] bool fill();
-    Converted convert(std::int32_t length, bool endOfData) noexcept;
+    void convert(std::int32_t length, bool endOfData) noexcept;
     void deliver();
 
     const AcmApi& acm_;
     cSoundSTRM* source_ = nullptr;
     cCallback* observer_ = nullptr;
     HACMSTREAM stream_ = nullptr;
-    WAVEFORMATEX sourceFormat_{};
     WAVEFORMATEX outputFormat_{};
     std::vector<std::uint8_t> sourceBuffer_;
     std::vector<std::int16_t> outputBuffer_;
     SampleArray outputArray_;
-    std::int32_t outputSize_ = 0; // the sizes and counts below are bytes
-    std::int32_t sourceSize_ = 0;
-    std::int32_t readOffset_ = 0;
-    std::int32_t available_ = 0;
-    std::int32_t leftover_ = 0;
+    Sizes sizes_{};
+    std::int32_t readOffset_ = 0; // bytes of the output buffer handed out
+    std::int32_t available_ = 0;  // converted bytes in the output buffer
+    std::int32_t leftover_ = 0;   // unconverted bytes at the front of the source buffer
     int fillsWithoutOutput_ = 0;
     bool ended_ = false;
     bool first_ = true;

@@ -45,6 +45,8 @@ public:
         return true;
     }
 
+    // What was armed.
+    [[nodiscard]] const std::string& function() const noexcept { return function_; }
     [[nodiscard]] int code() const noexcept { return code_; }
     // How many calls failed since arming.
     [[nodiscard]] int struck() const noexcept { return struck_; }

@@ -38,8 +38,10 @@ TEST(Rounding, values_beyond_32_bits_raise_overflow) {
     EXPECT_EQ(errorNumberOf([] { (void)roundToInt32(2147483647.5); }), 6);
     EXPECT_EQ(roundToInt32(-2147483648.5), std::numeric_limits<std::int32_t>::min());
     EXPECT_EQ(errorNumberOf([] { (void)roundToInt32(-2147483649.0); }), 6);
-    EXPECT_EQ(errorNumberOf([] { (void)roundToInt32(std::numeric_limits<double>::quiet_NaN()); }), 6);
-    EXPECT_EQ(errorNumberOf([] { (void)roundToInt32(std::numeric_limits<double>::infinity()); }), 6);
+    EXPECT_EQ(errorNumberOf([] { (void)roundToInt32(std::numeric_limits<double>::quiet_NaN()); }),
+              6);
+    EXPECT_EQ(errorNumberOf([] { (void)roundToInt32(std::numeric_limits<double>::infinity()); }),
+              6);
 }
 
 TEST(Rounding, values_beyond_16_bits_raise_overflow) {

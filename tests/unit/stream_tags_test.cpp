@@ -6,7 +6,9 @@
 namespace corvina {
 namespace {
 
-TEST(StrmTags, a_new_collection_is_empty) { EXPECT_EQ(StrmTags().TagCount(), 0); }
+TEST(StrmTags, a_new_collection_is_empty) {
+    EXPECT_EQ(StrmTags().TagCount(), 0);
+}
 
 TEST(StrmTags, item_one_is_the_first_tag_added) {
     StrmTags tags;

@@ -1,0 +1,27 @@
+#include "library/ClassTable.h"
+
+#include "library/Resources.h"
+#include "player/cPlayer.h"
+
+#include "Corvina.h"
+
+namespace corvina {
+namespace {
+
+template <typename Interface, typename Class>
+IUnknown* create() {
+    return static_cast<Interface*>(makeCom<Class>().detach());
+}
+
+const ClassEntry classes[] = {
+    {CLSID_cPlayer, L"Corvina.cPlayer", L"Corvina audio player", &create<_cPlayer, cPlayer>,
+     CORVINA_BITMAP_PLAYER},
+};
+
+} // namespace
+
+std::span<const ClassEntry> classTable() noexcept {
+    return classes;
+}
+
+} // namespace corvina

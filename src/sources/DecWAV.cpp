@@ -1,0 +1,162 @@
+#include "sources/DecWAV.h"
+
+#include "runtime/Checked.h"
+#include "runtime/Rounding.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+
+namespace corvina {
+namespace {
+
+constexpr std::int32_t smallestFormat = 16;
+// A record and all the extra bytes that its cbSize can count.
+constexpr std::int32_t largestFormat =
+    std::int32_t{sizeof(WAVEFORMATEX)} + std::numeric_limits<WORD>::max();
+
+// Bytes of data from which on a read is cut exactly at the end of the data.
+constexpr std::int32_t largeData = 58'375'640;
+
+} // namespace
+
+DecWAV::~DecWAV() {
+    DecWAV::CloseSource();
+}
+
+const WAVEFORMATEX* DecWAV::WFXPointer() {
+    return formatBytes_.empty() ? nullptr
+                                : reinterpret_cast<const WAVEFORMATEX*>(formatBytes_.data());
+}
+
+std::int32_t DecWAV::OpenSource(const std::wstring& Source) {
+    if (!access_.exists(Source))
+        return SourceResult::notOpen;
+    const RiffChunk data = findWaveChunk(Source, "data", mmio_);
+    const RiffChunk format = findWaveChunk(Source, "fmt ", mmio_);
+    if (data.offset == 0 || format.offset == 0 || format.size < smallestFormat ||
+        format.size > largestFormat)
+        return SourceResult::notOpen;
+
+    // The file of an earlier open is replaced, not closed first; it is closed with this source.
+    if (file_.isOpen())
+        replaced_.push_back(std::move(file_));
+    file_ = access_.openForReading(Source);
+    if (!file_.isOpen())
+        return SourceResult::notOpen;
+
+    std::vector<std::uint8_t> bytes;
+    if (!readFormat(file_, format, bytes)) {
+        access_.close(file_);
+        return SourceResult::notOpen;
+    }
+    data_ = data;
+    formatBytes_ = std::move(bytes);
+    std::memcpy(&format_, formatBytes_.data(), sizeof format_);
+    access_.setPosition(file_, data_.offset, MoveMethod::fromBeginning);
+    return SourceResult::done;
+}
+
+// False where the file ends before the chunk does. Codecs look for the extra bytes that the record
+// counts even where the chunk is shorter, so as many zeros follow it.
+bool DecWAV::readFormat(const FileRecord& file, const RiffChunk& chunk,
+                        std::vector<std::uint8_t>& bytes) const {
+    bytes.resize(static_cast<std::size_t>(std::max(chunk.size, std::int32_t{sizeof format_})));
+    access_.setPosition(file, chunk.offset, MoveMethod::fromBeginning);
+    if (access_.read(file, bytes.data(), chunk.size) != chunk.size)
+        return false;
+    WAVEFORMATEX record;
+    std::memcpy(&record, bytes.data(), sizeof record);
+    bytes.resize(std::max(bytes.size(), sizeof record + record.cbSize));
+    return true;
+}
+
+std::int32_t DecWAV::CloseSource() {
+    access_.close(file_);
+    for (FileRecord& file : replaced_)
+        access_.close(file);
+    replaced_.clear();
+    return SourceResult::done;
+}
+
+bool DecWAV::EndOfStream() {
+    return access_.position(file_) >= endOfData();
+}
+
+std::int32_t DecWAV::Read(void* pBuffer, std::int32_t cBytes, std::int32_t& cBytesRead) {
+    if (!file_.isOpen())
+        return SourceResult::notOpen;
+    const std::int32_t position = access_.position(file_);
+    const std::int32_t end = endOfData();
+    if (position > end) {
+        cBytesRead = 0;
+        return SourceResult::endOfData;
+    }
+    // The doubled limit is meant: a smaller file is read past its data chunk, whatever follows it,
+    // as long as no more than half of the request lies there. So its last buffer is served whole
+    // instead of ending in the middle, and the next read finds the position past the end.
+    const std::int32_t limit =
+        data_.size >= largeData ? end : subtract32(multiply32(2, end), position);
+    const bool cut = add32(position, cBytes) > limit;
+    cBytesRead = access_.read(file_, pBuffer, cut ? end - position : cBytes);
+    return cut ? SourceResult::endOfData : SourceResult::done;
+}
+
+std::int32_t DecWAV::SeekTo(std::int32_t Value, std::int32_t& Mode) {
+    if (!file_.isOpen())
+        return SourceResult::done;
+    std::int32_t offset = 0;
+    if (Mode == SeekMode::percent) {
+        if (Value < 0 || Value > 100)
+            return SourceResult::outOfRange;
+        offset = roundToInt32(Value / 100.0 * data_.size);
+    } else if (Mode == SeekMode::seconds) {
+        if (Value < 0 || Duration() / 1000.0 < Value)
+            return SourceResult::outOfRange;
+        offset = multiply32(bytesPerSecond(), Value);
+    }
+    if (Value != 0)
+        offset -= remainder32(offset, format_.nBlockAlign);
+    access_.setPosition(file_, add32(data_.offset, offset), MoveMethod::fromBeginning);
+    return SourceResult::done;
+}
+
+std::int32_t DecWAV::SampleRate() {
+    return static_cast<std::int32_t>(format_.nSamplesPerSec);
+}
+
+std::int16_t DecWAV::Channels() {
+    return static_cast<std::int16_t>(format_.nChannels);
+}
+
+// Some compressed formats store 0.
+std::int16_t DecWAV::BitsPerSample() {
+    return format_.wBitsPerSample == 0 ? std::int16_t{16}
+                                       : static_cast<std::int16_t>(format_.wBitsPerSample);
+}
+
+std::int32_t DecWAV::Bitrate() {
+    return multiply32(bytesPerSecond(), 8);
+}
+
+std::int32_t DecWAV::Position() {
+    return milliseconds(subtract32(access_.position(file_), data_.offset));
+}
+
+std::int32_t DecWAV::Duration() {
+    return milliseconds(data_.size);
+}
+
+std::int32_t DecWAV::milliseconds(std::int32_t bytes) const {
+    return roundToInt32(divide(bytes, bytesPerSecond()) * 1000);
+}
+
+std::int32_t DecWAV::bytesPerSecond() const noexcept {
+    return static_cast<std::int32_t>(format_.nAvgBytesPerSec);
+}
+
+std::int32_t DecWAV::endOfData() const {
+    return add32(data_.offset, data_.size);
+}
+
+} // namespace corvina

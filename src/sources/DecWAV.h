@@ -1,0 +1,66 @@
+#pragma once
+
+// RIFF/WAVE files. Nothing is decoded: the bytes of the data chunk are handed out as they are, with
+// the format chunk as it is stored, and the converter makes PCM of them.
+//
+// Positions and sizes are 32-bit signed. A position computed beyond that raises Overflow; a format
+// record with an average rate of 0 makes times, and a block align of 0 makes seeks, raise the error
+// of a division by zero. The tags are always empty.
+
+#include "platform/MmioApi.h"
+#include "stream/FileAccess.h"
+#include "stream/RiffChunk.h"
+#include "stream/StrmTags.h"
+#include "stream/cSoundSTRM.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace corvina {
+
+class DecWAV final : public cSoundSTRM, public cSoundInf {
+public:
+    explicit DecWAV(const FileApi& files = systemFileApi,
+                    const MmioApi& mmio = systemMmioApi) noexcept
+        : access_(files), mmio_(mmio) {}
+    DecWAV(const DecWAV&) = delete;
+    DecWAV& operator=(const DecWAV&) = delete;
+    ~DecWAV() override;
+
+    cSoundInf& Info() override { return *this; }
+    std::vector<std::wstring> Extensions() override { return {L"wav"}; }
+    bool EndOfStream() override;
+    bool Seekable() override { return true; }
+    const WAVEFORMATEX* WFXPointer() override;
+    std::int32_t OpenSource(const std::wstring& Source) override;
+    std::int32_t CloseSource() override;
+    std::int32_t Read(void* pBuffer, std::int32_t cBytes, std::int32_t& cBytesRead) override;
+    std::int32_t SeekTo(std::int32_t Value, std::int32_t& Mode) override;
+
+    StrmTags* Tags() override { return &tags_; }
+    bool Force16Bit() override { return false; }
+    std::int32_t SampleRate() override;
+    std::int16_t Channels() override;
+    std::int16_t BitsPerSample() override;
+    std::int32_t Bitrate() override;
+    std::int32_t Position() override;
+    std::int32_t Duration() override;
+
+private:
+    [[nodiscard]] bool readFormat(const FileRecord& file, const RiffChunk& chunk,
+                                  std::vector<std::uint8_t>& bytes) const;
+    [[nodiscard]] std::int32_t milliseconds(std::int32_t bytes) const;
+    [[nodiscard]] std::int32_t bytesPerSecond() const noexcept;
+    [[nodiscard]] std::int32_t endOfData() const;
+
+    FileAccess access_;
+    const MmioApi& mmio_;
+    FileRecord file_;
+    std::vector<FileRecord> replaced_; // still open, until the source is closed
+    RiffChunk data_;
+    std::vector<std::uint8_t> formatBytes_; // the chunk, with zeros behind it
+    WAVEFORMATEX format_{};
+    StrmTags tags_;
+};
+
+} // namespace corvina

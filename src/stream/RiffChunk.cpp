@@ -1,0 +1,92 @@
+#include "stream/RiffChunk.h"
+
+#include "platform/AnsiText.h"
+
+#include <limits>
+#include <optional>
+
+namespace corvina {
+namespace {
+
+// A damaged file may be one long row of empty chunks.
+constexpr int mostChunksBefore = 65536;
+
+class OpenMmio {
+public:
+    OpenMmio(const MmioApi& api, std::string& path) noexcept
+        : api_(api), handle_(api.open(path.data(), nullptr, MMIO_READ)) {}
+    OpenMmio(const OpenMmio&) = delete;
+    OpenMmio& operator=(const OpenMmio&) = delete;
+    ~OpenMmio() {
+        if (handle_)
+            api_.close(handle_, 0);
+    }
+
+    explicit operator bool() const noexcept { return handle_ != nullptr; }
+
+    // Leaves the position at the data of the first chunk from here on that carries the given name,
+    // or the given form type. A parent ends the search.
+    [[nodiscard]] bool descend(MMCKINFO& chunk, const MMCKINFO* parent, UINT flags) const {
+        return stepToChunk(chunk, flags) && api_.descend(handle_, &chunk, parent, flags) == 0;
+    }
+
+    [[nodiscard]] LONG position() const { return api_.seek(handle_, 0, SEEK_CUR); }
+
+private:
+    // The platform's own search follows each chunk's size wherever it points, also back to the same
+    // chunk, for ever. So the way to the chunk is walked here first, forwards only.
+    [[nodiscard]] bool stepToChunk(const MMCKINFO& wanted, UINT flags) const {
+        struct Header {
+            FOURCC id;
+            DWORD size;
+            FOURCC type;
+        };
+        std::int64_t at = position();
+        for (int step = 0; step < mostChunksBefore; ++step) {
+            Header header{};
+            const LONG got =
+                api_.read(handle_, reinterpret_cast<HPSTR>(&header), LONG{sizeof header});
+            if (at < 0 || got < LONG{offsetof(Header, type)})
+                return false;
+            const bool found = flags == MMIO_FINDRIFF
+                                   ? header.id == FOURCC_RIFF && header.type == wanted.fccType
+                                   : header.id == wanted.ckid;
+            const std::int64_t next =
+                found ? at
+                      : at + std::int64_t{offsetof(Header, type)} + header.size + header.size % 2;
+            if (next > std::numeric_limits<LONG>::max() ||
+                api_.seek(handle_, static_cast<LONG>(next), SEEK_SET) != next)
+                return false;
+            if (found)
+                return true;
+            at = next;
+        }
+        return false;
+    }
+
+    const MmioApi& api_;
+    HMMIO handle_;
+};
+
+} // namespace
+
+RiffChunk findWaveChunk(const std::wstring& path, const char* name, const MmioApi& mmio) {
+    AnsiText ansi = toAnsi(path);
+    if (ansi.lossy)
+        return {};
+    const OpenMmio file(mmio, ansi.text);
+    if (!file)
+        return {};
+    MMCKINFO wave{};
+    wave.fccType = mmio.stringToFourcc("WAVE", 0);
+    MMCKINFO chunk{};
+    chunk.ckid = mmio.stringToFourcc(name, 0);
+    if (!file.descend(wave, nullptr, MMIO_FINDRIFF) || !file.descend(chunk, &wave, MMIO_FINDCHUNK))
+        return {};
+    const LONG offset = file.position();
+    if (offset < 0)
+        return {};
+    return {offset, static_cast<std::int32_t>(chunk.cksize)};
+}
+
+} // namespace corvina

@@ -1,0 +1,265 @@
+#include "stream/cPCM.h"
+
+#include "runtime/Checked.h"
+#include "runtime/Rounding.h"
+#include "stream/cSoundSTRM.h"
+
+#include "Corvina.h"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+
+namespace corvina {
+namespace {
+
+constexpr double bufferSeconds = 500.0 / 1000.0;
+
+// No device plays half a second of this size: whoever announces it has a damaged format record.
+constexpr std::int32_t largestBuffer = 64 * 1024 * 1024;
+
+// A source that says "more follows" and delivers nothing, or a codec that converts nothing, would
+// be asked for ever inside one window message. After half a minute of data without one byte of
+// sound the stream counts as ended.
+constexpr int mostFillsWithoutOutput = 64;
+
+// 4-bit ADPCM plays as 8 bits, 24 and 32 bits as 16.
+std::uint16_t outputWidth(std::uint16_t sourceBits, bool force16Bit) {
+    return force16Bit || sourceBits > 8 ? 16 : 8;
+}
+
+WAVEFORMATEX pcmFormat(DWORD rate, WORD channels, WORD bits) {
+    WAVEFORMATEX format{};
+    format.wFormatTag = WAVE_FORMAT_PCM;
+    format.nChannels = channels;
+    format.nSamplesPerSec = rate;
+    const std::int16_t blockAlign = roundToInt16(bits / 8.0 * channels);
+    format.nBlockAlign = static_cast<WORD>(blockAlign);
+    format.nAvgBytesPerSec =
+        static_cast<DWORD>(multiply32(blockAlign, static_cast<std::int32_t>(rate)));
+    format.wBitsPerSample = bits;
+    return format;
+}
+
+// The 16-bit elements of an output buffer of that many bytes. Half an element rounds to even and
+// may be rounded away.
+std::size_t elementsOf(std::int32_t outputBytes) {
+    return static_cast<std::size_t>(roundToInt32(outputBytes / 2.0 - 1) + 1);
+}
+
+template <typename Buffer>
+void silence(Buffer& buffer) noexcept {
+    std::fill(buffer.begin(), buffer.end(), typename Buffer::value_type{});
+}
+
+} // namespace
+
+cPCM::~cPCM() {
+    closeStream();
+}
+
+std::int32_t cPCM::OutputSamplerate() const noexcept {
+    return static_cast<std::int32_t>(outputFormat_.nSamplesPerSec);
+}
+
+std::int16_t cPCM::OutputChannels() const noexcept {
+    return static_cast<std::int16_t>(outputFormat_.nChannels);
+}
+
+std::int16_t cPCM::OutputBitsPerSample() const noexcept {
+    return static_cast<std::int16_t>(outputFormat_.wBitsPerSample);
+}
+
+bool cPCM::InitConversion(cSoundSTRM& Source, cCallback* Callback, bool Force16Bit) {
+    closeStream();
+    if (!Source.WFXPointer())
+        return false;
+    WAVEFORMATEX format;
+    std::memcpy(&format, Source.WFXPointer(), sizeof format);
+    const bool force = Source.Info().Force16Bit() || Force16Bit;
+    outputFormat_ = pcmFormat(format.nSamplesPerSec, format.nChannels,
+                              outputWidth(format.wBitsPerSample, force));
+
+    if (!openStream(Source)) {
+        // Only the caller's own wish forbids the other width; a source's does not.
+        if (Force16Bit)
+            return false;
+        // Block align and average rate stay those of the first width: codecs go by the width, and
+        // the player announces the same mixed record to the device.
+        outputFormat_.wBitsPerSample = outputFormat_.wBitsPerSample == 16 ? 8 : 16;
+        if (!openStream(Source))
+            return false;
+    }
+    const std::optional<Sizes> sizes = measureStream();
+    if (!sizes || !sizeBuffers(*sizes)) {
+        closeStream();
+        return false;
+    }
+    source_ = &Source;
+    observer_ = Callback;
+    restart();
+    readOffset_ = 0;
+    available_ = 0;
+    return true;
+}
+
+bool cPCM::InitConversion2(cSoundSTRM& Source, cCallback* Callback, bool Force16Bit) {
+    return InitConversion(Source, Callback, Force16Bit);
+}
+
+void cPCM::ResetACM() {
+    if (!stream_)
+        return;
+    CloseConverter();
+    // The results do not matter: without a stream every conversion fails, and playback runs out.
+    (void)openStream(*source_);
+    if (const std::optional<Sizes> sizes = measureStream())
+        (void)sizeBuffers(*sizes);
+    restart();
+    // What was converted before the seek has become silence and is still handed out.
+}
+
+bool cPCM::CloseConverter() noexcept {
+    closeStream();
+    silence(sourceBuffer_);
+    silence(outputBuffer_);
+    return true;
+}
+
+bool cPCM::openStream(cSoundSTRM& source) {
+    HACMSTREAM opened = nullptr;
+    auto* const format = const_cast<WAVEFORMATEX*>(source.WFXPointer());
+    if (acm_.streamOpen(&opened, nullptr, format, &outputFormat_, nullptr, 0, 0, 0) != 0)
+        opened = nullptr;
+    stream_ = opened;
+    return stream_ != nullptr;
+}
+
+void cPCM::closeStream() noexcept {
+    if (stream_)
+        acm_.streamClose(stream_, 0);
+    stream_ = nullptr;
+}
+
+std::optional<cPCM::Sizes> cPCM::measureStream() const {
+    const auto bytesPerSecond = static_cast<std::int32_t>(outputFormat_.nAvgBytesPerSec);
+    const std::int32_t output = roundToInt32(bytesPerSecond * bufferSeconds);
+    if (output < 0 || output > largestBuffer)
+        return std::nullopt;
+    DWORD source = 0;
+    if (acm_.streamSize(stream_, static_cast<DWORD>(output), &source,
+                        ACM_STREAMSIZEF_DESTINATION) != 0 ||
+        source > static_cast<DWORD>(largestBuffer))
+        return std::nullopt;
+    return Sizes{output, static_cast<std::int32_t>(source)};
+}
+
+bool cPCM::sizeBuffers(const Sizes& sizes) {
+    try {
+        // The last byte of an odd size may have no element, and the codec writes it all the same.
+        const auto halves = static_cast<std::size_t>(sizes.output + 1) / 2;
+        std::vector<std::int16_t> output(std::max(elementsOf(sizes.output), halves));
+        std::vector<std::uint8_t> source(static_cast<std::size_t>(sizes.source));
+        outputBuffer_ = std::move(output);
+        sourceBuffer_ = std::move(source);
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+    sizes_ = sizes;
+    return true;
+}
+
+void cPCM::restart() noexcept {
+    ended_ = false;
+    first_ = true;
+    leftover_ = 0;
+    fillsWithoutOutput_ = 0;
+}
+
+// Converts that many bytes of the source buffer. Available is what came of them, nothing on
+// failure.
+void cPCM::convert(std::int32_t length, bool endOfData) noexcept {
+    ACMSTREAMHEADER header{};
+    header.cbStruct = sizeof header;
+    header.pbSrc = sourceBuffer_.data();
+    header.cbSrcLength = static_cast<DWORD>(length);
+    header.pbDst = reinterpret_cast<BYTE*>(outputBuffer_.data());
+    header.cbDstLength = static_cast<DWORD>(sizes_.output);
+
+    DWORD flags = ACM_STREAMCONVERTF_BLOCKALIGN;
+    if (first_)
+        flags |= ACM_STREAMCONVERTF_START;
+    if (endOfData)
+        flags |= ACM_STREAMCONVERTF_END;
+
+    available_ = 0;
+    acm_.streamPrepareHeader(stream_, &header, 0);
+    // A failed first conversion is not repeated: the next one goes on in the middle of the stream.
+    first_ = false;
+    if (acm_.streamConvert(stream_, &header, flags) == 0) {
+        const DWORD used = std::min(header.cbSrcLengthUsed, static_cast<DWORD>(length));
+        leftover_ = length - static_cast<std::int32_t>(used);
+        std::memmove(sourceBuffer_.data(), sourceBuffer_.data() + used,
+                     static_cast<std::size_t>(leftover_));
+        available_ = static_cast<std::int32_t>(
+            std::min(header.cbDstLengthUsed, static_cast<DWORD>(sizes_.output)));
+    }
+    acm_.streamUnprepareHeader(stream_, &header, 0);
+}
+
+// Replaces the output buffer's content; whether anything more can come.
+bool cPCM::fill() {
+    if (ended_) {
+        available_ = 0;
+        readOffset_ = 0;
+        silence(outputBuffer_);
+        silence(sourceBuffer_);
+        return false;
+    }
+    const std::int32_t asked = sizes_.source - leftover_;
+    std::int32_t delivered = 0;
+    if (source_->Read(sourceBuffer_.data() + leftover_, asked, delivered) != SourceResult::done)
+        ended_ = true;
+    convert(leftover_ + std::clamp(delivered, 0, asked), ended_);
+    readOffset_ = 0;
+    fillsWithoutOutput_ = available_ > 0 ? 0 : fillsWithoutOutput_ + 1;
+    if (fillsWithoutOutput_ >= mostFillsWithoutOutput)
+        ended_ = true;
+    deliver();
+    return true;
+}
+
+void cPCM::deliver() {
+    if (available_ == 0 || OutputBitsPerSample() < 16 || !observer_)
+        return;
+    SAFEARRAY* samples = outputArray_.view(outputBuffer_.data(), elementsOf(sizes_.output));
+    observer_->Samples(&samples, available_, OutputChannels());
+    outputArray_.takeBack(samples);
+}
+
+bool cPCM::GetSamples(void* pBuffer, std::int32_t cBytes, std::int32_t& cBytesReturned) {
+    if (!source_)
+        return false;
+    cBytesReturned = 0;
+    while (cBytesReturned < cBytes) {
+        const std::int32_t waiting = available_ - readOffset_;
+        if (waiting > 0) {
+            const std::int32_t bytes = std::min(waiting, cBytes - cBytesReturned);
+            auto* const destination = static_cast<std::uint8_t*>(pBuffer) + cBytesReturned;
+            const auto* const converted =
+                reinterpret_cast<const std::uint8_t*>(outputBuffer_.data()) + readOffset_;
+            // A destination that cannot be written is counted as if it had been. This runs for
+            // every block, and touching its pages costs a fraction of asking the system about them.
+            // The other end of the copy is our own and always good.
+            if (!::IsBadWritePtr(destination, static_cast<UINT_PTR>(bytes)))
+                std::memcpy(destination, converted, static_cast<std::size_t>(bytes));
+            cBytesReturned += bytes;
+            readOffset_ += bytes;
+        }
+        if (cBytesReturned < cBytes && !fill())
+            break;
+    }
+    return true;
+}
+
+} // namespace corvina

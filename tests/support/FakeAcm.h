@@ -1,0 +1,113 @@
+#pragma once
+
+// An audio compression manager that copies bytes, records what it is asked and lies on command. One
+// for a test program; fakeAcm.reset() before each test.
+
+#include "platform/AcmApi.h"
+#include "support/Faults.h"
+
+#include <algorithm>
+#include <cstring>
+#include <functional>
+#include <vector>
+
+namespace corvina::test {
+
+struct FakeAcm {
+    struct Opening {
+        const WAVEFORMATEX* source;
+        WAVEFORMATEX output;
+    };
+    struct Conversion {
+        DWORD sourceLength;
+        DWORD capacity;
+        DWORD flags;
+    };
+
+    Faults faults;
+    int openStreams = 0;
+    int preparedHeaders = 0;
+    std::vector<Opening> openings;
+    std::vector<Conversion> conversions;
+    std::vector<DWORD> measured;
+    // Output widths that no codec makes.
+    std::vector<WORD> refusedBits;
+    // Source bytes for an output buffer of that many bytes.
+    std::function<DWORD(DWORD)> sourceSize;
+    // What a conversion does, in place of copying; its result.
+    std::function<MMRESULT(ACMSTREAMHEADER&)> conversion;
+
+    void reset() { *this = {}; }
+};
+
+inline FakeAcm fakeAcm;
+
+namespace fake {
+
+inline HACMSTREAM acmHandle() {
+    return reinterpret_cast<HACMSTREAM>(&fakeAcm);
+}
+
+inline MMRESULT WINAPI acmStreamOpen(LPHACMSTREAM stream, HACMDRIVER, LPWAVEFORMATEX source,
+                                     LPWAVEFORMATEX output, LPWAVEFILTER, DWORD_PTR, DWORD_PTR,
+                                     DWORD) {
+    fakeAcm.openings.push_back({source, *output});
+    const auto& refused = fakeAcm.refusedBits;
+    if (fakeAcm.faults.strikes("acmStreamOpen") ||
+        std::find(refused.begin(), refused.end(), output->wBitsPerSample) != refused.end())
+        return ACMERR_NOTPOSSIBLE;
+    ++fakeAcm.openStreams;
+    *stream = acmHandle();
+    return 0;
+}
+
+inline MMRESULT WINAPI acmStreamSize(HACMSTREAM stream, DWORD bytes, LPDWORD result, DWORD) {
+    fakeAcm.measured.push_back(bytes);
+    if (stream != acmHandle() || fakeAcm.faults.strikes("acmStreamSize"))
+        return MMSYSERR_INVALHANDLE;
+    *result = fakeAcm.sourceSize ? fakeAcm.sourceSize(bytes) : bytes;
+    return 0;
+}
+
+inline MMRESULT WINAPI acmStreamPrepareHeader(HACMSTREAM, LPACMSTREAMHEADER, DWORD) {
+    if (fakeAcm.faults.strikes("acmStreamPrepareHeader"))
+        return MMSYSERR_NOMEM;
+    ++fakeAcm.preparedHeaders;
+    return 0;
+}
+
+inline MMRESULT WINAPI acmStreamConvert(HACMSTREAM stream, LPACMSTREAMHEADER header, DWORD flags) {
+    fakeAcm.conversions.push_back({header->cbSrcLength, header->cbDstLength, flags});
+    if (stream != acmHandle() || fakeAcm.faults.strikes("acmStreamConvert"))
+        return MMSYSERR_ERROR;
+    if (fakeAcm.conversion)
+        return fakeAcm.conversion(*header);
+    const DWORD bytes = std::min(header->cbSrcLength, header->cbDstLength);
+    if (bytes > 0)
+        std::memcpy(header->pbDst, header->pbSrc, bytes);
+    header->cbSrcLengthUsed = bytes;
+    header->cbDstLengthUsed = bytes;
+    return 0;
+}
+
+inline MMRESULT WINAPI acmStreamUnprepareHeader(HACMSTREAM, LPACMSTREAMHEADER, DWORD) {
+    --fakeAcm.preparedHeaders;
+    return fakeAcm.faults.strikes("acmStreamUnprepareHeader") ? MMSYSERR_ERROR : 0;
+}
+
+// A close that reports a failure has closed all the same.
+inline MMRESULT WINAPI acmStreamClose(HACMSTREAM, DWORD) {
+    --fakeAcm.openStreams;
+    return fakeAcm.faults.strikes("acmStreamClose") ? MMSYSERR_ERROR : 0;
+}
+
+} // namespace fake
+
+inline const AcmApi fakeAcmApi{fake::acmStreamOpen,
+                               fake::acmStreamSize,
+                               fake::acmStreamPrepareHeader,
+                               fake::acmStreamConvert,
+                               fake::acmStreamUnprepareHeader,
+                               fake::acmStreamClose};
+
+} // namespace corvina::test

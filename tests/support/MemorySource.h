@@ -1,0 +1,75 @@
+#pragma once
+
+// A source whose bytes, format and answers a test lays down.
+
+#include "stream/StrmTags.h"
+#include "stream/cSoundSTRM.h"
+#include "support/WavBytes.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <functional>
+#include <vector>
+
+namespace corvina::test {
+
+class MemorySource final : public cSoundSTRM, public cSoundInf {
+public:
+    MemorySource(const WAVEFORMATEX& record, Bytes content)
+        : format(record), data(std::move(content)) {}
+
+    WAVEFORMATEX format;
+    Bytes data;
+    std::size_t position = 0;
+    bool force16Bit = false;
+    bool hasFormat = true;
+    // The counts that Read was asked for.
+    std::vector<std::int32_t> asked;
+    // Where set, it answers Read instead: buffer, count, count read by reference; the result.
+    std::function<std::int32_t(void*, std::int32_t, std::int32_t&)> answer;
+
+    cSoundInf& Info() override { return *this; }
+    std::vector<std::wstring> Extensions() override { return {L"memory"}; }
+    bool EndOfStream() override { return position >= data.size(); }
+    bool Seekable() override { return true; }
+    const WAVEFORMATEX* WFXPointer() override { return hasFormat ? &format : nullptr; }
+    std::int32_t OpenSource(const std::wstring&) override { return SourceResult::done; }
+    std::int32_t CloseSource() override { return SourceResult::done; }
+
+    std::int32_t Read(void* pBuffer, std::int32_t cBytes, std::int32_t& cBytesRead) override {
+        asked.push_back(cBytes);
+        if (answer)
+            return answer(pBuffer, cBytes, cBytesRead);
+        const std::size_t bytes =
+            std::min(static_cast<std::size_t>(cBytes), data.size() - position);
+        if (bytes > 0)
+            std::memcpy(pBuffer, data.data() + position, bytes);
+        position += bytes;
+        cBytesRead = static_cast<std::int32_t>(bytes);
+        return position == data.size() ? SourceResult::endOfData : SourceResult::done;
+    }
+
+    std::int32_t SeekTo(std::int32_t Value, std::int32_t&) override {
+        position = static_cast<std::size_t>(Value) * format.nAvgBytesPerSec;
+        return SourceResult::done;
+    }
+
+    StrmTags* Tags() override { return &tags_; }
+    bool Force16Bit() override { return force16Bit; }
+    std::int32_t SampleRate() override { return static_cast<std::int32_t>(format.nSamplesPerSec); }
+    std::int16_t Channels() override { return static_cast<std::int16_t>(format.nChannels); }
+    std::int16_t BitsPerSample() override {
+        return static_cast<std::int16_t>(format.wBitsPerSample);
+    }
+    std::int32_t Bitrate() override {
+        return static_cast<std::int32_t>(format.nAvgBytesPerSec) * 8;
+    }
+    std::int32_t Position() override { return 0; }
+    std::int32_t Duration() override { return 0; }
+
+private:
+    StrmTags tags_;
+};
+
+} // namespace corvina::test

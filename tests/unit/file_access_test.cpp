@@ -1,0 +1,130 @@
+#include "stream/FileAccess.h"
+
+#include "support/FaultyFiles.h"
+#include "support/TempFolder.h"
+#include "support/WavBytes.h"
+
+#include <gtest/gtest.h>
+
+namespace corvina {
+namespace {
+
+using namespace test;
+
+class FileAccessTest : public testing::Test {
+protected:
+    void SetUp() override { fileFaults.disarm(); }
+    void TearDown() override { EXPECT_EQ(openFiles, 0); }
+
+    TempFolder folder_;
+    FileAccess access_{faultyFileApi};
+};
+
+TEST_F(FileAccessTest, an_opened_record_knows_its_path_and_reads_from_the_start) {
+    const std::wstring path = folder_.write(L"a.bin", {1, 2, 3, 4, 5});
+    FileRecord file = access_.openForReading(path);
+    EXPECT_EQ(file.path, path);
+    Bytes bytes(3);
+    EXPECT_EQ(access_.read(file, bytes.data(), 3), 3);
+    EXPECT_EQ(bytes, (Bytes{1, 2, 3}));
+    EXPECT_EQ(access_.position(file), 3);
+    access_.close(file);
+}
+
+TEST_F(FileAccessTest, a_record_of_a_missing_file_is_closed_and_keeps_the_path) {
+    const FileRecord file = access_.openForReading(folder_.path() + L"\\none");
+    EXPECT_FALSE(file.isOpen());
+    EXPECT_EQ(file.path, folder_.path() + L"\\none");
+}
+
+TEST_F(FileAccessTest, positions_count_from_the_beginning_or_from_the_current_one) {
+    FileRecord file = access_.openForReading(folder_.write(L"a.bin", noise(100)));
+    EXPECT_EQ(access_.setPosition(file, 40, MoveMethod::fromBeginning), 40);
+    EXPECT_EQ(access_.setPosition(file, 7, MoveMethod::fromCurrent), 47);
+    EXPECT_EQ(access_.setPosition(file, -10, MoveMethod::fromCurrent), 37);
+    EXPECT_EQ(access_.position(file), 37);
+    access_.close(file);
+}
+
+TEST_F(FileAccessTest, a_read_at_the_end_delivers_what_is_left_and_then_nothing) {
+    FileRecord file = access_.openForReading(folder_.write(L"a.bin", noise(10)));
+    Bytes bytes(16);
+    EXPECT_EQ(access_.read(file, bytes.data(), 16), 10);
+    EXPECT_EQ(access_.read(file, bytes.data(), 16), 0);
+    access_.close(file);
+}
+
+TEST_F(FileAccessTest, a_closed_record_reads_nothing_without_calling_the_platform) {
+    Bytes bytes(4);
+    EXPECT_EQ(access_.read(FileRecord{}, bytes.data(), 4), 0);
+    EXPECT_EQ(fileFaults.calls("ReadFile"), 0);
+}
+
+TEST_F(FileAccessTest, a_failed_read_is_minus_one) {
+    FileRecord file = access_.openForReading(folder_.write(L"a.bin", noise(10)));
+    Bytes bytes(4);
+    fileFaults.arm("ReadFile", 1);
+    EXPECT_EQ(access_.read(file, bytes.data(), 4), -1);
+    EXPECT_EQ(access_.read(file, bytes.data(), 4), 4);
+    access_.close(file);
+}
+
+TEST_F(FileAccessTest, a_negative_count_is_refused_instead_of_read_as_four_gigabytes) {
+    FileRecord file = access_.openForReading(folder_.write(L"a.bin", noise(10)));
+    Bytes bytes(4);
+    EXPECT_EQ(access_.read(file, bytes.data(), -1), -1);
+    EXPECT_EQ(access_.read(file, bytes.data(), std::numeric_limits<std::int32_t>::min()), -1);
+    access_.close(file);
+}
+
+TEST_F(FileAccessTest, a_null_destination_is_a_failed_read) {
+    FileRecord file = access_.openForReading(folder_.write(L"a.bin", noise(10)));
+    EXPECT_EQ(access_.read(file, nullptr, 4), -1);
+    access_.close(file);
+}
+
+TEST_F(FileAccessTest, closing_clears_the_record_and_twice_is_harmless) {
+    FileRecord file = access_.openForReading(folder_.write(L"a.bin", noise(10)));
+    access_.close(file);
+    EXPECT_FALSE(file.isOpen());
+    EXPECT_EQ(file.handle, INVALID_HANDLE_VALUE);
+    EXPECT_TRUE(file.path.empty());
+    access_.close(file);
+    EXPECT_EQ(fileFaults.calls("CloseHandle"), 1);
+}
+
+TEST_F(FileAccessTest, a_file_exists_as_long_as_it_can_be_opened_for_reading) {
+    const std::wstring path = folder_.write(L"a.bin", noise(10));
+    EXPECT_TRUE(access_.exists(path));
+    EXPECT_FALSE(access_.exists(path + L"x"));
+    EXPECT_FALSE(access_.exists(folder_.path()));
+    fileFaults.arm("CreateFile", 1);
+    EXPECT_FALSE(access_.exists(path));
+}
+
+TEST_F(FileAccessTest, a_character_outside_the_code_page_opens_no_other_file) {
+    const std::wstring path = folder_.write(L"a.bin", noise(10));
+    std::wstring lossy = path;
+    lossy[lossy.size() - 5] = L'\x4E00';
+    EXPECT_FALSE(access_.exists(lossy));
+    EXPECT_FALSE(access_.openForReading(lossy).isOpen());
+}
+
+TEST_F(FileAccessTest, a_character_of_code_0_does_not_cut_the_name) {
+    const std::wstring path = folder_.write(L"a.bin", noise(10));
+    EXPECT_FALSE(access_.exists(path + std::wstring(1, L'\0') + L"b"));
+    EXPECT_FALSE(access_.exists(path + std::wstring(1, L'\0')));
+}
+
+TEST_F(FileAccessTest, names_of_any_length_are_safe) {
+    for (const std::size_t length : {0u, 1u, 259u, 260u, 261u, 32768u})
+        EXPECT_FALSE(access_.exists(std::wstring(length, L'n'))) << length;
+}
+
+TEST_F(FileAccessTest, the_longest_path_of_the_platform_opens) {
+    const std::wstring name(259 - folder_.path().size() - 1, L'n');
+    EXPECT_TRUE(access_.exists(folder_.write(name, noise(10))));
+}
+
+} // namespace
+} // namespace corvina
