@@ -1,5 +1,6 @@
 #include "player/MakeSources.h"
 
+#include "sources/DecCDA.h"
 #include "sources/DecWAV.h"
 
 namespace corvina {
@@ -15,6 +16,7 @@ std::unique_ptr<cSoundSTRM> make() {
 // The order in which the sources are tried for a file.
 constexpr SourceFactory sourceFactories[] = {
     &make<DecWAV>,
+    &make<DecCDA>,
 };
 
 } // namespace

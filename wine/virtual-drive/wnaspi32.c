@@ -8,11 +8,11 @@
 
 enum {
     COMPLETE = 1,
-    FAILED = 4,
+    ENDED_IN_ERROR = 4,
     INVALID_ADAPTER = 0x81,
     NO_DEVICE = 0x82,
     INVALID_COMMAND = 0x80,
-    CD_ROM = 5,
+    CD_ROM_TYPE = 5,
     ADAPTERS = 4
 };
 enum { HA_INQUIRY = 0, GET_DEVICE_TYPE = 1, EXECUTE = 2 };
@@ -94,7 +94,7 @@ static void tell_type(struct type_block *block) {
         block->header.status = NO_DEVICE;
         return;
     }
-    block->type = CD_ROM;
+    block->type = CD_ROM_TYPE;
     block->header.status = COMPLETE;
 }
 
@@ -103,14 +103,14 @@ static uint8_t run(struct command_block *block, struct drive *drive) {
         return NO_DEVICE;
     drive_log(drive, "ASPI %02X %u", block->command[0], (unsigned)block->size);
     if (drive_refuses(drive, block->command[0]))
-        return FAILED;
+        return ENDED_IN_ERROR;
     const struct mmc_answer answer = mmc_run(drive, block->command, block->data, block->size);
     block->target_status = (uint8_t)answer.status;
     if (answer.status == MMC_GOOD)
         return COMPLETE;
     const size_t room = block->sense_size < 16 ? block->sense_size : 16;
     memcpy(block->sense, answer.sense, room);
-    return FAILED;
+    return ENDED_IN_ERROR;
 }
 
 static DWORD WINAPI run_later(void *argument) {
@@ -140,7 +140,7 @@ DWORD __cdecl SendASPI32Command(struct request_block *block) {
     if (block->command == EXECUTE) {
         block->status = 0;
         if (!QueueUserWorkItem(run_later, block, WT_EXECUTEDEFAULT))
-            block->status = FAILED;
+            block->status = ENDED_IN_ERROR;
         return 0;
     }
     EnterCriticalSection(&lock);
