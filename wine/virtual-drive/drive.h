@@ -3,7 +3,7 @@
  * The folder named by the environment's CORVINA_DRIVES holds a file for each drive: d.drive, e.drive
  * and so on. Each line is a word and its values; lines that start with # are remarks:
  *
- *   device /dev/null          the character device that stands for the drive
+ *   device /dev/full          the character device that stands for the drive
  *   disc /path/image.cue      the disc in the drive; without this line the drive is empty
  *   tray open                 the tray is out (the host's own commands move it, too)
  *   name VENDOR|PRODUCT|REV   what INQUIRY tells

@@ -20,9 +20,6 @@
 
 enum { FIRST_LETTER = 'b', LAST_LETTER = 'z', HOST_TIMED_OUT = 3 };
 
-/* Requests that only the kernel's own headers name. */
-enum { GET_IDLUN = 0x5382, GET_BUS_NUMBER = 0x5386 };
-
 static pthread_mutex_t lock = PTHREAD_MUTEX_INITIALIZER;
 
 static struct drive *drive_with_device(dev_t device) {
@@ -158,16 +155,6 @@ static int run(struct drive *drive, unsigned long request, void *argument) {
     switch (request) {
     case SG_IO:
         return run_packet(drive, argument);
-    case GET_IDLUN:
-        ((int *)argument)[0] = drive->now.target | drive->now.lun << 8 | drive->now.host << 24;
-        ((int *)argument)[1] = 0;
-        return 0;
-    case GET_BUS_NUMBER:
-        *(int *)argument = drive->now.host;
-        return 0;
-    case SG_EMULATED_HOST:
-        *(int *)argument = 1;
-        return 0;
     case CDROMREADTOCHDR:
         return read_header(drive, argument);
     case CDROMREADTOCENTRY:
@@ -188,7 +175,7 @@ static int run(struct drive *drive, unsigned long request, void *argument) {
 }
 
 static bool is_for_a_drive(unsigned long request) {
-    return (request >> 8 & 0xFF) == 0x53 || request == SG_IO || request == SG_EMULATED_HOST;
+    return (request >> 8 & 0xFF) == 0x53 || request == SG_IO;
 }
 
 /* Whether the request was for a drive; its result is then in *result. */
