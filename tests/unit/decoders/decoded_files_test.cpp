@@ -4,6 +4,7 @@
 #include "sources/DecOGG.h"
 #include "sources/DecSND.h"
 #include "support/BareDecoders.h"
+#include "support/FileBytes.h"
 #include "support/Media.h"
 #include "support/TempFolder.h"
 
@@ -13,19 +14,7 @@
 namespace corvina::test {
 namespace {
 
-using Bytes = std::vector<std::uint8_t>;
 using testing::SizeIs;
-
-Bytes fileBytes(const std::wstring& path) {
-    FileAccess access;
-    FileRecord file = access.openForReading(path);
-    const std::int32_t size = access.setPosition(file, 0, MoveMethod::fromEnd);
-    access.setPosition(file, 0, MoveMethod::fromBeginning);
-    Bytes bytes(static_cast<std::size_t>(std::max(size, std::int32_t{0})));
-    EXPECT_EQ(access.read(file, bytes.data(), size), size);
-    access.close(file);
-    return bytes;
-}
 
 // The samples of a WAV file with the plain 44-byte header.
 Bytes samplesOf(const std::wstring& wav) {
