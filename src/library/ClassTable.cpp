@@ -2,6 +2,7 @@
 
 #include "library/Resources.h"
 #include "player/cPlayer.h"
+#include "subclass/GSubclass.h"
 
 #include "Corvina.h"
 
@@ -16,6 +17,8 @@ IUnknown* create() {
 const ClassEntry classes[] = {
     {CLSID_cPlayer, L"Corvina.cPlayer", L"Corvina audio player", &create<_cPlayer, cPlayer>,
      CORVINA_BITMAP_PLAYER},
+    {CLSID_GSubclass, L"Corvina.GSubclass", L"Corvina window subclassing",
+     &create<_GSubclass, GSubclass>, 0},
 };
 
 } // namespace
