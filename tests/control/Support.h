@@ -54,6 +54,7 @@ struct Variant : VARIANT {
         vt = VT_I4;
         lVal = number;
     }
+    explicit Variant(int number) noexcept : Variant(static_cast<long>(number)) {}
     explicit Variant(const wchar_t* text) : Variant() {
         vt = VT_BSTR;
         bstrVal = Bstr(text).detach();

@@ -1,6 +1,6 @@
 // The player's engine on the real wave output device.
 
-#include "support/PlayerHost.h"
+#include "support/BarePlayer.h"
 #include "support/TempFolder.h"
 #include "support/WavBytes.h"
 
@@ -8,8 +8,6 @@
 
 namespace corvina::test {
 namespace {
-
-using namespace std::chrono_literals;
 
 class EngineOnDevice : public ::testing::Test {
 protected:
@@ -28,7 +26,7 @@ protected:
     }
 
     TempFolder folder;
-    PlayerHost host;
+    BarePlayer host;
     const std::vector<std::wstring> endOfPlayback{L"StopPlayAudio:waveOutReset|5|5", L"DonePlay"};
 };
 
@@ -70,7 +68,7 @@ TEST_F(EngineOnDevice, a_device_that_does_not_exist_is_refused) {
 
 TEST_F(EngineOnDevice, the_end_of_the_player_in_mid_play_closes_the_device) {
     ASSERT_EQ(host.player.PlayStart(wav(441000), -1, 0), 0);
-    pumpWaiting();
+    dispatchWaitingMessages();
     host.player.Shutdown();
     EXPECT_FALSE(host.player.IsPlaying());
     EXPECT_EQ(host.player.PlayPause(), MMSYSERR_INVALHANDLE);
@@ -81,7 +79,7 @@ TEST_F(EngineOnDevice, two_hundred_rounds_leave_handles_and_objects_as_they_were
     const auto round = [&] {
         host.events.clear();
         ASSERT_EQ(host.player.PlayStart(file, -1, 0), 0);
-        pumpWaiting();
+        dispatchWaitingMessages();
         ASSERT_EQ(host.player.PlayStop(), 0);
         ASSERT_TRUE(untilDone());
         ASSERT_EQ(host.events, endOfPlayback);

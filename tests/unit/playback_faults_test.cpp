@@ -25,7 +25,7 @@ protected:
 TEST_F(PlaybackFaults, a_device_that_cannot_be_opened_is_the_result_without_an_event) {
     fakeWave.faults.arm("waveOutOpen", 1, once, MMSYSERR_BADDEVICEID);
     EXPECT_EQ(start(99), MMSYSERR_BADDEVICEID);
-    pumpWaiting();
+    dispatchWaitingMessages();
     EXPECT_THAT(host.events, IsEmpty());
     EXPECT_FALSE(host.player.IsPlaying());
     EXPECT_EQ(fakeAcm.openStreams, 1) << "the converter stays until the next start or stop";
@@ -40,7 +40,7 @@ TEST_F(PlaybackFaults, a_buffer_that_cannot_be_prepared_is_the_result_and_closes
         EXPECT_EQ(start(), MMSYSERR_NOMEM);
         EXPECT_FALSE(fakeWave.open);
         EXPECT_EQ(fakeWave.prepared.size(), 0u);
-        pumpWaiting();
+        dispatchWaitingMessages();
         EXPECT_THAT(host.events, IsEmpty()) << "nothing played, so nothing has ended";
         EXPECT_FALSE(host.player.IsPlaying());
     }
@@ -55,7 +55,7 @@ TEST_F(PlaybackFaults, a_refused_post_answers_its_0_and_the_playback_ends_at_onc
         EXPECT_EQ(start(), 0);
         EXPECT_TRUE(host.player.IsPlaying());
         windowFaults.disarm();
-        pumpWaiting();
+        dispatchWaitingMessages();
         EXPECT_EQ(host.events, endOfPlayback);
         EXPECT_FALSE(host.player.IsPlaying());
         EXPECT_EQ(fakeWave.writes, 0);
@@ -66,7 +66,7 @@ TEST_F(PlaybackFaults, a_refused_post_answers_its_0_and_the_playback_ends_at_onc
 TEST_F(PlaybackFaults, a_post_that_answers_another_number_is_the_result) {
     windowFaults.arm("PostMessage", 5, once, 1400);
     EXPECT_EQ(start(), 1400);
-    pumpWaiting();
+    dispatchWaitingMessages();
     EXPECT_THAT(host.events, IsEmpty());
     EXPECT_FALSE(fakeWave.open);
     EXPECT_FALSE(host.player.IsPlaying());
@@ -82,7 +82,7 @@ TEST_F(PlaybackFaults, a_failed_start_leaves_the_close_message_of_the_playback_b
     host.events.clear();
     fakeWave.faults.arm("waveOutPrepareHeader", 3);
     EXPECT_NE(start(), 0);
-    pumpWaiting();
+    dispatchWaitingMessages();
     EXPECT_EQ(host.countOf(L"DonePlay"), 1);
     expectTheNextPlaybackWorks();
 }
@@ -102,7 +102,7 @@ TEST_F(PlaybackFaults, the_hosts_own_quit_message_survives_a_failed_start) {
 TEST_F(PlaybackFaults, a_failed_unprepare_is_reported_and_the_refill_goes_on) {
     ASSERT_EQ(start(), 0);
     fakeWave.faults.arm("waveOutUnprepareHeader", 2, once, 33);
-    pumpWaiting();
+    dispatchWaitingMessages();
     EXPECT_THAT(host.events, ElementsAre(L"WindowProcOut:waveOutUnprepareHeader|33|"));
     EXPECT_EQ(fakeWave.writes, 8);
     playOut();
@@ -113,7 +113,7 @@ TEST_F(PlaybackFaults, a_failed_unprepare_is_reported_and_the_refill_goes_on) {
 TEST_F(PlaybackFaults, a_failed_prepare_is_reported_and_the_write_is_still_tried) {
     ASSERT_EQ(start(), 0);
     fakeWave.faults.arm("waveOutPrepareHeader", 2, once, 7);
-    pumpWaiting();
+    dispatchWaitingMessages();
     EXPECT_EQ(callsOf("Write 1"), 1);
     EXPECT_THAT(host.events, ElementsAre(L"WindowProcOut:waveOutPrepareHeader|7|",
                                          L"WindowProcOut:waveOutWrite|34|"))
@@ -123,12 +123,12 @@ TEST_F(PlaybackFaults, a_failed_prepare_is_reported_and_the_write_is_still_tried
 TEST_F(PlaybackFaults, a_failed_write_is_reported_and_loses_its_buffer) {
     ASSERT_EQ(start(), 0);
     fakeWave.faults.arm("waveOutWrite", 3, once, 6);
-    pumpWaiting();
+    dispatchWaitingMessages();
     EXPECT_THAT(host.events, ElementsAre(L"WindowProcOut:waveOutWrite|6|"));
     EXPECT_EQ(fakeWave.queued.size(), 7u);
     for (int i = 0; i < 20; ++i) {
         fakeWave.finishOne();
-        pumpWaiting();
+        dispatchWaitingMessages();
         EXPECT_EQ(fakeWave.queued.size(), 7u);
     }
 }
@@ -137,7 +137,7 @@ TEST_F(PlaybackFaults, after_a_lost_buffer_the_end_never_comes) {
     script.data = noise(buffer * 20);
     ASSERT_EQ(start(), 0);
     fakeWave.faults.arm("waveOutWrite", 3);
-    pumpWaiting();
+    dispatchWaitingMessages();
     playOut();
     EXPECT_TRUE(fakeWave.open);
     EXPECT_TRUE(host.player.IsPlaying());
@@ -145,7 +145,7 @@ TEST_F(PlaybackFaults, after_a_lost_buffer_the_end_never_comes) {
     EXPECT_EQ(start(), -201);
     // Stopping does not bring the lost buffer back either; leaving does end it.
     EXPECT_EQ(host.player.PlayStop(), 0);
-    pumpWaiting();
+    dispatchWaitingMessages();
     EXPECT_TRUE(fakeWave.open);
     EXPECT_EQ(host.player.DeInit(), 0);
     EXPECT_FALSE(fakeWave.open);
@@ -172,7 +172,7 @@ TEST_F(PlaybackFaults, each_failed_unprepare_of_the_ninth_record_is_reported_by_
     ASSERT_EQ(start(), 0);
     // The first unprepare belongs to the one buffer that is played.
     fakeWave.faults.arm("waveOutUnprepareHeader", 2, forever, 33);
-    pumpWaiting();
+    dispatchWaitingMessages();
     playOut();
     std::vector<std::wstring> expected;
     for (const wchar_t* index : {L"0", L"1", L"2", L"3", L"4", L"5", L"6", L"7"})
@@ -203,7 +203,7 @@ TEST_F(PlaybackFaults, a_device_that_never_closes_is_left_to_itself_with_its_buf
     startAndFill();
     fakeWave.faults.arm("waveOutClose", 1, forever);
     host.player.PlayStop();
-    pumpWaiting();
+    dispatchWaitingMessages();
     EXPECT_EQ(host.player.DeInit(), 0);
     EXPECT_FALSE(host.player.IsPlaying());
     host.player.Shutdown();
@@ -281,7 +281,7 @@ TEST_F(PlaybackFaults, calls_in_answer_to_a_thrown_failure_are_safe) {
             script.onRead = nullptr;
             EXPECT_EQ(start(), 0);
         },
-        [&] { pumpWaiting(); },
+        [&] { dispatchWaitingMessages(); },
         [&] { host.player.Shutdown(); },
     };
     for (std::size_t i = 0; i < std::size(calls); ++i) {
@@ -313,9 +313,9 @@ protected:
     void sweep(Faults& faults, const std::function<void()>& play) {
         forEachFault(faults, [&] {
             play();
-            pumpWaiting();
+            dispatchWaitingMessages();
             host.player.DeInit();
-            pumpWaiting();
+            dispatchWaitingMessages();
             EXPECT_FALSE(host.player.IsPlaying());
             // A device that would not close is lost with what it has queued; another takes its
             // place.
@@ -335,19 +335,19 @@ protected:
     void playAndStop() {
         if (start() != 0)
             return;
-        pumpWaiting();
+        dispatchWaitingMessages();
         fakeWave.finishOne();
-        pumpWaiting();
+        dispatchWaitingMessages();
         host.player.PlayPause();
         host.player.PlayUnPause();
         host.player.PositionSet(0);
         host.player.PlayStop();
-        pumpWaiting();
+        dispatchWaitingMessages();
     }
     void playToTheEnd() {
         if (start() != 0)
             return;
-        pumpWaiting();
+        dispatchWaitingMessages();
         playOut();
     }
 };

@@ -14,7 +14,7 @@ using ::testing::IsEmpty;
 class PlayerTest : public Playback {
 protected:
     // A host of its own, on which Init was not called.
-    PlayerHost untouched{fakePlatform()};
+    BarePlayer untouched{fakePlatform()};
 };
 
 // ---------------------------------------------------------------- opening
@@ -89,7 +89,7 @@ TEST_F(PlayerTest, hostile_names_find_no_file) {
 }
 
 TEST_F(PlayerTest, a_real_wav_file_is_opened_and_described) {
-    PlayerHost real({fakeWaveApi, systemWindowApi, fakeAcmApi, systemFileApi, &makeSources});
+    BarePlayer real({fakeWaveApi, systemWindowApi, fakeAcmApi, systemFileApi, &makeSources});
     ASSERT_EQ(real.init(), 0);
     const auto format = pcm(22050, 1, 16);
     const std::wstring wav = folder.write(L"a.WAV", plainWav(format, noise(22050)));
@@ -126,7 +126,7 @@ TEST_F(PlayerTest, tags_without_an_opened_file_raise_91_and_clear_the_texts) {
 
 TEST_F(PlayerTest, tags_are_those_of_the_opened_file_under_the_names_of_the_given_one) {
     script.tags = {{L"Title", L"the title"}, {L"description", L"the comment"}};
-    PlayerHost tagged(fakePlatform());
+    BarePlayer tagged(fakePlatform());
     tagged.init();
     tagged.player.OpenAudioFile(file);
     EXPECT_EQ(tagged.player.GetID3Tags(L"nothing of that name.ogg"), 0);
@@ -257,7 +257,7 @@ TEST_F(PlayerTest, DeInit_in_mid_play_closes_the_device_at_once_without_DonePlay
     EXPECT_FALSE(fakeWave.open);
     EXPECT_EQ(fakeWave.prepared.size(), 0u);
     EXPECT_FALSE(host.player.IsPlaying());
-    pumpWaiting();
+    dispatchWaitingMessages();
     EXPECT_THAT(host.events, IsEmpty());
     EXPECT_EQ(host.init(), 0);
     expectTheNextPlaybackWorks();
@@ -317,7 +317,7 @@ TEST_F(PlayerTest, Shutdown_in_mid_play_closes_the_device_and_detaches_everythin
     EXPECT_THAT(script.log, ElementsAre(L"Close"));
     EXPECT_EQ(attachmentsOf(host.window.handle()), 0);
     EXPECT_EQ(fakeAcm.openStreams, 0);
-    pumpWaiting();
+    dispatchWaitingMessages();
     EXPECT_THAT(host.events, IsEmpty());
 }
 
@@ -325,19 +325,19 @@ TEST_F(PlayerTest, destruction_in_any_state_leaves_no_device_and_no_source) {
     for (int state = 0; state < 6; ++state) {
         fakeWave.reset();
         {
-            PlayerHost victim(fakePlatform());
+            BarePlayer victim(fakePlatform());
             if (state > 0)
                 victim.init();
             if (state > 1)
                 victim.player.PlayStart(file, -1, 0);
             if (state > 2)
-                pumpWaiting();
+                dispatchWaitingMessages();
             if (state > 3)
                 victim.player.PlayPause();
             if (state > 4)
                 victim.player.PlayStop();
         }
-        pumpWaiting();
+        dispatchWaitingMessages();
         EXPECT_FALSE(fakeWave.open) << state;
         EXPECT_EQ(script.sources, 1) << state << ": that of the fixture's own player";
         EXPECT_EQ(fakeAcm.openStreams, 0) << state;
@@ -406,7 +406,7 @@ TEST_F(PlayerTest, PlayStart_in_answer_to_the_Err_before_DonePlay_is_stopped_wit
 
 TEST_F(PlayerTest, the_end_of_the_control_inside_Err_or_DonePlay_is_safe) {
     for (const bool inErr : {true, false}) {
-        PlayerHost victim(fakePlatform());
+        BarePlayer victim(fakePlatform());
         victim.init();
         ASSERT_EQ(victim.player.PlayStart(file, -1, 0), 0);
         const auto end = [&] {
@@ -417,9 +417,9 @@ TEST_F(PlayerTest, the_end_of_the_control_inside_Err_or_DonePlay_is_safe) {
             victim.onErr = [&](const std::wstring&) { end(); };
         else
             victim.onDonePlay = end;
-        pumpWaiting();
+        dispatchWaitingMessages();
         victim.player.PlayStop();
-        pumpWaiting();
+        dispatchWaitingMessages();
         EXPECT_FALSE(fakeWave.open);
     }
 }
@@ -445,10 +445,10 @@ TEST_F(PlayerTest, calls_in_answer_to_a_failed_refill_are_safe) {
         },
         [&] { host.player.OpenAudioFile(file); },
         [&] { host.player.OpenAudioFile(L"missing"); },
-        [&] { pumpWaiting(); },
+        [&] { dispatchWaitingMessages(); },
         [&] {
             host.player.PlayStop();
-            pumpWaiting();
+            dispatchWaitingMessages();
         },
     };
     for (const char* call : {"waveOutUnprepareHeader", "waveOutPrepareHeader", "waveOutWrite"}) {
@@ -461,7 +461,7 @@ TEST_F(PlayerTest, calls_in_answer_to_a_failed_refill_are_safe) {
             };
             ASSERT_EQ(start(), 0);
             fakeWave.faults.arm(call, 4);
-            pumpWaiting();
+            dispatchWaitingMessages();
             playOut();
             EXPECT_TRUE(called);
             // A refused write loses its buffer, and with it the end; leaving always helps.
