@@ -1,5 +1,6 @@
 #include "library/ClassTable.h"
 
+#include "graph/cAudioGraph.h"
 #include "library/Resources.h"
 #include "player/cPlayer.h"
 #include "subclass/GSubclass.h"
@@ -17,6 +18,8 @@ IUnknown* create() {
 const ClassEntry classes[] = {
     {CLSID_cPlayer, L"Corvina.cPlayer", L"Corvina audio player", &create<_cPlayer, cPlayer>,
      CORVINA_BITMAP_PLAYER},
+    {CLSID_cAudioGraph, L"Corvina.cAudioGraph", L"Corvina audio graph",
+     &create<_cAudioGraph, cAudioGraph>, CORVINA_BITMAP_GRAPH},
     {CLSID_GSubclass, L"Corvina.GSubclass", L"Corvina window subclassing",
      &create<_GSubclass, GSubclass>, 0},
 };
