@@ -19,7 +19,7 @@ TEST_P(PlaybackOfLength, is_heard_bit_for_bit_from_the_first_sample_to_the_last)
     expectHeard(frames, [&] { return playWhole(path, frames.size()); });
 }
 
-INSTANTIATE_TEST_SUITE_P(Frames, PlaybackOfLength, ::testing::Values(1, 777, 12500, 20123, 34567),
+INSTANTIATE_TEST_SUITE_P(Frames, PlaybackOfLength, ::testing::Values(1, 777, 2001, 8001, 12500, 20123, 30500, 34567, 52100),
                          [](const auto& test) { return std::to_string(test.param); });
 
 // Many minutes take as long as they last: CORVINA_LONG_SECONDS asks for them.
