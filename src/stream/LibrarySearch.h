@@ -1,0 +1,16 @@
+#pragma once
+
+// Where optional libraries are looked for.
+
+#include "platform/LibraryApi.h"
+
+#include <string>
+
+namespace corvina {
+
+// Loads a library beside the module that holds this code, by its full path, and failing that as the
+// system finds it. A name that holds a path is left to the system at once. Null where there is
+// none; the caller frees what it gets.
+[[nodiscard]] HMODULE loadOptionalLibrary(const LibraryApi& api, const std::wstring& name);
+
+} // namespace corvina
