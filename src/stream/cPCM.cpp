@@ -2,7 +2,6 @@
 
 #include "runtime/Checked.h"
 #include "runtime/Rounding.h"
-#include "stream/PcmFormat.h"
 #include "stream/cSoundSTRM.h"
 
 #include "Corvina.h"
@@ -27,6 +26,24 @@ constexpr int mostFillsWithoutOutput = 64;
 // 4-bit ADPCM plays as 8 bits, 24 and 32 bits as 16.
 std::uint16_t outputWidth(std::uint16_t sourceBits, bool force16Bit) {
     return force16Bit || sourceBits > 8 ? 16 : 8;
+}
+
+WAVEFORMATEX pcmFormat(DWORD rate, WORD channels, WORD bits) {
+    WAVEFORMATEX format{};
+    format.wFormatTag = WAVE_FORMAT_PCM;
+    format.nChannels = channels;
+    format.nSamplesPerSec = rate;
+    const std::int16_t blockAlign = roundToInt16(bits / 8.0 * channels);
+    format.nBlockAlign = static_cast<WORD>(blockAlign);
+    format.nAvgBytesPerSec =
+        static_cast<DWORD>(multiply32(blockAlign, static_cast<std::int32_t>(rate)));
+    format.wBitsPerSample = bits;
+    return format;
+}
+
+// Some codecs divide by these fields without a look at them.
+bool isComplete(const WAVEFORMATEX& format) {
+    return format.nChannels != 0 && format.nSamplesPerSec != 0 && format.nBlockAlign != 0;
 }
 
 // The 16-bit elements of an output buffer of that many bytes. Half an element rounds to even and
@@ -64,6 +81,8 @@ bool cPCM::InitConversion(cSoundSTRM& Source, cCallback* Callback, bool Force16B
         return false;
     WAVEFORMATEX format;
     std::memcpy(&format, Source.WFXPointer(), sizeof format);
+    if (!isComplete(format))
+        return false;
     const bool force = Source.Info().Force16Bit() || Force16Bit;
     outputFormat_ = pcmFormat(format.nSamplesPerSec, format.nChannels,
                               outputWidth(format.wBitsPerSample, force));
@@ -75,8 +94,14 @@ bool cPCM::InitConversion(cSoundSTRM& Source, cCallback* Callback, bool Force16B
         // Block align and average rate stay those of the first width: codecs go by the width, and
         // the player announces the same mixed record to the device.
         outputFormat_.wBitsPerSample = outputFormat_.wBitsPerSample == 16 ? 8 : 16;
-        if (!openStream(Source))
-            return false;
+        if (!openStream(Source)) {
+            // Some codecs go by the whole record (GSM 6.10 is one), and to them it was no PCM at
+            // all.
+            outputFormat_ =
+                pcmFormat(format.nSamplesPerSec, format.nChannels, outputFormat_.wBitsPerSample);
+            if (!openStream(Source))
+                return false;
+        }
     }
     const std::optional<Sizes> sizes = measureStream();
     if (!sizes || !sizeBuffers(*sizes)) {
