@@ -60,7 +60,7 @@ struct FakeWave {
     }
     void note(const char* call) { log.emplace_back(call); }
     void note(const char* call, const WAVEHDR* header) {
-        log.push_back(call + (" " + std::to_string(header->dwUser)));
+        log.push_back(std::string(call).append(" ").append(std::to_string(header->dwUser)));
     }
     [[nodiscard]] MMRESULT failure() const {
         return faults.code() != 0 ? static_cast<MMRESULT>(faults.code()) : MMSYSERR_ERROR;

@@ -56,7 +56,7 @@ inline LRESULT WINAPI callWindowProc(WNDPROC procedure, HWND window, UINT messag
 }
 
 inline BOOL WINAPI postMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    windowLog.push_back("Post " + std::to_string(message));
+    windowLog.push_back(std::string("Post ").append(std::to_string(message)));
     if (windowFaults.strikes("PostMessage"))
         return windowFaults.code();
     return ::PostMessageA(window, message, wParam, lParam);
