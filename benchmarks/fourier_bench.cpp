@@ -1,6 +1,6 @@
 // The 1024-point transform beside KissFFT's double-precision complex one, same flags, same run.
 
-#include "Measure.h"
+#include "Figure.h"
 #include "graph/RadixTwoTransform.h"
 #include "runtime/BitReversal.h"
 
@@ -41,15 +41,19 @@ int main() {
         transform.run(spectrum);
         sum += spectrum[1].re;
     };
-    // In turns, so that both meet the same load of the machine.
-    double kissSeconds = 1.0, ourSeconds = 1.0;
-    for (int turn = 0; turn < 20; ++turn) {
-        kissSeconds = std::min(kissSeconds, bench::secondsOf(10, 50, kiss));
-        ourSeconds = std::min(ourSeconds, bench::secondsOf(10, 50, ours));
-    }
+    constexpr int transforms = 50;
+    const auto microseconds = [](const auto& transformOnce) {
+        return [&transformOnce] {
+            return 1e6 / transforms * bench::secondsFor([&] {
+                       for (int i = 0; i < transforms; ++i)
+                           transformOnce();
+                   });
+        };
+    };
+    const bench::Pair time = bench::interleaved(201, microseconds(ours), microseconds(kiss));
     kiss_fft_free(plan);
-    bench::report("1024-point transform / KissFFT double complex", ourSeconds * 1e6,
-                  kissSeconds * 1e6, "us", "<= 1.2");
+    bench::report("1024-point transform beside KissFFT's double complex one", "us", time.value,
+                  time.reference, time.ratio, bench::Judged::ratioAtMost, 1.2);
     // Both must have computed the same.
     return std::fabs(spectrum[7].re - out[7].r) < 1e-9 && std::isfinite(sum) ? 0 : 1;
 }
