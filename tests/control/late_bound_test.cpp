@@ -144,13 +144,18 @@ TEST_F(LateBound, a_call_that_succeeds_leaves_no_old_error_behind) {
     EXPECT_EQ(S_FALSE, ::GetErrorInfo(0, old.put()));
 }
 
+// The published identifiers of the two records.
+constexpr GUID deviceRecord{
+    0xc687d9f0, 0x726c, 0x4027, {0xb2, 0xe3, 0x29, 0x0d, 0x07, 0xa4, 0x0b, 0x61}};
+constexpr GUID waveRecord{
+    0xcf2f8737, 0xfa80, 0x49d4, {0xa7, 0xf7, 0xe4, 0xb7, 0xb2, 0x1d, 0x1e, 0xdf}};
+
 // The record of the registered library, as a host makes it.
 class DeviceRecord : public LateBound {
 protected:
     void SetUp() override {
         LateBound::SetUp();
-        ASSERT_EQ(S_OK, ::GetRecordInfoFromGuids(LIBID_Corvina, 1, 0, 0,
-                                                 __uuidof(AudioDeviceDetails), info.put()));
+        ASSERT_EQ(S_OK, ::GetRecordInfoFromGuids(LIBID_Corvina, 1, 0, 0, deviceRecord, info.put()));
     }
     void TearDown() override {
         ::SysFreeString(details.DeviceName);
@@ -198,8 +203,7 @@ TEST_F(DeviceRecord, frees_the_texts_it_held_before) {
 
 TEST_F(DeviceRecord, of_another_type_is_refused) {
     ComPtr<IRecordInfo> other;
-    ASSERT_EQ(S_OK, ::GetRecordInfoFromGuids(LIBID_Corvina, 1, 0, 0, __uuidof(WAV_Properties),
-                                             other.put()));
+    ASSERT_EQ(S_OK, ::GetRecordInfoFromGuids(LIBID_Corvina, 1, 0, 0, waveRecord, other.put()));
     info = other;
     EXPECT_TRUE(FAILED(describe(0, 2)));
     EXPECT_EQ(nullptr, details.DeviceDriver);
