@@ -106,6 +106,7 @@ HRESULT SyncReader::Open(const WCHAR* fileName) {
     const HRESULT result = ForwardedReader::inner_->Open(fileName);
     if (SUCCEEDED(result)) {
         open_ = true;
+        atStart_ = true;
         listAttributes(fileName);
     }
     return result;
@@ -115,6 +116,7 @@ HRESULT SyncReader::OpenStream(IStream* stream) {
     const HRESULT result = ForwardedReader::inner_->OpenStream(stream);
     if (SUCCEEDED(result)) {
         open_ = true;
+        atStart_ = true;
         listAttributes(nullptr);
     }
     return result;
@@ -154,11 +156,25 @@ void SyncReader::addReaderAttribute(const wchar_t* name, WMT_ATTR_DATATYPE type)
     attributes_.push_back({name, type, std::move(value)});
 }
 
+HRESULT SyncReader::SetRange(QWORD start, LONGLONG duration) {
+    atStart_ = false;
+    return ForwardedReader::inner_->SetRange(start, duration);
+}
+
+HRESULT SyncReader::GetNextSample(WORD stream, INSSBuffer** sample, QWORD* time, QWORD* duration,
+                                  DWORD* flags, DWORD* output, WORD* sampleStream) {
+    atStart_ = false;
+    return ForwardedReader::inner_->GetNextSample(stream, sample, time, duration, flags, output,
+                                                  sampleStream);
+}
+
 // From the first frame to the end is the whole file, which is what a range of time 0 says as well.
+// A file just opened has that range already; to set it again would be a seek, after which
+// GStreamer's decoder for WMA makes up its noise anew.
 HRESULT SyncReader::SetRangeByFrame(WORD stream, QWORD frame, LONGLONG count) {
-    if (frame == 0 && count == 0)
-        return ForwardedReader::inner_->SetRange(0, 0);
-    return ForwardedReader::inner_->SetRangeByFrame(stream, frame, count);
+    if (frame != 0 || count != 0)
+        return ForwardedReader::inner_->SetRangeByFrame(stream, frame, count);
+    return atStart_ ? S_OK : SetRange(0, 0);
 }
 
 HRESULT SyncReader::GetAttributeCountEx(WORD stream, WORD* count) {
