@@ -13,8 +13,7 @@ namespace {
 constexpr std::int32_t frameworkBase = static_cast<std::int32_t>(0x800A0000);
 
 HRESULT reportError(const RuntimeError& error, REFIID iid, const wchar_t* source) noexcept {
-    const HRESULT result =
-        error.number() < 0 ? error.number() : frameworkBase + error.number();
+    const HRESULT result = error.number() < 0 ? error.number() : frameworkBase + error.number();
     ComPtr<ICreateErrorInfo> info;
     if (FAILED(::CreateErrorInfo(info.put())))
         return result;

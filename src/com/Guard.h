@@ -2,15 +2,15 @@
 
 // The boundary of every COM entry point: nothing is thrown into a host.
 
-#include <windows.h>
 #include <utility>
+#include <windows.h>
 
 namespace corvina {
 
 // Turns the exception being handled into an HRESULT and, for a run-time error, sets the thread's
-// error information: the framework's own numbers become 0x800A0000 + number, complete HRESULTs stay,
-// bad_alloc becomes E_OUTOFMEMORY, anything else E_UNEXPECTED. source is used where the error names
-// none. Call it inside a catch block only.
+// error information: the framework's own numbers become 0x800A0000 + number, complete HRESULTs
+// stay, bad_alloc becomes E_OUTOFMEMORY, anything else E_UNEXPECTED. source is used where the error
+// names none. Call it inside a catch block only.
 [[nodiscard]] HRESULT currentExceptionToHresult(REFIID iid, const wchar_t* source) noexcept;
 
 // Runs body, which returns an HRESULT or nothing (S_OK).

@@ -1,0 +1,42 @@
+#include "ErrorWords.h"
+
+#include <mmsystem.h>
+
+namespace corvina::app {
+
+namespace {
+
+std::wstring deviceWords(long result) {
+    wchar_t text[MAXERRORLENGTH] = L"";
+    if (result < 0 || waveOutGetErrorTextW(static_cast<MMRESULT>(result), text, MAXERRORLENGTH))
+        return {};
+    return text;
+}
+
+std::wstring withNumber(const std::wstring& words, long number) {
+    const std::wstring digits = std::to_wstring(number);
+    return words.empty() || words == digits ? L"error " + digits : words + L" (" + digits + L")";
+}
+
+} // namespace
+
+std::wstring describe(const ErrorEvent& event) {
+    // The device's failures carry the name of the platform function behind the colon, and no words.
+    const std::size_t colon = event.function.find(L':');
+    std::wstring words =
+        colon == std::wstring::npos ? event.description : deviceWords(event.number);
+    if (words.empty())
+        words = event.description;
+    const std::wstring where = event.function.substr(colon == std::wstring::npos ? 0 : colon + 1);
+    return (where.empty() ? L"" : where + L": ") + withNumber(words, event.number);
+}
+
+std::wstring describeResult(long result, const std::wstring& controlText) {
+    return withNumber(controlText.empty() ? deviceWords(result) : controlText, result);
+}
+
+bool isMatterOfCourse(const ErrorEvent& event) {
+    return event.function == L"StopPlayAudio:waveOutReset" && event.number == MMSYSERR_INVALHANDLE;
+}
+
+} // namespace corvina::app

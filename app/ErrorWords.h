@@ -1,0 +1,21 @@
+#pragma once
+
+// What failed, in words for a person at the terminal.
+
+#include "PlayerEvents.h"
+
+#include <string>
+
+namespace corvina::app {
+
+// "waveOutWrite: The device handle is invalid. (5)"
+[[nodiscard]] std::wstring describe(const ErrorEvent& event);
+
+// A result that came without an event: the control's own text, else the wave device's.
+[[nodiscard]] std::wstring describeResult(long result, const std::wstring& controlText);
+
+// Every playback ends with this one event before DonePlay: the control resets the device once more
+// after it was closed and reports the answer. It tells nothing about the file.
+[[nodiscard]] bool isMatterOfCourse(const ErrorEvent& event);
+
+} // namespace corvina::app

@@ -1,0 +1,40 @@
+#include "FileReport.h"
+
+#include <cmath>
+
+namespace corvina::app {
+
+namespace {
+
+std::wstring channelWords(short channels) {
+    switch (channels) {
+    case 1:
+        return L"mono";
+    case 2:
+        return L"stereo";
+    default:
+        return std::to_wstring(channels) + L" channels";
+    }
+}
+
+constexpr std::size_t nameColumn = 9;
+
+} // namespace
+
+std::vector<std::wstring> reportFile(PlayerClient& player, const std::wstring& file) {
+    const FileFormat format = player.format();
+    std::vector<std::wstring> lines{file};
+    lines.push_back(L"  " + std::to_wstring(format.sampleRate) + L" Hz, " +
+                    std::to_wstring(format.bitsPerSample) + L" bit, " +
+                    channelWords(format.channels) + L", " +
+                    std::to_wstring(std::lround(format.bitrate / 1000.0)) + L" kbit/s, " +
+                    player.timeText(std::lround(format.seconds)));
+    for (const FileTag& tag : player.tags(file)) {
+        std::wstring name = tag.name;
+        name.resize(nameColumn, L' ');
+        lines.push_back(L"  " + name + tag.value);
+    }
+    return lines;
+}
+
+} // namespace corvina::app

@@ -1,0 +1,61 @@
+#include "Options.h"
+
+#include "Unicode.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <sstream>
+
+namespace corvina::app {
+
+namespace {
+
+constexpr const char* keyHelp =
+    "Keys while playing:\n"
+    "  space         pause, go on\n"
+    "  left, right   5 seconds back, forward\n"
+    "  n, p          next, previous file\n"
+    "  s, q          stop and leave\n\n"
+    "The program ends with the control's result for the first file that "
+    "could not be played, or 0.\n";
+
+} // namespace
+
+ParsedOptions parseOptions(const std::vector<std::wstring>& arguments) {
+    Options options;
+    std::vector<std::string> files;
+    std::string infoFile;
+
+    CLI::App parser("Plays audio files through the Corvina controls.", "corvina-play");
+    parser.footer(keyHelp);
+    parser.set_version_flag("--version", "corvina-play " CORVINA_VERSION);
+    parser.add_option("files", files, "Files to play, one after the other")->option_text("FILE...");
+    parser.add_option("--device", options.device, "Number of the output device, as in --devices")
+        ->option_text("N")
+        ->check(CLI::Range(-1L, 0x7fffffffL));
+    parser.add_flag("--devices", options.listDevices, "List the output devices");
+    parser.add_option("--info", infoFile, "Show format and tags of a file")->option_text("FILE");
+    parser.add_option("--start", options.startSeconds, "Begin the first file at this time")
+        ->option_text("SECONDS")
+        ->check(CLI::Range(0L, 0x7fffffffL));
+    parser.add_flag("--verbose", options.verbose, "Print every error event of the control");
+
+    // The parser takes its arguments from the back.
+    std::vector<std::string> utf8(arguments.size());
+    std::transform(arguments.rbegin(), arguments.rend(), utf8.begin(), toUtf8);
+    try {
+        parser.parse(std::move(utf8));
+        if (files.empty() && infoFile.empty() && !options.listDevices)
+            throw CLI::RequiredError("A file to play");
+    } catch (const CLI::ParseError& error) {
+        std::ostringstream text;
+        const int code = parser.exit(error, text, text);
+        return {std::nullopt, fromUtf8(text.str()), code};
+    }
+    std::transform(files.begin(), files.end(), std::back_inserter(options.files), fromUtf8);
+    options.infoFile = fromUtf8(infoFile);
+    return {std::move(options), {}, 0};
+}
+
+} // namespace corvina::app

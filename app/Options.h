@@ -1,0 +1,30 @@
+#pragma once
+
+// What the command line asks for.
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace corvina::app {
+
+struct Options {
+    std::vector<std::wstring> files;
+    std::wstring infoFile; // describe this file and play nothing
+    bool listDevices = false;
+    bool verbose = false;  // also what every playback reports as a matter of course
+    long device = -1;      // 0-based; -1 is the wave mapper
+    long startSeconds = 0; // where the first file begins
+};
+
+// The result of reading a command line: options to act on, or a text that ends the program.
+struct ParsedOptions {
+    std::optional<Options> options;
+    std::wstring text; // help, version or what is wrong
+    int exitCode = 0;  // 0 for help and version
+};
+
+// arguments: the command line without the program's name.
+[[nodiscard]] ParsedOptions parseOptions(const std::vector<std::wstring>& arguments);
+
+} // namespace corvina::app

@@ -1,0 +1,53 @@
+#pragma once
+
+// Receives the events of a cPlayer control and hands them on as plain calls, on the thread that
+// pumps the control's messages.
+
+#include <Corvina.h>
+#include <ocidl.h>
+
+#include <atomic>
+#include <functional>
+#include <string>
+
+namespace corvina::app {
+
+struct ErrorEvent {
+    std::wstring function; // where, often with the failing platform function; may be empty
+    long number = 0;
+    std::wstring description; // may be empty
+};
+
+struct PlayerHandlers {
+    std::function<void()> donePlay;
+    std::function<void(const ErrorEvent&)> err;
+};
+
+// The sink that the control calls. Counted: the connection point and the client share it.
+class PlayerEvents final : public IDispatch {
+public:
+    explicit PlayerEvents(PlayerHandlers handlers);
+
+    // No handler is called from here on.
+    void silence() { handlers_ = {}; }
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** result) override;
+    ULONG STDMETHODCALLTYPE AddRef() override;
+    ULONG STDMETHODCALLTYPE Release() override;
+    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override;
+    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT index, LCID locale, ITypeInfo** info) override;
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count,
+                                            LCID locale, DISPID* ids) override;
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID member, REFIID reserved, LCID locale, WORD flags,
+                                     DISPPARAMS* arguments, VARIANT* result, EXCEPINFO* exception,
+                                     UINT* argumentError) override;
+
+private:
+    ~PlayerEvents() = default;
+    HRESULT onErr(const DISPPARAMS& arguments) const;
+
+    PlayerHandlers handlers_;
+    std::atomic<ULONG> references_{1};
+};
+
+} // namespace corvina::app

@@ -1,0 +1,106 @@
+// corvina-play: plays audio files on the terminal through the registered Corvina controls.
+
+#include "ConsoleScreen.h"
+#include "ErrorWords.h"
+#include "FileReport.h"
+#include "Interrupt.h"
+#include "Options.h"
+#include "PlaySession.h"
+#include "PlayerClient.h"
+
+#include <shellapi.h>
+
+#include <memory>
+
+namespace corvina::app {
+
+namespace {
+
+constexpr int comFailureExit = 99;
+
+std::vector<std::wstring> commandLine() {
+    int count = 0;
+    const std::unique_ptr<LPWSTR, decltype(&LocalFree)> texts(
+        CommandLineToArgvW(GetCommandLineW(), &count), &LocalFree);
+    return texts ? std::vector<std::wstring>(texts.get() + 1, texts.get() + count)
+                 : std::vector<std::wstring>();
+}
+
+// The apartment in which the control lives.
+class Apartment {
+public:
+    Apartment() {
+        if (const HRESULT code = CoInitialize(nullptr); FAILED(code))
+            _com_issue_error(code);
+    }
+    ~Apartment() { CoUninitialize(); }
+    Apartment(const Apartment&) = delete;
+    Apartment& operator=(const Apartment&) = delete;
+};
+
+void listDevices(ConsoleScreen& screen) {
+    PlayerClient player({});
+    screen.line(L"-1  the system's choice");
+    for (const OutputDevice& device : player.devices())
+        screen.line((device.index < 10 ? L" " : L"") + std::to_wstring(device.index) + L"  " +
+                    device.name + L" (" + std::to_wstring(device.channels) + L" channels)");
+}
+
+long showInfo(ConsoleScreen& screen, const std::wstring& file) {
+    PlayerClient player(
+        {{}, [&screen](const ErrorEvent& event) { screen.errorLine(describe(event)); }});
+    const long result = player.open(file);
+    if (result != 0) {
+        screen.errorLine(L"  " + file);
+        return result;
+    }
+    for (const std::wstring& line : reportFile(player, file))
+        screen.line(line);
+    return 0;
+}
+
+std::wstring describe(const _com_error& error) {
+    if (error.Error() == REGDB_E_CLASSNOTREG)
+        return L"Corvina.ocx is not registered: run regsvr32 Corvina.ocx.";
+    const _bstr_t words = error.Description();
+    if (words.length() > 0)
+        return static_cast<const wchar_t*>(words);
+    wchar_t number[32];
+    swprintf(number, std::size(number), L"COM error 0x%08lX",
+             static_cast<unsigned long>(error.Error()));
+    return number;
+}
+
+int run(ConsoleScreen& screen) {
+    const ParsedOptions parsed = parseOptions(commandLine());
+    if (!parsed.options) {
+        const std::wstring text = parsed.text.substr(0, parsed.text.find_last_not_of(L'\n') + 1);
+        parsed.exitCode == 0 ? screen.line(text) : screen.errorLine(text);
+        return parsed.exitCode;
+    }
+    const Options& options = *parsed.options;
+    try {
+        const Apartment apartment;
+        const Interrupt interrupt;
+        if (options.listDevices)
+            listDevices(screen);
+        if (!options.infoFile.empty())
+            if (const long result = showInfo(screen, options.infoFile); result != 0)
+                return static_cast<int>(result);
+        if (options.files.empty())
+            return 0;
+        return static_cast<int>(PlaySession(options, screen, interrupt).run());
+    } catch (const _com_error& error) {
+        screen.errorLine(describe(error));
+        return comFailureExit;
+    }
+}
+
+} // namespace
+
+} // namespace corvina::app
+
+int main() {
+    corvina::app::ConsoleScreen screen;
+    return corvina::app::run(screen);
+}

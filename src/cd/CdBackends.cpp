@@ -1,0 +1,16 @@
+#include "cd/CdBackends.h"
+
+#include "cd/cdASPI.h"
+#include "cd/cdIOCTL.h"
+#include "cd/cdSPTI.h"
+
+namespace corvina {
+
+CdBackends systemCdBackends(const DeviceApi& devices, const FileApi& files) {
+    const DriveDevice drives(devices, files);
+    return {[drives] { return std::make_unique<cdSPTI>(drives); },
+            [drives] { return std::make_unique<cdIOCTL>(drives); },
+            [drives] { return std::make_unique<cdASPI>(drives); }};
+}
+
+} // namespace corvina

@@ -1,0 +1,87 @@
+#pragma once
+
+// The CD drives that can be opened as devices, and which of them is selected: the half that the
+// device I/O control and the SCSI pass-through backends share.
+//
+// Devices stay open from a successful InitMe to DeInitMe or the end of the list.
+
+#include "cd/DriveDevice.h"
+#include "cd/MmcCommands.h"
+#include "cd/cCDAccess.h"
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace corvina {
+
+class DeviceDrives {
+public:
+    struct Drive {
+        std::wstring letter;
+        FileRecord device;
+        DriveText text;
+    };
+    // How a drive that was just opened calls itself.
+    using Describe = std::function<DriveText(const FileRecord&)>;
+
+    DeviceDrives(DriveDevice devices, DWORD desiredAccess) noexcept
+        : devices_(devices), desiredAccess_(desiredAccess) {}
+    ~DeviceDrives() { DeInitMe(); }
+    DeviceDrives(const DeviceDrives&) = delete;
+    DeviceDrives& operator=(const DeviceDrives&) = delete;
+
+    // 0, or 4 where there is no drive or Windows is not of the NT family.
+    std::int32_t InitMe(const Describe& describe);
+    std::int32_t DeInitMe() noexcept;
+    // 0, or 3 for an index outside the list.
+    std::int32_t SelectDevice(std::int32_t index) noexcept;
+    [[nodiscard]] std::int32_t DeviceCount() const noexcept;
+    [[nodiscard]] std::wstring DeviceChar(std::int32_t index) const { return at(index).letter; }
+    [[nodiscard]] std::wstring DeviceName(std::int32_t index) const {
+        return at(index).text.name();
+    }
+
+    // The open device of the selected drive; null while none is selected.
+    [[nodiscard]] const FileRecord* selected() const noexcept;
+    [[nodiscard]] const DriveDevice& devices() const noexcept { return devices_; }
+
+private:
+    void scan(const Describe& describe);
+    [[nodiscard]] bool holds(std::int32_t index) const noexcept;
+    [[nodiscard]] const Drive& at(std::int32_t index) const;
+
+    DriveDevice devices_;
+    DWORD desiredAccess_;
+    std::vector<Drive> drives_;
+    std::int32_t selected_ = -1;
+};
+
+// A backend over such a list: Contract is cCDAccess or a part of it that is already implemented.
+template <typename Contract>
+class DeviceBackend : public Contract {
+public:
+    std::int32_t InitMe() override {
+        return drives_.InitMe([this](const FileRecord& device) { return describe(device); });
+    }
+    std::int32_t DeInitMe() override { return drives_.DeInitMe(); }
+    std::int32_t SelectDevice(std::int32_t index) override { return drives_.SelectDevice(index); }
+    std::wstring DeviceChar(std::int32_t index) override { return drives_.DeviceChar(index); }
+    std::wstring DeviceName(std::int32_t index) override { return drives_.DeviceName(index); }
+    std::int32_t DeviceCount() override { return drives_.DeviceCount(); }
+
+protected:
+    DeviceBackend(DriveDevice devices, DWORD desiredAccess) noexcept
+        : drives_(devices, desiredAccess) {}
+
+    [[nodiscard]] virtual DriveText describe(const FileRecord& device) = 0;
+    [[nodiscard]] const FileRecord* selected() const noexcept { return drives_.selected(); }
+    [[nodiscard]] const DriveDevice& devices() const noexcept { return drives_.devices(); }
+
+private:
+    DeviceDrives drives_;
+};
+
+} // namespace corvina

@@ -1,0 +1,51 @@
+#include "com/ConnectionsPart.h"
+
+#include "com/Enumerator.h"
+#include "com/Guard.h"
+
+namespace corvina {
+
+bool ConnectionsPart::mayChange(DISPID property) const {
+    for (const ComPtr<IUnknown>& listener : propertyChanges_.listeners())
+        if (static_cast<IPropertyNotifySink*>(listener.get())->OnRequestEdit(property) == S_FALSE)
+            return false;
+    return true;
+}
+
+void ConnectionsPart::tellChanged(DISPID property) const {
+    for (const ComPtr<IUnknown>& listener : propertyChanges_.listeners())
+        static_cast<IPropertyNotifySink*>(listener.get())->OnChanged(property);
+}
+
+void ConnectionsPart::disconnectAll() noexcept {
+    events_.disconnectAll();
+    propertyChanges_.disconnectAll();
+}
+
+HRESULT ConnectionsPart::EnumConnectionPoints(IEnumConnectionPoints** result) {
+    if (!result)
+        return E_POINTER;
+    *result = nullptr;
+    return guarded(IID_IConnectionPointContainer, L"", [&] {
+        using Kept = ComPtr<IConnectionPoint>;
+        return giveEnumerator<IEnumConnectionPoints, IConnectionPoint*, Kept>(
+            {Kept(&events_), Kept(&propertyChanges_)},
+            +[](const Kept& from, IConnectionPoint*& to) noexcept {
+                to = Kept(from).detach();
+                return true;
+            },
+            result);
+    });
+}
+
+HRESULT ConnectionsPart::FindConnectionPoint(REFIID iid, IConnectionPoint** result) {
+    if (!result)
+        return E_POINTER;
+    *result = nullptr;
+    for (ConnectionPoint* point : {&events_, &propertyChanges_})
+        if (point->outgoing() == iid)
+            return point->QueryInterface(IID_IConnectionPoint, reinterpret_cast<void**>(result));
+    return CONNECT_E_NOCONNECTION;
+}
+
+} // namespace corvina

@@ -1,0 +1,92 @@
+#include "com/ControlSite.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <oleauto.h>
+#include <olectl.h>
+
+namespace corvina {
+namespace {
+
+constexpr int himetricPerInch = 2540;
+
+struct Resolution {
+    int x = 96;
+    int y = 96;
+};
+
+Resolution screenResolution() noexcept {
+    Resolution result;
+    if (HDC screen = ::GetDC(nullptr)) {
+        result = {::GetDeviceCaps(screen, LOGPIXELSX), ::GetDeviceCaps(screen, LOGPIXELSY)};
+        ::ReleaseDC(nullptr, screen);
+    }
+    return result;
+}
+
+} // namespace
+
+SIZE himetricFromPixels(SIZE pixels) noexcept {
+    const Resolution dpi = screenResolution();
+    return {::MulDiv(pixels.cx, himetricPerInch, dpi.x),
+            ::MulDiv(pixels.cy, himetricPerInch, dpi.y)};
+}
+
+SIZE pixelsFromHimetric(SIZE himetric) noexcept {
+    const Resolution dpi = screenResolution();
+    return {::MulDiv(himetric.cx, dpi.x, himetricPerInch),
+            ::MulDiv(himetric.cy, dpi.y, himetricPerInch)};
+}
+
+void ControlSite::set(IOleClientSite* site) noexcept {
+    site_ = ComPtr<IOleClientSite>(site);
+}
+
+bool ControlSite::ambient(DISPID id, VARTYPE type, VARIANT& value) const noexcept {
+    const auto dispatch = site_.query<IDispatch>();
+    if (!dispatch)
+        return false;
+    DISPPARAMS none{};
+    return SUCCEEDED(dispatch->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET,
+                                      &none, &value, nullptr, nullptr)) &&
+           SUCCEEDED(::VariantChangeType(&value, &value, 0, type));
+}
+
+bool ControlSite::userMode() const noexcept {
+    VARIANT value;
+    ::VariantInit(&value);
+    const bool known = ambient(DISPID_AMBIENT_USERMODE, VT_BOOL, value);
+    const bool result = !known || V_BOOL(&value) != VARIANT_FALSE;
+    ::VariantClear(&value);
+    return result;
+}
+
+COLORREF ControlSite::background() const noexcept {
+    VARIANT value;
+    ::VariantInit(&value);
+    COLORREF result = ::GetSysColor(COLOR_WINDOW);
+    if (ambient(DISPID_AMBIENT_BACKCOLOR, VT_I4, value))
+        ::OleTranslateColor(static_cast<OLE_COLOR>(V_I4(&value)), nullptr, &result);
+    ::VariantClear(&value);
+    return result;
+}
+
+SIZE ControlSite::himetricFromUnits(SIZE units) const noexcept {
+    if (const auto control = site_.query<IOleControlSite>()) {
+        POINTL himetric{};
+        POINTF container{static_cast<float>(units.cx), static_cast<float>(units.cy)};
+        if (SUCCEEDED(control->TransformCoords(
+                &himetric, &container, XFORMCOORDS_SIZE | XFORMCOORDS_CONTAINERTOHIMETRIC)) &&
+            himetric.x > 0 && himetric.y > 0)
+            return {himetric.x, himetric.y};
+    }
+    return himetricFromPixels(units);
+}
+
+void ControlSite::tellFocus(bool focused) const noexcept {
+    if (const auto control = site_.query<IOleControlSite>())
+        control->OnFocus(focused ? TRUE : FALSE);
+}
+
+} // namespace corvina

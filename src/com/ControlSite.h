@@ -1,0 +1,35 @@
+#pragma once
+
+// The container as the control sees it: the client site, ambient properties and units.
+
+#include "com/ComPtr.h"
+
+#include <ocidl.h>
+#include <oleidl.h>
+
+namespace corvina {
+
+class ControlSite {
+public:
+    void set(IOleClientSite* site) noexcept;
+    [[nodiscard]] const ComPtr<IOleClientSite>& get() const noexcept { return site_; }
+
+    // False only where the container says that the control is being designed.
+    [[nodiscard]] bool userMode() const noexcept;
+    // The container's background, or the system's window background.
+    [[nodiscard]] COLORREF background() const noexcept;
+    // A size in the container's own units as HIMETRIC; device pixels where it has no units.
+    [[nodiscard]] SIZE himetricFromUnits(SIZE units) const noexcept;
+    void tellFocus(bool focused) const noexcept;
+
+private:
+    [[nodiscard]] bool ambient(DISPID id, VARTYPE type, VARIANT& value) const noexcept;
+
+    ComPtr<IOleClientSite> site_;
+};
+
+// Sizes by the screen's resolution.
+[[nodiscard]] SIZE himetricFromPixels(SIZE pixels) noexcept;
+[[nodiscard]] SIZE pixelsFromHimetric(SIZE himetric) noexcept;
+
+} // namespace corvina

@@ -1,0 +1,35 @@
+#pragma once
+
+// The control's picture as a metafile, for printing and for containers that show a still picture.
+
+#include "com/Part.h"
+
+#include <objidl.h>
+
+namespace corvina {
+
+class OleControl;
+
+class DataPart final : public Part<IDataObject> {
+public:
+    DataPart(IUnknown& whole, OleControl& control) noexcept : Part(whole), control_(control) {}
+
+    void tellChanged() noexcept;
+
+    HRESULT STDMETHODCALLTYPE GetData(FORMATETC* format, STGMEDIUM* medium) override;
+    HRESULT STDMETHODCALLTYPE GetDataHere(FORMATETC* format, STGMEDIUM* medium) override;
+    HRESULT STDMETHODCALLTYPE QueryGetData(FORMATETC* format) override;
+    HRESULT STDMETHODCALLTYPE GetCanonicalFormatEtc(FORMATETC* in, FORMATETC* out) override;
+    HRESULT STDMETHODCALLTYPE SetData(FORMATETC* format, STGMEDIUM* medium, BOOL release) override;
+    HRESULT STDMETHODCALLTYPE EnumFormatEtc(DWORD direction, IEnumFORMATETC** result) override;
+    HRESULT STDMETHODCALLTYPE DAdvise(FORMATETC* format, DWORD flags, IAdviseSink* sink,
+                                      DWORD* connection) override;
+    HRESULT STDMETHODCALLTYPE DUnadvise(DWORD connection) override;
+    HRESULT STDMETHODCALLTYPE EnumDAdvise(IEnumSTATDATA** result) override;
+
+private:
+    OleControl& control_;
+    ComPtr<IDataAdviseHolder> advises_;
+};
+
+} // namespace corvina

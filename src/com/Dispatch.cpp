@@ -1,0 +1,67 @@
+#include "com/Dispatch.h"
+
+#include "com/RecordCall.h"
+#include "com/TypeLibrary.h"
+
+#include <oleauto.h>
+
+namespace corvina {
+
+HRESULT DispatchInfo::load() noexcept {
+    return info_ ? S_OK : loadModuleTypeInfo(iid_, info_);
+}
+
+HRESULT DispatchInfo::typeInfo(UINT index, ITypeInfo** result) noexcept {
+    if (!result)
+        return E_POINTER;
+    *result = nullptr;
+    if (index != 0)
+        return DISP_E_BADINDEX;
+    const HRESULT loaded = load();
+    if (SUCCEEDED(loaded))
+        *result = ComPtr<ITypeInfo>(info_).detach();
+    return loaded;
+}
+
+HRESULT DispatchInfo::idsOfNames(REFIID reserved, LPOLESTR* names, UINT count,
+                                 DISPID* ids) noexcept {
+    if (reserved != IID_NULL)
+        return DISP_E_UNKNOWNINTERFACE;
+    if (!names || !ids)
+        return E_POINTER;
+    if (count == 0)
+        return E_INVALIDARG;
+    for (UINT i = 0; i < count; ++i) {
+        ids[i] = DISPID_UNKNOWN;
+        if (!names[i])
+            return E_INVALIDARG;
+    }
+    const HRESULT loaded = load();
+    return FAILED(loaded) ? loaded : info_->GetIDsOfNames(names, count, ids);
+}
+
+HRESULT DispatchInfo::invoke(IUnknown* object, DISPID id, REFIID reserved, WORD flags,
+                             DISPPARAMS* arguments, VARIANT* result, EXCEPINFO* exception,
+                             UINT* badArgument) noexcept {
+    if (reserved != IID_NULL)
+        return DISP_E_UNKNOWNINTERFACE;
+    if (!arguments || (arguments->cArgs > 0 && !arguments->rgvarg) ||
+        (arguments->cNamedArgs > 0 && !arguments->rgdispidNamedArgs) ||
+        arguments->cNamedArgs > arguments->cArgs)
+        return E_INVALIDARG;
+    const HRESULT loaded = load();
+    if (FAILED(loaded))
+        return loaded;
+
+    const ComPtr<IUnknown> alive(object);
+    const ComPtr<ITypeInfo> info(info_);
+    ::SetErrorInfo(0, nullptr);
+    const HRESULT called =
+        info->Invoke(object, id, flags, arguments, result, exception, badArgument);
+    // Not every platform's own dispatch knows records; the method itself has not been called then.
+    return called == E_NOTIMPL ? callWithRecords(*info.get(), object, id, flags, *arguments, result,
+                                                 exception, badArgument)
+                               : called;
+}
+
+} // namespace corvina

@@ -1,0 +1,208 @@
+#include "com/InPlacePart.h"
+
+#include "com/Guard.h"
+#include "com/OleControl.h"
+
+namespace corvina {
+
+HRESULT InPlacePart::activate(bool withUi) {
+    const ComPtr<IUnknown> alive(&whole());
+    return guarded(IID_IOleObject, L"", [&]() -> HRESULT {
+        if (!active_)
+            if (const HRESULT begun = begin(); FAILED(begun))
+                return begun;
+        // The container may have taken the control away again meanwhile.
+        if (active_) {
+            ::ShowWindow(control_.window(), SW_SHOWNA);
+            if (withUi && !uiActive_)
+                beginUi();
+        }
+        return S_OK;
+    });
+}
+
+HRESULT InPlacePart::begin() {
+    const auto site = control_.site().get().query<IOleInPlaceSite>();
+    if (!site)
+        return OLE_E_NOT_INPLACEACTIVE;
+    if (site->CanInPlaceActivate() != S_OK)
+        return E_FAIL;
+    if (const HRESULT told = site->OnInPlaceActivate(); FAILED(told))
+        return told;
+    HRESULT entered;
+    try {
+        entered = enterContainer(*site.get());
+    } catch (...) {
+        entered = currentExceptionToHresult(IID_IOleObject, L"");
+    }
+    if (FAILED(entered)) {
+        site->OnInPlaceDeactivate();
+        return entered;
+    }
+    const ComPtr<IOleClientSite> client = control_.site().get();
+    if (client)
+        client->ShowObject();
+    if (active_ && control_.extent().fixed())
+        extentChanged();
+    return S_OK;
+}
+
+HRESULT InPlacePart::enterContainer(IOleInPlaceSite& site) {
+    HWND container = nullptr;
+    if (FAILED(site.GetWindow(&container)) || !::IsWindow(container))
+        return E_FAIL;
+    RECT position{}, clip{};
+    OLEINPLACEFRAMEINFO frameInfo{};
+    frameInfo.cb = sizeof frameInfo;
+    if (const HRESULT told =
+            site.GetWindowContext(frame_.put(), document_.put(), &position, &clip, &frameInfo);
+        FAILED(told))
+        return told;
+    control_.ownWindow().moveInto(container, sized(position));
+    site_ = ComPtr<IOleInPlaceSite>(&site);
+    active_ = true;
+    place(position, &clip);
+    return S_OK;
+}
+
+void InPlacePart::beginUi() {
+    const ComPtr<IOleInPlaceSite> site = site_;
+    uiActive_ = true;
+    site->OnUIActivate();
+    if (!uiActive_)
+        return;
+    ::SetFocus(control_.window());
+    const wchar_t* name = control_.controlClass().userType;
+    if (frame_)
+        frame_->SetActiveObject(this, name);
+    if (document_)
+        document_->SetActiveObject(this, name);
+    // No tools of our own in the container's borders.
+    if (frame_)
+        frame_->SetBorderSpace(nullptr);
+    if (document_)
+        document_->SetBorderSpace(nullptr);
+}
+
+void InPlacePart::hide() noexcept {
+    UIDeactivate();
+    if (active_)
+        ::ShowWindow(control_.ownWindow().handle(), SW_HIDE);
+}
+
+RECT InPlacePart::sized(RECT position) const noexcept {
+    if (control_.extent().fixed()) {
+        const SIZE size = control_.extent().pixels();
+        position.right = position.left + size.cx;
+        position.bottom = position.top + size.cy;
+    }
+    return position;
+}
+
+void InPlacePart::place(RECT position, const RECT* clip) noexcept {
+    position_ = sized(position);
+    RECT visible = position_;
+    HRGN region = nullptr;
+    if (clip && ::IntersectRect(&visible, &position_, clip) && !::EqualRect(&visible, &position_)) {
+        ::OffsetRect(&visible, -position_.left, -position_.top);
+        region = ::CreateRectRgnIndirect(&visible);
+    }
+    const HWND window = control_.ownWindow().handle();
+    ::SetWindowRgn(window, region, TRUE); // the system owns the region now
+    control_.ownWindow().moveTo(position_);
+}
+
+void InPlacePart::extentChanged() noexcept {
+    if (!active_)
+        return;
+    const SIZE size = control_.extent().pixels();
+    const RECT wanted{position_.left, position_.top, position_.left + size.cx,
+                      position_.top + size.cy};
+    const ComPtr<IUnknown> alive(&whole());
+    const ComPtr<IOleInPlaceSite> site = site_;
+    site->OnPosRectChange(&wanted);
+}
+
+void InPlacePart::windowLost() noexcept {
+    active_ = uiActive_ = false;
+    site_.reset();
+    frame_.reset();
+    document_.reset();
+}
+
+HRESULT InPlacePart::GetWindow(HWND* result) {
+    if (!result)
+        return E_POINTER;
+    *result = active_ ? control_.ownWindow().handle() : nullptr;
+    return active_ ? S_OK : E_FAIL;
+}
+
+HRESULT InPlacePart::ContextSensitiveHelp(BOOL) {
+    return E_NOTIMPL;
+}
+
+HRESULT InPlacePart::InPlaceDeactivate() {
+    if (!active_)
+        return S_OK;
+    const ComPtr<IUnknown> alive(&whole());
+    UIDeactivate();
+    if (!active_)
+        return S_OK;
+    active_ = false;
+    const ComPtr<IOleInPlaceSite> site = std::move(site_);
+    frame_.reset();
+    document_.reset();
+    control_.ownWindow().moveOut();
+    site->OnInPlaceDeactivate();
+    return S_OK;
+}
+
+HRESULT InPlacePart::UIDeactivate() {
+    if (!uiActive_)
+        return S_OK;
+    uiActive_ = false;
+    const ComPtr<IUnknown> alive(&whole());
+    const ComPtr<IOleInPlaceSite> site = site_;
+    if (const ComPtr<IOleInPlaceFrame> frame = frame_)
+        frame->SetActiveObject(nullptr, nullptr);
+    if (const ComPtr<IOleInPlaceUIWindow> document = document_)
+        document->SetActiveObject(nullptr, nullptr);
+    site->OnUIDeactivate(FALSE);
+    return S_OK;
+}
+
+HRESULT InPlacePart::SetObjectRects(LPCRECT position, LPCRECT clip) {
+    if (!position)
+        return E_POINTER;
+    if (!active_)
+        return E_UNEXPECTED;
+    place(*position, clip);
+    return S_OK;
+}
+
+HRESULT InPlacePart::ReactivateAndUndo() {
+    return INPLACE_E_NOTUNDOABLE;
+}
+
+// The controls have no accelerators of their own.
+HRESULT InPlacePart::TranslateAccelerator(MSG* message) {
+    return message ? S_FALSE : E_POINTER;
+}
+
+HRESULT InPlacePart::OnFrameWindowActivate(BOOL) {
+    return S_OK;
+}
+
+HRESULT InPlacePart::OnDocWindowActivate(BOOL activated) {
+    return activated ? S_OK : UIDeactivate();
+}
+
+HRESULT InPlacePart::ResizeBorder(LPCRECT, IOleInPlaceUIWindow*, BOOL) {
+    return S_OK;
+}
+
+HRESULT InPlacePart::EnableModeless(BOOL) {
+    return S_OK;
+}
+
+} // namespace corvina

@@ -1,0 +1,68 @@
+#pragma once
+
+// In-place activation: the control's window inside the container's.
+//
+// inactive -> active (the window is a child of the container's) -> UI active (it has the focus and
+// the container's frame knows it), and back.
+
+#include "com/Part.h"
+
+#include <oleidl.h>
+
+namespace corvina {
+
+class OleControl;
+
+template <>
+struct AnswersTo<IOleInPlaceObject> {
+    static bool matches(REFIID iid) noexcept {
+        return iid == IID_IOleInPlaceObject || iid == IID_IOleWindow;
+    }
+};
+
+class InPlacePart final : public Part<IOleInPlaceObject, IOleInPlaceActiveObject> {
+public:
+    InPlacePart(IUnknown& whole, OleControl& control) noexcept : Part(whole), control_(control) {}
+
+    [[nodiscard]] bool active() const noexcept { return active_; }
+    HRESULT activate(bool withUi);
+    // Hides the window and leaves the control active.
+    void hide() noexcept;
+    // The extent has changed: asks the container for room, or takes it by itself.
+    void extentChanged() noexcept;
+    // The window was destroyed under the control; the container is not called any more.
+    void windowLost() noexcept;
+
+    // IOleWindow, for both
+    HRESULT STDMETHODCALLTYPE GetWindow(HWND* result) override;
+    HRESULT STDMETHODCALLTYPE ContextSensitiveHelp(BOOL enter) override;
+
+    HRESULT STDMETHODCALLTYPE InPlaceDeactivate() override;
+    HRESULT STDMETHODCALLTYPE UIDeactivate() override;
+    HRESULT STDMETHODCALLTYPE SetObjectRects(LPCRECT position, LPCRECT clip) override;
+    HRESULT STDMETHODCALLTYPE ReactivateAndUndo() override;
+
+    HRESULT STDMETHODCALLTYPE TranslateAccelerator(MSG* message) override;
+    HRESULT STDMETHODCALLTYPE OnFrameWindowActivate(BOOL activated) override;
+    HRESULT STDMETHODCALLTYPE OnDocWindowActivate(BOOL activated) override;
+    HRESULT STDMETHODCALLTYPE ResizeBorder(LPCRECT border, IOleInPlaceUIWindow* window,
+                                           BOOL isFrame) override;
+    HRESULT STDMETHODCALLTYPE EnableModeless(BOOL enable) override;
+
+private:
+    HRESULT begin();
+    HRESULT enterContainer(IOleInPlaceSite& site);
+    void beginUi();
+    void place(RECT position, const RECT* clip) noexcept;
+    [[nodiscard]] RECT sized(RECT position) const noexcept;
+
+    OleControl& control_;
+    ComPtr<IOleInPlaceSite> site_;
+    ComPtr<IOleInPlaceFrame> frame_;
+    ComPtr<IOleInPlaceUIWindow> document_;
+    RECT position_{};
+    bool active_ = false;
+    bool uiActive_ = false;
+};
+
+} // namespace corvina

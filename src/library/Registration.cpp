@@ -1,0 +1,207 @@
+#include "library/Registration.h"
+
+#include "com/ControlClass.h"
+#include "com/Module.h"
+#include "com/TypeLibrary.h"
+#include "library/ClassTable.h"
+
+#include <oleauto.h>
+#include <string>
+#include <vector>
+
+#ifndef _MSC_VER
+// Missing in the headers of this toolchain.
+extern "C" HRESULT WINAPI RegisterTypeLibForUser(ITypeLib* library, OLECHAR* path,
+                                                 OLECHAR* helpFolder);
+extern "C" HRESULT WINAPI UnRegisterTypeLibForUser(REFGUID guid, WORD major, WORD minor,
+                                                   LCID locale, SYSKIND system);
+#endif
+
+namespace corvina {
+namespace {
+
+using Text = std::wstring;
+
+// One text value below Software\Classes; the key is made where it is missing.
+struct Value {
+    Text key;
+    const wchar_t* name; // null for the key's default value
+    Text data;
+};
+
+constexpr const wchar_t* controlCategory = L"{40FC6ED4-2438-11CF-A3DB-080036F12502}";
+constexpr const wchar_t* programmableCategory = L"{40FC6ED5-2438-11CF-A3DB-080036F12502}";
+
+Text textOfGuid(REFGUID guid) {
+    wchar_t text[40];
+    ::StringFromGUID2(guid, text, static_cast<int>(std::size(text)));
+    return text;
+}
+
+Text modulePath() {
+    Text path(MAX_PATH, L'\0');
+    for (;;) {
+        const DWORD length = ::GetModuleFileNameW(thisModule().handle(), path.data(),
+                                                  static_cast<DWORD>(path.size()));
+        if (length < path.size())
+            return path.substr(0, length);
+        path.resize(path.size() * 2);
+    }
+}
+
+HRESULT resultOf(LSTATUS status) {
+    return HRESULT_FROM_WIN32(static_cast<DWORD>(status));
+}
+
+// What the type library says about itself.
+struct Library {
+    ComPtr<ITypeLib> library;
+    GUID guid{};
+    LCID locale = 0;
+    WORD major = 0;
+    WORD minor = 0;
+
+    HRESULT load() {
+        if (const HRESULT loaded = loadModuleTypeLibrary(library); FAILED(loaded))
+            return loaded;
+        TLIBATTR* attributes = nullptr;
+        if (const HRESULT got = library->GetLibAttr(&attributes); FAILED(got))
+            return got;
+        guid = attributes->guid;
+        locale = attributes->lcid;
+        major = attributes->wMajorVerNum;
+        minor = attributes->wMinorVerNum;
+        library->ReleaseTLibAttr(attributes);
+        return S_OK;
+    }
+    [[nodiscard]] Text version() const {
+        return std::to_wstring(major) + L"." + std::to_wstring(minor);
+    }
+};
+
+Text classKey(const ClassEntry& entry) {
+    return L"CLSID\\" + textOfGuid(entry.clsid);
+}
+
+Text versionedProgId(const ClassEntry& entry, const Library& library) {
+    return Text(entry.progId) + L"." + std::to_wstring(library.major);
+}
+
+std::vector<Value> valuesOf(const ClassEntry& entry, const Library& library, const Text& path) {
+    const Text key = classKey(entry), clsid = textOfGuid(entry.clsid), generic = entry.progId;
+    const Text versioned = versionedProgId(entry, library);
+    std::vector<Value> values{
+        {key, nullptr, entry.description},
+        {key + L"\\InprocServer32", nullptr, path},
+        {key + L"\\InprocServer32", L"ThreadingModel", L"Apartment"},
+        {key + L"\\ProgID", nullptr, versioned},
+        {key + L"\\VersionIndependentProgID", nullptr, generic},
+        {key + L"\\TypeLib", nullptr, textOfGuid(library.guid)},
+        {key + L"\\Version", nullptr, library.version()},
+        {key + L"\\Programmable", nullptr, L""},
+        {key + L"\\Implemented Categories\\" + programmableCategory, nullptr, L""},
+        {generic, nullptr, entry.description},
+        {generic + L"\\CLSID", nullptr, clsid},
+        {generic + L"\\CurVer", nullptr, versioned},
+        {versioned, nullptr, entry.description},
+        {versioned + L"\\CLSID", nullptr, clsid},
+    };
+    if (entry.toolboxBitmap != 0) {
+        const std::vector<Value> control{
+            {key + L"\\Control", nullptr, L""},
+            {key + L"\\Implemented Categories\\" + controlCategory, nullptr, L""},
+            {key + L"\\MiscStatus", nullptr, L"0"},
+            {key + L"\\MiscStatus\\1", nullptr, std::to_wstring(controlMiscStatus)},
+            {key + L"\\ToolboxBitmap32", nullptr,
+             path + L", " + std::to_wstring(entry.toolboxBitmap)},
+            // Number of the verb, menu flags, container menu without making the object dirty.
+            {key + L"\\Verb\\1", nullptr, L"&About...,0,3"},
+        };
+        values.insert(values.end(), control.begin(), control.end());
+    }
+    return values;
+}
+
+// The registry's Software\Classes of a scope.
+class Classes {
+public:
+    explicit Classes(RegistrationScope scope) noexcept
+        : root_(scope == RegistrationScope::machine ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER) {}
+
+    [[nodiscard]] HRESULT write(const Value& value) const {
+        HKEY key = nullptr;
+        const LSTATUS made = ::RegCreateKeyExW(root_, full(value.key).c_str(), 0, nullptr, 0,
+                                               KEY_WRITE, nullptr, &key, nullptr);
+        if (made != ERROR_SUCCESS)
+            return resultOf(made);
+        const LSTATUS written = ::RegSetValueExW(
+            key, value.name, 0, REG_SZ, reinterpret_cast<const BYTE*>(value.data.c_str()),
+            static_cast<DWORD>((value.data.size() + 1) * sizeof(wchar_t)));
+        ::RegCloseKey(key);
+        return resultOf(written);
+    }
+
+    [[nodiscard]] HRESULT remove(const Text& key) const {
+        const LSTATUS removed = ::RegDeleteTreeW(root_, full(key).c_str());
+        return removed == ERROR_FILE_NOT_FOUND ? S_OK : resultOf(removed);
+    }
+
+private:
+    static Text full(const Text& key) { return L"Software\\Classes\\" + key; }
+
+    HKEY root_;
+};
+
+HRESULT registerTypeLibrary(const Library& library, RegistrationScope scope, Text path) {
+    return scope == RegistrationScope::machine
+               ? ::RegisterTypeLib(library.library.get(), path.data(), nullptr)
+               : ::RegisterTypeLibForUser(library.library.get(), path.data(), nullptr);
+}
+
+HRESULT unregisterTypeLibrary(const Library& library, RegistrationScope scope) {
+    const HRESULT removed =
+        scope == RegistrationScope::machine
+            ? ::UnRegisterTypeLib(library.guid, library.major, library.minor, library.locale,
+                                  SYS_WIN32)
+            : ::UnRegisterTypeLibForUser(library.guid, library.major, library.minor, library.locale,
+                                         SYS_WIN32);
+    return removed == TYPE_E_REGISTRYACCESS ? S_OK : removed; // was not registered
+}
+
+HRESULT registerAll(const Library& library, RegistrationScope scope) {
+    const Text path = modulePath();
+    const Classes classes(scope);
+    for (const ClassEntry& entry : classTable())
+        for (const Value& value : valuesOf(entry, library, path))
+            if (const HRESULT written = classes.write(value); FAILED(written))
+                return written;
+    return registerTypeLibrary(library, scope, path);
+}
+
+} // namespace
+
+HRESULT registerLibrary(RegistrationScope scope) {
+    Library library;
+    if (const HRESULT loaded = library.load(); FAILED(loaded))
+        return loaded;
+    const HRESULT registered = registerAll(library, scope);
+    if (FAILED(registered))
+        static_cast<void>(unregisterLibrary(scope));
+    return registered;
+}
+
+HRESULT unregisterLibrary(RegistrationScope scope) {
+    Library library;
+    if (const HRESULT loaded = library.load(); FAILED(loaded))
+        return loaded;
+    HRESULT first = unregisterTypeLibrary(library, scope);
+    const Classes classes(scope);
+    for (const ClassEntry& entry : classTable())
+        for (const Text& key :
+             {classKey(entry), Text(entry.progId), versionedProgId(entry, library)})
+            if (const HRESULT removed = classes.remove(key); FAILED(removed) && SUCCEEDED(first))
+                first = removed;
+    return first;
+}
+
+} // namespace corvina

@@ -1,0 +1,17 @@
+#pragma once
+
+// What the registry says about this library: its type library and the classes of its table.
+
+#include <windows.h>
+
+namespace corvina {
+
+enum class RegistrationScope { machine, currentUser };
+
+// Registering stops at the first step that fails and answers its result; what was written before is
+// taken back. Unregistering goes on after a failed step, leaves as little as it can and answers the
+// first failure; what is not there is no failure.
+[[nodiscard]] HRESULT registerLibrary(RegistrationScope scope);
+[[nodiscard]] HRESULT unregisterLibrary(RegistrationScope scope);
+
+} // namespace corvina

@@ -1,0 +1,39 @@
+#include "player/MakeSources.h"
+
+#include "sources/DecAPE.h"
+#include "sources/DecCDA.h"
+#include "sources/DecOGG.h"
+#include "sources/DecSND.h"
+#include "sources/DecWAV.h"
+#include "sources/DecWMAMP3.h"
+
+namespace corvina {
+namespace {
+
+using SourceFactory = std::unique_ptr<cSoundSTRM> (*)();
+
+template <typename Source>
+std::unique_ptr<cSoundSTRM> make() {
+    return std::make_unique<Source>();
+}
+
+// The order in which the sources are tried for a file.
+constexpr SourceFactory sourceFactories[] = {
+    &make<DecAPE>,    // Monkey's Audio
+    &make<DecOGG>,    // Ogg Vorbis
+    &make<DecWAV>,    // RIFF/WAVE
+    &make<DecSND>,    // what libsndfile reads
+    &make<DecWMAMP3>, // what Windows Media reads
+    &make<DecCDA>,    // audio CD tracks
+};
+
+} // namespace
+
+std::vector<std::unique_ptr<cSoundSTRM>> makeSources() {
+    std::vector<std::unique_ptr<cSoundSTRM>> sources;
+    for (const SourceFactory factory : sourceFactories)
+        sources.push_back(factory());
+    return sources;
+}
+
+} // namespace corvina

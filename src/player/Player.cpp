@@ -1,0 +1,216 @@
+#include "player/Player.h"
+
+#include "player/ErrorText.h"
+#include "player/OutputFormat.h"
+#include "player/TimeText.h"
+#include "runtime/Rounding.h"
+#include "runtime/RuntimeError.h"
+#include "stream/FileListing.h"
+#include "subclass/MSubclass.h"
+
+#include <array>
+#include <utility>
+
+namespace corvina {
+namespace {
+
+// The wave messages that Init attaches. Those of wave input belong to recording, which the control
+// announces but does not have: they are taken and ignored.
+constexpr std::array<std::int32_t, 2> outputMessages{MM_WOM_DONE, MM_WOM_CLOSE};
+constexpr std::array<std::int32_t, 2> inputMessages{MM_WIM_DATA, MM_WIM_CLOSE};
+
+// What OpenAudioFile answers; the number of the Err event is 1 for all three.
+constexpr std::int32_t noSuchFile = 1;
+constexpr std::int32_t notSupported = 2;
+constexpr std::int32_t couldNotOpen = 3;
+constexpr std::int32_t openErrNumber = 1;
+
+// A client that is attached already stays attached: a host may call Init again.
+void attachUnlessAttached(ISubclass& client, HWND window, std::int32_t message) {
+    try {
+        MSubclass::AttachMessage(&client, window, message);
+    } catch (const RuntimeError& error) {
+        if (error.number() != MSubclass::errorBase + MSubclass::ErrorNumber::alreadyHandled)
+            throw;
+    }
+}
+
+} // namespace
+
+Player::Player(PlayerEvents& events, cCallback* observer, const PlayerPlatform& platform)
+    : events_(events), platform_(platform),
+      engine_(events, observer, source_, platform.wave, platform.windows, platform.acm) {}
+
+Player::~Player() {
+    Shutdown();
+}
+
+std::int32_t Player::Init(HWND window, ISubclass& client) {
+    if (window != window_ || &client != client_)
+        Shutdown();
+    window_ = window;
+    client_ = &client;
+    for (const std::int32_t message : outputMessages)
+        attachUnlessAttached(client, window, message);
+    for (const std::int32_t message : inputMessages)
+        attachUnlessAttached(client, window, message);
+    for (std::unique_ptr<cSoundSTRM>& source : platform_.makeSources())
+        sources_.AddSource(std::move(source));
+    engine_.Connect(window);
+    return 0;
+}
+
+std::int32_t Player::DeInit() {
+    if (IsPlaying())
+        PlayStop();
+    if (client_)
+        for (const std::int32_t message : outputMessages)
+            MSubclass::DetachMessage(client_, window_, message);
+    // The device's messages do not arrive any more, so it cannot be closed by them.
+    engine_.Disconnect();
+    if (cSoundSTRM* const source = std::exchange(source_, nullptr))
+        source->CloseSource();
+    return 0;
+}
+
+void Player::Shutdown() noexcept {
+    engine_.Disconnect();
+    if (client_) {
+        for (const std::int32_t message : outputMessages)
+            MSubclass::DetachMessage(client_, window_, message);
+        for (const std::int32_t message : inputMessages)
+            MSubclass::DetachMessage(client_, window_, message);
+    }
+    client_ = nullptr;
+    window_ = nullptr;
+    try {
+        if (cSoundSTRM* const source = std::exchange(source_, nullptr))
+            source->CloseSource();
+    } catch (...) {
+        // The source closes itself when it is opened again or destroyed.
+    }
+}
+
+std::int32_t Player::HandleMessage(HWND, UINT message, WPARAM, LPARAM) noexcept {
+    if (message == MM_WOM_DONE || message == MM_WOM_CLOSE)
+        engine_.WindowProcOut(message);
+    return 0;
+}
+
+void Player::WindowDestroyed() noexcept {
+    Shutdown();
+}
+
+std::int32_t Player::OpenAudioFile(const std::wstring& strFile) {
+    const auto failed = [this](const wchar_t* description, std::int32_t result) {
+        events_.Err(L"", openErrNumber, description);
+        return result;
+    };
+    if (!isFileListed(strFile, platform_.files))
+        return failed(L"File doen't exist", noSuchFile);
+    if (cSoundSTRM* const previous = std::exchange(source_, nullptr))
+        previous->CloseSource();
+    source_ = sources_.FindSourceForFile(strFile);
+    if (!source_)
+        return failed(L"Format not supported", notSupported);
+    if (source_->OpenSource(strFile) != SourceResult::done)
+        return failed(L"Could not open file", couldNotOpen);
+    return 0;
+}
+
+std::int32_t Player::PlayStart(const std::wstring& sAudioFile, std::int32_t DeviceIndex,
+                               std::int32_t lBufferSize) {
+    if (engine_.playing())
+        return PlayerError::alreadyPlaying;
+    engine_.RequestBufferSize(lBufferSize);
+    engine_.RewindRing();
+    if (const std::int32_t result = OpenAudioFile(sAudioFile); result != 0)
+        return result;
+    currentFile_ = sAudioFile;
+    return engine_.StartPlayAudio(
+        DeviceIndex, pcmFormat(Info_Channels(), Info_BitsPerSample(), Info_Samplerate()));
+}
+
+std::int32_t Player::PlayStop() {
+    return engine_.PlayStop();
+}
+std::int32_t Player::PlayPause() {
+    return engine_.PlayPause();
+}
+std::int32_t Player::PlayUnPause() {
+    return engine_.PlayUnPause();
+}
+bool Player::IsPausedOut() const noexcept {
+    return engine_.paused();
+}
+bool Player::DonePlay() const noexcept {
+    return engine_.done();
+}
+bool Player::IsPlaying() const noexcept {
+    return !engine_.done();
+}
+
+std::int32_t Player::AudioDataOut() const noexcept {
+    return static_cast<std::int32_t>(reinterpret_cast<std::intptr_t>(engine_.audioData()));
+}
+
+std::int32_t Player::GetID3Tags(const std::wstring& strFile) {
+    tags_ = {};
+    fillTagTexts(tags_, strFile, openedFile().Tags());
+    return 0;
+}
+
+cSoundInf& Player::openedFile() const {
+    if (!source_)
+        throwObjectNotSet();
+    return source_->Info();
+}
+
+std::int32_t Player::Info_Bitrate() const {
+    return openedFile().Bitrate();
+}
+std::int32_t Player::Info_BitsPerSample() const {
+    return openedFile().BitsPerSample();
+}
+std::int16_t Player::Info_Channels() const {
+    return openedFile().Channels();
+}
+double Player::Info_Duration() const {
+    return openedFile().Duration() / 1000.0;
+}
+std::int32_t Player::Info_Samplerate() const {
+    return openedFile().SampleRate();
+}
+
+std::int32_t Player::PositionGet() const {
+    return source_ ? roundToInt32(source_->Info().Position() / 1000.0) : 0;
+}
+
+std::int32_t Player::PositionSet(std::int32_t lPosition) {
+    // What is queued on the device, and what the converter holds, plays out first. A position out
+    // of range changes nothing, and the host is not told.
+    if (source_) {
+        std::int32_t mode = SeekMode::seconds;
+        static_cast<void>(source_->SeekTo(lPosition, mode));
+    }
+    return 0;
+}
+
+std::wstring Player::GetSecondsAsTimeString(std::int32_t Seconds) const {
+    return secondsAsTimeText(Seconds);
+}
+
+std::wstring Player::ErrorTextOut(std::int32_t lErrNum) const {
+    return errorText(lErrNum);
+}
+
+std::int32_t Player::NumOfAudioDevices(std::int32_t iInOut) const {
+    return countAudioDevices(platform_.wave, iInOut);
+}
+
+std::int32_t Player::GetDetailsDevice(std::int32_t DeviceIndex, std::int32_t iInOut,
+                                      AudioDevice& DeviceDetails) const {
+    return describeAudioDevice(platform_.wave, DeviceIndex, iInOut, DeviceDetails);
+}
+
+} // namespace corvina

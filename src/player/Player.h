@@ -1,0 +1,100 @@
+#pragma once
+
+// Everything the player control does, without COM: opening files, tags, position, the start and
+// stop of playback. The control's face forwards to it member by member and speaks texts, 32-bit
+// results and RuntimeError.
+//
+// One thread, the one that owns the control's window. Events are raised from inside the calls and
+// from HandleMessage, and their handlers may call every member; whoever owns the Player keeps it
+// alive until the outermost call has returned. Play states as a host sees them:
+//   idle      IsPlaying false; PlayStart starts
+//   playing   IsPlaying true; PlayStart answers -201; PlayStop, PlayPause, PlayUnPause do their
+//   work draining  after the end of the file or PlayStop, while the queued buffers come back; as
+//   playing closed    the device is closed but its close message was not handled yet: IsPlaying is
+//   still
+//             true, PlayStart starts a file, which that message then stops
+
+#include "player/AudioDevices.h"
+#include "player/PlaybackEngine.h"
+#include "player/PlayerEvents.h"
+#include "player/PlayerPlatform.h"
+#include "player/SourceList.h"
+#include "player/TagTexts.h"
+
+#include <cstdint>
+#include <string>
+#include <windows.h>
+
+#include "Corvina.h"
+
+namespace corvina {
+
+class Player {
+public:
+    // observer sees each converted block; it is not kept alive. Everything passed in must outlive
+    // the player.
+    Player(PlayerEvents& events, cCallback* observer, const PlayerPlatform& platform = {});
+    ~Player(); // Shutdown
+    Player(const Player&) = delete;
+    Player& operator=(const Player&) = delete;
+
+    // Takes the control's window and attaches client to its wave messages. Always 0; a failed
+    // attachment raises the subclassing errors.
+    std::int32_t Init(HWND window, ISubclass& client);
+    std::int32_t DeInit();
+    // Closes the device at once and lets go of the window, without an event: for the control's end.
+    void Shutdown() noexcept;
+    // What the control's ISubclass.WindowProc was called with; answers the message's result.
+    std::int32_t HandleMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
+    // The window that Init took is being destroyed: playback ends at once, without an event.
+    void WindowDestroyed() noexcept;
+
+    std::int32_t OpenAudioFile(const std::wstring& strFile);
+    std::int32_t PlayStart(const std::wstring& sAudioFile, std::int32_t DeviceIndex,
+                           std::int32_t lBufferSize);
+    std::int32_t PlayStop();
+    std::int32_t PlayPause();
+    std::int32_t PlayUnPause();
+    [[nodiscard]] bool IsPausedOut() const noexcept;
+    [[nodiscard]] bool DonePlay() const noexcept;
+    [[nodiscard]] bool IsPlaying() const noexcept;
+    // Address of the samples last sent to the device; 0 before the first playback.
+    [[nodiscard]] std::int32_t AudioDataOut() const noexcept;
+
+    std::int32_t GetID3Tags(const std::wstring& strFile);
+    // The seven texts behind the Tag_ properties, to read and to write.
+    [[nodiscard]] TagTexts& Tags() noexcept { return tags_; }
+
+    // All raise Object not set (91) without an opened file.
+    [[nodiscard]] std::int32_t Info_Bitrate() const;
+    [[nodiscard]] std::int32_t Info_BitsPerSample() const;
+    [[nodiscard]] std::int16_t Info_Channels() const;
+    [[nodiscard]] double Info_Duration() const; // seconds
+    [[nodiscard]] std::int32_t Info_Samplerate() const;
+
+    [[nodiscard]] std::int32_t PositionGet() const; // seconds
+    std::int32_t PositionSet(std::int32_t lPosition);
+
+    [[nodiscard]] std::wstring GetSecondsAsTimeString(std::int32_t Seconds) const;
+    [[nodiscard]] std::wstring ErrorTextOut(std::int32_t lErrNum) const;
+
+    [[nodiscard]] std::int32_t NumOfAudioDevices(std::int32_t iInOut) const;
+    std::int32_t GetDetailsDevice(std::int32_t DeviceIndex, std::int32_t iInOut,
+                                  AudioDevice& DeviceDetails) const;
+
+private:
+    [[nodiscard]] cSoundInf& openedFile() const;
+
+    PlayerEvents& events_;
+    const PlayerPlatform platform_;
+    SourceList sources_;
+    cSoundSTRM* source_ = nullptr; // the current one, owned by sources_
+    TagTexts tags_;
+    std::wstring currentFile_;
+    PlaybackEngine engine_;
+    // Where messages are attached, and to whom. The wave-input messages stay attached after DeInit.
+    HWND window_ = nullptr;
+    ISubclass* client_ = nullptr;
+};
+
+} // namespace corvina

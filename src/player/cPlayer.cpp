@@ -1,0 +1,240 @@
+#include "player/cPlayer.h"
+
+#include "com/AboutBox.h"
+#include "com/Bstr.h"
+#include "player/PlayerGlyph.h"
+
+namespace corvina {
+namespace {
+
+enum Event : DISPID { donePlayEvent = 1, errEvent = 2 };
+
+VARIANT_BOOL boolean(bool value) {
+    return value ? VARIANT_TRUE : VARIANT_FALSE;
+}
+
+} // namespace
+
+// A fixed size in the container's own units, whatever those are: an icon's size in twips.
+constinit const ControlClass playerClass{CLSID_cPlayer,
+                                         IID__cPlayer,
+                                         DIID___cPlayer,
+                                         L"Corvina.cPlayer",
+                                         L"Corvina audio player",
+                                         {512, 512},
+                                         {512, 512},
+                                         false,
+                                         {}};
+
+cPlayer::cPlayer() : Control(playerClass), player_(*this, this) {}
+
+cPlayer::~cPlayer() {
+    ole().disconnect();
+    player_.Shutdown();
+}
+
+HRESULT cPlayer::getTag(TagText tag, BSTR* result) noexcept {
+    return answer(result, [&] { return Bstr(player_.Tags().*tag).detach(); });
+}
+
+HRESULT cPlayer::putTag(TagText tag, BSTR value) noexcept {
+    return enter([&] { player_.Tags().*tag = textOf(value); });
+}
+
+HRESULT cPlayer::get_Tag_Title(BSTR* result) {
+    return getTag(&TagTexts::title, result);
+}
+HRESULT cPlayer::put_Tag_Title(BSTR value) {
+    return putTag(&TagTexts::title, value);
+}
+HRESULT cPlayer::get_Tag_Album(BSTR* result) {
+    return getTag(&TagTexts::album, result);
+}
+HRESULT cPlayer::put_Tag_Album(BSTR value) {
+    return putTag(&TagTexts::album, value);
+}
+HRESULT cPlayer::get_Tag_Artist(BSTR* result) {
+    return getTag(&TagTexts::artist, result);
+}
+HRESULT cPlayer::put_Tag_Artist(BSTR value) {
+    return putTag(&TagTexts::artist, value);
+}
+HRESULT cPlayer::get_Tag_SongYear(BSTR* result) {
+    return getTag(&TagTexts::songYear, result);
+}
+HRESULT cPlayer::put_Tag_SongYear(BSTR value) {
+    return putTag(&TagTexts::songYear, value);
+}
+HRESULT cPlayer::get_Tag_Genre(BSTR* result) {
+    return getTag(&TagTexts::genre, result);
+}
+HRESULT cPlayer::put_Tag_Genre(BSTR value) {
+    return putTag(&TagTexts::genre, value);
+}
+HRESULT cPlayer::get_Tag_Comment(BSTR* result) {
+    return getTag(&TagTexts::comment, result);
+}
+HRESULT cPlayer::put_Tag_Comment(BSTR value) {
+    return putTag(&TagTexts::comment, value);
+}
+HRESULT cPlayer::get_Tag_TrackNumber(BSTR* result) {
+    return getTag(&TagTexts::trackNumber, result);
+}
+HRESULT cPlayer::put_Tag_TrackNumber(BSTR value) {
+    return putTag(&TagTexts::trackNumber, value);
+}
+
+HRESULT cPlayer::get_Info_Bitrate(long* result) {
+    return answer(result, [&] { return player_.Info_Bitrate(); });
+}
+
+HRESULT cPlayer::get_Info_BitsPerSample(long* result) {
+    return answer(result, [&] { return player_.Info_BitsPerSample(); });
+}
+
+HRESULT cPlayer::get_Info_Channels(short* result) {
+    return answer(result, [&] { return player_.Info_Channels(); });
+}
+
+HRESULT cPlayer::get_Info_Duration(double* result) {
+    return answer(result, [&] { return player_.Info_Duration(); });
+}
+
+HRESULT cPlayer::get_Info_Samplerate(long* result) {
+    return answer(result, [&] { return player_.Info_Samplerate(); });
+}
+
+HRESULT cPlayer::ErrorTextOut(long lErrNum, BSTR* result) {
+    return answer(result, [&] { return Bstr(player_.ErrorTextOut(lErrNum)).detach(); });
+}
+
+HRESULT cPlayer::PlayPause(long* result) {
+    return answer(result, [&] { return player_.PlayPause(); });
+}
+
+HRESULT cPlayer::PlayUnPause(long* result) {
+    return answer(result, [&] { return player_.PlayUnPause(); });
+}
+
+HRESULT cPlayer::IsPausedOut(VARIANT_BOOL* result) {
+    return answer(result, [&] { return boolean(player_.IsPausedOut()); });
+}
+
+HRESULT cPlayer::DonePlay(VARIANT_BOOL* result) {
+    return answer(result, [&] { return boolean(player_.DonePlay()); });
+}
+
+HRESULT cPlayer::About() {
+    return enter([] { showAboutBox(::GetActiveWindow()); });
+}
+
+HRESULT cPlayer::Init(long* result) {
+    return answer(result, [&] { return player_.Init(ole().window(), *this); });
+}
+
+HRESULT cPlayer::DeInit(long* result) {
+    return answer(result, [&] { return player_.DeInit(); });
+}
+
+HRESULT cPlayer::get_AudioDataOut(long* result) {
+    return answer(result, [&] { return player_.AudioDataOut(); });
+}
+
+HRESULT cPlayer::PlayStop(long* result) {
+    return answer(result, [&] { return player_.PlayStop(); });
+}
+
+HRESULT cPlayer::PlayStart(BSTR sAudioFile, long DeviceIndex, long lBufferSize, long* result) {
+    return answer(result,
+                  [&] { return player_.PlayStart(textOf(sAudioFile), DeviceIndex, lBufferSize); });
+}
+
+HRESULT cPlayer::GetID3Tags(BSTR strFile, long* result) {
+    return answer(result, [&] { return player_.GetID3Tags(textOf(strFile)); });
+}
+
+HRESULT cPlayer::OpenAudioFile(BSTR strFile, long* result) {
+    return answer(result, [&] { return player_.OpenAudioFile(textOf(strFile)); });
+}
+
+HRESULT cPlayer::PositionGet(long* result) {
+    return answer(result, [&] { return player_.PositionGet(); });
+}
+
+HRESULT cPlayer::PositionSet(long lPosition, long* result) {
+    return answer(result, [&] { return player_.PositionSet(lPosition); });
+}
+
+HRESULT cPlayer::GetSecondsAsTimeString(long Seconds, BSTR* result) {
+    return answer(result, [&] { return Bstr(player_.GetSecondsAsTimeString(Seconds)).detach(); });
+}
+
+HRESULT cPlayer::IsPlaying(VARIANT_BOOL* result) {
+    return answer(result, [&] { return boolean(player_.IsPlaying()); });
+}
+
+HRESULT cPlayer::GetDetailsDevice(long DeviceIndex, long iInOut, AudioDeviceDetails* DeviceDetails,
+                                  long* result) {
+    if (!DeviceDetails)
+        return E_POINTER;
+    return answer(result, [&] {
+        AudioDevice device;
+        const std::int32_t status = player_.GetDetailsDevice(DeviceIndex, iInOut, device);
+        Bstr name(device.name), driver(device.driverVersion);
+        // The record is the caller's: what it held is freed, and only when nothing can fail any
+        // more.
+        ::SysFreeString(DeviceDetails->DeviceName);
+        ::SysFreeString(DeviceDetails->DeviceDriver);
+        *DeviceDetails = {name.detach(), driver.detach(), device.channels, device.formats};
+        return status;
+    });
+}
+
+HRESULT cPlayer::NumOfAudioDevices(long iInOut, long* result) {
+    return answer(result, [&] { return player_.NumOfAudioDevices(iInOut); });
+}
+
+HRESULT cPlayer::get_MsgResponse(EMsgResponse* result) {
+    return answer(result, [] { return emrPreprocess; });
+}
+
+// The response is fixed, so that the window's own procedure always runs first.
+HRESULT cPlayer::put_MsgResponse(EMsgResponse) {
+    return S_OK;
+}
+
+HRESULT cPlayer::WindowProc(long hWnd, long iMsg, long wParam, long lParam, long* result) {
+    return answer(result, [&] {
+        return player_.HandleMessage(reinterpret_cast<HWND>(static_cast<LONG_PTR>(hWnd)),
+                                     static_cast<UINT>(iMsg), static_cast<WPARAM>(wParam), lParam);
+    });
+}
+
+// The player is its converter's observer only because the converter asks for one.
+HRESULT cPlayer::Samples(SAFEARRAY**, long, short) {
+    return S_OK;
+}
+
+void cPlayer::Err(const std::wstring& functionName, std::int32_t number,
+                  const std::wstring& description) noexcept {
+    try {
+        ole().events().fire(errEvent,
+                            {functionName, EventSource::ByReference{number}, description});
+    } catch (const std::bad_alloc&) {
+        // Without memory for its arguments the event is lost.
+    }
+}
+
+void cPlayer::DonePlay() noexcept {
+    ole().events().fire(donePlayEvent, {});
+}
+
+void cPlayer::draw(HDC dc, const RECT& bounds) {
+    drawPlayerGlyph(dc, bounds, ole().ambientBackground(), !ole().userMode());
+}
+
+void cPlayer::windowLost() {
+    player_.WindowDestroyed();
+}
+
+} // namespace corvina

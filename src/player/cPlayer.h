@@ -1,0 +1,91 @@
+#pragma once
+
+// The player control as its hosts see it: texts, results and events translated, everything else
+// forwarded to Player. The control is made by the class table of the library.
+
+#include "com/Control.h"
+#include "player/Player.h"
+#include "player/PlayerEvents.h"
+
+#include "Corvina.h"
+
+namespace corvina {
+
+extern const ControlClass playerClass;
+
+class cPlayer final : public Control<_cPlayer, ISubclass, cCallback>, private PlayerEvents {
+public:
+    cPlayer();
+    ~cPlayer() override;
+
+    // _cPlayer
+    HRESULT STDMETHODCALLTYPE get_Tag_Title(BSTR* result) override;
+    HRESULT STDMETHODCALLTYPE put_Tag_Title(BSTR value) override;
+    HRESULT STDMETHODCALLTYPE get_Tag_Album(BSTR* result) override;
+    HRESULT STDMETHODCALLTYPE put_Tag_Album(BSTR value) override;
+    HRESULT STDMETHODCALLTYPE get_Tag_Artist(BSTR* result) override;
+    HRESULT STDMETHODCALLTYPE put_Tag_Artist(BSTR value) override;
+    HRESULT STDMETHODCALLTYPE get_Tag_SongYear(BSTR* result) override;
+    HRESULT STDMETHODCALLTYPE put_Tag_SongYear(BSTR value) override;
+    HRESULT STDMETHODCALLTYPE get_Tag_Genre(BSTR* result) override;
+    HRESULT STDMETHODCALLTYPE put_Tag_Genre(BSTR value) override;
+    HRESULT STDMETHODCALLTYPE get_Tag_Comment(BSTR* result) override;
+    HRESULT STDMETHODCALLTYPE put_Tag_Comment(BSTR value) override;
+    HRESULT STDMETHODCALLTYPE get_Tag_TrackNumber(BSTR* result) override;
+    HRESULT STDMETHODCALLTYPE put_Tag_TrackNumber(BSTR value) override;
+    HRESULT STDMETHODCALLTYPE get_Info_Bitrate(long* result) override;
+    HRESULT STDMETHODCALLTYPE get_Info_BitsPerSample(long* result) override;
+    HRESULT STDMETHODCALLTYPE get_Info_Channels(short* result) override;
+    HRESULT STDMETHODCALLTYPE get_Info_Duration(double* result) override;
+    HRESULT STDMETHODCALLTYPE get_Info_Samplerate(long* result) override;
+    HRESULT STDMETHODCALLTYPE ErrorTextOut(long lErrNum, BSTR* result) override;
+    HRESULT STDMETHODCALLTYPE PlayPause(long* result) override;
+    HRESULT STDMETHODCALLTYPE PlayUnPause(long* result) override;
+    HRESULT STDMETHODCALLTYPE IsPausedOut(VARIANT_BOOL* result) override;
+    HRESULT STDMETHODCALLTYPE DonePlay(VARIANT_BOOL* result) override;
+    HRESULT STDMETHODCALLTYPE About() override;
+    HRESULT STDMETHODCALLTYPE Init(long* result) override;
+    HRESULT STDMETHODCALLTYPE DeInit(long* result) override;
+    HRESULT STDMETHODCALLTYPE get_AudioDataOut(long* result) override;
+    HRESULT STDMETHODCALLTYPE PlayStop(long* result) override;
+    HRESULT STDMETHODCALLTYPE PlayStart(BSTR sAudioFile, long DeviceIndex, long lBufferSize,
+                                        long* result) override;
+    HRESULT STDMETHODCALLTYPE GetID3Tags(BSTR strFile, long* result) override;
+    HRESULT STDMETHODCALLTYPE OpenAudioFile(BSTR strFile, long* result) override;
+    HRESULT STDMETHODCALLTYPE PositionGet(long* result) override;
+    HRESULT STDMETHODCALLTYPE PositionSet(long lPosition, long* result) override;
+    HRESULT STDMETHODCALLTYPE GetSecondsAsTimeString(long Seconds, BSTR* result) override;
+    HRESULT STDMETHODCALLTYPE IsPlaying(VARIANT_BOOL* result) override;
+    HRESULT STDMETHODCALLTYPE GetDetailsDevice(long DeviceIndex, long iInOut,
+                                               AudioDeviceDetails* DeviceDetails,
+                                               long* result) override;
+    HRESULT STDMETHODCALLTYPE NumOfAudioDevices(long iInOut, long* result) override;
+
+    // ISubclass
+    HRESULT STDMETHODCALLTYPE get_MsgResponse(EMsgResponse* result) override;
+    HRESULT STDMETHODCALLTYPE put_MsgResponse(EMsgResponse value) override;
+    HRESULT STDMETHODCALLTYPE WindowProc(long hWnd, long iMsg, long wParam, long lParam,
+                                         long* result) override;
+
+    // cCallback
+    HRESULT STDMETHODCALLTYPE Samples(SAFEARRAY** intSamples, long datalength,
+                                      short channels) override;
+
+private:
+    using TagText = std::wstring TagTexts::*;
+    HRESULT getTag(TagText tag, BSTR* result) noexcept;
+    HRESULT putTag(TagText tag, BSTR value) noexcept;
+
+    // PlayerEvents
+    void Err(const std::wstring& functionName, std::int32_t number,
+             const std::wstring& description) noexcept override;
+    void DonePlay() noexcept override;
+
+    // ControlHooks
+    void draw(HDC dc, const RECT& bounds) override;
+    void windowLost() override;
+
+    Player player_;
+};
+
+} // namespace corvina

@@ -1,0 +1,233 @@
+#include "subclass/MSubclass.h"
+
+#include "com/ComPtr.h"
+#include "com/Module.h"
+#include "runtime/RuntimeError.h"
+#include "subclass/WindowProperties.h"
+
+#include <optional>
+#include <string>
+
+namespace corvina::MSubclass {
+namespace {
+
+void discard(const char*) {}
+
+const WindowApi* api = &systemWindowApi;
+Trace traceTo = &discard;
+std::int32_t currentMessage = 0;
+
+[[nodiscard]] WindowProperties propertiesOf(HWND window) noexcept {
+    return {window, *api, traceTo};
+}
+
+// The host program's file name without folder and extension.
+[[nodiscard]] std::wstring hostProgramName() {
+    constexpr DWORD longestPath = 32768;
+    std::wstring path(longestPath, L'\0');
+    path.resize(::GetModuleFileNameW(nullptr, path.data(), longestPath));
+    const std::wstring name = path.substr(path.find_last_of(L"\\/") + 1);
+    return name.substr(0, name.rfind(L'.'));
+}
+
+[[noreturn]] void raise(std::int32_t number) {
+    const wchar_t* text = L"";
+    switch (number) {
+    case ErrorNumber::cannotSubclass:
+        text = L"Can't subclass window";
+        break;
+    case ErrorNumber::alreadyHandled:
+        text = L"Message already handled by another class";
+        break;
+    case ErrorNumber::invalidWindow:
+        text = L"Invalid window";
+        break;
+    case ErrorNumber::externalWindow:
+        text = L"Can't modify external window";
+        break;
+    }
+    throw RuntimeError(errorBase + number, text, hostProgramName() + L".WindowProc");
+}
+
+// 0 for a window of this process, otherwise the error that attaching to it raises.
+[[nodiscard]] std::int32_t checkWindow(HWND window) noexcept {
+    if (!api->isWindow(window))
+        return ErrorNumber::invalidWindow;
+    DWORD process = 0;
+    api->getWindowThreadProcessId(window, &process);
+    return process == api->getCurrentProcessId() ? 0 : ErrorNumber::externalWindow;
+}
+
+WNDPROC installProcedure(HWND window, WNDPROC procedure) noexcept {
+    return reinterpret_cast<WNDPROC>(static_cast<LONG_PTR>(api->setWindowLong(
+        window, GWL_WNDPROC,
+        static_cast<LONG>(reinterpret_cast<LONG_PTR>(reinterpret_cast<void*>(procedure))))));
+}
+
+// Gives the window its old procedure back and forgets it.
+void restoreProcedure(HWND window, WindowProperties& properties) noexcept {
+    if (const WNDPROC old = properties.oldProcedure()) {
+        installProcedure(window, old);
+        thisModule().unlock();
+    }
+    properties.setOldProcedure(nullptr);
+}
+
+[[nodiscard]] std::optional<std::int32_t> findClient(const WindowProperties& properties,
+                                                     std::int32_t message, std::int32_t count,
+                                                     const ISubclass* client) noexcept {
+    for (std::int32_t i = 1; i <= count; ++i)
+        if (properties.client(message, i) == client)
+            return i;
+    return std::nullopt;
+}
+
+// A client that cannot answer does not take its messages away from the window.
+[[nodiscard]] EMsgResponse responseOf(ISubclass& client) noexcept {
+    EMsgResponse response = emrPostProcess;
+    return SUCCEEDED(client.get_MsgResponse(&response)) ? response : emrPostProcess;
+}
+
+// Lets the clients of a message handle it, the one attached last first. They may attach, detach and
+// destroy the window meanwhile, so each is looked up when its turn comes.
+LRESULT dispatch(HWND window, UINT message, WPARAM wParam, LPARAM lParam, WNDPROC old,
+                 std::int32_t count) noexcept {
+    const auto number = static_cast<std::int32_t>(message);
+    const WindowProperties properties = propertiesOf(window);
+    LRESULT result = 0;
+    bool oldCalled = false;
+    const auto callOld = [&] {
+        oldCalled = true;
+        result = api->callWindowProc(old, window, message, wParam, lParam);
+    };
+
+    ComPtr<ISubclass> client;
+    for (std::int32_t i = count; i >= 1; --i) {
+        client = ComPtr<ISubclass>(properties.client(number, i));
+        if (!client)
+            continue;
+        currentMessage = number;
+        if (i == 1 && !oldCalled && responseOf(*client.get()) == emrPreprocess)
+            callOld();
+        long answer = 0;
+        const auto longOf = [](auto value) { return static_cast<long>(value); };
+        if (SUCCEEDED(client->WindowProc(longOf(reinterpret_cast<LONG_PTR>(window)),
+                                         longOf(message), longOf(wParam), longOf(lParam), &answer)))
+            result = answer;
+    }
+    if (client && !oldCalled && api->isWindow(window) &&
+        responseOf(*client.get()) == emrPostProcess)
+        callOld();
+    return result;
+}
+
+// The procedure of every subclassed window.
+LRESULT CALLBACK sharedProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    WindowProperties properties = propertiesOf(window);
+    const WNDPROC old = properties.oldProcedure();
+    if (!old)
+        return 0;
+    const std::int32_t count = properties.clientCount(static_cast<std::int32_t>(message));
+    if (message == WM_DESTROY && count < 1 && properties.attachmentCount() > 0) {
+        // The clients' entries stay: whoever detaches later still finds its own.
+        restoreProcedure(window, properties);
+        properties.setAttachmentCount(0);
+    }
+    const LRESULT result = count >= 1 ? dispatch(window, message, wParam, lParam, old, count)
+                                      : api->callWindowProc(old, window, message, wParam, lParam);
+    // Where a client takes WM_DESTROY this is the window's last message.
+    if (message == WM_NCDESTROY)
+        restoreProcedure(window, properties);
+    return result;
+}
+
+} // namespace
+
+void AttachMessage(ISubclass* iwp, HWND hWnd, std::int32_t iMsg) {
+    if (const std::int32_t error = checkWindow(hWnd))
+        raise(error);
+    if (!iwp)
+        throwInvalidCall();
+    WindowProperties properties = propertiesOf(hWnd);
+    const std::int32_t count = properties.clientCount(iMsg);
+    if (findClient(properties, iMsg, count, iwp))
+        raise(ErrorNumber::alreadyHandled);
+
+    const auto forgetClient = [&] {
+        properties.setClient(iMsg, count + 1, nullptr);
+        properties.setClientCount(iMsg, count);
+    };
+    properties.setClientCount(iMsg, count + 1);
+    if (!properties.accepted())
+        throwInvalidCall();
+    properties.setClient(iMsg, count + 1, iwp);
+    if (!properties.accepted()) {
+        properties.setClientCount(iMsg, count);
+        throwInvalidCall();
+    }
+    if (!properties.oldProcedure()) {
+        const WNDPROC old = installProcedure(hWnd, &sharedProcedure);
+        if (!old) {
+            forgetClient();
+            raise(ErrorNumber::cannotSubclass);
+        }
+        // Never itself, should the property have been unreadable: it would call itself for ever.
+        if (old != &sharedProcedure) {
+            properties.setOldProcedure(old);
+            if (!properties.accepted()) {
+                installProcedure(hWnd, old);
+                forgetClient();
+                throwInvalidCall();
+            }
+            // The shared procedure must not be unloaded while a window has it.
+            thisModule().lock();
+        }
+    }
+    properties.setAttachmentCount(properties.attachmentCount() + 1);
+    if (!properties.accepted()) {
+        forgetClient();
+        if (properties.attachmentCount() == 0)
+            restoreProcedure(hWnd, properties);
+        throwInvalidCall();
+    }
+}
+
+void DetachMessage(ISubclass* iwp, HWND hWnd, std::int32_t iMsg) noexcept {
+    if (checkWindow(hWnd) != 0)
+        return;
+    WindowProperties properties = propertiesOf(hWnd);
+    const std::int32_t count = properties.clientCount(iMsg);
+    const std::optional<std::int32_t> found = findClient(properties, iMsg, count, iwp);
+    if (!found)
+        return;
+    for (std::int32_t i = *found; i < count; ++i)
+        properties.setClient(iMsg, i, properties.client(iMsg, i + 1));
+    properties.setClient(iMsg, count, nullptr);
+    properties.setClientCount(iMsg, count - 1);
+
+    // 0 after the window's own cleanup at WM_DESTROY.
+    const std::int32_t attachments = properties.attachmentCount();
+    if (attachments == 1)
+        restoreProcedure(hWnd, properties);
+    if (attachments > 0)
+        properties.setAttachmentCount(attachments - 1);
+}
+
+std::int32_t CurrentMessage() noexcept {
+    return currentMessage;
+}
+
+LRESULT CallOldWindowProc(HWND hWnd, UINT iMsg, WPARAM wParam, LPARAM lParam) noexcept {
+    const WNDPROC old = propertiesOf(hWnd).oldProcedure();
+    return old ? api->callWindowProc(old, hWnd, iMsg, wParam, lParam) : 0;
+}
+
+void useWindowApi(const WindowApi* windows) noexcept {
+    api = windows ? windows : &systemWindowApi;
+}
+
+void useTrace(Trace trace) noexcept {
+    traceTo = trace ? trace : &discard;
+}
+
+} // namespace corvina::MSubclass

@@ -1,0 +1,89 @@
+#include "support/Recording.h"
+
+#include "support/MessagePump.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace corvina::test {
+
+namespace {
+
+constexpr Frame silence{};
+
+bool sounds(const Frame& frame) {
+    return frame != silence;
+}
+
+} // namespace
+
+Recording::Recording() {
+    const wchar_t* const path = ::_wgetenv(L"CORVINA_HEARD");
+    if (!path)
+        return;
+    // The stage speaks of it as Unix does, whose root is drive Z.
+    path_ = (path[0] == L'/' ? L"Z:" : L"") + std::wstring(path);
+}
+
+std::size_t Recording::now() const {
+    WIN32_FILE_ATTRIBUTE_DATA data{};
+    if (!::GetFileAttributesExW(path_.c_str(), GetFileExInfoStandard, &data))
+        return 0;
+    return data.nFileSizeLow / sizeof(Frame);
+}
+
+Frames Recording::since(std::size_t position) const {
+    const HANDLE file =
+        ::CreateFileW(path_.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                      OPEN_EXISTING, 0, nullptr);
+    if (file == INVALID_HANDLE_VALUE)
+        return {};
+    const std::size_t end = ::GetFileSize(file, nullptr) / sizeof(Frame);
+    Frames frames(end > position ? end - position : 0);
+    DWORD read = 0;
+    ::SetFilePointer(file, static_cast<LONG>(position * sizeof(Frame)), nullptr, FILE_BEGIN);
+    ::ReadFile(file, frames.data(), static_cast<DWORD>(frames.size() * sizeof(Frame)), &read,
+               nullptr);
+    ::CloseHandle(file);
+    frames.resize(read / sizeof(Frame));
+    return frames;
+}
+
+std::optional<std::size_t> Recording::soundSince(std::size_t position) const {
+    const Frames heard = since(position);
+    const auto first = std::find_if(heard.begin(), heard.end(), sounds);
+    if (first == heard.end())
+        return std::nullopt;
+    return position + static_cast<std::size_t>(first - heard.begin());
+}
+
+Frames Recording::listen(std::size_t position, std::size_t frames,
+                         std::chrono::milliseconds deadline) const {
+    std::optional<std::size_t> beginning;
+    (void)pumpUntil(
+        [&] {
+            if (!beginning)
+                beginning = soundSince(position);
+            return beginning && now() >= *beginning + frames;
+        },
+        deadline);
+    Frames heard = beginning ? since(*beginning) : Frames();
+    heard.resize(std::min(heard.size(), frames));
+    return heard;
+}
+
+Frames withoutSilenceBehind(Frames frames) {
+    const auto last = std::find_if(frames.rbegin(), frames.rend(), sounds);
+    frames.erase(last.base(), frames.end());
+    return frames;
+}
+
+std::optional<std::size_t> firstDifference(const Frames& expected, const Frames& heard) {
+    const auto [wanted, got] =
+        std::mismatch(expected.begin(), expected.end(), heard.begin(), heard.end());
+    if (wanted == expected.end() && got == heard.end())
+        return std::nullopt;
+    return static_cast<std::size_t>(wanted - expected.begin());
+}
+
+} // namespace corvina::test
