@@ -1,5 +1,7 @@
 #include "SyncReader.h"
 
+#include "InputFile.h"
+
 #include <algorithm>
 #include <cstring>
 #include <exception>
@@ -102,22 +104,30 @@ ULONG SyncReader::Release() {
     return left;
 }
 
+// Wine's reader gets the file as a stream, because it never closes a file that it opened itself and
+// could not use.
 HRESULT SyncReader::Open(const WCHAR* fileName) {
-    const HRESULT result = ForwardedReader::inner_->Open(fileName);
-    if (SUCCEEDED(result)) {
-        open_ = true;
-        atStart_ = true;
-        listAttributes(fileName);
-    }
+    if (!fileName)
+        return E_INVALIDARG;
+    IStream* file = nullptr;
+    const HRESULT opened = InputFile::open(fileName, &file);
+    if (FAILED(opened))
+        return opened;
+    const HRESULT result = openStream(file, fileName);
+    file->Release();
     return result;
 }
 
 HRESULT SyncReader::OpenStream(IStream* stream) {
+    return openStream(stream, nullptr);
+}
+
+HRESULT SyncReader::openStream(IStream* stream, const WCHAR* fileName) {
     const HRESULT result = ForwardedReader::inner_->OpenStream(stream);
     if (SUCCEEDED(result)) {
         open_ = true;
         atStart_ = true;
-        listAttributes(nullptr);
+        listAttributes(fileName);
     }
     return result;
 }

@@ -42,6 +42,8 @@ private:
     ~SyncReader();
 
     [[nodiscard]] HRESULT aggregate();
+    // fileName: where the stream's bytes are from; null where nobody knows.
+    [[nodiscard]] HRESULT openStream(IStream* stream, const WCHAR* fileName);
     void addReaderAttribute(const wchar_t* name, WMT_ATTR_DATATYPE type);
     void listAttributes(const WCHAR* fileName);
 
