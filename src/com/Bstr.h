@@ -4,10 +4,12 @@
 // 0.
 
 #include <new>
-#include <oleauto.h>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <windows.h>
+
+#include <oleauto.h>
 
 namespace corvina {
 

@@ -1,5 +1,6 @@
 #include "library/ClassTable.h"
 
+#include "graph/cAudioGraph.h"
 #include "library/Resources.h"
 #include "player/cPlayer.h"
 
@@ -16,6 +17,8 @@ IUnknown* create() {
 const ClassEntry classes[] = {
     {CLSID_cPlayer, L"Corvina.cPlayer", L"Corvina audio player", &create<_cPlayer, cPlayer>,
      CORVINA_BITMAP_PLAYER},
+    {CLSID_cAudioGraph, L"Corvina.cAudioGraph", L"Corvina audio graph",
+     &create<_cAudioGraph, cAudioGraph>, CORVINA_BITMAP_GRAPH},
 };
 
 } // namespace

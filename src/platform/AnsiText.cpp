@@ -2,6 +2,7 @@
 
 #include "runtime/RuntimeError.h"
 
+#include <array>
 #include <limits>
 #include <windows.h>
 
@@ -22,11 +23,11 @@ AnsiText toAnsi(std::wstring_view text) {
         return result;
     const int length = lengthForWindows(text.size());
     BOOL replaced = FALSE;
-    const int size = ::WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, text.data(), length, nullptr,
-                                           0, nullptr, nullptr);
+    const int size = ::WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, text.data(), length,
+                                           nullptr, 0, nullptr, nullptr);
     result.text.resize(static_cast<std::size_t>(size));
-    ::WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, text.data(), length, result.text.data(), size,
-                          nullptr, &replaced);
+    ::WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, text.data(), length, result.text.data(),
+                          size, nullptr, &replaced);
     result.lossy = replaced != FALSE || text.find(L'\0') != std::wstring_view::npos;
     return result;
 }
@@ -39,6 +40,19 @@ std::wstring fromAnsi(std::string_view text) {
     const int size = ::MultiByteToWideChar(CP_ACP, 0, text.data(), length, nullptr, 0);
     result.resize(static_cast<std::size_t>(size));
     ::MultiByteToWideChar(CP_ACP, 0, text.data(), length, result.data(), size);
+    return result;
+}
+
+std::wstring fromAnsiBytes(std::string_view bytes) {
+    std::array<wchar_t, 256> characters{};
+    for (std::size_t code = 0; code < characters.size(); ++code) {
+        const char byte = static_cast<char>(code);
+        ::MultiByteToWideChar(CP_ACP, 0, &byte, 1, &characters[code], 1);
+    }
+    std::wstring result;
+    result.reserve(bytes.size());
+    for (const char byte : bytes)
+        result += characters[static_cast<unsigned char>(byte)];
     return result;
 }
 

@@ -17,4 +17,7 @@ struct AnsiText {
 [[nodiscard]] AnsiText toAnsi(std::wstring_view text);
 [[nodiscard]] std::wstring fromAnsi(std::string_view text);
 
+// One character for each byte, also where the code page joins two bytes to one character.
+[[nodiscard]] std::wstring fromAnsiBytes(std::string_view bytes);
+
 } // namespace corvina

@@ -1,7 +1,11 @@
 #include "player/MakeSources.h"
 
+#include "sources/DecAPE.h"
 #include "sources/DecCDA.h"
+#include "sources/DecOGG.h"
+#include "sources/DecSND.h"
 #include "sources/DecWAV.h"
+#include "sources/DecWMAMP3.h"
 
 namespace corvina {
 namespace {
@@ -15,8 +19,12 @@ std::unique_ptr<cSoundSTRM> make() {
 
 // The order in which the sources are tried for a file.
 constexpr SourceFactory sourceFactories[] = {
-    &make<DecWAV>,
-    &make<DecCDA>,
+    &make<DecAPE>,    // Monkey's Audio
+    &make<DecOGG>,    // Ogg Vorbis
+    &make<DecWAV>,    // RIFF/WAVE
+    &make<DecSND>,    // what libsndfile reads
+    &make<DecWMAMP3>, // what Windows Media reads
+    &make<DecCDA>,    // audio CD tracks
 };
 
 } // namespace

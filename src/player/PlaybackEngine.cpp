@@ -190,7 +190,9 @@ bool PlaybackEngine::refill() {
     // The header keeps its full length also for the last, short block: what lies behind the
     // delivered bytes is heard too.
     converter_->GetSamples(buffer.data.data(), bufferBytes_, lastReadLength_);
-    if (converter_->EndOfStream())
+    // The converter meets the end of the source up to half a second before its last sample has its
+    // turn, so EndOfStream alone would cut the file short.
+    if (converter_->Exhausted())
         feeding_ = false;
     // Made while the former copy still exists, so that it has another address.
     audioData_ = std::vector<std::int16_t>(buffer.data);

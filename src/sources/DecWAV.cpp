@@ -46,24 +46,25 @@ std::int32_t DecWAV::OpenSource(const std::wstring& Source) {
         return SourceResult::notOpen;
 
     std::vector<std::uint8_t> bytes;
-    if (!readFormat(file_, format, bytes)) {
+    if (!readFormat(format, bytes) || !goTo(data.offset)) {
         access_.close(file_);
         return SourceResult::notOpen;
     }
     data_ = data;
     formatBytes_ = std::move(bytes);
     std::memcpy(&format_, formatBytes_.data(), sizeof format_);
-    access_.setPosition(file_, data_.offset, MoveMethod::fromBeginning);
     return SourceResult::done;
+}
+
+bool DecWAV::goTo(std::int32_t position) const noexcept {
+    return access_.setPosition(file_, position, MoveMethod::fromBeginning) == position;
 }
 
 // False where the file ends before the chunk does. Codecs look for the extra bytes that the record
 // counts even where the chunk is shorter, so as many zeros follow it.
-bool DecWAV::readFormat(const FileRecord& file, const RiffChunk& chunk,
-                        std::vector<std::uint8_t>& bytes) const {
+bool DecWAV::readFormat(const RiffChunk& chunk, std::vector<std::uint8_t>& bytes) const {
     bytes.resize(static_cast<std::size_t>(std::max(chunk.size, std::int32_t{sizeof format_})));
-    access_.setPosition(file, chunk.offset, MoveMethod::fromBeginning);
-    if (access_.read(file, bytes.data(), chunk.size) != chunk.size)
+    if (!goTo(chunk.offset) || access_.read(file_, bytes.data(), chunk.size) != chunk.size)
         return false;
     WAVEFORMATEX record;
     std::memcpy(&record, bytes.data(), sizeof record);
@@ -117,7 +118,7 @@ std::int32_t DecWAV::SeekTo(std::int32_t Value, std::int32_t& Mode) {
     }
     if (Value != 0)
         offset -= remainder32(offset, format_.nBlockAlign);
-    access_.setPosition(file_, add32(data_.offset, offset), MoveMethod::fromBeginning);
+    goTo(add32(data_.offset, offset));
     return SourceResult::done;
 }
 

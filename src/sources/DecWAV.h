@@ -47,8 +47,8 @@ public:
     std::int32_t Duration() override;
 
 private:
-    [[nodiscard]] bool readFormat(const FileRecord& file, const RiffChunk& chunk,
-                                  std::vector<std::uint8_t>& bytes) const;
+    [[nodiscard]] bool readFormat(const RiffChunk& chunk, std::vector<std::uint8_t>& bytes) const;
+    bool goTo(std::int32_t position) const noexcept;
     [[nodiscard]] std::int32_t milliseconds(std::int32_t bytes) const;
     [[nodiscard]] std::int32_t bytesPerSecond() const noexcept;
     [[nodiscard]] std::int32_t endOfData() const;

@@ -20,28 +20,6 @@ HRESULT zero(Number* result) noexcept {
 
 } // namespace
 
-void* Encoder::findInterface(REFIID iid) noexcept {
-    return iid == IID_IDispatch ? static_cast<IDispatch*>(this) : Implements::findInterface(iid);
-}
-
-HRESULT Encoder::GetTypeInfoCount(UINT* count) {
-    return zero(count);
-}
-
-HRESULT Encoder::GetTypeInfo(UINT, LCID, ITypeInfo** info) {
-    if (info)
-        *info = nullptr;
-    return E_NOTIMPL;
-}
-
-HRESULT Encoder::GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) {
-    return E_NOTIMPL;
-}
-
-HRESULT Encoder::Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) {
-    return E_NOTIMPL;
-}
-
 HRESULT Encoder::put_Title(BSTR) {
     return S_OK;
 }

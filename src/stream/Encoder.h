@@ -4,22 +4,15 @@
 // member empty. It answers 0 and empty texts, keeps nothing and writes nothing; an encoder derives
 // from it and overrides what it supports. Nothing in this library encodes.
 
+#include "com/Dispatch.h"
 #include "com/Implements.h"
 
 #include "Corvina.h"
 
 namespace corvina {
 
-class Encoder : public Implements<IEncoder> {
+class Encoder : public Implements<Dispatch<IEncoder>> {
 public:
-    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override;
-    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT index, LCID locale, ITypeInfo** info) override;
-    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count,
-                                            LCID locale, DISPID* ids) override;
-    HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID reserved, LCID locale, WORD flags,
-                                     DISPPARAMS* parameters, VARIANT* result, EXCEPINFO* exception,
-                                     UINT* argument) override;
-
     HRESULT STDMETHODCALLTYPE put_Title(BSTR strTitle) override;
     HRESULT STDMETHODCALLTYPE get_Title(BSTR* result) override;
     HRESULT STDMETHODCALLTYPE put_Album(BSTR strAlbum) override;
@@ -50,9 +43,6 @@ public:
     HRESULT STDMETHODCALLTYPE Init(BSTR dstFilename, long srcSampleRate, short srcChannels,
                                    short srcBitsPerSample, long* cbPCMData, long* result) override;
     HRESULT STDMETHODCALLTYPE Encode(long ptr, long bytes, long* result) override;
-
-protected:
-    void* findInterface(REFIID iid) noexcept override;
 };
 
 } // namespace corvina

@@ -20,7 +20,11 @@ struct FileRecord {
     [[nodiscard]] bool isOpen() const noexcept { return handle != INVALID_HANDLE_VALUE; }
 };
 
-enum class MoveMethod : DWORD { fromBeginning = FILE_BEGIN, fromCurrent = FILE_CURRENT };
+enum class MoveMethod : DWORD {
+    fromBeginning = FILE_BEGIN,
+    fromCurrent = FILE_CURRENT,
+    fromEnd = FILE_END
+};
 
 class FileAccess {
 public:

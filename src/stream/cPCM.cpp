@@ -41,6 +41,11 @@ WAVEFORMATEX pcmFormat(DWORD rate, WORD channels, WORD bits) {
     return format;
 }
 
+// Some codecs divide by these fields without a look at them.
+bool isComplete(const WAVEFORMATEX& format) {
+    return format.nChannels != 0 && format.nSamplesPerSec != 0 && format.nBlockAlign != 0;
+}
+
 // The 16-bit elements of an output buffer of that many bytes. Half an element rounds to even and
 // may be rounded away.
 std::size_t elementsOf(std::int32_t outputBytes) {
@@ -76,6 +81,8 @@ bool cPCM::InitConversion(cSoundSTRM& Source, cCallback* Callback, bool Force16B
         return false;
     WAVEFORMATEX format;
     std::memcpy(&format, Source.WFXPointer(), sizeof format);
+    if (!isComplete(format))
+        return false;
     const bool force = Source.Info().Force16Bit() || Force16Bit;
     outputFormat_ = pcmFormat(format.nSamplesPerSec, format.nChannels,
                               outputWidth(format.wBitsPerSample, force));
@@ -87,8 +94,14 @@ bool cPCM::InitConversion(cSoundSTRM& Source, cCallback* Callback, bool Force16B
         // Block align and average rate stay those of the first width: codecs go by the width, and
         // the player announces the same mixed record to the device.
         outputFormat_.wBitsPerSample = outputFormat_.wBitsPerSample == 16 ? 8 : 16;
-        if (!openStream(Source))
-            return false;
+        if (!openStream(Source)) {
+            // Some codecs go by the whole record (GSM 6.10 is one), and to them it was no PCM at
+            // all.
+            outputFormat_ =
+                pcmFormat(format.nSamplesPerSec, format.nChannels, outputFormat_.wBitsPerSample);
+            if (!openStream(Source))
+                return false;
+        }
     }
     const std::optional<Sizes> sizes = measureStream();
     if (!sizes || !sizeBuffers(*sizes)) {

@@ -32,6 +32,8 @@ public:
 
     // The source has reported the end of its data; what was converted of it may still be waiting.
     [[nodiscard]] bool EndOfStream() const noexcept { return ended_; }
+    // It has, and everything converted was handed out.
+    [[nodiscard]] bool Exhausted() const noexcept { return ended_ && readOffset_ >= available_; }
     [[nodiscard]] std::int32_t OutputSamplerate() const noexcept;
     [[nodiscard]] std::int16_t OutputChannels() const noexcept;
     [[nodiscard]] std::int16_t OutputBitsPerSample() const noexcept;

@@ -2,9 +2,9 @@
 
 // The byte stream of an audio source: every input family implements it and cSoundInf in one class.
 //
-// A source is created closed. OpenSource, then any number of Read and SeekTo, then CloseSource, which
-// the source also does by itself when it is destroyed. Everything runs on the thread that owns the
-// control. Failures are result codes; arithmetic overflow raises a run-time error.
+// A source is created closed. OpenSource, then any number of Read and SeekTo, then CloseSource,
+// which the source also does by itself when it is destroyed. Everything runs on the thread that
+// owns the control. Failures are result codes; arithmetic overflow raises a run-time error.
 
 #include "stream/cSoundInf.h"
 
@@ -42,9 +42,9 @@ public:
     // The read position has reached or passed the end of the data.
     virtual bool EndOfStream() = 0;
     virtual bool Seekable() = 0;
-    // The format of the bytes that Read delivers, in the source's own memory. Valid and unmoved from a
-    // successful OpenSource to the next one or the source's end; null before. At least 18 bytes, and
-    // as many more as its cbSize says, are readable there.
+    // The format of the bytes that Read delivers, in the source's own memory. Valid and unmoved
+    // from a successful OpenSource to the next one or the source's end; null or all zeros before.
+    // At least 18 bytes, and as many more as its cbSize says, are readable there.
     virtual const WAVEFORMATEX* WFXPointer() = 0;
     virtual std::int32_t OpenSource(const std::wstring& Source) = 0;
     virtual std::int32_t CloseSource() = 0;

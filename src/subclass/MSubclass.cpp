@@ -1,6 +1,7 @@
 #include "subclass/MSubclass.h"
 
 #include "com/ComPtr.h"
+#include "com/Module.h"
 #include "runtime/RuntimeError.h"
 #include "subclass/WindowProperties.h"
 
@@ -65,8 +66,10 @@ WNDPROC installProcedure(HWND window, WNDPROC procedure) noexcept {
 
 // Gives the window its old procedure back and forgets it.
 void restoreProcedure(HWND window, WindowProperties& properties) noexcept {
-    if (const WNDPROC old = properties.oldProcedure())
+    if (const WNDPROC old = properties.oldProcedure()) {
         installProcedure(window, old);
+        thisModule().unlock();
+    }
     properties.setOldProcedure(nullptr);
 }
 
@@ -125,14 +128,17 @@ LRESULT CALLBACK sharedProcedure(HWND window, UINT message, WPARAM wParam, LPARA
     if (!old)
         return 0;
     const std::int32_t count = properties.clientCount(static_cast<std::int32_t>(message));
-    if (count >= 1)
-        return dispatch(window, message, wParam, lParam, old, count);
-    if (message == WM_DESTROY && properties.attachmentCount() > 0) {
+    if (message == WM_DESTROY && count < 1 && properties.attachmentCount() > 0) {
         // The clients' entries stay: whoever detaches later still finds its own.
         restoreProcedure(window, properties);
         properties.setAttachmentCount(0);
     }
-    return api->callWindowProc(old, window, message, wParam, lParam);
+    const LRESULT result = count >= 1 ? dispatch(window, message, wParam, lParam, old, count)
+                                      : api->callWindowProc(old, window, message, wParam, lParam);
+    // Where a client takes WM_DESTROY this is the window's last message.
+    if (message == WM_NCDESTROY)
+        restoreProcedure(window, properties);
+    return result;
 }
 
 } // namespace
@@ -165,11 +171,16 @@ void AttachMessage(ISubclass* iwp, HWND hWnd, std::int32_t iMsg) {
             forgetClient();
             raise(ErrorNumber::cannotSubclass);
         }
-        properties.setOldProcedure(old);
-        if (!properties.accepted()) {
-            installProcedure(hWnd, old);
-            forgetClient();
-            throwInvalidCall();
+        // Never itself, should the property have been unreadable: it would call itself for ever.
+        if (old != &sharedProcedure) {
+            properties.setOldProcedure(old);
+            if (!properties.accepted()) {
+                installProcedure(hWnd, old);
+                forgetClient();
+                throwInvalidCall();
+            }
+            // The shared procedure must not be unloaded while a window has it.
+            thisModule().lock();
         }
     }
     properties.setAttachmentCount(properties.attachmentCount() + 1);

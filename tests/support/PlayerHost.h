@@ -1,51 +1,70 @@
 #pragma once
 
-// A host of the player without COM: a window, the client that carries its messages to the player,
-// and a record of the events.
+// A host of the registered player control, as a C++ program is one: created through COM, its events
+// logged in the order in which they come. One thread, which must pump messages (MessagePump.h).
 
-#include "player/Player.h"
-#include "support/HiddenWindow.h"
-#include "support/SubclassClient.h"
+#include "PlayerClient.h"
+#include "support/MessagePump.h"
 
-#include <algorithm>
 #include <functional>
+#include <ostream>
 #include <string>
 #include <vector>
 
 namespace corvina::test {
 
-class PlayerHost final : public PlayerEvents {
+struct LoggedEvent {
+    std::wstring name; // "Err" or "DonePlay"
+    std::wstring function;
+    long number = 0;
+    std::wstring description;
+    friend bool operator==(const LoggedEvent&, const LoggedEvent&) = default;
+};
+std::ostream& operator<<(std::ostream& out, const LoggedEvent& event);
+
+// What every playback ends with, whatever ended it: the control resets its device once more after
+// that was closed and reports the answer, then tells that it is done.
+[[nodiscard]] std::vector<LoggedEvent> endOfPlayback();
+
+class PlayerHost {
 public:
-    explicit PlayerHost(const PlayerPlatform& platform = {}) : player(*this, nullptr, platform) {}
+    using OnEvent = std::function<void(const LoggedEvent&)>;
 
-    // "FunctionName|number|description" for an Err, "DonePlay" for the end.
-    std::vector<std::wstring> events;
-    std::function<void(const std::wstring&)> onErr;
-    std::function<void()> onDonePlay;
+    // Creates and initialises the control.
+    explicit PlayerHost(OnEvent onEvent = {});
+    ~PlayerHost();
+    PlayerHost(const PlayerHost&) = delete;
+    PlayerHost& operator=(const PlayerHost&) = delete;
 
-    HiddenWindow window;
-    SubclassClient client{[this](HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
-        return static_cast<long>(player.HandleMessage(hwnd, message, wParam, lParam));
-    }};
-    Player player;
+    // The interface, or null after release().
+    [[nodiscard]] _cPlayer* control() const noexcept { return player_.GetInterfacePtr(); }
 
-    std::int32_t init() { return player.Init(window.handle(), client); }
+    long start(const std::wstring& file, long device = -1);
+    long stop();
+    long pause();
+    long goOn();
+    long seek(long seconds);
+    [[nodiscard]] long position();
+    [[nodiscard]] double duration();
+    [[nodiscard]] bool isPlaying();
 
-    void Err(const std::wstring& functionName, std::int32_t number,
-             const std::wstring& description) noexcept override {
-        events.push_back(functionName + L"|" + std::to_wstring(number) + L"|" + description);
-        if (onErr)
-            onErr(functionName);
-    }
-    void DonePlay() noexcept override {
-        events.emplace_back(L"DonePlay");
-        if (onDonePlay)
-            onDonePlay();
-    }
+    // Lets go of the control without DeInit; its events still arrive while it lives.
+    void release();
 
-    [[nodiscard]] long countOf(const std::wstring& event) const {
-        return static_cast<long>(std::count(events.begin(), events.end(), event));
-    }
+    [[nodiscard]] const std::vector<LoggedEvent>& events() const noexcept { return events_; }
+    [[nodiscard]] std::size_t donePlays() const;
+    // Whether DonePlay has come that many times before the deadline.
+    [[nodiscard]] bool waitForDone(std::size_t times = 1, std::chrono::milliseconds deadline = 30s);
+
+private:
+    void log(const LoggedEvent& event);
+
+    OnEvent onEvent_;
+    std::vector<LoggedEvent> events_;
+    app::_cPlayerPtr player_;
+    app::IConnectionPointPtr point_;
+    app::PlayerEvents* sink_;
+    DWORD connection_ = 0;
 };
 
 } // namespace corvina::test

@@ -1,6 +1,8 @@
+#include "runtime/BitReversal.h"
 #include "runtime/Checked.h"
 #include "runtime/Rounding.h"
 #include "runtime/Text.h"
+#include "support/ErrorNumber.h"
 
 #include <gtest/gtest.h>
 #include <limits>
@@ -8,15 +10,7 @@
 namespace corvina {
 namespace {
 
-template <typename Body>
-std::int32_t errorNumberOf(Body&& body) {
-    try {
-        body();
-    } catch (const RuntimeError& error) {
-        return error.number();
-    }
-    return 0;
-}
+using test::errorNumberOf;
 
 TEST(Rounding, ties_go_to_the_even_neighbour) {
     EXPECT_EQ(roundToInt32(0.5), 0);
@@ -31,6 +25,14 @@ TEST(Rounding, other_values_go_to_the_nearest) {
     EXPECT_EQ(roundToInt32(2.4999999), 2);
     EXPECT_EQ(roundToInt32(2.5000001), 3);
     EXPECT_EQ(roundToInt32(-7.9), -8);
+}
+
+TEST(Rounding, the_quick_rounding_agrees_with_the_general_one) {
+    for (int eighth = -64; eighth <= 64; ++eighth)
+        EXPECT_EQ(roundWithinInt32(eighth / 8.0), roundToInt32(eighth / 8.0)) << eighth / 8.0;
+    EXPECT_EQ(roundWithinInt32(0.49999999999999994), 0);
+    EXPECT_EQ(roundWithinInt32(2147483647.0), 2147483647);
+    EXPECT_EQ(roundWithinInt32(-2147483648.0), std::numeric_limits<std::int32_t>::min());
 }
 
 TEST(Rounding, values_beyond_32_bits_raise_overflow) {
@@ -69,6 +71,24 @@ TEST(Checked, a_remainder_has_the_sign_of_its_dividend) {
     EXPECT_EQ(remainder32(7, -4), 3);
     EXPECT_EQ(remainder32(std::numeric_limits<std::int32_t>::min(), -1), 0);
     EXPECT_EQ(errorNumberOf([] { (void)remainder32(1, 0); }), 11);
+}
+
+TEST(BitReversal, the_lowest_bits_come_back_in_reverse_order) {
+    EXPECT_EQ(reverseBits(0b0000000001U, 10), 0b1000000000U);
+    EXPECT_EQ(reverseBits(0b1101U, 4), 0b1011U);
+    EXPECT_EQ(reverseBits(0x80000000U, 32), 1U);
+    EXPECT_EQ(reverseBits(7, 0), 0U);
+}
+
+TEST(BitReversal, the_shared_table_holds_each_index_with_its_ten_bits_reversed) {
+    fillBitReversalTable();
+    ASSERT_EQ(bitReversalTable().size(), 1024U);
+    for (std::int32_t i = 0; i < 1024; ++i) {
+        std::int32_t reversed = 0;
+        for (std::int32_t k = 0, rest = i; k < 10; ++k, rest /= 2)
+            reversed = 2 * reversed + rest % 2;
+        EXPECT_EQ(bitReversalTable()[static_cast<std::size_t>(i)], reversed);
+    }
 }
 
 TEST(Text, a_part_is_found_in_any_case_and_an_empty_part_always) {

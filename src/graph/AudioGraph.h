@@ -1,0 +1,60 @@
+#pragma once
+
+// The graph itself, without COM: samples in, a picture out.
+//
+// display() computes a new picture; paint() only shows the last one, at any size and on any device
+// context. Settings take effect at the next display() or clear(). One thread; while display() lets
+// pending messages be handled any member may be called, display() itself then does nothing.
+
+#include "graph/BandLevels.h"
+#include "graph/GraphSettings.h"
+#include "graph/SampleBuffer.h"
+#include "graph/Surface.h"
+
+#include <functional>
+#include <windows.h>
+
+namespace corvina {
+
+class Frame;
+
+class AudioGraph {
+public:
+    // block: SampleBuffer::blockBytes readable bytes.
+    void takeSamples(const void* block) noexcept { samples_.take(block); }
+
+    // 0 ... 100, as of the last display().
+    [[nodiscard]] std::int32_t level() const noexcept { return level_; }
+
+    // size: of the whole control in pixels, the border included. betweenColumns is called many
+    // times while a waveform is drawn.
+    void display(const GraphSettings& settings, SIZE size,
+                 const std::function<void()>& betweenColumns);
+
+    // Takes everything from the picture but its background and border.
+    void clear(const GraphSettings& settings);
+
+    // bounds: logical units; size: of the whole control in pixels.
+    void paint(HDC dc, const RECT& bounds, SIZE size);
+
+private:
+    enum class Content { nothing, waveform, bars };
+
+    void paintContent(HDC dc, const Frame& frame) const;
+    [[nodiscard]] bool showAtSize(SIZE picture);
+
+    SampleBuffer samples_;
+    BandLevels bands_;
+    std::int32_t level_ = 0;
+    bool displaying_ = false;
+
+    // What the visible surface shows, to draw it again at another size.
+    Content content_ = Content::nothing;
+    GraphSettings shown_;
+    SampleBuffer shownSamples_;
+
+    Surface visible_;
+    Surface hidden_; // where the bars go while the waveform is what is seen
+};
+
+} // namespace corvina

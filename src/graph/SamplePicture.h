@@ -1,0 +1,13 @@
+#pragma once
+
+// What the graph shows while a form is designed: made-up samples in the current style and colours,
+// so that the effect of every property is seen at once.
+
+#include "graph/GraphSettings.h"
+
+namespace corvina {
+
+// bounds: logical units; size: of the whole control in pixels.
+void paintSamplePicture(HDC dc, const RECT& bounds, SIZE size, const GraphSettings& settings);
+
+} // namespace corvina

@@ -1,0 +1,214 @@
+#include "graph/cAudioGraph.h"
+
+#include "graph/PendingMessages.h"
+#include "graph/SamplePicture.h"
+#include "platform/MemoryProbe.h"
+#include "runtime/RuntimeError.h"
+
+#include <olectl.h>
+
+namespace corvina {
+namespace {
+
+constexpr DISPID levelChangedEvent = 1;
+
+// Places in the table below.
+enum PropertyIndex {
+    graphStyle,
+    bands,
+    bandsSpace,
+    bandsWidth,
+    backgroundColor,
+    amplitudeColor,
+    freqColor,
+    borderStyle
+};
+
+bool isZeroOrOne(std::int32_t value) {
+    return value == 0 || value == 1;
+}
+
+constexpr GraphSettings initial;
+
+constexpr std::int32_t number(COLORREF color) {
+    return static_cast<std::int32_t>(color);
+}
+
+constexpr Property properties[] = {
+    {L"GraphStyle", 1, static_cast<std::int32_t>(initial.style), &isZeroOrOne},
+    {L"Bands", 2, initial.bands},
+    {L"BandsSpace", 3, initial.bandsSpace},
+    {L"BandsWidth", 4, initial.bandsWidth},
+    {L"BackgroundColor", 5, number(initial.backgroundColor)},
+    {L"AmplitudeColor", 6, number(initial.amplitudeColor)},
+    {L"FreqColor", 7, number(initial.freqColor)},
+    {L"BorderStyle", 8, initial.border, &isZeroOrOne},
+};
+
+// A colour as hosts give it, which may stand for one of the system's.
+COLORREF translated(std::int32_t color) noexcept {
+    COLORREF result = 0;
+    const auto value = static_cast<OLE_COLOR>(color);
+    return SUCCEEDED(::OleTranslateColor(value, nullptr, &result)) ? result : value & 0xFFFFFF;
+}
+
+const void* samplesAt(LONG address) {
+    const void* samples = reinterpret_cast<const void*>(address);
+    // No block of 16-bit samples begins at an odd address.
+    if (address % 2 != 0 || !isReadable(samples, SampleBuffer::blockBytes))
+        throw RuntimeError(5, L"Invalid procedure call or argument: no samples can be read at the "
+                              L"address that was passed to SetAudioData");
+    return samples;
+}
+
+} // namespace
+
+// Just wide enough for the initial number of bands.
+constinit const ControlClass audioGraphClass{CLSID_cAudioGraph,
+                                   IID__cAudioGraph,
+                                   DIID___cAudioGraph,
+                                   L"Corvina.cAudioGraph",
+                                   L"Corvina audio graph",
+                                   {200, 100},
+                                   {},
+                                   true,
+                                   properties};
+
+cAudioGraph::cAudioGraph() : Control(audioGraphClass) {}
+
+cAudioGraph::~cAudioGraph() {
+    ole().disconnect();
+}
+
+template <typename Value>
+HRESULT cAudioGraph::get(int property, Value* result) noexcept {
+    return answer(result, [&] { return ole().property(property); });
+}
+
+template <typename Value>
+HRESULT cAudioGraph::put(int property, Value value) noexcept {
+    return enter([&] { return ole().setProperty(property, static_cast<std::int32_t>(value)); });
+}
+
+HRESULT cAudioGraph::get_GraphStyle(AudioGraphStyle* result) {
+    return get(graphStyle, result);
+}
+HRESULT cAudioGraph::put_GraphStyle(AudioGraphStyle value) {
+    return put(graphStyle, value);
+}
+HRESULT cAudioGraph::get_Bands(LONG* result) {
+    return get(bands, result);
+}
+HRESULT cAudioGraph::put_Bands(LONG value) {
+    return put(bands, value);
+}
+HRESULT cAudioGraph::get_BandsSpace(LONG* result) {
+    return get(bandsSpace, result);
+}
+HRESULT cAudioGraph::put_BandsSpace(LONG value) {
+    return put(bandsSpace, value);
+}
+HRESULT cAudioGraph::get_BandsWidth(LONG* result) {
+    return get(bandsWidth, result);
+}
+HRESULT cAudioGraph::put_BandsWidth(LONG value) {
+    return put(bandsWidth, value);
+}
+HRESULT cAudioGraph::get_BackgroundColor(OLE_COLOR* result) {
+    return get(backgroundColor, result);
+}
+HRESULT cAudioGraph::put_BackgroundColor(OLE_COLOR value) {
+    return put(backgroundColor, value);
+}
+HRESULT cAudioGraph::get_AmplitudeColor(OLE_COLOR* result) {
+    return get(amplitudeColor, result);
+}
+HRESULT cAudioGraph::put_AmplitudeColor(OLE_COLOR value) {
+    return put(amplitudeColor, value);
+}
+HRESULT cAudioGraph::get_FreqColor(OLE_COLOR* result) {
+    return get(freqColor, result);
+}
+HRESULT cAudioGraph::put_FreqColor(OLE_COLOR value) {
+    return put(freqColor, value);
+}
+HRESULT cAudioGraph::get_BorderStyle(BorderStyle* result) {
+    return get(borderStyle, result);
+}
+HRESULT cAudioGraph::put_BorderStyle(BorderStyle value) {
+    return put(borderStyle, value);
+}
+
+HRESULT cAudioGraph::get_hWnd(LONG* result) {
+    return answer(result, [&] { return reinterpret_cast<LONG_PTR>(ole().window()); });
+}
+
+HRESULT cAudioGraph::SetAudioData(LONG pAudioData, LONG* result) {
+    return answer(result, [&] {
+        graph_.takeSamples(samplesAt(pAudioData));
+        ole().events().fire(levelChangedEvent, {graph_.level()},
+                            EventSource::WhenFrozen::keepLatest);
+        return 0;
+    });
+}
+
+HRESULT cAudioGraph::Display() {
+    return enter([&] {
+        PendingMessages pending;
+        graph_.display(settings(), ole().pixelSize(), [&] { pending.handle(); });
+        showPicture();
+    });
+}
+
+HRESULT cAudioGraph::ClearGraph(LONG* result) {
+    return answer(result, [&] {
+        graph_.clear(settings());
+        showPicture();
+        return 0;
+    });
+}
+
+// Hosts call these two around the control's use, as they do with the player's; there is nothing to
+// prepare or to give back.
+HRESULT cAudioGraph::Init(LONG* result) {
+    return answer(result, [] { return 0; });
+}
+
+HRESULT cAudioGraph::DeInit(LONG* result) {
+    return answer(result, [] { return 0; });
+}
+
+GraphSettings cAudioGraph::settings() const {
+    return {static_cast<GraphStyle>(ole().property(graphStyle)),
+            ole().property(bands),
+            ole().property(bandsSpace),
+            ole().property(bandsWidth),
+            translated(ole().property(backgroundColor)),
+            translated(ole().property(amplitudeColor)),
+            translated(ole().property(freqColor)),
+            ole().property(borderStyle) != StyleNone};
+}
+
+// At once, not when the host next waits for messages: hosts draw from within long loops too.
+void cAudioGraph::showPicture() noexcept {
+    ole().pictureChanged();
+    if (const HWND window = ole().ownWindow().handle())
+        ::UpdateWindow(window);
+}
+
+void cAudioGraph::draw(HDC dc, const RECT& bounds) {
+    const SIZE size = ole().pixelSize();
+    if (ole().userMode())
+        graph_.paint(dc, bounds, size);
+    else
+        paintSamplePicture(dc, bounds, size, settings());
+}
+
+void cAudioGraph::propertiesChanged(int index) {
+    if (index < 0)
+        graph_.clear(settings()); // a newly loaded control shows its own background
+    else if (!ole().userMode())
+        ole().pictureChanged(); // whoever designs a form sees the effect at once
+}
+
+} // namespace corvina

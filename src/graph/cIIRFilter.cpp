@@ -1,0 +1,54 @@
+#include "graph/cIIRFilter.h"
+
+#include "runtime/Rounding.h"
+#include "runtime/RuntimeError.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+
+namespace corvina {
+namespace {
+
+// The scale is not symmetric: what is below -1 becomes -32768, but -1 itself becomes -32767.
+std::int16_t toSample(float value) noexcept {
+    if (value > 1.0F)
+        return 32767;
+    if (value < -1.0F)
+        return -32768;
+    return static_cast<std::int16_t>(roundWithinInt32(value * 32767.0F));
+}
+
+} // namespace
+
+void cIIRFilter::ProcessSamples(std::span<std::int16_t> samples, std::int32_t lastIndex) {
+    if (lastIndex < 0)
+        return;
+    const std::size_t wanted = static_cast<std::size_t>(lastIndex) + 1;
+    const std::size_t count = std::min(wanted, samples.size());
+    if (filter(samples.first(count)) < count)
+        throwOverflow();
+    if (count < wanted)
+        throwSubscript();
+}
+
+std::size_t cIIRFilter::filter(std::span<std::int16_t> samples) noexcept {
+    const auto [b0, b1, b2, a1, a2] = coefficients_;
+    auto [x1, x2, y1, y2] = delay_;
+    std::size_t done = 0;
+    for (; done < samples.size(); ++done) {
+        const float x = static_cast<float>(samples[done]) / 32767.0F;
+        const float y = b0 * x + b1 * x1 + b2 * x2 - a1 * y1 - a2 * y2;
+        if (!std::isfinite(y))
+            break;
+        x2 = x1;
+        x1 = x;
+        y2 = y1;
+        y1 = y;
+        samples[done] = toSample(y);
+    }
+    delay_ = {x1, x2, y1, y2};
+    return done;
+}
+
+} // namespace corvina

@@ -1,0 +1,61 @@
+#include "sources/ApeLibrary.h"
+
+#include "platform/AnsiText.h"
+#include "runtime/RuntimeError.h"
+#include "stream/LibrarySearch.h"
+
+#include <string>
+
+namespace corvina {
+namespace {
+
+constexpr const wchar_t* libraryName = L"MACDll.dll";
+
+using Create = std::int32_t(__stdcall*)(const char*, std::int32_t*);
+using GetInfo = std::int32_t(__stdcall*)(std::int32_t, std::int32_t, std::int32_t, std::int32_t);
+using GetData = std::int32_t(__stdcall*)(std::int32_t, void*, std::int32_t, std::int32_t*);
+using Seek = std::int32_t(__stdcall*)(std::int32_t, std::int32_t);
+using Destroy = std::int32_t(__stdcall*)(std::int32_t);
+
+} // namespace
+
+ApeLibrary::~ApeLibrary() {
+    if (module_)
+        api_.freeLibrary(module_);
+}
+
+std::int32_t ApeLibrary::create(const char* ansiPath, std::int32_t& error) {
+    return function<Create>("c_APEDecompress_Create")(ansiPath, &error);
+}
+
+std::int32_t ApeLibrary::getInfo(std::int32_t handle, std::int32_t field) {
+    return function<GetInfo>("c_APEDecompress_GetInfo")(handle, field, 0, 0);
+}
+
+std::int32_t ApeLibrary::getData(std::int32_t handle, void* buffer, std::int32_t blocks,
+                                 std::int32_t& blocksRetrieved) {
+    return function<GetData>("c_APEDecompress_GetData")(handle, buffer, blocks, &blocksRetrieved);
+}
+
+std::int32_t ApeLibrary::seek(std::int32_t handle, std::int32_t block) {
+    return function<Seek>("c_APEDecompress_Seek")(handle, block);
+}
+
+std::int32_t ApeLibrary::destroy(std::int32_t handle) {
+    return function<Destroy>("c_APEDecompress_Destroy")(handle);
+}
+
+template <typename Function>
+Function ApeLibrary::function(const char* name) {
+    if (!module_)
+        module_ = loadOptionalLibrary(api_, libraryName);
+    if (!module_)
+        throwCannotLoadLibrary(libraryName);
+    const FARPROC found = api_.getProcAddress(module_, name);
+    if (!found)
+        throw RuntimeError(453,
+                           L"Can't find DLL entry point " + fromAnsi(name) + L" in " + libraryName);
+    return reinterpret_cast<Function>(reinterpret_cast<void*>(found));
+}
+
+} // namespace corvina

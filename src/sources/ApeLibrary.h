@@ -1,0 +1,37 @@
+#pragma once
+
+// The functions of the Monkey's Audio decoder library MACDll.dll, which is loaded when the first of
+// them is called. Without it a call raises "File not found" (53), without the function "Can't find
+// DLL entry point" (453); the next call tries again.
+
+#include "platform/LibraryApi.h"
+
+#include <cstdint>
+
+namespace corvina {
+
+class ApeLibrary {
+public:
+    explicit ApeLibrary(const LibraryApi& api) noexcept : api_(api) {}
+    ~ApeLibrary();
+    ApeLibrary(const ApeLibrary&) = delete;
+    ApeLibrary& operator=(const ApeLibrary&) = delete;
+
+    // A decoder's handle; 0 where the file cannot be decoded.
+    std::int32_t create(const char* ansiPath, std::int32_t& error);
+    std::int32_t getInfo(std::int32_t handle, std::int32_t field);
+    // A block is one sample of every channel.
+    std::int32_t getData(std::int32_t handle, void* buffer, std::int32_t blocks,
+                         std::int32_t& blocksRetrieved);
+    std::int32_t seek(std::int32_t handle, std::int32_t block);
+    std::int32_t destroy(std::int32_t handle);
+
+private:
+    template <typename Function>
+    [[nodiscard]] Function function(const char* name);
+
+    const LibraryApi& api_;
+    HMODULE module_ = nullptr;
+};
+
+} // namespace corvina

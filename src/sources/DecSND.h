@@ -1,0 +1,61 @@
+#pragma once
+
+// AU, AIFF, VOC and VOX files, decoded by libsndfile to 16-bit samples whatever the file holds.
+//
+// Without the library OpenSource, CloseSource, Read and SeekTo answer 3; without an open file the
+// last three answer 1. A seek out of range answers 4. The tags are always empty.
+
+#include "sources/SndfileLibrary.h"
+#include "stream/StrmTags.h"
+#include "stream/cSoundSTRM.h"
+
+#include <cstdint>
+
+namespace corvina {
+
+class DecSND final : public cSoundSTRM, public cSoundInf {
+public:
+    explicit DecSND(const LibraryApi& libraries = systemLibraryApi) : library_(libraries) {}
+    DecSND(const DecSND&) = delete;
+    DecSND& operator=(const DecSND&) = delete;
+    ~DecSND() override;
+
+    [[nodiscard]] std::wstring FormatName() const { return L"Sndfile Audio"; }
+
+    cSoundInf& Info() override { return *this; }
+    std::vector<std::wstring> Extensions() override;
+    bool EndOfStream() override;
+    bool Seekable() override { return true; }
+    // The bits and the block align are those of the file's own samples, which need not be the 16
+    // bits that Read delivers: BitsPerSample and Force16Bit tell these.
+    const WAVEFORMATEX* WFXPointer() override { return &format_; }
+    std::int32_t OpenSource(const std::wstring& Source) override;
+    std::int32_t CloseSource() override;
+    std::int32_t Read(void* pBuffer, std::int32_t cBytes, std::int32_t& cBytesRead) override;
+    std::int32_t SeekTo(std::int32_t Value, std::int32_t& Mode) override;
+
+    StrmTags* Tags() override { return &tags_; }
+    bool Force16Bit() override { return true; }
+    std::int32_t SampleRate() override;
+    std::int16_t Channels() override;
+    std::int16_t BitsPerSample() override { return 16; }
+    // The bytes a second of the file's own samples, not bits.
+    std::int32_t Bitrate() override;
+    std::int32_t Position() override;
+    // Of the low 32 bits of the number of frames: wrong from 2^31 frames on.
+    std::int32_t Duration() override;
+
+private:
+    [[nodiscard]] std::int32_t currentFrame();
+    [[nodiscard]] std::int32_t milliseconds(std::int32_t frames) const;
+
+    SndfileLibrary library_;
+    std::wstring path_; // of the last OpenSource
+    SndfileInfo info_{};
+    std::int32_t file_ = 0;
+    WAVEFORMATEX format_{};
+    std::int32_t totalFrames_ = 0;
+    StrmTags tags_;
+};
+
+} // namespace corvina

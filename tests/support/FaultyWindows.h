@@ -1,0 +1,84 @@
+#pragma once
+
+// The real user32 functions of the subclassing and of playback, counted and failing on command. One
+// set for a test program.
+
+#include "platform/WindowApi.h"
+#include "support/Faults.h"
+
+#include <string>
+#include <vector>
+
+namespace corvina::test {
+
+inline Faults windowFaults;
+// "Post 957", "SetLong" and so on; for tests of orders.
+inline std::vector<std::string> windowLog;
+
+namespace faulty {
+
+inline BOOL WINAPI isWindow(HWND window) {
+    return !windowFaults.strikes("IsWindow") && ::IsWindow(window);
+}
+
+inline DWORD WINAPI getWindowThreadProcessId(HWND window, LPDWORD process) {
+    if (windowFaults.strikes("GetWindowThreadProcessId"))
+        return 0;
+    return ::GetWindowThreadProcessId(window, process);
+}
+
+inline DWORD WINAPI getCurrentProcessId() {
+    return ::GetCurrentProcessId();
+}
+
+inline HANDLE WINAPI getProp(HWND window, LPCSTR name) {
+    return windowFaults.strikes("GetProp") ? nullptr : ::GetPropA(window, name);
+}
+
+inline BOOL WINAPI setProp(HWND window, LPCSTR name, HANDLE value) {
+    windowLog.push_back(std::string("SetProp ") + name);
+    return !windowFaults.strikes("SetProp") && ::SetPropA(window, name, value);
+}
+
+inline HANDLE WINAPI removeProp(HWND window, LPCSTR name) {
+    windowLog.push_back(std::string("RemoveProp ") + name);
+    return windowFaults.strikes("RemoveProp") ? nullptr : ::RemovePropA(window, name);
+}
+
+inline LONG WINAPI setWindowLong(HWND window, int index, LONG value) {
+    windowLog.emplace_back("SetWindowLong");
+    return windowFaults.strikes("SetWindowLong") ? 0 : ::SetWindowLongA(window, index, value);
+}
+
+inline LRESULT WINAPI callWindowProc(WNDPROC procedure, HWND window, UINT message, WPARAM wParam,
+                                     LPARAM lParam) {
+    return ::CallWindowProcA(procedure, window, message, wParam, lParam);
+}
+
+inline BOOL WINAPI postMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    windowLog.push_back(std::string("Post ").append(std::to_string(message)));
+    if (windowFaults.strikes("PostMessage"))
+        return windowFaults.code();
+    return ::PostMessageA(window, message, wParam, lParam);
+}
+
+inline BOOL WINAPI peekMessage(LPMSG message, HWND window, UINT first, UINT last, UINT remove) {
+    return !windowFaults.strikes("PeekMessage") &&
+           ::PeekMessageA(message, window, first, last, remove);
+}
+
+} // namespace faulty
+
+inline const WindowApi faultyWindowApi{faulty::isWindow,
+                                       faulty::getWindowThreadProcessId,
+                                       faulty::getCurrentProcessId,
+                                       faulty::getProp,
+                                       faulty::setProp,
+                                       faulty::removeProp,
+                                       faulty::setWindowLong,
+                                       faulty::callWindowProc,
+                                       faulty::postMessage,
+                                       faulty::peekMessage,
+                                       &::PostQuitMessage};
+
+} // namespace corvina::test

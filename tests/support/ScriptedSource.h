@@ -1,0 +1,115 @@
+#pragma once
+
+// A source that plays what a test lays down and does what a test says, reached through the player's
+// own list: script.extensions and so on first, then Init. One for a test program.
+
+#include "player/PlayerPlatform.h"
+#include "runtime/RuntimeError.h"
+#include "stream/StrmTags.h"
+#include "stream/cSoundSTRM.h"
+#include "support/WavBytes.h"
+
+#include <algorithm>
+#include <cstring>
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace corvina::test {
+
+struct Script {
+    std::vector<std::wstring> extensions{L"test"};
+    WAVEFORMATEX format = pcm(44100, 2, 16);
+    Bytes data;
+    std::int32_t openResult = 0;
+    std::int32_t seekResult = 0;
+    std::int32_t positionMs = 0;
+    std::int32_t durationMs = 0;
+    std::vector<std::pair<std::wstring, std::wstring>> tags;
+    // Called before each Read and each CloseSource; may throw.
+    std::function<void()> onRead;
+    std::function<void()> onClose;
+
+    // What the player did: "Open name", "Close", "Seek value mode".
+    std::vector<std::wstring> log;
+    int sources = 0;
+};
+
+inline Script script;
+
+class ScriptedSource final : public cSoundSTRM, public cSoundInf {
+public:
+    ScriptedSource() {
+        ++script.sources;
+        for (const auto& [name, value] : script.tags)
+            tags_.AddTag(name, value);
+    }
+    ScriptedSource(const ScriptedSource&) = delete;
+    ScriptedSource& operator=(const ScriptedSource&) = delete;
+    ~ScriptedSource() override { --script.sources; }
+
+    cSoundInf& Info() override { return *this; }
+    std::vector<std::wstring> Extensions() override { return script.extensions; }
+    bool EndOfStream() override { return position_ >= script.data.size(); }
+    bool Seekable() override { return true; }
+    const WAVEFORMATEX* WFXPointer() override { return &script.format; }
+    std::int32_t OpenSource(const std::wstring& Source) override {
+        script.log.push_back(L"Open " + Source.substr(Source.find_last_of(L'\\') + 1));
+        position_ = 0;
+        open_ = script.openResult == 0;
+        return script.openResult;
+    }
+    std::int32_t CloseSource() override {
+        script.log.emplace_back(L"Close");
+        if (script.onClose)
+            script.onClose();
+        open_ = false;
+        return 0;
+    }
+    std::int32_t Read(void* pBuffer, std::int32_t cBytes, std::int32_t& cBytesRead) override {
+        if (script.onRead)
+            script.onRead();
+        if (!open_)
+            return SourceResult::notOpen;
+        const std::size_t bytes =
+            std::min(static_cast<std::size_t>(cBytes), script.data.size() - position_);
+        if (bytes > 0)
+            std::memcpy(pBuffer, script.data.data() + position_, bytes);
+        position_ += bytes;
+        cBytesRead = static_cast<std::int32_t>(bytes);
+        return EndOfStream() ? SourceResult::endOfData : SourceResult::done;
+    }
+    std::int32_t SeekTo(std::int32_t Value, std::int32_t& Mode) override {
+        script.log.push_back(L"Seek " + std::to_wstring(Value) + L" " + std::to_wstring(Mode));
+        return script.seekResult;
+    }
+
+    StrmTags* Tags() override { return &tags_; }
+    bool Force16Bit() override { return false; }
+    std::int32_t SampleRate() override {
+        return static_cast<std::int32_t>(script.format.nSamplesPerSec);
+    }
+    std::int16_t Channels() override { return static_cast<std::int16_t>(script.format.nChannels); }
+    std::int16_t BitsPerSample() override {
+        return static_cast<std::int16_t>(script.format.wBitsPerSample);
+    }
+    std::int32_t Bitrate() override {
+        return static_cast<std::int32_t>(script.format.nAvgBytesPerSec) * 8;
+    }
+    std::int32_t Position() override { return script.positionMs; }
+    std::int32_t Duration() override { return script.durationMs; }
+
+private:
+    StrmTags tags_;
+    std::size_t position_ = 0;
+    bool open_ = false;
+};
+
+inline std::vector<std::unique_ptr<cSoundSTRM>> makeScriptedSources() {
+    std::vector<std::unique_ptr<cSoundSTRM>> sources;
+    sources.push_back(std::make_unique<ScriptedSource>());
+    return sources;
+}
+
+} // namespace corvina::test

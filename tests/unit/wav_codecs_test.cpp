@@ -1,0 +1,263 @@
+// Files made by other programs, through the source and the platform's own codecs.
+
+#include "sources/DecWAV.h"
+#include "stream/cPCM.h"
+
+#include "runtime/RuntimeError.h"
+#include "support/FaultyFiles.h"
+#include "support/Media.h"
+#include "support/SampleObserver.h"
+#include "support/TempFolder.h"
+#include "support/WavBytes.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+
+namespace corvina {
+namespace {
+
+using namespace test;
+
+class WavCodecs : public testing::Test {
+protected:
+    [[nodiscard]] bool open(const std::wstring& path, bool force16Bit = false) {
+        return wav_.OpenSource(path) == 0 && converter_.InitConversion(wav_, nullptr, force16Bit);
+    }
+
+    // Everything to the end in blocks as the player asks for them.
+    Bytes pullAll(std::int32_t block = 8000) {
+        Bytes heard;
+        Bytes buffer(static_cast<std::size_t>(block));
+        std::int32_t got = block;
+        while (got == block && heard.size() < 100'000'000) {
+            EXPECT_TRUE(converter_.GetSamples(buffer.data(), block, got));
+            heard.insert(heard.end(), buffer.begin(), buffer.begin() + got);
+        }
+        EXPECT_TRUE(converter_.EndOfStream());
+        return heard;
+    }
+
+    // Seconds of sound that a file gives.
+    double secondsOf(const std::wstring& name, int bits) {
+        EXPECT_TRUE(open(mediaFile(name)));
+        EXPECT_EQ(converter_.OutputBitsPerSample(), bits);
+        const double bytesPerSecond =
+            1.0 * converter_.OutputSamplerate() * converter_.OutputChannels() * bits / 8;
+        return static_cast<double>(pullAll().size()) / bytesPerSecond;
+    }
+
+    TempFolder folder_;
+    DecWAV wav_;
+    cPCM converter_;
+};
+
+TEST_F(WavCodecs, pcm_of_8_and_16_bits_comes_through_bit_for_bit) {
+    for (const WORD bits : {WORD{8}, WORD{16}})
+        for (const WORD channels : {WORD{1}, WORD{2}})
+            for (const DWORD rate : {8000u, 11025u, 22050u, 44100u, 48000u, 96000u}) {
+                const Bytes samples = noise(4 * 30'000);
+                const std::wstring path =
+                    folder_.write(std::to_wstring(rate * bits * channels),
+                                  plainWav(pcm(rate, channels, bits), samples));
+                ASSERT_TRUE(open(path));
+                EXPECT_EQ(converter_.OutputBitsPerSample(), bits);
+                EXPECT_EQ(pullAll(), samples) << rate << ' ' << channels << ' ' << bits;
+                wav_.CloseSource();
+            }
+}
+
+TEST_F(WavCodecs, pcm_is_the_same_in_blocks_of_any_size) {
+    const Bytes samples = noise(400'000);
+    const std::wstring path = folder_.write(L"a.wav", plainWav(pcm(44100, 2, 16), samples));
+    for (const std::int32_t block : {4, 999, 8000, 88200, 300'000, 1'000'000}) {
+        ASSERT_TRUE(open(path));
+        EXPECT_EQ(pullAll(block), samples) << block;
+        wav_.CloseSource();
+    }
+}
+
+TEST_F(WavCodecs, eight_bits_forced_to_16_keep_their_length) {
+    ASSERT_TRUE(open(folder_.write(L"a.wav", plainWav(pcm(8000, 1, 8), noise(20'000))), true));
+    EXPECT_EQ(converter_.OutputBitsPerSample(), 16);
+    EXPECT_EQ(pullAll().size(), 40'000u);
+}
+
+TEST_F(WavCodecs, twenty_four_bits_become_their_upper_16) {
+    const Bytes samples = noise(3 * 20'000);
+    Bytes upper;
+    for (std::size_t i = 0; i < samples.size(); i += 3)
+        upper.insert(upper.end(), {samples[i + 1], samples[i + 2]});
+    ASSERT_TRUE(open(folder_.write(L"a.wav", plainWav(pcm(44100, 2, 24), samples))));
+    EXPECT_EQ(converter_.OutputBitsPerSample(), 16);
+    EXPECT_EQ(pullAll(), upper);
+}
+
+TEST_F(WavCodecs, files_of_other_programs_have_their_right_length) {
+    EXPECT_DOUBLE_EQ(secondsOf(L"tune.wav", 16), 3.0);
+    EXPECT_DOUBLE_EQ(secondsOf(L"mono.wav", 16), 3.0);
+    EXPECT_DOUBLE_EQ(secondsOf(L"8khz.wav", 16), 3.0);
+    EXPECT_DOUBLE_EQ(secondsOf(L"48khz.wav", 16), 3.0);
+    EXPECT_DOUBLE_EQ(secondsOf(L"8bit.wav", 8), 3.0);
+    EXPECT_DOUBLE_EQ(secondsOf(L"24bit.wav", 16), 3.0);
+}
+
+TEST_F(WavCodecs, compressed_files_have_their_right_length_within_a_block) {
+    EXPECT_NEAR(secondsOf(L"ms-adpcm.wav", 8), 3.0, 0.05);
+    EXPECT_NEAR(secondsOf(L"ima-adpcm.wav", 16), 3.0, 0.05);
+    EXPECT_NEAR(secondsOf(L"gsm.wav", 16), 3.0, 0.05);
+    EXPECT_DOUBLE_EQ(secondsOf(L"mulaw.wav", 16), 3.0);
+    EXPECT_DOUBLE_EQ(secondsOf(L"alaw.wav", 16), 3.0);
+}
+
+TEST_F(WavCodecs, four_bit_adpcm_is_8_bit_unless_16_are_forced) {
+    ASSERT_TRUE(open(mediaFile(L"ms-adpcm.wav")));
+    EXPECT_EQ(converter_.OutputBitsPerSample(), 8);
+    ASSERT_TRUE(open(mediaFile(L"ms-adpcm.wav"), true));
+    EXPECT_EQ(converter_.OutputBitsPerSample(), 16);
+}
+
+TEST_F(WavCodecs, a_codec_without_8_bit_output_is_asked_for_16) {
+    for (const wchar_t* const name : {L"ima-adpcm.wav", L"gsm.wav"}) {
+        ASSERT_TRUE(open(mediaFile(name)));
+        EXPECT_EQ(converter_.OutputBitsPerSample(), 16);
+    }
+}
+
+// The first samples that a 16-bit decoder gives for a file, next to those of the original.
+TEST_F(WavCodecs, adpcm_sounds_like_the_original) {
+    ASSERT_TRUE(open(mediaFile(L"tune.wav")));
+    const Bytes original = pullAll();
+    for (const wchar_t* const name : {L"ms-adpcm.wav", L"ima-adpcm.wav"}) {
+        ASSERT_TRUE(open(mediaFile(name), true));
+        const Bytes decoded = pullAll();
+        ASSERT_GE(decoded.size(), original.size() - 8192);
+        double signal = 0, noisePower = 0;
+        for (std::size_t i = 0; i + 1 < std::min(original.size(), decoded.size()); i += 2) {
+            const auto sample = [i](const Bytes& from) {
+                return double(static_cast<std::int16_t>(from[i] | from[i + 1] << 8));
+            };
+            signal += sample(original) * sample(original);
+            noisePower += std::pow(sample(original) - sample(decoded), 2);
+        }
+        EXPECT_GT(10 * std::log10(signal / noisePower), 25.0);
+    }
+}
+
+TEST_F(WavCodecs, formats_without_a_codec_are_refused) {
+    EXPECT_FALSE(open(mediaFile(L"float.wav")));
+    EXPECT_FALSE(open(mediaFile(L"extensible.wav")));
+}
+
+TEST_F(WavCodecs, the_observer_sees_all_16_bit_samples_in_order) {
+    SampleObserver observer;
+    ASSERT_EQ(wav_.OpenSource(mediaFile(L"tune.wav")), 0);
+    ASSERT_TRUE(converter_.InitConversion(wav_, &observer, false));
+    const Bytes heard = pullAll();
+    Bytes seen;
+    for (const auto& block : observer.blocks)
+        seen.insert(seen.end(), block.content.begin(), block.content.end());
+    EXPECT_EQ(seen, heard);
+}
+
+TEST_F(WavCodecs, after_a_seek_and_a_reset_the_sound_of_the_new_place_comes) {
+    const Bytes samples = noise(44100 * 4 * 3);
+    ASSERT_TRUE(open(folder_.write(L"a.wav", plainWav(pcm(44100, 2, 16), samples))));
+    Bytes buffer(88200);
+    std::int32_t got = 0;
+    ASSERT_TRUE(converter_.GetSamples(buffer.data(), 88200, got));
+    std::int32_t seconds = SeekMode::seconds;
+    ASSERT_EQ(wav_.SeekTo(2, seconds), 0);
+    converter_.ResetACM();
+    ASSERT_TRUE(converter_.GetSamples(buffer.data(), 88200, got));
+    EXPECT_EQ(buffer, Bytes(samples.begin() + 352'800, samples.begin() + 441'000));
+}
+
+TEST_F(WavCodecs, a_file_that_is_shorter_than_its_data_chunk_says_ends) {
+    const Bytes samples = noise(100'000);
+    const Bytes file =
+        WavBytes().format(pcm(44100, 2, 16)).chunk("data", samples, 1'000'000).bytes();
+    ASSERT_TRUE(open(folder_.write(L"a.wav", file)));
+    EXPECT_EQ(pullAll(), samples);
+}
+
+TEST_F(WavCodecs, compressed_files_cut_anywhere_end) {
+    for (const wchar_t* const name :
+         {L"ms-adpcm.wav", L"ima-adpcm.wav", L"gsm.wav", L"mulaw.wav"}) {
+        FileAccess access;
+        FileRecord file = access.openForReading(mediaFile(name));
+        Bytes whole(200'000);
+        whole.resize(static_cast<std::size_t>(access.read(file, whole.data(), 200'000)));
+        access.close(file);
+        for (std::size_t length = whole.size(); length > 60; length = length * 2 / 3 - 1) {
+            const std::wstring cut =
+                folder_.write(name, Bytes(whole.begin(), whole.begin() + static_cast<int>(length)));
+            if (open(cut)) {
+                EXPECT_LT(pullAll().size(), 2'000'000u) << length;
+            }
+            wav_.CloseSource();
+        }
+    }
+}
+
+TEST_F(WavCodecs, formats_with_zero_fields_are_refused_or_end) {
+    for (int field = 0; field < 5; ++field) {
+        WAVEFORMATEX record = pcm(44100, 2, 16);
+        if (field == 0)
+            record.nChannels = 0;
+        if (field == 1)
+            record.nSamplesPerSec = 0;
+        if (field == 2)
+            record.nAvgBytesPerSec = 0;
+        if (field == 3)
+            record.nBlockAlign = 0;
+        if (field == 4)
+            record.wBitsPerSample = 0;
+        if (open(folder_.write(L"a.wav", plainWav(record, noise(10'000))))) {
+            EXPECT_LE(pullAll().size(), 100'000u) << field;
+        }
+        wav_.CloseSource();
+    }
+}
+
+TEST_F(WavCodecs, records_of_garbage_are_refused_or_end) {
+    for (std::uint32_t seed = 1; seed <= 300; ++seed) {
+        WAVEFORMATEX record;
+        std::memcpy(&record, noise(sizeof record, seed).data(), sizeof record);
+        const WORD tags[] = {1, 2, 6, 7, 0x11, 0x31, 0x55, 0xFFFE};
+        record.wFormatTag = tags[seed % 8];
+        record.nChannels %= 9;
+        if (seed % 3 == 0)
+            record.nSamplesPerSec %= 200'000;
+        try {
+            if (open(folder_.write(L"a.wav", WavBytes()
+                                                 .format(record, 18, noise(60, seed))
+                                                 .chunk("data", noise(10'000))
+                                                 .bytes())))
+                (void)pullAll(50'000);
+        } catch (const RuntimeError&) {
+        }
+        wav_.CloseSource();
+    }
+}
+
+TEST_F(WavCodecs, any_failure_of_the_file_layer_in_mid_stream_ends_it) {
+    fileFaults.disarm();
+    const Bytes samples = noise(300'000);
+    const std::wstring path = folder_.write(L"a.wav", plainWav(pcm(44100, 2, 16), samples));
+    forEachFault(fileFaults, [&] {
+        DecWAV source(faultyFileApi, faultyMmioApi);
+        cPCM converter;
+        if (source.OpenSource(path) != 0 || !converter.InitConversion(source, nullptr, false))
+            return;
+        Bytes buffer(8000);
+        std::int32_t got = 8000;
+        for (int pulls = 0; got == 8000; ++pulls) {
+            ASSERT_LT(pulls, 1000);
+            ASSERT_TRUE(converter.GetSamples(buffer.data(), 8000, got));
+        }
+    });
+    EXPECT_EQ(openFiles, 0);
+}
+
+} // namespace
+} // namespace corvina

@@ -1,0 +1,152 @@
+// Real files through the system's own reader.
+
+#include "sources/DecWMAMP3.h"
+#include "support/BareReader.h"
+#include "support/Media.h"
+
+#include <algorithm>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <utility>
+
+namespace corvina {
+namespace {
+
+using namespace test;
+using testing::Contains;
+using testing::Pair;
+
+using Tags = std::vector<std::pair<std::wstring, std::wstring>>;
+
+struct ReadToEnd {
+    std::int32_t lastResult = -1;
+    std::vector<std::uint8_t> bytes;
+};
+
+ReadToEnd readToEnd(DecWMAMP3& source, std::int32_t piece) {
+    ReadToEnd all;
+    std::vector<std::uint8_t> buffer(static_cast<std::size_t>(piece));
+    do {
+        std::int32_t got = 0;
+        all.lastResult = source.Read(buffer.data(), piece, got);
+        all.bytes.insert(all.bytes.end(), buffer.begin(), buffer.begin() + got);
+    } while (all.lastResult == 0);
+    return all;
+}
+
+class WindowsMediaFile : public testing::TestWithParam<const wchar_t*> {
+protected:
+    std::wstring file() const { return mediaFile(GetParam()); }
+};
+
+INSTANTIATE_TEST_SUITE_P(Kinds, WindowsMediaFile, testing::Values(L"tune.mp3", L"tune.wma"),
+                         [](const auto& kind) {
+                             const std::wstring name(kind.param);
+                             const std::wstring extension = name.substr(name.find(L'.') + 1);
+                             return std::string(extension.begin(), extension.end());
+                         });
+
+TEST_P(WindowsMediaFile, it_is_delivered_byte_for_byte_as_the_bare_reader_decodes_it) {
+    BareReader bare(file());
+    ASSERT_TRUE(bare.opened());
+    const std::vector<std::uint8_t> expected = bare.rest();
+    ASSERT_FALSE(expected.empty());
+
+    DecWMAMP3 source;
+    ASSERT_EQ(source.OpenSource(file()), 0);
+    for (const std::int32_t piece : {8000, 1, 1000003}) {
+        const ReadToEnd all = readToEnd(source, piece);
+        EXPECT_EQ(all.lastResult, 5);
+        EXPECT_TRUE(source.EndOfStream());
+        EXPECT_TRUE(all.bytes == expected) << all.bytes.size() << " of " << expected.size();
+        std::int32_t mode = SeekMode::percent;
+        ASSERT_EQ(source.SeekTo(0, mode), 0);
+    }
+}
+
+TEST_P(WindowsMediaFile, its_format_is_that_of_the_tune) {
+    DecWMAMP3 source;
+    ASSERT_EQ(source.OpenSource(file()), 0);
+    EXPECT_EQ(source.SampleRate(), 44100);
+    EXPECT_EQ(source.Channels(), 2);
+    EXPECT_EQ(source.BitsPerSample(), 16);
+    EXPECT_EQ(source.WFXPointer()->nBlockAlign, 4);
+    EXPECT_NEAR(source.Duration(), 3000, 200);
+    EXPECT_NEAR(source.Bitrate(), 128000, 8000);
+    EXPECT_EQ(source.Position(), 0);
+}
+
+TEST_P(WindowsMediaFile, its_tags_show) {
+    DecWMAMP3 source;
+    ASSERT_EQ(source.OpenSource(file()), 0);
+    Tags tags;
+    for (const StrmTag& tag : *source.Tags())
+        tags.emplace_back(tag.TagName(), tag.TagValue());
+    EXPECT_THAT(tags, Contains(Pair(L"title", L"Small Tune")));
+    EXPECT_THAT(tags, Contains(Pair(L"artist", L"Test Bench")));
+    EXPECT_THAT(tags, Contains(Pair(L"album", L"Media")));
+    EXPECT_THAT(tags, Contains(Pair(L"genre", L"Other")));
+    EXPECT_THAT(tags, Contains(Pair(L"year", L"2024")));
+    EXPECT_THAT(tags, Contains(Pair(L"tracknumber", L"3")));
+    EXPECT_THAT(tags, Contains(Pair(L"comment", L"made at test time")));
+}
+
+TEST_P(WindowsMediaFile, a_seek_continues_as_the_bare_reader_does_from_there) {
+    BareReader bare(file());
+    ASSERT_TRUE(bare.opened());
+    DecWMAMP3 source;
+    ASSERT_EQ(source.OpenSource(file()), 0);
+    for (const std::int32_t second : {2, 0, 1}) {
+        ASSERT_EQ(bare.reader().SetRange(static_cast<QWORD>(second) * 10'000'000, 0), S_OK);
+        std::int32_t mode = SeekMode::seconds;
+        ASSERT_EQ(source.SeekTo(second, mode), 0);
+        EXPECT_NEAR(source.Position(), second * 1000, 100);
+        EXPECT_TRUE(readToEnd(source, 8000).bytes == bare.rest()) << second;
+    }
+}
+
+TEST_P(WindowsMediaFile, the_position_follows_the_readers_blocks) {
+    BareReader bare(file());
+    DecWMAMP3 source;
+    ASSERT_EQ(source.OpenSource(file()), 0);
+    std::vector<std::uint8_t> block;
+    while (bare.next([&](const BYTE* data, DWORD length) { block.assign(data, data + length); })) {
+        std::int32_t got = 0;
+        (void)source.Read(block.data(), static_cast<std::int32_t>(block.size()), got);
+        EXPECT_NEAR(source.Position(), static_cast<double>(bare.time()) / 10'000, 0.5);
+    }
+}
+
+TEST_P(WindowsMediaFile, it_opens_again_after_closing_and_starts_over) {
+    DecWMAMP3 source;
+    ASSERT_EQ(source.OpenSource(file()), 0);
+    const ReadToEnd first = readToEnd(source, 8000);
+    EXPECT_EQ(source.CloseSource(), 0);
+    EXPECT_FALSE(source.EndOfStream());
+    ASSERT_EQ(source.OpenSource(file()), 0);
+    EXPECT_TRUE(readToEnd(source, 8000).bytes == first.bytes);
+}
+
+TEST_P(WindowsMediaFile, two_sources_play_it_at_once) {
+    DecWMAMP3 one;
+    DecWMAMP3 other;
+    ASSERT_EQ(one.OpenSource(file()), 0);
+    ASSERT_EQ(other.OpenSource(file()), 0);
+    EXPECT_TRUE(readToEnd(one, 8000).bytes == readToEnd(other, 5000).bytes);
+}
+
+TEST(WindowsMediaFiles, a_file_that_does_not_exist_answers_1) {
+    DecWMAMP3 source;
+    EXPECT_EQ(source.OpenSource(mediaFile(L"none.mp3")), 1);
+    EXPECT_EQ(source.OpenSource(L""), 1);
+    EXPECT_EQ(source.CloseSource(), 1);
+}
+
+TEST(WindowsMediaFiles, after_a_failed_open_a_good_file_opens) {
+    DecWMAMP3 source;
+    EXPECT_EQ(source.OpenSource(mediaFile(L"none.mp3")), 1);
+    EXPECT_EQ(source.OpenSource(mediaFile(L"tune.mp3")), 0);
+}
+
+} // namespace
+} // namespace corvina

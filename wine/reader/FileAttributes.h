@@ -1,0 +1,32 @@
+#pragma once
+
+// The attributes of an MP3 or Windows Media file as Windows' own reader would list them.
+
+#include <cstdint>
+#include <string>
+#include <vector>
+#include <windows.h>
+
+#include <wmsdk.h>
+
+namespace corvina::wine {
+
+struct FileAttribute {
+    std::wstring name;
+    WMT_ATTR_DATATYPE type = WMT_TYPE_STRING;
+    std::vector<std::uint8_t> value; // a text with its terminator
+};
+
+[[nodiscard]] FileAttribute textAttribute(const wchar_t* name, const std::wstring& text);
+
+template <typename Number>
+[[nodiscard]] FileAttribute numberAttribute(const wchar_t* name, WMT_ATTR_DATATYPE type,
+                                            Number number) {
+    const auto* bytes = reinterpret_cast<const std::uint8_t*>(&number);
+    return {name, type, {bytes, bytes + sizeof number}};
+}
+
+// Bitrate and tags, as far as the file has them; empty for a file that is neither kind.
+[[nodiscard]] std::vector<FileAttribute> readFileAttributes(const std::wstring& path);
+
+} // namespace corvina::wine

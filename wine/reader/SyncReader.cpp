@@ -1,0 +1,194 @@
+#include "SyncReader.h"
+
+#include <algorithm>
+#include <cstring>
+#include <exception>
+#include <new>
+#include <nserror.h>
+
+namespace corvina::wine {
+namespace {
+
+constexpr WORD wholeFile = 0xFFFF;
+constexpr WORD fileLevel = 0;
+
+// Makes Wine's reader as a part of outer; the export that Wine's own library uses.
+using CreateReader = HRESULT(WINAPI*)(IUnknown* outer, void** inner);
+
+HRESULT createWineReader(IUnknown* outer, IUnknown** inner) {
+    const HMODULE library = ::LoadLibraryW(L"winegstreamer.dll");
+    if (!library)
+        return HRESULT_FROM_WIN32(::GetLastError());
+    // It stays loaded: GStreamer cannot be started twice in a process.
+    const auto create = reinterpret_cast<CreateReader>(
+        reinterpret_cast<void*>(::GetProcAddress(library, "winegstreamer_create_wm_sync_reader")));
+    return create ? create(outer, reinterpret_cast<void**>(inner)) : E_NOTIMPL;
+}
+
+// An interface of an aggregated object counts on its outer object, which must not keep itself
+// alive.
+template <typename Interface>
+HRESULT borrow(IUnknown& aggregated, IUnknown& outer, Interface** result) {
+    const HRESULT found =
+        aggregated.QueryInterface(__uuidof(Interface), reinterpret_cast<void**>(result));
+    if (found == S_OK)
+        outer.Release();
+    return found;
+}
+
+// Tells the length where there is no buffer, and copies where the buffer is large enough.
+template <typename Length, typename Element>
+bool handOut(const Element* from, std::size_t count, Element* buffer, Length* length) {
+    const bool fits = *length >= count;
+    *length = static_cast<Length>(count);
+    if (!buffer)
+        return true;
+    if (fits)
+        std::memcpy(buffer, from, count * sizeof(Element));
+    return fits;
+}
+
+} // namespace
+
+HRESULT SyncReader::create(IWMSyncReader** reader) {
+    auto* const created = new (std::nothrow) SyncReader;
+    if (!created)
+        return E_OUTOFMEMORY;
+    const HRESULT result = created->aggregate();
+    if (result == S_OK)
+        *reader = static_cast<ForwardedReader*>(created);
+    else
+        created->Release();
+    return result;
+}
+
+HRESULT SyncReader::aggregate() {
+    IUnknown& self = *static_cast<ForwardedReader*>(this);
+    HRESULT result = createWineReader(&self, &wineReader_);
+    if (result == S_OK)
+        result = borrow(*wineReader_, self, &(ForwardedReader::inner_));
+    if (result == S_OK)
+        result = borrow(*wineReader_, self, &(ForwardedHeader::inner_));
+    return result;
+}
+
+SyncReader::~SyncReader() {
+    if (wineReader_)
+        wineReader_->Release();
+}
+
+HRESULT SyncReader::QueryInterface(REFIID iid, void** result) {
+    if (!result)
+        return E_POINTER;
+    if (iid == __uuidof(IUnknown) || iid == __uuidof(IWMSyncReader) ||
+        iid == __uuidof(IWMSyncReader2))
+        *result = static_cast<ForwardedReader*>(this);
+    else if (iid == __uuidof(IWMHeaderInfo) || iid == __uuidof(IWMHeaderInfo2) ||
+             iid == __uuidof(IWMHeaderInfo3))
+        *result = static_cast<ForwardedHeader*>(this);
+    else
+        return wineReader_->QueryInterface(iid, result);
+    AddRef();
+    return S_OK;
+}
+
+ULONG SyncReader::Release() {
+    const ULONG left = --references_;
+    if (left == 0) {
+        // While it ends, the aggregated reader may take and give references once more.
+        references_ = 0x40000000;
+        delete this;
+    }
+    return left;
+}
+
+HRESULT SyncReader::Open(const WCHAR* fileName) {
+    const HRESULT result = ForwardedReader::inner_->Open(fileName);
+    if (SUCCEEDED(result)) {
+        open_ = true;
+        listAttributes(fileName);
+    }
+    return result;
+}
+
+HRESULT SyncReader::OpenStream(IStream* stream) {
+    const HRESULT result = ForwardedReader::inner_->OpenStream(stream);
+    if (SUCCEEDED(result)) {
+        open_ = true;
+        listAttributes(nullptr);
+    }
+    return result;
+}
+
+HRESULT SyncReader::Close() {
+    open_ = false;
+    attributes_.clear();
+    return ForwardedReader::inner_->Close();
+}
+
+// What cannot be read of a file's tags is left out; the file plays all the same.
+void SyncReader::listAttributes(const WCHAR* fileName) {
+    attributes_.clear();
+    try {
+        addReaderAttribute(L"Duration", WMT_TYPE_QWORD);
+        addReaderAttribute(L"Seekable", WMT_TYPE_BOOL);
+        if (!fileName)
+            return;
+        std::vector<FileAttribute> fromFile = readFileAttributes(fileName);
+        std::move(fromFile.begin(), fromFile.end(), std::back_inserter(attributes_));
+    } catch (const std::exception&) {
+    }
+}
+
+// An attribute that Wine's reader knows by its name.
+void SyncReader::addReaderAttribute(const wchar_t* name, WMT_ATTR_DATATYPE type) {
+    WORD stream = fileLevel;
+    std::vector<std::uint8_t> value(sizeof(QWORD));
+    WORD length = static_cast<WORD>(value.size());
+    WMT_ATTR_DATATYPE found = type;
+    if (ForwardedHeader::inner_->GetAttributeByName(&stream, name, &found, value.data(), &length) !=
+            S_OK ||
+        found != type || length > value.size())
+        return;
+    value.resize(length);
+    attributes_.push_back({name, type, std::move(value)});
+}
+
+// From the first frame to the end is the whole file, which is what a range of time 0 says as well.
+HRESULT SyncReader::SetRangeByFrame(WORD stream, QWORD frame, LONGLONG count) {
+    if (frame == 0 && count == 0)
+        return ForwardedReader::inner_->SetRange(0, 0);
+    return ForwardedReader::inner_->SetRangeByFrame(stream, frame, count);
+}
+
+HRESULT SyncReader::GetAttributeCountEx(WORD stream, WORD* count) {
+    if (!count)
+        return E_INVALIDARG;
+    if (!open_)
+        return NS_E_INVALID_REQUEST;
+    const bool any = stream == wholeFile || stream == fileLevel;
+    *count = any ? static_cast<WORD>(std::min<std::size_t>(attributes_.size(), 0xFFFF)) : WORD{0};
+    return S_OK;
+}
+
+HRESULT SyncReader::GetAttributeByIndexEx(WORD stream, WORD index, WCHAR* name, WORD* nameLength,
+                                          WMT_ATTR_DATATYPE* type, WORD* language, BYTE* value,
+                                          DWORD* valueLength) {
+    WORD count = 0;
+    const HRESULT counted = GetAttributeCountEx(stream, &count);
+    if (counted != S_OK)
+        return counted;
+    if (!nameLength || !type || !valueLength || index >= count)
+        return E_INVALIDARG;
+    const FileAttribute& attribute = attributes_[index];
+    *type = attribute.type;
+    if (language)
+        *language = 0;
+    const bool nameFits =
+        handOut(attribute.name.c_str(), attribute.name.size() + 1, name, nameLength);
+    const bool valueFits =
+        handOut(attribute.value.data(), attribute.value.size(), value, valueLength);
+    return nameFits && valueFits ? S_OK : NS_E_SDK_BUFFERTOOSMALL;
+}
+
+} // namespace corvina::wine

@@ -1,0 +1,50 @@
+#pragma once
+
+// Wine's synchronous reader with what it lacks: a range by frames that is the whole file, and the
+// list of the file's attributes. It aggregates Wine's reader, so that every other interface is that
+// reader's own and still belongs to this object.
+
+#include "FileAttributes.h"
+#include "ForwardedHeader.h"
+#include "ForwardedReader.h"
+
+#include <atomic>
+#include <string>
+#include <vector>
+
+namespace corvina::wine {
+
+class SyncReader final : public ForwardedReader, public ForwardedHeader {
+public:
+    // On success the caller owns one reference.
+    [[nodiscard]] static HRESULT create(IWMSyncReader** reader);
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** result) override;
+    ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
+    ULONG STDMETHODCALLTYPE Release() override;
+
+    HRESULT STDMETHODCALLTYPE Open(const WCHAR* fileName) override;
+    HRESULT STDMETHODCALLTYPE OpenStream(IStream* stream) override;
+    HRESULT STDMETHODCALLTYPE Close() override;
+    HRESULT STDMETHODCALLTYPE SetRangeByFrame(WORD stream, QWORD frame, LONGLONG count) override;
+    HRESULT STDMETHODCALLTYPE GetAttributeCountEx(WORD stream, WORD* count) override;
+    HRESULT STDMETHODCALLTYPE GetAttributeByIndexEx(WORD stream, WORD index, WCHAR* name,
+                                                    WORD* nameLength, WMT_ATTR_DATATYPE* type,
+                                                    WORD* language, BYTE* value,
+                                                    DWORD* valueLength) override;
+
+private:
+    SyncReader() noexcept = default;
+    ~SyncReader();
+
+    [[nodiscard]] HRESULT aggregate();
+    void addReaderAttribute(const wchar_t* name, WMT_ATTR_DATATYPE type);
+    void listAttributes(const WCHAR* fileName);
+
+    IUnknown* wineReader_ = nullptr; // the aggregated object's own IUnknown: keeps it alive
+    std::atomic<ULONG> references_{1};
+    bool open_ = false;
+    std::vector<FileAttribute> attributes_; // of the open file
+};
+
+} // namespace corvina::wine
