@@ -30,11 +30,11 @@ protected:
         player.query<IOleInPlaceObject>()->GetWindow(&window);
         return window;
     }
-    HRESULT verb(LONG number) {
+    HRESULT verb(LONG which) {
         const auto object = player.query<IOleObject>();
         ComPtr<IOleClientSite> site;
         object->GetClientSite(site.put());
-        return object->DoVerb(number, nullptr, site.get(), 0, nullptr, nullptr);
+        return object->DoVerb(which, nullptr, site.get(), 0, nullptr, nullptr);
     }
     long open(const wchar_t* name) {
         long result = -1;
