@@ -23,7 +23,8 @@ constexpr std::size_t nameColumn = 9;
 
 std::vector<std::wstring> reportFile(PlayerClient& player, const std::wstring& file) {
     const FileFormat format = player.format();
-    std::vector<std::wstring> lines{file};
+    // The name alone: npos + 1 is 0, a name without a folder.
+    std::vector<std::wstring> lines{file.substr(file.find_last_of(L"\\/") + 1)};
     lines.push_back(L"  " + std::to_wstring(format.sampleRate) + L" Hz, " +
                     std::to_wstring(format.bitsPerSample) + L" bit, " +
                     channelWords(format.channels) + L", " +

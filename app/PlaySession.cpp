@@ -120,7 +120,7 @@ void PlaySession::moveOn() {
 
 void PlaySession::showProgress() {
     const std::size_t columns = screen_.statusColumns();
-    if (columns == 0)
+    if (columns == 0 || deadline_) // stopped: the file is closed already
         return;
     const long position = player_.positionSeconds();
     const double fraction = durationSeconds_ > 0 ? position / durationSeconds_ : 0;

@@ -9,12 +9,16 @@
 #include <algorithm>
 #include <array>
 #include <stdexcept>
+#include <utility>
 
 namespace corvina::test {
 
 class BareRing {
 public:
-    explicit BareRing(const Frames& frames) : frames_(frames) {
+    // Wine hands the last buffer back while the sound server still holds some milliseconds of it,
+    // which closing the device would cut off: a block of silence is played behind the frames.
+    explicit BareRing(Frames frames) : frames_(std::move(frames)) {
+        frames_.resize((frames_.size() / blockFrames + 2) * blockFrames);
         WAVEFORMATEX format = pcm(44100, 2, 16);
         if (::waveOutOpen(&device_, WAVE_MAPPER, &format, 0, 0, CALLBACK_NULL) != MMSYSERR_NOERROR)
             throw std::runtime_error("no wave output");
@@ -35,9 +39,11 @@ public:
     }
 
 private:
+    static constexpr std::size_t blockFrames = 2000;
+
     struct Slot {
         WAVEHDR header{};
-        std::array<Frame, 2000> data{};
+        std::array<Frame, blockFrames> data{};
         bool queued = false;
     };
 
@@ -53,23 +59,22 @@ private:
     }
 
     void fillAndWrite(Slot& slot) {
-        const std::size_t count = std::min(slot.data.size(), frames_.size() - next_);
-        slot.queued = count > 0;
+        slot.queued = next_ < frames_.size();
         if (!slot.queued)
             return;
-        const auto begin = frames_.begin() + static_cast<std::ptrdiff_t>(next_);
-        std::copy_n(begin, count, slot.data.begin());
-        next_ += count;
+        std::copy_n(frames_.begin() + static_cast<std::ptrdiff_t>(next_), blockFrames,
+                    slot.data.begin());
+        next_ += blockFrames;
         ::waveOutUnprepareHeader(device_, &slot.header, sizeof slot.header);
         slot.header = {};
         slot.header.lpData = reinterpret_cast<LPSTR>(slot.data.data());
-        slot.header.dwBufferLength = static_cast<DWORD>(count * sizeof(Frame));
+        slot.header.dwBufferLength = sizeof slot.data;
         ::waveOutPrepareHeader(device_, &slot.header, sizeof slot.header);
         if (::waveOutWrite(device_, &slot.header, sizeof slot.header) != MMSYSERR_NOERROR)
             throw std::runtime_error("waveOutWrite failed");
     }
 
-    const Frames& frames_;
+    Frames frames_;
     std::size_t next_ = 0;
     HWAVEOUT device_ = nullptr;
     std::array<Slot, 8> slots_;

@@ -60,16 +60,31 @@ std::optional<std::size_t> Recording::soundSince(std::size_t position) const {
 Frames Recording::listen(std::size_t position, std::size_t frames,
                          std::chrono::milliseconds deadline) const {
     std::optional<std::size_t> beginning;
+    Frames heard;
     (void)pumpUntil(
         [&] {
             if (!beginning)
                 beginning = soundSince(position);
-            return beginning && now() >= *beginning + frames;
+            if (!beginning || now() < *beginning + frames)
+                return false;
+            heard = since(*beginning);
+            return static_cast<std::size_t>(std::count_if(heard.begin(), heard.end(), sounds)) >=
+                   frames;
         },
         deadline);
-    Frames heard = beginning ? since(*beginning) : Frames();
-    heard.resize(std::min(heard.size(), frames));
-    return heard;
+    return beginning ? since(*beginning) : Frames();
+}
+
+Frames Recording::listenUntilQuiet(std::size_t position, std::chrono::milliseconds deadline) const {
+    constexpr std::size_t quietFrames = 11025;
+    Frames heard = listen(position, 1, deadline);
+    (void)pumpUntil(
+        [&] {
+            const std::size_t end = now();
+            return end > position + quietFrames && !soundSince(end - quietFrames);
+        },
+        deadline);
+    return heard.empty() ? heard : since(soundSince(position).value_or(position));
 }
 
 Frames withoutSilenceBehind(Frames frames) {

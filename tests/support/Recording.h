@@ -28,11 +28,15 @@ public:
     // The first position at or after the given one at which something sounded.
     [[nodiscard]] std::optional<std::size_t> soundSince(std::size_t position) const;
 
-    // Listens, dispatching messages, until something has sounded after the position and the given
-    // number of frames has followed its beginning. Returns the frames from that beginning on (so
-    // many, or fewer when the deadline has passed).
+    // Listens, dispatching messages, until so many frames have sounded after the position (silence
+    // among them does not count) or the deadline has passed. Returns all that was heard from the
+    // first sound on.
     [[nodiscard]] Frames listen(std::size_t position, std::size_t frames,
                                 std::chrono::milliseconds deadline) const;
+
+    // The same until, after a sound, a quarter of a second was silent.
+    [[nodiscard]] Frames listenUntilQuiet(std::size_t position,
+                                          std::chrono::milliseconds deadline) const;
 
 private:
     std::wstring path_;

@@ -4,10 +4,10 @@
 #include "player/AudioDevices.h"
 #include "player/ErrorText.h"
 #include "player/MakeSources.h"
-#include "player/OutputFormat.h"
 #include "player/SourceList.h"
 #include "player/TagTexts.h"
 #include "player/TimeText.h"
+#include "stream/PcmFormat.h"
 #include "stream/StrmTags.h"
 #include "support/ErrorNumber.h"
 #include "support/ScriptedSource.h"
@@ -57,10 +57,10 @@ TEST(TimeText, negative_and_extreme_numbers_have_a_text) {
     EXPECT_EQ(secondsAsTimeText(INT32_MIN), L"-596523:-14:-08");
 }
 
-// ---------------------------------------------------------------- OutputFormat
+// ---------------------------------------------------------------- PcmFormat
 
-TEST(OutputFormat, describes_pcm_of_that_shape) {
-    const WAVEFORMATEX format = pcmFormat(2, 16, 44100);
+TEST(PcmFormat, describes_pcm_of_that_shape) {
+    const WAVEFORMATEX format = pcmFormat(44100, 2, 16);
     EXPECT_EQ(format.wFormatTag, WAVE_FORMAT_PCM);
     EXPECT_EQ(format.nChannels, 2);
     EXPECT_EQ(format.nSamplesPerSec, 44100u);
@@ -70,22 +70,21 @@ TEST(OutputFormat, describes_pcm_of_that_shape) {
     EXPECT_EQ(format.cbSize, 0);
 }
 
-TEST(OutputFormat, a_block_of_half_a_byte_is_rounded_to_the_even_number) {
-    EXPECT_EQ(pcmFormat(1, 4, 8000).nBlockAlign, 0);  // 0.5
-    EXPECT_EQ(pcmFormat(1, 12, 8000).nBlockAlign, 2); // 1.5
-    EXPECT_EQ(pcmFormat(5, 4, 8000).nBlockAlign, 2);  // 2.5
-    EXPECT_EQ(pcmFormat(2, 4, 8000).nBlockAlign, 1);
+TEST(PcmFormat, a_block_of_half_a_byte_is_rounded_to_the_even_number) {
+    EXPECT_EQ(pcmFormat(8000, 1, 4).nBlockAlign, 0);  // 0.5
+    EXPECT_EQ(pcmFormat(8000, 1, 12).nBlockAlign, 2); // 1.5
+    EXPECT_EQ(pcmFormat(8000, 5, 4).nBlockAlign, 2);  // 2.5
+    EXPECT_EQ(pcmFormat(8000, 2, 4).nBlockAlign, 1);
 }
 
-TEST(OutputFormat, numbers_of_0_are_taken_as_they_are) {
+TEST(PcmFormat, numbers_of_0_are_taken_as_they_are) {
     EXPECT_EQ(pcmFormat(0, 0, 0).nBlockAlign, 0);
     EXPECT_EQ(pcmFormat(0, 0, 0).nAvgBytesPerSec, 0u);
 }
 
-TEST(OutputFormat, what_does_not_fit_its_field_raises_overflow) {
-    EXPECT_EQ(errorNumberOf([] { static_cast<void>(pcmFormat(32767, 32, 8000)); }), 6);
-    EXPECT_EQ(errorNumberOf([] { static_cast<void>(pcmFormat(2, 16, INT32_MAX)); }), 6);
-    EXPECT_EQ(errorNumberOf([] { static_cast<void>(pcmFormat(-1, INT32_MIN, 8000)); }), 6);
+TEST(PcmFormat, what_does_not_fit_its_field_raises_overflow) {
+    EXPECT_EQ(errorNumberOf([] { static_cast<void>(pcmFormat(8000, 32767, 32)); }), 6);
+    EXPECT_EQ(errorNumberOf([] { static_cast<void>(pcmFormat(INT32_MAX, 2, 16)); }), 6);
 }
 
 // ---------------------------------------------------------------- SourceList
