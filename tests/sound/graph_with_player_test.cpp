@@ -97,8 +97,14 @@ TEST_F(GraphWithPlayer, bars_fall_to_nothing_once_silence_plays) {
         10s));
 }
 
-TEST_F(GraphWithPlayer, the_address_of_the_players_samples_is_taken_before_and_after_playing) {
-    showLatest();
+TEST_F(GraphWithPlayer, before_the_first_playback_the_player_has_no_samples_to_take) {
+    long address = 7, result = 0;
+    ASSERT_EQ(S_OK, player->get_AudioDataOut(&address));
+    EXPECT_EQ(0, address);
+    EXPECT_EQ(static_cast<HRESULT>(0x800A0005), graph->SetAudioData(address, &result));
+}
+
+TEST_F(GraphWithPlayer, the_last_samples_can_be_shown_after_playing) {
     play(tone(1000, 20000));
     long result = 0;
     player->PlayStop(&result);
