@@ -2,6 +2,7 @@
 
 #include "BareRing.h"
 #include "Figure.h"
+#include "ProcessorTime.h"
 #include "support/BarePlayer.h"
 #include "support/Media.h"
 
@@ -11,16 +12,6 @@ namespace {
 constexpr int turns = 7;
 constexpr auto playTime = std::chrono::seconds(8);
 constexpr auto deadline = std::chrono::seconds(10);
-
-double processorSeconds() {
-    FILETIME creation, exit, kernel, user;
-    if (!::GetProcessTimes(::GetCurrentProcess(), &creation, &exit, &kernel, &user))
-        giveUp("no processor times");
-    const auto ticks = [](const FILETIME& time) {
-        return static_cast<double>(std::uint64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime);
-    };
-    return (ticks(kernel) + ticks(user)) / 1e7;
-}
 
 // Milliseconds of processor time for a second of sound, start and stop not counted.
 template <typename Done>
