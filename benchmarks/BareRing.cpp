@@ -1,5 +1,7 @@
 #include "BareRing.h"
 
+#include "support/MessagePump.h"
+
 #include "Figure.h"
 #include "support/WavBytes.h"
 
@@ -59,7 +61,7 @@ void BareRing::stop() {
     ::waveOutClose(device_);
     device_ = nullptr;
     ::CloseHandle(file_);
-    test::pumpWaiting();
+    test::dispatchWaitingMessages();
     queued_ = 0;
 }
 

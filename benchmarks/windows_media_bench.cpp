@@ -90,7 +90,7 @@ void seekAndFirstBlock(const std::wstring& path, const std::string& kind) {
     openSource(source, path);
     BareReader reader(path);
     firstBlock(reader);
-    constexpr std::int32_t places[] = {5, 20, 10, 25, 1};
+    static constexpr std::int32_t places[] = {5, 20, 10, 25, 1};
     const Pair seconds = interleaved(
         turns,
         [&source] {
