@@ -145,5 +145,17 @@ TEST_P(HostileMedia, a_file_that_somebody_else_has_locked_answers_1) {
     EXPECT_EQ(source_.OpenSource(path_), 0);
 }
 
+TEST_P(HostileMedia, a_file_deleted_in_mid_play_is_survived) {
+    write(good_);
+    ASSERT_EQ(source_.OpenSource(path_), 0);
+    std::int32_t got = 0;
+    (void)source_.Read(buffer_.data(), 100, got);
+    EXPECT_EQ(got, 100);
+    (void)::DeleteFileW(path_.c_str());
+    readSome();
+    EXPECT_EQ(source_.CloseSource(), 0);
+    EXPECT_EQ(source_.OpenSource(path_), 1);
+}
+
 } // namespace
 } // namespace corvina
