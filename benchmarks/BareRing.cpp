@@ -1,5 +1,7 @@
 #include "BareRing.h"
 
+#include "support/MessagePump.h"
+
 #include "Figure.h"
 #include "support/MessagePump.h"
 #include "support/WavBytes.h"
