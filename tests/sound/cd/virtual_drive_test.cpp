@@ -49,6 +49,12 @@ protected:
         }
         return all;
     }
+    // Expects that a track file opens and that its track delivers these bytes.
+    static void expectPlays(const std::wstring& path, const Bytes& expected) {
+        DecCDA source;
+        ASSERT_EQ(source.OpenSource(path), 0);
+        EXPECT_EQ(readAll(source), expected);
+    }
     static long countOf(const std::vector<std::string>& requests, const std::string& beginning) {
         return static_cast<long>(std::ranges::count_if(
             requests, [&](const std::string& line) { return line.starts_with(beginning); }));
@@ -127,27 +133,21 @@ TEST_P(EveryWay, every_audio_track_of_a_mixed_disc_delivers_its_very_bytes) {
     const DiscImage disc({data(12), audio(16), audio(20), data(8), audio(8), audio(12)});
     load(disc);
     for (const int track : {2, 3, 5, 6}) {
-        DecCDA source;
-        ASSERT_EQ(source.OpenSource(d->trackPath(track)), 0) << track;
-        EXPECT_EQ(readAll(source), disc.bytes(disc.start(track), disc.sectors(track))) << track;
-        EXPECT_TRUE(source.EndOfStream());
+        SCOPED_TRACE(track);
+        expectPlays(d->trackPath(track), disc.bytes(disc.start(track), disc.sectors(track)));
     }
 }
 
 TEST_P(EveryWay, the_last_block_runs_into_the_next_track) {
     const DiscImage disc({audio(13), audio(8)});
     load(disc);
-    DecCDA source;
-    ASSERT_EQ(source.OpenSource(d->trackPath(1)), 0);
-    EXPECT_EQ(readAll(source), disc.bytes(0, 16));
+    expectPlays(d->trackPath(1), disc.bytes(0, 16));
 }
 
 TEST_P(EveryWay, the_last_block_of_the_disc_runs_into_the_lead_out) {
     const DiscImage disc({audio(8), audio(13)});
     load(disc);
-    DecCDA source;
-    ASSERT_EQ(source.OpenSource(d->trackPath(2)), 0);
-    EXPECT_EQ(readAll(source), disc.bytes(8, 16));
+    expectPlays(d->trackPath(2), disc.bytes(8, 16));
 }
 
 TEST_P(EveryWay, a_track_file_of_another_disc_is_refused_with_4) {
@@ -182,9 +182,7 @@ TEST_P(EveryWay, the_disc_is_found_in_the_second_drive) {
     d->load(disc, lines());
     e->load(disc, lines());
     d->set(lines());
-    DecCDA source;
-    ASSERT_EQ(source.OpenSource(e->trackPath(1)), 0);
-    EXPECT_EQ(readAll(source), disc.bytes(0, 8));
+    expectPlays(e->trackPath(1), disc.bytes(0, 8));
 }
 
 TEST_P(EveryWay, of_two_drives_with_the_same_disc_the_first_plays_whatever_the_path_says) {
@@ -256,9 +254,7 @@ TEST_P(EveryWay, a_percentage_lands_at_a_seventy_fifth_of_its_place) {
 TEST_P(EveryWay, a_slow_drive_delivers_the_same) {
     const DiscImage disc({audio(16)});
     load(disc, {"delay-us 20000"});
-    DecCDA source;
-    ASSERT_EQ(source.OpenSource(d->trackPath(1)), 0);
-    EXPECT_EQ(readAll(source), disc.bytes(0, 16));
+    expectPlays(d->trackPath(1), disc.bytes(0, 16));
 }
 
 // Where they differ
@@ -294,18 +290,14 @@ TEST_F(VirtualDrives, aspi_ends_at_a_scratch) {
     const DiscImage disc({audio(12)});
     d->load(disc, {"unreadable 5 1", "absent"});
     e->set({"absent"});
-    DecCDA source;
-    ASSERT_EQ(source.OpenSource(d->trackPath(1)), 0);
-    EXPECT_EQ(readAll(source), disc.bytes(0, 4));
+    expectPlays(d->trackPath(1), disc.bytes(0, 4));
 }
 
 TEST_F(VirtualDrives, a_lead_out_that_cannot_be_read_ends_the_last_track_a_block_early) {
     const DiscImage disc({audio(13)});
     d->load(disc, {"no-lead-out", "read-only"});
     e->set({"read-only"});
-    DecCDA source;
-    ASSERT_EQ(source.OpenSource(d->trackPath(1)), 0);
-    EXPECT_EQ(readAll(source), disc.bytes(0, 12));
+    expectPlays(d->trackPath(1), disc.bytes(0, 12));
 }
 
 TEST_F(VirtualDrives, a_data_track_opens_but_device_io_control_reads_none_of_it) {
@@ -320,9 +312,7 @@ TEST_F(VirtualDrives, a_data_track_opens_but_device_io_control_reads_none_of_it)
 TEST_F(VirtualDrives, a_data_track_through_pass_through_is_its_raw_sectors) {
     const DiscImage disc({data(16), audio(8)});
     d->load(disc);
-    DecCDA source;
-    ASSERT_EQ(source.OpenSource(d->trackPath(1)), 0);
-    EXPECT_EQ(readAll(source), disc.bytes(0, 16));
+    expectPlays(d->trackPath(1), disc.bytes(0, 16));
 }
 
 TEST_F(VirtualDrives, a_check_condition_on_the_table_is_an_empty_table_for_pass_through) {
