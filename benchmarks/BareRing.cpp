@@ -1,6 +1,7 @@
 #include "BareRing.h"
 
 #include "Figure.h"
+#include "support/MessagePump.h"
 #include "support/WavBytes.h"
 
 namespace corvina::bench {
@@ -59,7 +60,7 @@ void BareRing::stop() {
     ::waveOutClose(device_);
     device_ = nullptr;
     ::CloseHandle(file_);
-    test::pumpWaiting();
+    test::dispatchWaitingMessages();
     queued_ = 0;
 }
 

@@ -2,8 +2,8 @@
 
 #include "BareRing.h"
 #include "Figure.h"
+#include "support/BarePlayer.h"
 #include "support/Media.h"
-#include "support/PlayerHost.h"
 
 namespace corvina::bench {
 namespace {
@@ -31,7 +31,7 @@ double whilePlaying(Done done) {
     return (processorSeconds() - before) * 1000 / std::chrono::duration<double>(playTime).count();
 }
 
-double player(test::PlayerHost& host, const std::wstring& path) {
+double player(test::BarePlayer& host, const std::wstring& path) {
     if (host.player.PlayStart(path, -1, 0) != 0)
         giveUp("the player does not start");
     const double result = whilePlaying([&host] { return host.player.DonePlay(); });
@@ -53,7 +53,7 @@ double bare(BareRing& ring, const std::wstring& path) {
 
 int main() {
     using namespace corvina::bench;
-    corvina::test::PlayerHost host;
+    corvina::test::BarePlayer host;
     host.init();
     BareRing ring;
     const std::wstring path = corvina::test::mediaFile(L"half-minute.wav");

@@ -2,8 +2,8 @@
 
 #include "BareRing.h"
 #include "Figure.h"
+#include "support/BarePlayer.h"
 #include "support/Media.h"
-#include "support/PlayerHost.h"
 
 namespace corvina::bench {
 namespace {
@@ -25,7 +25,7 @@ double milliseconds(Clock::duration time) {
     return std::chrono::duration<double, std::milli>(time).count();
 }
 
-double playerStart(test::PlayerHost& host, const std::wstring& path) {
+double playerStart(test::BarePlayer& host, const std::wstring& path) {
     firstWrite = {};
     const Moment start = Clock::now();
     if (host.player.PlayStart(path, -1, 0) != 0 ||
@@ -52,7 +52,7 @@ int main() {
     using namespace corvina::bench;
     corvina::WaveApi wave;
     wave.outWrite = &notedWrite;
-    corvina::test::PlayerHost host({.wave = wave});
+    corvina::test::BarePlayer host({.wave = wave});
     host.init();
     BareRing ring;
     const std::wstring path = corvina::test::mediaFile(L"tune.wav");
