@@ -16,8 +16,8 @@ std::array<std::int16_t, SampleBuffer::sampleCount / 2> chord() {
     for (std::size_t i = 0; i < samples.size(); ++i) {
         const double part = static_cast<double>(i) / count;
         double sum = 0.0;
-        for (int tone = 1; tone <= 8; ++tone)
-            sum += std::sin(2.0 * std::numbers::pi * 5.5 * tone * part) / (tone * tone);
+        for (int tone = 1; tone <= 24; ++tone)
+            sum += std::sin(2.0 * std::numbers::pi * 5.5 * tone * part) / tone;
         const double swell = std::sin(std::numbers::pi * part);
         samples[i] = static_cast<std::int16_t>(16000.0 * swell * sum);
     }

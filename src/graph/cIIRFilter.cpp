@@ -8,19 +8,6 @@
 #include <cstddef>
 
 namespace corvina {
-namespace {
-
-// The scale is not symmetric: what is below -1 becomes -32768, but -1 itself becomes -32767.
-std::int16_t toSample(float value) noexcept {
-    if (value > 1.0F)
-        return 32767;
-    if (value < -1.0F)
-        return -32768;
-    return static_cast<std::int16_t>(roundWithinInt32(value * 32767.0F));
-}
-
-} // namespace
-
 void cIIRFilter::ProcessSamples(std::span<std::int16_t> samples, std::int32_t lastIndex) {
     if (lastIndex < 0)
         return;
@@ -39,13 +26,17 @@ std::size_t cIIRFilter::filter(std::span<std::int16_t> samples) noexcept {
     for (; done < samples.size(); ++done) {
         const float x = static_cast<float>(samples[done]) / 32767.0F;
         const float y = b0 * x + b1 * x1 + b2 * x2 - a1 * y1 - a2 * y2;
-        if (!std::isfinite(y))
+        // The scale is not symmetric: what is below -1 becomes -32768, but -1 itself -32767.
+        std::int16_t written = y > 0.0F ? 32767 : -32768;
+        if (std::fabs(y) <= 1.0F)
+            written = roundWithinInt16(y * 32767.0F);
+        else if (!std::isfinite(y))
             break;
+        samples[done] = written;
         x2 = x1;
         x1 = x;
         y2 = y1;
         y1 = y;
-        samples[done] = toSample(y);
     }
     delay_ = {x1, x2, y1, y2};
     return done;

@@ -3,6 +3,7 @@
 #include "graph/cAudioGraph.h"
 #include "library/Resources.h"
 #include "player/cPlayer.h"
+#include "subclass/GSubclass.h"
 
 #include "Corvina.h"
 
@@ -19,6 +20,8 @@ const ClassEntry classes[] = {
      CORVINA_BITMAP_PLAYER},
     {CLSID_cAudioGraph, L"Corvina.cAudioGraph", L"Corvina audio graph",
      &create<_cAudioGraph, cAudioGraph>, CORVINA_BITMAP_GRAPH},
+    {CLSID_GSubclass, L"Corvina.GSubclass", L"Corvina window subclassing",
+     &create<_GSubclass, GSubclass>, 0},
 };
 
 } // namespace

@@ -141,6 +141,14 @@ public:
         return resultOf(written);
     }
 
+    [[nodiscard]] bool has(const Text& key) const {
+        HKEY opened = nullptr;
+        const LSTATUS status = ::RegOpenKeyExW(root_, full(key).c_str(), 0, KEY_READ, &opened);
+        if (status == ERROR_SUCCESS)
+            ::RegCloseKey(opened);
+        return status != ERROR_FILE_NOT_FOUND;
+    }
+
     [[nodiscard]] HRESULT remove(const Text& key) const {
         const LSTATUS removed = ::RegDeleteTreeW(root_, full(key).c_str());
         return removed == ERROR_FILE_NOT_FOUND ? S_OK : resultOf(removed);
@@ -153,19 +161,17 @@ private:
 };
 
 HRESULT registerTypeLibrary(const Library& library, RegistrationScope scope, Text path) {
-    return scope == RegistrationScope::machine
-               ? ::RegisterTypeLib(library.library.get(), path.data(), nullptr)
-               : ::RegisterTypeLibForUser(library.library.get(), path.data(), nullptr);
+    const auto enter =
+        scope == RegistrationScope::machine ? &::RegisterTypeLib : &::RegisterTypeLibForUser;
+    return enter(library.library.get(), path.data(), nullptr);
 }
 
 HRESULT unregisterTypeLibrary(const Library& library, RegistrationScope scope) {
-    const HRESULT removed =
-        scope == RegistrationScope::machine
-            ? ::UnRegisterTypeLib(library.guid, library.major, library.minor, library.locale,
-                                  SYS_WIN32)
-            : ::UnRegisterTypeLibForUser(library.guid, library.major, library.minor, library.locale,
-                                         SYS_WIN32);
-    return removed == TYPE_E_REGISTRYACCESS ? S_OK : removed; // was not registered
+    if (!Classes(scope).has(L"TypeLib\\" + textOfGuid(library.guid) + L"\\" + library.version()))
+        return S_OK;
+    const auto unregister =
+        scope == RegistrationScope::machine ? &::UnRegisterTypeLib : &::UnRegisterTypeLibForUser;
+    return unregister(library.guid, library.major, library.minor, library.locale, SYS_WIN32);
 }
 
 HRESULT registerAll(const Library& library, RegistrationScope scope) {

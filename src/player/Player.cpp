@@ -1,11 +1,11 @@
 #include "player/Player.h"
 
 #include "player/ErrorText.h"
-#include "player/OutputFormat.h"
 #include "player/TimeText.h"
 #include "runtime/Rounding.h"
 #include "runtime/RuntimeError.h"
 #include "stream/FileListing.h"
+#include "stream/PcmFormat.h"
 #include "subclass/MSubclass.h"
 
 #include <array>
@@ -127,8 +127,9 @@ std::int32_t Player::PlayStart(const std::wstring& sAudioFile, std::int32_t Devi
     if (const std::int32_t result = OpenAudioFile(sAudioFile); result != 0)
         return result;
     currentFile_ = sAudioFile;
-    return engine_.StartPlayAudio(
-        DeviceIndex, pcmFormat(Info_Channels(), Info_BitsPerSample(), Info_Samplerate()));
+    return engine_.StartPlayAudio(DeviceIndex, pcmFormat(static_cast<DWORD>(Info_Samplerate()),
+                                                         static_cast<WORD>(Info_Channels()),
+                                                         static_cast<WORD>(Info_BitsPerSample())));
 }
 
 std::int32_t Player::PlayStop() {

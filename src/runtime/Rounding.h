@@ -10,13 +10,16 @@ namespace corvina {
 // The nearest whole number as a double; infinities and NaN come back as they are.
 [[nodiscard]] double roundHalfEven(double value) noexcept;
 
-// The same for a value that is known to lie within 32 bits, quick enough for every sample of a
-// stream.
-[[nodiscard]] constexpr std::int32_t roundWithinInt32(double value) noexcept {
-    const auto whole = static_cast<std::int32_t>(value);
-    const double rest = value - whole;
-    const std::int32_t odd = whole & 1;
-    return whole + (rest > 0.5 || (rest == 0.5 && odd)) - (rest < -0.5 || (rest == -0.5 && odd));
+// The same for a value between -32768 and 32767, quick enough for every sample of a stream: without
+// jumps, because which way a sample is rounded cannot be foretold.
+[[nodiscard]] inline std::int16_t roundWithinInt16(float value) noexcept {
+    // Above zero the next whole number below is where a conversion cuts off. In double precision
+    // the sum is exact as far as it matters: a float's last bit, next to a half, is far from its
+    // end.
+    const double raised = double{value} + 32768.5;
+    const auto rounded = static_cast<std::int32_t>(raised); // halves went up
+    const std::int32_t half = raised == rounded;
+    return static_cast<std::int16_t>(rounded - (half & rounded) - 32768);
 }
 
 [[nodiscard]] std::int32_t roundToInt32(double value);

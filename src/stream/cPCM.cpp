@@ -142,7 +142,7 @@ bool cPCM::CloseConverter() noexcept {
 bool cPCM::openStream(cSoundSTRM& source) {
     HACMSTREAM opened = nullptr;
     auto* const format = const_cast<WAVEFORMATEX*>(source.WFXPointer());
-    if (acm_.streamOpen(&opened, nullptr, format, &outputFormat_, nullptr, 0, 0, 0) != 0)
+    if (!format || acm_.streamOpen(&opened, nullptr, format, &outputFormat_, nullptr, 0, 0, 0) != 0)
         opened = nullptr;
     stream_ = opened;
     return stream_ != nullptr;

@@ -1,6 +1,5 @@
 #include "Support.h"
 
-#include <chrono>
 #include <cstring>
 
 namespace corvina::test {
@@ -109,22 +108,6 @@ HRESULT EventSink::Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS* parameters,
     if (handler)
         handler(event);
     return S_OK;
-}
-
-bool pumpUntil(const std::function<bool()>& condition, DWORD milliseconds) {
-    const auto deadline =
-        std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() >= deadline)
-            return false;
-        MSG message;
-        while (::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-            ::TranslateMessage(&message);
-            ::DispatchMessageW(&message);
-        }
-        ::MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
-    }
-    return true;
 }
 
 namespace {

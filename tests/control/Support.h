@@ -5,6 +5,7 @@
 
 #include "com/Bstr.h"
 #include "com/ComPtr.h"
+#include "support/MessagePump.h"
 
 #include <functional>
 #include <gtest/gtest.h>
@@ -54,6 +55,7 @@ struct Variant : VARIANT {
         vt = VT_I4;
         lVal = number;
     }
+    explicit Variant(int number) noexcept : Variant(static_cast<long>(number)) {}
     explicit Variant(const wchar_t* text) : Variant() {
         vt = VT_BSTR;
         bstrVal = Bstr(text).detach();
@@ -106,9 +108,6 @@ private:
     ComPtr<IConnectionPoint> point_;
     DWORD cookie_ = 0;
 };
-
-// Handles messages until the condition holds; false at the deadline.
-bool pumpUntil(const std::function<bool()>& condition, DWORD milliseconds = 10000);
 
 // A top window with an ActiveX container (AtlAxWin) as its child.
 class Container {

@@ -194,7 +194,7 @@ TEST_F(InPlace, releasing_the_last_reference_while_active_takes_the_window_away)
 TEST_F(InPlace, a_covered_and_uncovered_window_is_painted_again) {
     Container container;
     ASSERT_EQ(S_OK, container.attach(unknown()));
-    pumpUntil([&] { return meter->drawn > 0; });
+    ASSERT_TRUE(pumpUntil([&] { return meter->drawn > 0; }));
     const int before = meter->drawn;
     ::InvalidateRect(window(), nullptr, TRUE);
     EXPECT_TRUE(pumpUntil([&] { return meter->drawn > before; }));

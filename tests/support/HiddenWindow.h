@@ -1,9 +1,7 @@
 #pragma once
 
-// A window that is never shown, and the pumping of its thread's messages with a deadline.
+// A window that is never shown.
 
-#include <chrono>
-#include <functional>
 #include <stdexcept>
 #include <windows.h>
 
@@ -31,29 +29,5 @@ public:
 private:
     HWND handle_;
 };
-
-// Handles every message that is waiting.
-inline void pumpWaiting() {
-    MSG message;
-    while (::PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE))
-        ::DispatchMessageA(&message);
-}
-
-// Handles messages until the condition holds; false if it does not within the deadline.
-[[nodiscard]] inline bool pumpUntil(const std::function<bool()>& condition,
-                                    std::chrono::milliseconds deadline) {
-    const auto end = std::chrono::steady_clock::now() + deadline;
-    for (;;) {
-        pumpWaiting();
-        if (condition())
-            return true;
-        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
-            end - std::chrono::steady_clock::now());
-        if (left.count() <= 0)
-            return false;
-        ::MsgWaitForMultipleObjects(0, nullptr, FALSE, static_cast<DWORD>(left.count()),
-                                    QS_ALLINPUT);
-    }
-}
 
 } // namespace corvina::test

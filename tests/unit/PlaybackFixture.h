@@ -6,7 +6,7 @@
 #include "support/FakeAcm.h"
 #include "support/FakeWave.h"
 #include "support/FaultyWindows.h"
-#include "support/PlayerHost.h"
+#include "support/BarePlayer.h"
 #include "support/ScriptedSource.h"
 #include "support/TempFolder.h"
 
@@ -39,13 +39,13 @@ protected:
     // Starts and handles the eight messages that fill the ring.
     void startAndFill() {
         ASSERT_EQ(start(), 0);
-        pumpWaiting();
+        dispatchWaitingMessages();
     }
     // Lets the device play until nothing is left to play.
     static void playOut() {
         do {
             fakeWave.finishAll();
-            pumpWaiting();
+            dispatchWaitingMessages();
         } while (!fakeWave.queued.empty() && !fakeWave.paused);
     }
     // How often a call was made of the device.
@@ -66,7 +66,7 @@ protected:
         host.events.clear();
         fakeWave.written.clear();
         ASSERT_EQ(start(), 0);
-        pumpWaiting();
+        dispatchWaitingMessages();
         playOut();
         EXPECT_EQ(host.events, endOfPlayback);
         EXPECT_TRUE(host.player.DonePlay());
@@ -78,7 +78,7 @@ protected:
     const std::vector<std::wstring> endOfPlayback{L"StopPlayAudio:waveOutReset|5|5", L"DonePlay"};
     TempFolder folder;
     std::wstring file;
-    PlayerHost host{fakePlatform()};
+    BarePlayer host{fakePlatform()};
 };
 
 } // namespace corvina::test

@@ -71,11 +71,13 @@ struct StandInLibrary {
     std::map<DWORD, DWORD> formatCounts;                      // by output
     std::map<std::pair<DWORD, DWORD>, StandInFormat> formats; // by output and format
     std::vector<StandInAttribute> attributes;
+    WORD attributeCount = 0; // where it is not the attributes' own: they then repeat
     std::vector<StandInBlock> blocks;
     HRESULT afterLastBlock = static_cast<HRESULT>(0xC00D0BCF);
     std::map<std::string, HRESULT> results; // by function, where it is not the normal one
     bool withoutHeader = false;             // the reader does not know the header's interface
 
+    bool noting = true; // calls are written down
     std::vector<std::string> calls;
     std::size_t next = 0; // the block that is fetched next
     bool fileOpen = false;

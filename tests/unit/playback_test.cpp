@@ -1,6 +1,7 @@
 // The playback engine: the calls it makes of the device and their order.
 
 #include "PlaybackFixture.h"
+#include "support/ProcessObjects.h"
 
 namespace corvina::test {
 namespace {
@@ -40,7 +41,7 @@ TEST_F(Playback, starting_posts_eight_messages_to_fill_the_ring) {
 TEST_F(Playback, the_first_eight_messages_fill_the_buffers_in_order) {
     ASSERT_EQ(start(), 0);
     takeLog();
-    pumpWaiting();
+    dispatchWaitingMessages();
     Calls expected;
     for (const char* index : {"0", "1", "2", "3", "4", "5", "6", "7"})
         for (const char* call : {"Unprepare ", "Prepare ", "Write "})
@@ -53,7 +54,7 @@ TEST_F(Playback, each_buffer_that_comes_back_is_refilled_in_its_turn) {
     takeLog();
     fakeWave.finishOne();
     fakeWave.finishOne();
-    pumpWaiting();
+    dispatchWaitingMessages();
     EXPECT_THAT(takeLog(), ElementsAre("Unprepare 0", "Prepare 0", "Write 0", "Unprepare 1",
                                        "Prepare 1", "Write 1"));
 }
@@ -62,10 +63,10 @@ TEST_F(Playback, after_the_last_buffer_the_ring_begins_again) {
     startAndFill();
     for (int i = 0; i < 8; ++i)
         fakeWave.finishOne();
-    pumpWaiting();
+    dispatchWaitingMessages();
     takeLog();
     fakeWave.finishOne();
-    pumpWaiting();
+    dispatchWaitingMessages();
     EXPECT_THAT(takeLog(), ElementsAre("Unprepare 0", "Prepare 0", "Write 0"));
 }
 
@@ -87,7 +88,7 @@ TEST_F(Playback, no_sample_is_lost_at_the_end_whatever_the_length) {
         script.data = noise(length, static_cast<std::uint32_t>(length));
         fakeWave.written.clear();
         ASSERT_EQ(start(), 0);
-        pumpWaiting();
+        dispatchWaitingMessages();
         playOut();
         EXPECT_EQ(fakeWave.written.size(), (length + buffer - 1) / buffer * buffer)
             << "and nothing but the rest of the last buffer is added";
@@ -125,7 +126,7 @@ TEST_F(Playback, any_device_number_is_passed_on) {
         ASSERT_EQ(start(device), 0);
         EXPECT_EQ(fakeWave.device, static_cast<UINT>(device));
         host.player.PlayStop();
-        pumpWaiting();
+        dispatchWaitingMessages();
     }
 }
 
@@ -138,10 +139,10 @@ TEST_F(Playback, the_requested_buffer_size_has_no_effect) {
     for (const std::int32_t size : {65536, 0, -1, INT32_MAX, INT32_MIN}) {
         fakeWave.written.clear();
         ASSERT_EQ(host.player.PlayStart(file, -1, size), 0);
-        pumpWaiting();
+        dispatchWaitingMessages();
         EXPECT_EQ(fakeWave.written.size(), 8 * buffer);
         host.player.PlayStop();
-        pumpWaiting();
+        dispatchWaitingMessages();
     }
 }
 
@@ -166,7 +167,7 @@ TEST_F(Playback, a_playback_that_ends_raises_one_reset_failure_and_then_DonePlay
 TEST_F(Playback, the_end_unprepares_the_ninth_record_eight_times_and_closes) {
     script.data = noise(100);
     ASSERT_EQ(start(), 0);
-    pumpWaiting();
+    dispatchWaitingMessages();
     takeLog();
     playOut();
     // The ninth record's dwUser is 0, as nobody ever set it up.
@@ -177,7 +178,7 @@ TEST_F(Playback, the_end_unprepares_the_ninth_record_eight_times_and_closes) {
 TEST_F(Playback, a_source_shorter_than_a_buffer_is_heard_and_ends) {
     script.data = noise(100);
     ASSERT_EQ(start(), 0);
-    pumpWaiting();
+    dispatchWaitingMessages();
     EXPECT_EQ(fakeWave.writes, 1);
     playOut();
     EXPECT_EQ(fakeWave.writes, 1);
@@ -222,7 +223,7 @@ TEST_F(Playback, starting_while_the_buffers_come_back_answers_minus_201) {
     startAndFill();
     host.player.PlayStop();
     EXPECT_EQ(start(), -201);
-    pumpWaiting();
+    dispatchWaitingMessages();
     EXPECT_EQ(start(), 0);
 }
 
@@ -241,7 +242,7 @@ TEST_F(Playback, stopping_resets_and_closes_the_source_at_once) {
 TEST_F(Playback, stopping_ends_with_the_same_events_as_the_end_of_the_file) {
     startAndFill();
     host.player.PlayStop();
-    pumpWaiting();
+    dispatchWaitingMessages();
     EXPECT_EQ(host.events, endOfPlayback);
     EXPECT_FALSE(fakeWave.open);
     expectTheNextPlaybackWorks();
@@ -250,7 +251,7 @@ TEST_F(Playback, stopping_ends_with_the_same_events_as_the_end_of_the_file) {
 TEST_F(Playback, stopping_before_the_ring_is_filled_ends_too) {
     ASSERT_EQ(start(), 0);
     host.player.PlayStop();
-    pumpWaiting();
+    dispatchWaitingMessages();
     EXPECT_EQ(fakeWave.writes, 0);
     EXPECT_EQ(host.events, endOfPlayback);
     expectTheNextPlaybackWorks();
@@ -261,7 +262,7 @@ TEST_F(Playback, stopping_twice_resets_again) {
     EXPECT_EQ(host.player.PlayStop(), 0);
     EXPECT_EQ(host.player.PlayStop(), 0);
     EXPECT_EQ(callsOf("Reset"), 2);
-    pumpWaiting();
+    dispatchWaitingMessages();
     EXPECT_EQ(host.events, endOfPlayback);
 }
 
@@ -269,7 +270,7 @@ TEST_F(Playback, stopping_while_paused_ends) {
     startAndFill();
     ASSERT_EQ(host.player.PlayPause(), 0);
     EXPECT_EQ(host.player.PlayStop(), 0);
-    pumpWaiting();
+    dispatchWaitingMessages();
     EXPECT_EQ(host.events, endOfPlayback);
     EXPECT_TRUE(host.player.IsPausedOut()) << "only the next start clears it";
     ASSERT_EQ(start(), 0);
@@ -324,10 +325,10 @@ TEST_F(Playback, AudioDataOut_shows_1024_silent_samples_before_the_first_refill)
 TEST_F(Playback, AudioDataOut_is_a_copy_of_the_last_block_at_a_new_address_each_time) {
     ASSERT_EQ(start(), 0);
     std::int32_t before = host.player.AudioDataOut();
-    pumpWaiting();
+    dispatchWaitingMessages();
     for (std::size_t block = 8; block < 40; ++block) {
         fakeWave.finishOne();
-        pumpWaiting();
+        dispatchWaitingMessages();
         const std::int32_t address = host.player.AudioDataOut();
         ASSERT_NE(address, before);
         ASSERT_EQ(std::memcmp(reinterpret_cast<const void*>(address),
@@ -356,7 +357,7 @@ TEST_F(Playback, a_start_between_close_and_close_message_is_stopped_by_that_mess
     EXPECT_TRUE(host.player.IsPlaying());
     host.events.clear();
     ASSERT_EQ(start(), 0);
-    pumpWaiting();
+    dispatchWaitingMessages();
     EXPECT_EQ(fakeWave.writes, 8) << "nothing of the second playback was heard";
     EXPECT_THAT(host.events, ElementsAre(L"DonePlay", L"DonePlay"))
         << "the first for the stopped playback, the second when its device has closed";
@@ -429,7 +430,7 @@ TEST_F(Playback, forged_messages_in_mid_play_are_survived) {
     for (int i = 0; i < 50; ++i)
         ::SendMessageA(host.window.handle(), MM_WOM_DONE, 0xFFFFFFFF, -1);
     ::SendMessageA(host.window.handle(), MM_WOM_CLOSE, 0, 0);
-    pumpWaiting();
+    dispatchWaitingMessages();
     playOut();
     EXPECT_FALSE(fakeWave.open);
     expectTheNextPlaybackWorks();
@@ -447,9 +448,9 @@ TEST_F(Playback, ten_thousand_rounds_leave_handles_and_memory_as_they_were) {
     script.data = noise(buffer * 2);
     const auto round = [&] {
         ASSERT_EQ(start(), 0);
-        pumpWaiting();
+        dispatchWaitingMessages();
         fakeWave.finishAll();
-        pumpWaiting();
+        dispatchWaitingMessages();
         ASSERT_FALSE(fakeWave.open);
         fakeWave.written.clear();
         fakeWave.log.clear();
@@ -460,34 +461,19 @@ TEST_F(Playback, ten_thousand_rounds_leave_handles_and_memory_as_they_were) {
         fakeAcm.conversions.clear();
         fakeAcm.measured.clear();
     };
-    const auto heapBytes = [] {
-        const HANDLE heap = ::GetProcessHeap();
-        PROCESS_HEAP_ENTRY entry{};
-        std::size_t bytes = 0;
-        ::HeapLock(heap);
-        while (::HeapWalk(heap, &entry))
-            if (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY)
-                bytes += entry.cbData;
-        ::HeapUnlock(heap);
-        return bytes;
-    };
-    const auto handles = [] {
-        DWORD count = 0;
-        ::GetProcessHandleCount(::GetCurrentProcess(), &count);
-        return count;
-    };
     for (int i = 0; i < 100; ++i)
         round();
-    const std::size_t bytesBefore = heapBytes();
-    const DWORD handlesBefore = handles();
-    const DWORD gdiBefore = ::GetGuiResources(::GetCurrentProcess(), GR_GDIOBJECTS);
-    const DWORD userBefore = ::GetGuiResources(::GetCurrentProcess(), GR_USEROBJECTS);
+    const std::size_t bytesBefore = countHeapBytes();
+    const int handlesBefore = countKernelHandles();
+    const int windowsBefore = countWindows();
+    const int gdiBefore = countGdiObjects();
     for (int i = 0; i < 10000; ++i)
         round();
-    EXPECT_EQ(handles(), handlesBefore);
-    EXPECT_EQ(::GetGuiResources(::GetCurrentProcess(), GR_GDIOBJECTS), gdiBefore);
-    EXPECT_EQ(::GetGuiResources(::GetCurrentProcess(), GR_USEROBJECTS), userBefore);
-    EXPECT_LT(heapBytes(), bytesBefore + 16 * 1024);
+    EXPECT_GT(handlesBefore, 0);
+    EXPECT_EQ(countKernelHandles(), handlesBefore);
+    EXPECT_EQ(countWindows(), windowsBefore);
+    EXPECT_EQ(countGdiObjects(), gdiBefore);
+    EXPECT_LT(countHeapBytes(), bytesBefore + 16 * 1024);
 }
 
 } // namespace

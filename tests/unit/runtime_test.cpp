@@ -4,6 +4,7 @@
 #include "runtime/Text.h"
 #include "support/ErrorNumber.h"
 
+#include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
 
@@ -27,12 +28,15 @@ TEST(Rounding, other_values_go_to_the_nearest) {
     EXPECT_EQ(roundToInt32(-7.9), -8);
 }
 
-TEST(Rounding, the_quick_rounding_agrees_with_the_general_one) {
-    for (int eighth = -64; eighth <= 64; ++eighth)
-        EXPECT_EQ(roundWithinInt32(eighth / 8.0), roundToInt32(eighth / 8.0)) << eighth / 8.0;
-    EXPECT_EQ(roundWithinInt32(0.49999999999999994), 0);
-    EXPECT_EQ(roundWithinInt32(2147483647.0), 2147483647);
-    EXPECT_EQ(roundWithinInt32(-2147483648.0), std::numeric_limits<std::int32_t>::min());
+TEST(Rounding, the_quick_rounding_of_samples_agrees_with_the_general_one) {
+    for (int eighth = -8 * 32768; eighth <= 8 * 32767; ++eighth) {
+        const float value = static_cast<float>(eighth) / 8.0F;
+        for (const float beside :
+             {value, std::nextafter(value, -32768.0F), std::nextafter(value, 32767.0F)})
+            ASSERT_EQ(roundWithinInt16(beside), roundToInt16(beside)) << beside;
+    }
+    EXPECT_EQ(roundWithinInt16(std::numeric_limits<float>::denorm_min()), 0);
+    EXPECT_EQ(roundWithinInt16(-std::numeric_limits<float>::denorm_min()), 0);
 }
 
 TEST(Rounding, values_beyond_32_bits_raise_overflow) {

@@ -62,6 +62,10 @@ void addStored(Attributes& attributes, const wchar_t* name, const TagLib::ASF::T
 void addWindowsMedia(Attributes& attributes, TagLib::ASF::File& file) {
     addBitrate(attributes, file.audioProperties());
     addCommonTags(attributes, *file.tag());
+    // The comment has a place of its own in the header, but some programs write it among the
+    // others.
+    if (file.tag()->comment().isEmpty())
+        addStored(attributes, L"Description", *file.tag());
     addStored(attributes, L"WM/TrackNumber", *file.tag());
     addStored(attributes, L"WM/Year", *file.tag());
 }

@@ -1,5 +1,7 @@
 #include "SyncReader.h"
 
+#include "InputFile.h"
+
 #include <algorithm>
 #include <cstring>
 #include <exception>
@@ -102,20 +104,30 @@ ULONG SyncReader::Release() {
     return left;
 }
 
+// Wine's reader gets the file as a stream, because it never closes a file that it opened itself and
+// could not use.
 HRESULT SyncReader::Open(const WCHAR* fileName) {
-    const HRESULT result = ForwardedReader::inner_->Open(fileName);
-    if (SUCCEEDED(result)) {
-        open_ = true;
-        listAttributes(fileName);
-    }
+    if (!fileName)
+        return E_INVALIDARG;
+    IStream* file = nullptr;
+    const HRESULT opened = InputFile::open(fileName, &file);
+    if (FAILED(opened))
+        return opened;
+    const HRESULT result = openStream(file, fileName);
+    file->Release();
     return result;
 }
 
 HRESULT SyncReader::OpenStream(IStream* stream) {
+    return openStream(stream, nullptr);
+}
+
+HRESULT SyncReader::openStream(IStream* stream, const WCHAR* fileName) {
     const HRESULT result = ForwardedReader::inner_->OpenStream(stream);
     if (SUCCEEDED(result)) {
         open_ = true;
-        listAttributes(nullptr);
+        atStart_ = true;
+        listAttributes(fileName);
     }
     return result;
 }
@@ -154,11 +166,25 @@ void SyncReader::addReaderAttribute(const wchar_t* name, WMT_ATTR_DATATYPE type)
     attributes_.push_back({name, type, std::move(value)});
 }
 
+HRESULT SyncReader::SetRange(QWORD start, LONGLONG duration) {
+    atStart_ = false;
+    return ForwardedReader::inner_->SetRange(start, duration);
+}
+
+HRESULT SyncReader::GetNextSample(WORD stream, INSSBuffer** sample, QWORD* time, QWORD* duration,
+                                  DWORD* flags, DWORD* output, WORD* sampleStream) {
+    atStart_ = false;
+    return ForwardedReader::inner_->GetNextSample(stream, sample, time, duration, flags, output,
+                                                  sampleStream);
+}
+
 // From the first frame to the end is the whole file, which is what a range of time 0 says as well.
+// A file just opened has that range already; to set it again would be a seek, after which
+// GStreamer's decoder for WMA makes up its noise anew.
 HRESULT SyncReader::SetRangeByFrame(WORD stream, QWORD frame, LONGLONG count) {
-    if (frame == 0 && count == 0)
-        return ForwardedReader::inner_->SetRange(0, 0);
-    return ForwardedReader::inner_->SetRangeByFrame(stream, frame, count);
+    if (frame != 0 || count != 0)
+        return ForwardedReader::inner_->SetRangeByFrame(stream, frame, count);
+    return atStart_ ? S_OK : SetRange(0, 0);
 }
 
 HRESULT SyncReader::GetAttributeCountEx(WORD stream, WORD* count) {

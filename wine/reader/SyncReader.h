@@ -26,7 +26,11 @@ public:
     HRESULT STDMETHODCALLTYPE Open(const WCHAR* fileName) override;
     HRESULT STDMETHODCALLTYPE OpenStream(IStream* stream) override;
     HRESULT STDMETHODCALLTYPE Close() override;
+    HRESULT STDMETHODCALLTYPE SetRange(QWORD start, LONGLONG duration) override;
     HRESULT STDMETHODCALLTYPE SetRangeByFrame(WORD stream, QWORD frame, LONGLONG count) override;
+    HRESULT STDMETHODCALLTYPE GetNextSample(WORD stream, INSSBuffer** sample, QWORD* time,
+                                            QWORD* duration, DWORD* flags, DWORD* output,
+                                            WORD* sampleStream) override;
     HRESULT STDMETHODCALLTYPE GetAttributeCountEx(WORD stream, WORD* count) override;
     HRESULT STDMETHODCALLTYPE GetAttributeByIndexEx(WORD stream, WORD index, WCHAR* name,
                                                     WORD* nameLength, WMT_ATTR_DATATYPE* type,
@@ -38,12 +42,15 @@ private:
     ~SyncReader();
 
     [[nodiscard]] HRESULT aggregate();
+    // fileName: where the stream's bytes are from; null where nobody knows.
+    [[nodiscard]] HRESULT openStream(IStream* stream, const WCHAR* fileName);
     void addReaderAttribute(const wchar_t* name, WMT_ATTR_DATATYPE type);
     void listAttributes(const WCHAR* fileName);
 
     IUnknown* wineReader_ = nullptr; // the aggregated object's own IUnknown: keeps it alive
     std::atomic<ULONG> references_{1};
     bool open_ = false;
+    bool atStart_ = false;                  // opened, and since then neither moved nor read
     std::vector<FileAttribute> attributes_; // of the open file
 };
 

@@ -138,7 +138,7 @@ void drive_count_read(struct drive *drive) {
 }
 
 void drive_log(const struct drive *drive, const char *format, ...) {
-    FILE *file = drive->now.log[0] ? open_unix_path(drive->now.log, "a") : NULL;
+    FILE *file = drive->now.log[0] ? open_unix_path(drive->now.log, "ab") : NULL;
     if (!file)
         return;
     va_list arguments;
@@ -147,6 +147,18 @@ void drive_log(const struct drive *drive, const char *format, ...) {
     va_end(arguments);
     fputc('\n', file);
     fclose(file);
+}
+
+void drive_log_command(const struct drive *drive, const char *way, const uint8_t *command,
+                       int length, uint32_t size) {
+    static const char digits[] = "0123456789ABCDEF";
+    char bytes[3 * 16 + 1] = "";
+    for (int i = 0; i < length && i < 16; ++i) {
+        bytes[3 * i] = digits[command[i] >> 4];
+        bytes[3 * i + 1] = digits[command[i] & 15];
+        bytes[3 * i + 2] = ' ';
+    }
+    drive_log(drive, "%s %s%u", way, bytes, (unsigned)size);
 }
 
 static bool is_scratched(const struct drive *drive, int32_t lba) {

@@ -73,6 +73,10 @@ void drive_count_read(struct drive *drive);
 void drive_log(const struct drive *drive, const char *format, ...)
     __attribute__((format(printf, 2, 3)));
 
+/* The same for a SCSI command and the size of its data. */
+void drive_log_command(const struct drive *drive, const char *way, const uint8_t *command,
+                       int length, uint32_t size);
+
 static inline bool drive_is_ready(const struct drive *drive) {
     return drive->has_disc && !drive->tray_open;
 }

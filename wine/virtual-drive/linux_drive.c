@@ -52,14 +52,7 @@ static long delay_of(const struct drive *drive, const struct sg_io_hdr *packet) 
 }
 
 static int run_packet(struct drive *drive, struct sg_io_hdr *packet) {
-    static const char digits[] = "0123456789ABCDEF";
-    char bytes[3 * 16 + 1] = "";
-    for (int i = 0; i < packet->cmd_len && i < 16; ++i) {
-        bytes[3 * i] = digits[packet->cmdp[i] >> 4];
-        bytes[3 * i + 1] = digits[packet->cmdp[i] & 15];
-        bytes[3 * i + 2] = ' ';
-    }
-    drive_log(drive, "SG_IO %s%u", bytes, packet->dxfer_len);
+    drive_log_command(drive, "SG_IO", packet->cmdp, packet->cmd_len, packet->dxfer_len);
     if (drive_refuses(drive, packet->cmdp[0]))
         return fail(drive->now.gone ? ENODEV : EIO);
     if (delay_of(drive, packet) < drive->now.delay_us) {

@@ -101,7 +101,7 @@ static void tell_type(struct type_block *block) {
 static uint8_t run(struct command_block *block, struct drive *drive) {
     if (!drive)
         return NO_DEVICE;
-    drive_log(drive, "ASPI %02X %u", block->command[0], (unsigned)block->size);
+    drive_log_command(drive, "ASPI", block->command, block->command_size, block->size);
     if (drive_refuses(drive, block->command[0]))
         return ENDED_IN_ERROR;
     const struct mmc_answer answer = mmc_run(drive, block->command, block->data, block->size);

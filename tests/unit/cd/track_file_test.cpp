@@ -3,6 +3,7 @@
 #include "runtime/RuntimeError.h"
 #include "sources/DecCDA.h"
 #include "support/FakeBackend.h"
+#include "support/TrackFile.h"
 
 #include <fstream>
 #include <gmock/gmock.h>
@@ -13,36 +14,11 @@ namespace {
 
 using test::FakeBackends;
 using test::FakeDisc;
+using test::trackFile;
 using testing::ElementsAre;
 
 constexpr auto highest = std::numeric_limits<std::int32_t>::max();
 constexpr auto lowest = std::numeric_limits<std::int32_t>::min();
-
-struct Msf {
-    std::uint8_t minute;
-    std::uint8_t second;
-    std::uint8_t frame;
-};
-
-// A track file as Windows shows it. Its length is a plain time; its start counts from two seconds
-// before the program area.
-std::vector<char> trackFile(Msf start, Msf length) {
-    std::vector<char> file(44, '\0');
-    const auto put = [&](std::size_t offset, std::string_view text) {
-        std::copy(text.begin(), text.end(), file.begin() + static_cast<std::ptrdiff_t>(offset));
-    };
-    put(0, "RIFF");
-    put(8, "CDDA");
-    put(12, "fmt ");
-    const auto putTime = [&](std::size_t offset, Msf time) {
-        file[offset] = static_cast<char>(time.frame);
-        file[offset + 1] = static_cast<char>(time.second);
-        file[offset + 2] = static_cast<char>(time.minute);
-    };
-    putTime(36, start);
-    putTime(40, length);
-    return file;
-}
 
 int filesOpened = 0;
 int filesClosed = 0;
@@ -81,9 +57,10 @@ protected:
     }
     void TearDown() override { ::DeleteFileW(path); }
 
-    std::int32_t open(const std::vector<char>& file) {
+    std::int32_t open(const test::Bytes& file) {
         std::ofstream(path, std::ios::binary)
-            .write(file.data(), static_cast<std::streamsize>(file.size()));
+            .write(reinterpret_cast<const char*>(file.data()),
+                   static_cast<std::streamsize>(file.size()));
         return source().OpenSource(path);
     }
     DecCDA& source() {
@@ -99,8 +76,8 @@ private:
     std::unique_ptr<DecCDA> source_;
 };
 
-const std::vector<char> track1 = trackFile({0, 2, 0}, {1, 0, 0});
-const std::vector<char> track2 = trackFile({1, 2, 0}, {4, 0, 0});
+const test::Bytes track1 = trackFile({0, 2, 0}, {1, 0, 0});
+const test::Bytes track2 = trackFile({1, 2, 0}, {4, 0, 0});
 
 TEST_F(TrackSource, a_valid_file_opens_its_track) {
     EXPECT_EQ(open(track2), 0);
@@ -155,7 +132,7 @@ TEST_F(TrackSource, a_name_that_no_file_can_have_answers_1) {
 
 TEST_F(TrackSource, fewer_than_44_bytes_answer_1) {
     EXPECT_EQ(open({}), 1);
-    EXPECT_EQ(open(std::vector<char>(track1.begin(), track1.end() - 1)), 1);
+    EXPECT_EQ(open(test::Bytes(track1.begin(), track1.end() - 1)), 1);
     EXPECT_EQ(filesClosed, filesOpened);
 }
 
@@ -179,7 +156,7 @@ TEST_F(TrackSource, a_file_of_another_form_answers_1) {
 TEST_F(TrackSource, only_the_two_times_of_the_file_count) {
     auto odd = track2;
     for (const std::size_t offset : {4u, 16u, 20u, 22u, 24u, 28u, 32u, 39u, 43u})
-        odd[offset] = static_cast<char>(0xFF);
+        odd[offset] = 0xFF;
     EXPECT_EQ(open(odd), 0);
     EXPECT_EQ(source().Duration(), 240000);
 }

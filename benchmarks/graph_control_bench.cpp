@@ -1,0 +1,141 @@
+// The graph control in a container: what a Display costs, what it leaves behind, and what judging
+// an address costs.
+
+#include "Figure.h"
+#include "com/ComPtr.h"
+#include "platform/MemoryProbe.h"
+#include "support/FreeGdiObjects.h"
+#include "support/MessagePump.h"
+
+#include "Corvina.h"
+
+#include <array>
+#include <cmath>
+#include <ole2.h>
+#include <psapi.h>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace corvina;
+
+// The control of the library beside the tests, whether registered or not.
+ComPtr<_cAudioGraph> createGraph() {
+    wchar_t program[MAX_PATH]{};
+    ::GetModuleFileNameW(nullptr, program, MAX_PATH);
+    const std::wstring folder(program, std::wstring_view(program).rfind(L'\\'));
+    ComPtr<_cAudioGraph> graph;
+    const HMODULE library = ::LoadLibraryW((folder + L"\\..\\Corvina.ocx").c_str());
+    if (!library)
+        return graph;
+    const auto getClass = reinterpret_cast<decltype(&::DllGetClassObject)>(
+        reinterpret_cast<void*>(::GetProcAddress(library, "DllGetClassObject")));
+    ComPtr<IClassFactory> factory;
+    if (SUCCEEDED(getClass(CLSID_cAudioGraph, IID_IClassFactory, factory.putVoid())))
+        factory->CreateInstance(nullptr, IID__cAudioGraph, graph.putVoid());
+    return graph;
+}
+
+// A visible window with the control in it, 400 x 200.
+HWND contain(IUnknown* control, ComPtr<IUnknown>& host) {
+    const HMODULE atl = ::LoadLibraryW(L"atl.dll");
+    const auto init = reinterpret_cast<BOOL(WINAPI*)()>(
+        reinterpret_cast<void*>(::GetProcAddress(atl, "AtlAxWinInit")));
+    const auto attach = reinterpret_cast<HRESULT(WINAPI*)(IUnknown*, HWND, IUnknown**)>(
+        reinterpret_cast<void*>(::GetProcAddress(atl, "AtlAxAttachControl")));
+    init();
+    const HWND form = ::CreateWindowExW(0, L"STATIC", L"form", WS_POPUP | WS_CLIPCHILDREN, 0, 0,
+                                        400, 200, nullptr, nullptr, nullptr, nullptr);
+    const HWND window = ::CreateWindowExW(0, L"AtlAxWin", nullptr, WS_CHILD | WS_VISIBLE, 0, 0, 400,
+                                          200, form, nullptr, nullptr, nullptr);
+    ::ShowWindow(form, SW_SHOWNOACTIVATE);
+    attach(control, window, host.put());
+    return form;
+}
+
+// What a process can still make shows what it has not given back.
+std::size_t freeUserObjects() {
+    std::vector<HMENU> menus;
+    while (const HMENU menu = ::CreateMenu())
+        menus.push_back(menu);
+    for (const HMENU menu : menus)
+        ::DestroyMenu(menu);
+    return menus.size();
+}
+
+SIZE_T committedBytes() {
+    PROCESS_MEMORY_COUNTERS counters{};
+    ::GetProcessMemoryInfo(::GetCurrentProcess(), &counters, sizeof counters);
+    return counters.PagefileUsage;
+}
+
+// The quickest of many turns of so many calls, so that other work of the machine does not count.
+template <typename Body>
+double secondsOf(int calls, Body body) {
+    std::vector<double> times;
+    for (int turn = 0; turn < 51; ++turn)
+        times.push_back(bench::secondsFor([&] {
+                            for (int call = 0; call < calls; ++call)
+                                body();
+                        }) /
+                        calls);
+    return *std::min_element(times.begin(), times.end());
+}
+
+void reportLimit(const char* name, const char* unit, double value, double goal) {
+    bench::report(name, unit, value, goal, value / goal, bench::Judged::valueAtMost, goal);
+}
+
+double millisecondsOfDisplay(_cAudioGraph& graph, AudioGraphStyle style) {
+    graph.put_GraphStyle(style);
+    test::dispatchWaitingMessages();
+    return 1e3 * secondsOf(20, [&] { graph.Display(); });
+}
+
+} // namespace
+
+int main() {
+    ::OleInitialize(nullptr);
+    const auto graph = createGraph();
+    if (!graph)
+        bench::giveUp("Corvina.ocx cannot be loaded");
+    ComPtr<IUnknown> host;
+    const HWND form = contain(graph.get(), host);
+
+    std::array<std::int16_t, 512> samples;
+    for (std::size_t i = 0; i < samples.size(); ++i)
+        samples[i] = static_cast<std::int16_t>(20000.0 * std::sin(0.13 * static_cast<double>(i)));
+    long zero = 0;
+    graph->SetAudioData(reinterpret_cast<LONG>(samples.data()), &zero);
+
+    reportLimit("Display of 50 bands at 400 x 200", "ms",
+                millisecondsOfDisplay(*graph.get(), FREQUENCY_STYLE), 1.0);
+    reportLimit("Display of the waveform at 400 x 200", "ms",
+                millisecondsOfDisplay(*graph.get(), AMPLITUDE_STYLE), 2.0);
+    reportLimit("judging an address", "us",
+                1e6 * secondsOf(1000, [&] { (void)isReadable(samples.data(), 1023); }), 1.0);
+
+    const auto displayBothStyles = [&](int times) {
+        for (int i = 0; i < times; ++i) {
+            graph->put_GraphStyle(i % 2 ? AMPLITUDE_STYLE : FREQUENCY_STYLE);
+            graph->Display();
+            if (i % 100 == 0)
+                test::dispatchWaitingMessages();
+        }
+    };
+    displayBothStyles(1000);
+    const auto gdi = static_cast<double>(test::freeGdiObjects());
+    const auto user = static_cast<double>(freeUserObjects());
+    const auto bytes = static_cast<double>(committedBytes());
+    displayBothStyles(100000);
+    reportLimit("GDI objects left behind by 100000 Displays", "objects",
+                gdi - static_cast<double>(test::freeGdiObjects()), 1.0);
+    reportLimit("USER objects left behind by 100000 Displays", "objects",
+                user - static_cast<double>(freeUserObjects()), 1.0);
+    reportLimit("memory left behind by 100000 Displays", "KiB",
+                (static_cast<double>(committedBytes()) - bytes) / 1024, 64.0);
+    ::DestroyWindow(form);
+    ::OleUninitialize();
+    return 0;
+}

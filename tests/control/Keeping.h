@@ -1,0 +1,48 @@
+#pragma once
+
+// Where tests keep a control's persistent state.
+
+#include "Support.h"
+
+#include <map>
+
+namespace corvina::test {
+
+// A property bag as forms keep it.
+class Bag final : public IPropertyBag {
+public:
+    std::map<std::wstring, Variant> values;
+    HRESULT writeResult = S_OK;
+
+    void put(const wchar_t* name, const Variant& value) { values.emplace(name, value); }
+    bool has(const wchar_t* name) const { return values.contains(name); }
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
+    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
+    ULONG STDMETHODCALLTYPE Release() override { return 1; }
+    HRESULT STDMETHODCALLTYPE Read(LPCOLESTR name, VARIANT* value, IErrorLog*) override {
+        const auto found = values.find(name);
+        if (found == values.end())
+            return E_INVALIDARG;
+        return ::VariantCopy(value, &found->second);
+    }
+    HRESULT STDMETHODCALLTYPE Write(LPCOLESTR name, VARIANT* value) override {
+        Variant copy;
+        ::VariantCopy(&copy, value);
+        values.erase(name);
+        values.emplace(name, copy);
+        return writeResult;
+    }
+};
+
+[[nodiscard]] inline ComPtr<IStream> memoryStream() {
+    ComPtr<IStream> stream;
+    ::CreateStreamOnHGlobal(nullptr, TRUE, stream.put());
+    return stream;
+}
+
+inline void rewind(const ComPtr<IStream>& stream) {
+    stream->Seek({}, STREAM_SEEK_SET, nullptr);
+}
+
+} // namespace corvina::test

@@ -1,0 +1,105 @@
+// Tracks of virtual discs played through the registered control and heard sample by sample.
+
+#include "sound/SoundTest.h"
+#include "support/VirtualDrive.h"
+
+#include <algorithm>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <optional>
+
+namespace corvina::test {
+namespace {
+
+Frames framesOf(const Bytes& bytes) {
+    Frames frames(bytes.size() / sizeof(Frame));
+    std::memcpy(frames.data(), bytes.data(), frames.size() * sizeof(Frame));
+    return frames;
+}
+
+class CdPlayback : public SoundTest {
+protected:
+    void SetUp() override {
+        SoundTest::SetUp();
+        if (IsSkipped())
+            return;
+        if (!VirtualDrive::exists('d') || !VirtualDrive::exists('e'))
+            GTEST_SKIP() << "the stage has no two virtual CD drives";
+        d.emplace('d');
+        e.emplace('e');
+        // Its tracks end where the converter's pieces and the ring's blocks do not.
+        disc.emplace(
+            std::vector<DiscTrack>{{false, 8}, {true, 32}, {true, 33}, {true, 8}, {false, 8}});
+    }
+
+    // Expects that these sectors of the disc are heard when the track is played. Behind them comes
+    // what is left in the player's last block. Before each playback the drive is described anew.
+    void expectSectors(int track, std::int32_t sectors,
+                       const std::vector<std::string>& lines = {}) {
+        const Frames expected = framesOf(disc->bytes(disc->start(track), sectors));
+        expectHeard(expected, [&] {
+            d->load(*disc, lines);
+            return playWhole(d->trackPath(track), expected.size());
+        });
+    }
+    [[nodiscard]] bool wasAsked(const std::string& request) const {
+        const auto requests = d->requests();
+        return std::find(requests.begin(), requests.end(), request) != requests.end();
+    }
+
+    std::optional<VirtualDrive> d;
+    std::optional<VirtualDrive> e;
+    std::optional<DiscImage> disc;
+};
+
+TEST_F(CdPlayback, through_pass_through_is_heard_bit_for_bit) {
+    expectSectors(2, 32);
+    EXPECT_TRUE(wasAsked("SG_IO BE 00 00 00 00 08 00 00 04 F8 00 00 9408"));
+}
+
+TEST_F(CdPlayback, through_device_io_control_is_heard_bit_for_bit) {
+    e->set({"read-only"});
+    expectSectors(2, 32, {"read-only"});
+    EXPECT_TRUE(wasAsked("CDROMREADAUDIO 8 4"));
+}
+
+// The drives' devices are absent, but the folders with the track files are there.
+TEST_F(CdPlayback, through_aspi_is_heard_bit_for_bit) {
+    e->set({"absent"});
+    expectSectors(2, 32, {"absent"});
+    EXPECT_TRUE(wasAsked("ASPI BE 00 00 00 00 08 00 00 04 F8 00 00 9408"));
+}
+
+TEST_F(CdPlayback, the_beginning_of_the_next_track_is_heard_at_the_end) {
+    expectSectors(3, 36);
+}
+
+TEST_F(CdPlayback, a_slow_drive_is_heard_without_a_gap) {
+    expectSectors(2, 32, {"delay-us 6900"});
+}
+
+TEST_F(CdPlayback, a_drive_that_vanishes_ends_the_playback) {
+    expectSectors(2, 12, {"after 3 gone"});
+}
+
+TEST_F(CdPlayback, the_control_tells_a_tracks_format_and_length) {
+    const DiscImage minute({{true, 60 * 75}});
+    d->load(minute);
+    PlayerHost host;
+    ASSERT_EQ(host.start(d->trackPath(1)), 0);
+    EXPECT_EQ(host.duration(), 60.0);
+    ASSERT_EQ(host.stop(), 0);
+    EXPECT_TRUE(host.waitForDone());
+}
+
+TEST_F(CdPlayback, a_track_of_no_disc_does_not_start) {
+    d->load(*disc);
+    const std::wstring path = d->trackPath(2);
+    d->set({});
+    PlayerHost host;
+    EXPECT_EQ(host.start(path), 3);
+    EXPECT_FALSE(host.isPlaying());
+}
+
+} // namespace
+} // namespace corvina::test

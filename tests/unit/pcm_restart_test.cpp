@@ -1,0 +1,96 @@
+#include "ConverterFixture.h"
+
+namespace corvina::test {
+namespace {
+
+TEST_F(Converter, a_reset_starts_the_conversion_afresh) {
+    MemorySource source(pcm(500, 1, 16), noise(3000));
+    ASSERT_TRUE(start(source));
+    pullAll(500);
+    EXPECT_TRUE(converter_->EndOfStream());
+    source.position = 1000;
+    converter_->ResetACM();
+    EXPECT_FALSE(converter_->EndOfStream());
+    EXPECT_EQ(pull(500), 500);
+    EXPECT_EQ(fakeAcm.conversions.back().flags, blockAlignFlag | startFlag);
+    const Bytes all = noise(3000);
+    EXPECT_EQ(pulled_, Bytes(all.begin() + 1000, all.begin() + 1500));
+    EXPECT_EQ(fakeAcm.openStreams, 1);
+}
+
+TEST_F(Converter, a_reset_keeps_the_flipped_output_format) {
+    fakeAcm.refusedBits = {8};
+    MemorySource source(pcm(1000, 1, 4), noise(3000));
+    ASSERT_TRUE(start(source));
+    converter_->ResetACM();
+    EXPECT_EQ(lastOutput().wBitsPerSample, 16);
+    EXPECT_EQ(lastOutput().nAvgBytesPerSec, 1000u);
+}
+
+TEST_F(Converter, what_was_waiting_at_a_reset_is_handed_out_as_silence) {
+    MemorySource source(pcm(500, 1, 16), noise(3000));
+    ASSERT_TRUE(start(source));
+    EXPECT_EQ(pull(100), 100);
+    source.position = 2000;
+    converter_->ResetACM();
+    EXPECT_EQ(pull(400), 400);
+    EXPECT_EQ(pulled_, Bytes(400));
+    EXPECT_EQ(pull(100), 100);
+    const Bytes all = noise(3000);
+    EXPECT_EQ(pulled_, Bytes(all.begin() + 2000, all.begin() + 2100));
+}
+
+TEST_F(Converter, a_reset_forgets_unconverted_bytes) {
+    fakeAcm.conversion = [](ACMSTREAMHEADER& header) -> MMRESULT {
+        header.cbSrcLengthUsed = header.cbDstLengthUsed = header.cbSrcLength / 2;
+        return 0;
+    };
+    MemorySource source(pcm(500, 1, 16), noise(3000));
+    ASSERT_TRUE(start(source));
+    pull(250);
+    converter_->ResetACM();
+    pull(10);
+    EXPECT_EQ(source.asked.back(), 500);
+}
+
+TEST_F(Converter, a_reset_after_closing_does_nothing) {
+    MemorySource source(pcm(500, 1, 16), noise(3000));
+    ASSERT_TRUE(start(source));
+    pullAll(500);
+    converter_->CloseConverter();
+    converter_->ResetACM();
+    EXPECT_EQ(fakeAcm.openStreams, 0);
+    EXPECT_TRUE(converter_->EndOfStream());
+}
+
+TEST_F(Converter, closing_twice_closes_the_stream_once_and_silences_what_waits) {
+    MemorySource source(pcm(500, 1, 16), noise(3000));
+    ASSERT_TRUE(start(source));
+    pull(100);
+    EXPECT_TRUE(converter_->CloseConverter());
+    EXPECT_TRUE(converter_->CloseConverter());
+    EXPECT_EQ(fakeAcm.faults.calls("acmStreamClose"), 1);
+    EXPECT_EQ(pull(400), 400);
+    EXPECT_EQ(pulled_, Bytes(400));
+}
+
+TEST_F(Converter, another_conversion_replaces_everything) {
+    MemorySource first(pcm(5000, 2, 16), noise(30000));
+    ASSERT_TRUE(start(first));
+    pull(100);
+    MemorySource second(pcm(1000, 1, 8), noise(1200, 5));
+    ASSERT_TRUE(converter_->InitConversion(second, &observer_, false));
+    EXPECT_EQ(fakeAcm.openStreams, 1);
+    EXPECT_EQ(pullAll(100), noise(1200, 5));
+}
+
+TEST_F(Converter, a_refused_second_conversion_leaves_no_stream) {
+    MemorySource source(pcm(500, 1, 16), noise(3000));
+    ASSERT_TRUE(start(source));
+    fakeAcm.refusedBits = {8, 16};
+    EXPECT_FALSE(converter_->InitConversion(source, &observer_, false));
+    EXPECT_EQ(fakeAcm.openStreams, 0);
+}
+
+} // namespace
+} // namespace corvina::test

@@ -1,0 +1,375 @@
+// The playback engine when the platform, the codec or the source fails.
+
+#include "PlaybackFixture.h"
+
+#include <new>
+
+namespace corvina::test {
+namespace {
+
+using ::testing::AnyOf;
+using ::testing::Contains;
+using ::testing::Each;
+using ::testing::ElementsAre;
+using ::testing::ElementsAreArray;
+using ::testing::IsEmpty;
+
+class PlaybackFaults : public Playback {
+protected:
+    static constexpr auto once = Faults::Lasting::once;
+    static constexpr auto forever = Faults::Lasting::forever;
+};
+
+// ---------------------------------------------------------------- the start
+
+TEST_F(PlaybackFaults, a_device_that_cannot_be_opened_is_the_result_without_an_event) {
+    fakeWave.faults.arm("waveOutOpen", 1, once, MMSYSERR_BADDEVICEID);
+    EXPECT_EQ(start(99), MMSYSERR_BADDEVICEID);
+    dispatchWaitingMessages();
+    EXPECT_THAT(host.events, IsEmpty());
+    EXPECT_FALSE(host.player.IsPlaying());
+    EXPECT_EQ(fakeAcm.openStreams, 1) << "the converter stays until the next start or stop";
+    expectTheNextPlaybackWorks();
+}
+
+TEST_F(PlaybackFaults, a_buffer_that_cannot_be_prepared_is_the_result_and_closes_the_device) {
+    for (int nth = 1; nth <= 8; ++nth) {
+        SCOPED_TRACE(nth);
+        fakeWave.faults.arm("waveOutPrepareHeader", nth, once, MMSYSERR_NOMEM);
+        host.events.clear();
+        EXPECT_EQ(start(), MMSYSERR_NOMEM);
+        EXPECT_FALSE(fakeWave.open);
+        EXPECT_EQ(fakeWave.prepared.size(), 0u);
+        dispatchWaitingMessages();
+        EXPECT_THAT(host.events, IsEmpty()) << "nothing played, so nothing has ended";
+        EXPECT_FALSE(host.player.IsPlaying());
+    }
+    expectTheNextPlaybackWorks();
+}
+
+TEST_F(PlaybackFaults, a_refused_post_answers_its_0_and_the_playback_ends_at_once) {
+    for (int nth = 1; nth <= 8; ++nth) {
+        SCOPED_TRACE(nth);
+        windowFaults.arm("PostMessage", nth);
+        host.events.clear();
+        EXPECT_EQ(start(), 0);
+        EXPECT_TRUE(host.player.IsPlaying());
+        windowFaults.disarm();
+        dispatchWaitingMessages();
+        EXPECT_EQ(host.events, endOfPlayback);
+        EXPECT_FALSE(host.player.IsPlaying());
+        EXPECT_EQ(fakeWave.writes, 0);
+    }
+    expectTheNextPlaybackWorks();
+}
+
+TEST_F(PlaybackFaults, a_post_that_answers_another_number_is_the_result) {
+    windowFaults.arm("PostMessage", 5, once, 1400);
+    EXPECT_EQ(start(), 1400);
+    dispatchWaitingMessages();
+    EXPECT_THAT(host.events, IsEmpty());
+    EXPECT_FALSE(fakeWave.open);
+    EXPECT_FALSE(host.player.IsPlaying());
+    expectTheNextPlaybackWorks();
+}
+
+TEST_F(PlaybackFaults, a_failed_start_leaves_the_close_message_of_the_playback_before) {
+    startAndFill();
+    host.player.PlayStop();
+    MSG message;
+    while (::PeekMessageA(&message, nullptr, MM_WOM_DONE, MM_WOM_DONE, PM_REMOVE))
+        ::DispatchMessageA(&message);
+    host.events.clear();
+    fakeWave.faults.arm("waveOutPrepareHeader", 3);
+    EXPECT_NE(start(), 0);
+    dispatchWaitingMessages();
+    EXPECT_EQ(host.countOf(L"DonePlay"), 1);
+    expectTheNextPlaybackWorks();
+}
+
+TEST_F(PlaybackFaults, the_hosts_own_quit_message_survives_a_failed_start) {
+    ::PostQuitMessage(77);
+    fakeWave.faults.arm("waveOutPrepareHeader", 3);
+    EXPECT_NE(start(), 0);
+    MSG message{};
+    ASSERT_TRUE(::PeekMessageA(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
+    EXPECT_EQ(message.message, WM_QUIT);
+    EXPECT_EQ(message.wParam, 77u);
+}
+
+// ---------------------------------------------------------------- the refill
+
+TEST_F(PlaybackFaults, a_failed_unprepare_is_reported_and_the_refill_goes_on) {
+    ASSERT_EQ(start(), 0);
+    fakeWave.faults.arm("waveOutUnprepareHeader", 2, once, 33);
+    dispatchWaitingMessages();
+    EXPECT_THAT(host.events, ElementsAre(L"WindowProcOut:waveOutUnprepareHeader|33|"));
+    EXPECT_EQ(fakeWave.writes, 8);
+    playOut();
+    EXPECT_TRUE(std::equal(script.data.begin(), script.data.end(), fakeWave.written.begin()));
+    expectTheNextPlaybackWorks();
+}
+
+TEST_F(PlaybackFaults, a_failed_prepare_is_reported_and_the_write_is_still_tried) {
+    ASSERT_EQ(start(), 0);
+    fakeWave.faults.arm("waveOutPrepareHeader", 2, once, 7);
+    dispatchWaitingMessages();
+    EXPECT_EQ(callsOf("Write 1"), 1);
+    EXPECT_THAT(host.events, ElementsAre(L"WindowProcOut:waveOutPrepareHeader|7|",
+                                         L"WindowProcOut:waveOutWrite|34|"))
+        << "this device refuses a buffer that is not prepared";
+}
+
+TEST_F(PlaybackFaults, a_failed_write_is_reported_and_loses_its_buffer) {
+    ASSERT_EQ(start(), 0);
+    fakeWave.faults.arm("waveOutWrite", 3, once, 6);
+    dispatchWaitingMessages();
+    EXPECT_THAT(host.events, ElementsAre(L"WindowProcOut:waveOutWrite|6|"));
+    EXPECT_EQ(fakeWave.queued.size(), 7u);
+    for (int i = 0; i < 20; ++i) {
+        fakeWave.finishOne();
+        dispatchWaitingMessages();
+        EXPECT_EQ(fakeWave.queued.size(), 7u);
+    }
+}
+
+TEST_F(PlaybackFaults, after_a_lost_buffer_the_end_never_comes) {
+    script.data = noise(buffer * 20);
+    ASSERT_EQ(start(), 0);
+    fakeWave.faults.arm("waveOutWrite", 3);
+    dispatchWaitingMessages();
+    playOut();
+    EXPECT_TRUE(fakeWave.open);
+    EXPECT_TRUE(host.player.IsPlaying());
+    EXPECT_EQ(host.countOf(L"DonePlay"), 0);
+    EXPECT_EQ(start(), -201);
+    // Stopping does not bring the lost buffer back either; leaving does end it.
+    EXPECT_EQ(host.player.PlayStop(), 0);
+    dispatchWaitingMessages();
+    EXPECT_TRUE(fakeWave.open);
+    EXPECT_EQ(host.player.DeInit(), 0);
+    EXPECT_FALSE(fakeWave.open);
+    host.init();
+    expectTheNextPlaybackWorks();
+}
+
+// ---------------------------------------------------------------- the end
+
+TEST_F(PlaybackFaults, a_failed_reset_is_reported_with_its_number_as_text_and_is_the_result) {
+    startAndFill();
+    fakeWave.faults.arm("waveOutReset", 1, once, 11);
+    script.log.clear();
+    EXPECT_EQ(host.player.PlayStop(), 11);
+    EXPECT_THAT(host.events, ElementsAre(L"StopPlayAudio:waveOutReset|11|11"));
+    EXPECT_THAT(script.log, ElementsAre(L"Close")) << "the source is closed all the same";
+    playOut();
+    EXPECT_EQ(host.countOf(L"DonePlay"), 1) << "what was queued plays out and ends it";
+    expectTheNextPlaybackWorks();
+}
+
+TEST_F(PlaybackFaults, each_failed_unprepare_of_the_ninth_record_is_reported_by_index) {
+    script.data = noise(100);
+    ASSERT_EQ(start(), 0);
+    // The first unprepare belongs to the one buffer that is played.
+    fakeWave.faults.arm("waveOutUnprepareHeader", 2, forever, 33);
+    dispatchWaitingMessages();
+    playOut();
+    std::vector<std::wstring> expected;
+    for (const wchar_t* index : {L"0", L"1", L"2", L"3", L"4", L"5", L"6", L"7"})
+        expected.push_back(std::wstring(L"StopPlayProc:waveOutUnprepareHeader :hdr(")
+                               .append(index)
+                               .append(L")|33|"));
+    expected.insert(expected.end(), endOfPlayback.begin(), endOfPlayback.end());
+    EXPECT_THAT(host.events, ElementsAreArray(expected));
+    EXPECT_FALSE(fakeWave.open);
+    expectTheNextPlaybackWorks();
+}
+
+TEST_F(PlaybackFaults, a_failed_close_is_reported_and_clears_playing_anyway) {
+    script.data = noise(100);
+    startAndFill();
+    fakeWave.faults.arm("waveOutClose", 1, once, 33);
+    playOut();
+    EXPECT_THAT(host.events, ElementsAre(L"StopPlayProc:waveOutClose|33|33"));
+    EXPECT_TRUE(fakeWave.open);
+    EXPECT_TRUE(host.player.IsPlaying()) << "no close message has come";
+    // The next start closes the device that is still open, and its close message stops nothing.
+    expectTheNextPlaybackWorks();
+    EXPECT_EQ(fakeWave.opens, 2);
+    EXPECT_EQ(fakeWave.closes, 2);
+}
+
+TEST_F(PlaybackFaults, a_device_that_never_closes_is_left_to_itself_with_its_buffers) {
+    startAndFill();
+    fakeWave.faults.arm("waveOutClose", 1, forever);
+    host.player.PlayStop();
+    dispatchWaitingMessages();
+    EXPECT_EQ(host.player.DeInit(), 0);
+    EXPECT_FALSE(host.player.IsPlaying());
+    host.player.Shutdown();
+}
+
+// ---------------------------------------------------------------- what is thrown
+
+TEST_F(PlaybackFaults, an_overflow_while_refilling_is_reported_and_ends_the_playback) {
+    startAndFill();
+    script.onRead = [] { throwOverflow(); };
+    playOut();
+    EXPECT_THAT(host.events, ElementsAre(L"WindowProcOut|6|Overflow",
+                                         L"StopPlayAudio:waveOutReset|5|5", L"DonePlay"));
+    EXPECT_FALSE(fakeWave.open);
+    EXPECT_FALSE(host.player.IsPlaying());
+    EXPECT_EQ(fakeAcm.openStreams, 0);
+    expectTheNextPlaybackWorks();
+}
+
+TEST_F(PlaybackFaults, an_overflow_at_the_first_read_ends_the_playback) {
+    script.onRead = [] { throwOverflow(); };
+    startAndFill();
+    EXPECT_THAT(host.events, ElementsAre(L"WindowProcOut|6|Overflow",
+                                         L"StopPlayAudio:waveOutReset|5|5", L"DonePlay"));
+    EXPECT_EQ(fakeWave.writes, 0);
+    expectTheNextPlaybackWorks();
+}
+
+TEST_F(PlaybackFaults, want_of_memory_while_refilling_is_reported_as_7) {
+    startAndFill();
+    script.onRead = [] { throw std::bad_alloc(); };
+    playOut();
+    EXPECT_EQ(host.events.front(), L"WindowProcOut|7|Out of memory");
+    EXPECT_EQ(host.events.back(), L"DonePlay");
+    expectTheNextPlaybackWorks();
+}
+
+TEST_F(PlaybackFaults, anything_else_thrown_is_reported_as_51) {
+    startAndFill();
+    script.onRead = [] { throw 1; };
+    playOut();
+    EXPECT_EQ(host.events.front(), L"WindowProcOut|51|Internal error");
+    EXPECT_EQ(host.events.back(), L"DonePlay");
+    expectTheNextPlaybackWorks();
+}
+
+TEST_F(PlaybackFaults, a_source_that_fails_to_close_does_not_keep_DonePlay_away) {
+    startAndFill();
+    script.onClose = [] { throwOverflow(); };
+    playOut();
+    EXPECT_THAT(host.events, ElementsAre(L"StopPlayAudio:waveOutReset|5|5",
+                                         L"WindowProcOut|6|Overflow", L"DonePlay"));
+    EXPECT_EQ(fakeAcm.openStreams, 0);
+    expectTheNextPlaybackWorks();
+}
+
+TEST_F(PlaybackFaults, a_source_that_fails_to_read_and_to_close_is_survived) {
+    startAndFill();
+    script.onRead = [] { throwOverflow(); };
+    script.onClose = [] { throwOverflow(); };
+    playOut();
+    EXPECT_EQ(host.events.back(), L"DonePlay");
+    EXPECT_FALSE(fakeWave.open);
+    expectTheNextPlaybackWorks();
+}
+
+TEST_F(PlaybackFaults, calls_in_answer_to_a_thrown_failure_are_safe) {
+    const std::function<void()> calls[] = {
+        [&] { host.player.PlayStop(); },
+        [&] { EXPECT_EQ(start(), -201); },
+        [&] { host.player.DeInit(); },
+        [&] {
+            host.player.DeInit();
+            host.init();
+            script.onRead = nullptr;
+            EXPECT_EQ(start(), 0);
+        },
+        [&] { dispatchWaitingMessages(); },
+        [&] { host.player.Shutdown(); },
+    };
+    for (std::size_t i = 0; i < std::size(calls); ++i) {
+        SCOPED_TRACE(i);
+        startAndFill();
+        script.onRead = [] { throwOverflow(); };
+        bool called = false;
+        host.onErr = [&, i](const std::wstring& function) {
+            if (function == L"WindowProcOut" && !std::exchange(called, true))
+                calls[i]();
+        };
+        playOut();
+        EXPECT_TRUE(called);
+        script.onRead = nullptr;
+        playOut();
+        EXPECT_FALSE(fakeWave.open);
+        EXPECT_FALSE(host.player.IsPlaying());
+        host.init();
+        expectTheNextPlaybackWorks();
+    }
+}
+
+// ---------------------------------------------------------------- every call, one at a time
+
+// A whole playback with pause, seek and stop, then leaving. Whatever fails, everything is released,
+// and afterwards a playback works.
+class EveryCall : public PlaybackFaults {
+protected:
+    void sweep(Faults& faults, const std::function<void()>& play) {
+        forEachFault(faults, [&] {
+            play();
+            dispatchWaitingMessages();
+            host.player.DeInit();
+            dispatchWaitingMessages();
+            EXPECT_FALSE(host.player.IsPlaying());
+            // A device that would not close is lost with what it has queued; another takes its
+            // place.
+            if (fakeWave.open) {
+                EXPECT_GT(faults.struck(), 0);
+                fakeWave.open = false;
+                fakeWave.queued.clear();
+            }
+            EXPECT_EQ(fakeAcm.openStreams, 0);
+            host.init();
+            const auto struckSoFar = faults;
+            expectTheNextPlaybackWorks();
+            faults = struckSoFar;
+            host.events.clear();
+        });
+    }
+    void playAndStop() {
+        if (start() != 0)
+            return;
+        dispatchWaitingMessages();
+        fakeWave.finishOne();
+        dispatchWaitingMessages();
+        host.player.PlayPause();
+        host.player.PlayUnPause();
+        host.player.PositionSet(0);
+        host.player.PlayStop();
+        dispatchWaitingMessages();
+    }
+    void playToTheEnd() {
+        if (start() != 0)
+            return;
+        dispatchWaitingMessages();
+        playOut();
+    }
+};
+
+TEST_F(EveryCall, of_the_device_fails_in_a_playback_that_is_stopped) {
+    sweep(fakeWave.faults, [&] { playAndStop(); });
+}
+
+TEST_F(EveryCall, of_the_device_fails_in_a_playback_to_the_end) {
+    script.data = noise(buffer * 10 + 500);
+    sweep(fakeWave.faults, [&] { playToTheEnd(); });
+}
+
+TEST_F(EveryCall, of_the_window_fails) {
+    script.data = noise(buffer * 2);
+    sweep(windowFaults, [&] { playToTheEnd(); });
+}
+
+TEST_F(EveryCall, of_the_codec_fails) {
+    script.data = noise(buffer * 30);
+    sweep(fakeAcm.faults, [&] { playToTheEnd(); });
+}
+
+} // namespace
+} // namespace corvina::test

@@ -1,0 +1,324 @@
+// The player's life: Init and DeInit in any order, its end in any state, and the calls that a host
+// makes from inside its events.
+
+#include "PlaybackFixture.h"
+#include "subclass/MSubclass.h"
+#include "support/ErrorNumber.h"
+
+namespace corvina::test {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class PlayerLife : public Playback {
+protected:
+    // A host of its own, on which Init was not called.
+    BarePlayer untouched{fakePlatform()};
+};
+
+// ---------------------------------------------------------------- Init and DeInit
+
+int attachmentsOf(HWND window) {
+    const std::string name = std::string("C").append(
+        std::to_string(static_cast<int>(reinterpret_cast<LONG_PTR>(window))));
+    return static_cast<int>(reinterpret_cast<LONG_PTR>(::GetPropA(window, name.c_str())));
+}
+
+bool isAttached(HWND window, std::int32_t message) {
+    const std::string handle = std::to_string(static_cast<int>(reinterpret_cast<LONG_PTR>(window)));
+    const std::string name =
+        std::string(handle).append("#").append(std::to_string(message)).append("#1");
+    return ::GetPropA(window, name.c_str()) != nullptr;
+}
+
+TEST_F(PlayerLife, Init_attaches_the_four_wave_messages_in_order) {
+    MSubclass::useWindowApi(&faultyWindowApi);
+    windowLog.clear();
+    untouched.init();
+    MSubclass::useWindowApi(nullptr);
+    std::vector<std::string> clients;
+    for (const std::string& call : windowLog)
+        if (call.ends_with("#1"))
+            clients.push_back(call.substr(call.find('#')));
+    EXPECT_THAT(clients, ElementsAre("#957#1", "#956#1", "#960#1", "#959#1"));
+}
+
+TEST_F(PlayerLife, Init_a_second_time_attaches_nothing_again_but_adds_the_sources_again) {
+    // Each attachment is refused because the control is attached already, which is what it wants;
+    // the host is told nothing of it.
+    EXPECT_EQ(script.sources, 1);
+    EXPECT_EQ(host.init(), 0);
+    EXPECT_EQ(attachmentsOf(host.window.handle()), 4);
+    EXPECT_EQ(script.sources, 2);
+    expectTheNextPlaybackWorks();
+}
+
+TEST_F(PlayerLife, Init_in_mid_play_leaves_the_playback_running) {
+    startAndFill();
+    EXPECT_EQ(host.init(), 0);
+    EXPECT_TRUE(host.player.IsPlaying());
+    playOut();
+    EXPECT_EQ(host.events, endOfPlayback);
+}
+
+TEST_F(PlayerLife, Init_with_no_window_raises_the_subclassing_error) {
+    EXPECT_EQ(errorNumberOf([&] { untouched.player.Init(nullptr, untouched.client); }),
+              MSubclass::errorBase + 13083);
+    EXPECT_EQ(untouched.init(), 0) << "and can be called again";
+}
+
+TEST_F(PlayerLife, Init_on_another_window_moves_there) {
+    HiddenWindow next;
+    EXPECT_EQ(host.player.Init(next.handle(), host.client), 0);
+    EXPECT_EQ(attachmentsOf(host.window.handle()), 0);
+    EXPECT_EQ(attachmentsOf(next.handle()), 4);
+    expectTheNextPlaybackWorks();
+    host.player.Shutdown();
+}
+
+TEST_F(PlayerLife, DeInit_detaches_the_output_messages_and_keeps_those_of_input) {
+    EXPECT_EQ(host.player.DeInit(), 0);
+    const HWND window = host.window.handle();
+    EXPECT_FALSE(isAttached(window, MM_WOM_DONE));
+    EXPECT_FALSE(isAttached(window, MM_WOM_CLOSE));
+    EXPECT_TRUE(isAttached(window, MM_WIM_DATA));
+    EXPECT_TRUE(isAttached(window, MM_WIM_CLOSE));
+}
+
+TEST_F(PlayerLife, DeInit_closes_the_opened_file_and_keeps_the_sources) {
+    host.player.OpenAudioFile(file);
+    script.log.clear();
+    host.player.DeInit();
+    EXPECT_THAT(script.log, ElementsAre(L"Close"));
+    EXPECT_EQ(errorNumberOf([&] { static_cast<void>(host.player.Info_Bitrate()); }), 91);
+    EXPECT_EQ(script.sources, 1);
+    EXPECT_EQ(host.player.OpenAudioFile(file), 0);
+}
+
+TEST_F(PlayerLife, DeInit_in_mid_play_closes_the_device_at_once_without_DonePlay) {
+    startAndFill();
+    fakeWave.log.clear();
+    EXPECT_EQ(host.player.DeInit(), 0);
+    EXPECT_FALSE(fakeWave.open);
+    EXPECT_EQ(fakeWave.prepared.size(), 0u);
+    EXPECT_FALSE(host.player.IsPlaying());
+    dispatchWaitingMessages();
+    EXPECT_THAT(host.events, IsEmpty());
+    EXPECT_EQ(host.init(), 0);
+    expectTheNextPlaybackWorks();
+}
+
+TEST_F(PlayerLife,
+       what_a_playback_left_in_the_queue_does_not_disturb_the_one_after_DeInit_and_Init) {
+    startAndFill();
+    host.player.PlayStop();
+    host.player.DeInit();
+    host.init();
+    expectTheNextPlaybackWorks();
+}
+
+TEST_F(PlayerLife, DeInit_twice_and_before_Init_answers_0) {
+    EXPECT_EQ(untouched.player.DeInit(), 0);
+    EXPECT_EQ(host.player.DeInit(), 0);
+    EXPECT_EQ(host.player.DeInit(), 0);
+}
+
+TEST_F(PlayerLife, PlayStart_after_DeInit_is_refused_because_no_message_would_arrive) {
+    host.player.DeInit();
+    EXPECT_EQ(start(), MMSYSERR_INVALPARAM);
+    EXPECT_FALSE(host.player.IsPlaying());
+    EXPECT_EQ(fakeWave.opens, 0);
+    host.init();
+    expectTheNextPlaybackWorks();
+}
+
+TEST_F(PlayerLife, calls_before_Init_are_answered) {
+    Player& player = untouched.player;
+    EXPECT_FALSE(player.IsPlaying());
+    EXPECT_TRUE(player.DonePlay());
+    EXPECT_FALSE(player.IsPausedOut());
+    EXPECT_EQ(player.PlayStop(), 0);
+    EXPECT_EQ(player.PlayPause(), MMSYSERR_INVALHANDLE);
+    EXPECT_EQ(player.PlayUnPause(), MMSYSERR_INVALHANDLE);
+    EXPECT_EQ(player.OpenAudioFile(file), 2) << "there are no sources yet";
+    EXPECT_EQ(player.PlayStart(file, -1, 0), 2);
+    EXPECT_EQ(player.PositionGet(), 0);
+    EXPECT_EQ(player.PositionSet(1), 0);
+    EXPECT_EQ(player.AudioDataOut(), 0);
+    EXPECT_EQ(player.GetSecondsAsTimeString(59), L"0:00:59");
+    EXPECT_EQ(player.ErrorTextOut(-101), L"Error opening file");
+}
+
+// ---------------------------------------------------------------- the end of the control
+
+TEST_F(PlayerLife, Shutdown_in_mid_play_closes_the_device_and_detaches_everything) {
+    startAndFill();
+    fakeWave.log.clear();
+    script.log.clear();
+    host.player.Shutdown();
+    EXPECT_THAT(fakeWave.log,
+                ElementsAre("Reset", "Unprepare 0", "Unprepare 1", "Unprepare 2", "Unprepare 3",
+                            "Unprepare 4", "Unprepare 5", "Unprepare 6", "Unprepare 7", "Close"));
+    EXPECT_THAT(script.log, ElementsAre(L"Close"));
+    EXPECT_EQ(attachmentsOf(host.window.handle()), 0);
+    EXPECT_EQ(fakeAcm.openStreams, 0);
+    dispatchWaitingMessages();
+    EXPECT_THAT(host.events, IsEmpty());
+}
+
+TEST_F(PlayerLife, destruction_in_any_state_leaves_no_device_and_no_source) {
+    for (int state = 0; state < 6; ++state) {
+        fakeWave.reset();
+        {
+            BarePlayer victim(fakePlatform());
+            if (state > 0)
+                victim.init();
+            if (state > 1)
+                victim.player.PlayStart(file, -1, 0);
+            if (state > 2)
+                dispatchWaitingMessages();
+            if (state > 3)
+                victim.player.PlayPause();
+            if (state > 4)
+                victim.player.PlayStop();
+        }
+        dispatchWaitingMessages();
+        EXPECT_FALSE(fakeWave.open) << state;
+        EXPECT_EQ(script.sources, 1) << state << ": that of the fixture's own player";
+        EXPECT_EQ(fakeAcm.openStreams, 0) << state;
+    }
+}
+
+TEST_F(PlayerLife, a_window_destroyed_in_mid_play_ends_the_playback) {
+    startAndFill();
+    host.window.destroy();
+    host.player.WindowDestroyed();
+    EXPECT_FALSE(fakeWave.open);
+    EXPECT_FALSE(host.player.IsPlaying());
+    EXPECT_EQ(host.player.PlayStop(), 0);
+    EXPECT_EQ(start(), MMSYSERR_INVALPARAM);
+    HiddenWindow next;
+    EXPECT_EQ(host.player.Init(next.handle(), host.client), 0);
+    expectTheNextPlaybackWorks();
+    host.player.Shutdown();
+}
+
+TEST_F(PlayerLife, a_window_destroyed_without_a_word_leaves_the_player_usable) {
+    startAndFill();
+    host.window.destroy();
+    EXPECT_TRUE(host.player.IsPlaying());
+    EXPECT_EQ(host.player.PlayStop(), 0);
+    EXPECT_EQ(host.player.DeInit(), 0);
+    EXPECT_FALSE(fakeWave.open);
+}
+
+// ---------------------------------------------------------------- calls from inside events
+
+TEST_F(PlayerLife, PlayStop_in_answer_to_every_Err_ends_as_usual) {
+    host.onErr = [&](const std::wstring&) { host.player.PlayStop(); };
+    startAndFill();
+    playOut();
+    EXPECT_EQ(host.events, endOfPlayback);
+    expectTheNextPlaybackWorks();
+}
+
+TEST_F(PlayerLife, DeInit_in_answer_to_Err_or_DonePlay_is_safe) {
+    startAndFill();
+    host.onErr = [&](const std::wstring&) { host.player.DeInit(); };
+    host.onDonePlay = [&] { host.player.DeInit(); };
+    playOut();
+    EXPECT_FALSE(host.player.IsPlaying());
+    EXPECT_EQ(host.countOf(L"DonePlay"), 1);
+    host.init();
+    expectTheNextPlaybackWorks();
+}
+
+TEST_F(PlayerLife, PlayStart_in_answer_to_the_Err_before_DonePlay_is_stopped_with_its_playback) {
+    bool started = false;
+    host.onErr = [&](const std::wstring&) {
+        if (!std::exchange(started, true)) {
+            EXPECT_EQ(start(), 0);
+        }
+    };
+    startAndFill();
+    playOut();
+    EXPECT_TRUE(started);
+    EXPECT_FALSE(fakeWave.open);
+    EXPECT_FALSE(host.player.IsPlaying());
+    EXPECT_EQ(host.countOf(L"DonePlay"), 2);
+    expectTheNextPlaybackWorks();
+}
+
+TEST_F(PlayerLife, the_end_of_the_control_inside_Err_or_DonePlay_is_safe) {
+    for (const bool inErr : {true, false}) {
+        BarePlayer victim(fakePlatform());
+        victim.init();
+        ASSERT_EQ(victim.player.PlayStart(file, -1, 0), 0);
+        const auto end = [&] {
+            victim.player.Shutdown();
+            victim.window.destroy();
+        };
+        if (inErr)
+            victim.onErr = [&](const std::wstring&) { end(); };
+        else
+            victim.onDonePlay = end;
+        dispatchWaitingMessages();
+        victim.player.PlayStop();
+        dispatchWaitingMessages();
+        EXPECT_FALSE(fakeWave.open);
+    }
+}
+
+TEST_F(PlayerLife, calls_in_answer_to_a_failed_refill_are_safe) {
+    // The buffer that could not be unprepared is in the engine's hands while the handler runs.
+    const std::function<void()> calls[] = {
+        [&] { host.player.PlayStop(); },
+        [&] { host.player.DeInit(); },
+        [&] { EXPECT_EQ(start(), -201); },
+        [&] {
+            host.player.DeInit();
+            host.init();
+            EXPECT_EQ(start(), 0);
+        },
+        [&] {
+            host.player.DeInit();
+            host.init();
+            fakeAcm.refusedBits = {8, 16};
+            host.onErr = nullptr;
+            EXPECT_EQ(start(), 5);
+            fakeAcm.refusedBits.clear();
+        },
+        [&] { host.player.OpenAudioFile(file); },
+        [&] { host.player.OpenAudioFile(L"missing"); },
+        [&] { dispatchWaitingMessages(); },
+        [&] {
+            host.player.PlayStop();
+            dispatchWaitingMessages();
+        },
+    };
+    for (const char* call : {"waveOutUnprepareHeader", "waveOutPrepareHeader", "waveOutWrite"}) {
+        for (std::size_t i = 0; i < std::size(calls); ++i) {
+            SCOPED_TRACE(std::string(call).append(" ").append(std::to_string(i)));
+            bool called = false;
+            host.onErr = [&, i](const std::wstring& function) {
+                if (function.starts_with(L"WindowProcOut") && !std::exchange(called, true))
+                    calls[i]();
+            };
+            ASSERT_EQ(start(), 0);
+            fakeWave.faults.arm(call, 4);
+            dispatchWaitingMessages();
+            playOut();
+            EXPECT_TRUE(called);
+            // A refused write loses its buffer, and with it the end; leaving always helps.
+            host.player.DeInit();
+            EXPECT_FALSE(fakeWave.open);
+            EXPECT_FALSE(host.player.IsPlaying());
+            host.init();
+            expectTheNextPlaybackWorks();
+        }
+    }
+}
+
+} // namespace
+} // namespace corvina::test

@@ -1,0 +1,50 @@
+#pragma once
+
+// A file as the stream that Wine's reader reads. At the end of the file a read fails: Wine's reader
+// would repeat one that succeeds with nothing for ever.
+
+#include <atomic>
+#include <objidl.h>
+#include <windows.h>
+
+namespace corvina::wine {
+
+class InputFile final : public IStream {
+public:
+    // On success the caller owns one reference.
+    [[nodiscard]] static HRESULT open(const WCHAR* fileName, IStream** stream);
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** result) override;
+    ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
+    ULONG STDMETHODCALLTYPE Release() override;
+
+    HRESULT STDMETHODCALLTYPE Read(void* buffer, ULONG bytes, ULONG* got) override;
+    HRESULT STDMETHODCALLTYPE Seek(LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER* at) override;
+    HRESULT STDMETHODCALLTYPE Stat(STATSTG* status, DWORD) override;
+
+    // Nothing is written, locked or copied.
+    HRESULT STDMETHODCALLTYPE Write(const void*, ULONG, ULONG*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE SetSize(ULARGE_INTEGER) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE CopyTo(IStream*, ULARGE_INTEGER, ULARGE_INTEGER*,
+                                     ULARGE_INTEGER*) override {
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE Commit(DWORD) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Revert() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE LockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override {
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE UnlockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override {
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE Clone(IStream**) override { return E_NOTIMPL; }
+
+private:
+    explicit InputFile(HANDLE file) noexcept : file_(file) {}
+    ~InputFile() { ::CloseHandle(file_); }
+
+    HANDLE file_;
+    std::atomic<ULONG> references_{1};
+};
+
+} // namespace corvina::wine
