@@ -1,6 +1,9 @@
 #include "BareRing.h"
 
+#include "support/MessagePump.h"
+
 #include "Figure.h"
+#include "support/MessagePump.h"
 #include "support/WavBytes.h"
 
 namespace corvina::bench {
@@ -59,7 +62,7 @@ void BareRing::stop() {
     ::waveOutClose(device_);
     device_ = nullptr;
     ::CloseHandle(file_);
-    test::pumpWaiting();
+    test::dispatchWaitingMessages();
     queued_ = 0;
 }
 

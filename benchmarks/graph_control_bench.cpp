@@ -2,7 +2,7 @@
 // an address costs.
 
 #include "Figure.h"
-#include "com/ComPtr.h"
+#include "LibraryControls.h"
 #include "platform/MemoryProbe.h"
 #include "support/FreeGdiObjects.h"
 #include "support/MessagePump.h"
@@ -19,40 +19,6 @@
 namespace {
 
 using namespace corvina;
-
-// The control of the library beside the tests, whether registered or not.
-ComPtr<_cAudioGraph> createGraph() {
-    wchar_t program[MAX_PATH]{};
-    ::GetModuleFileNameW(nullptr, program, MAX_PATH);
-    const std::wstring folder(program, std::wstring_view(program).rfind(L'\\'));
-    ComPtr<_cAudioGraph> graph;
-    const HMODULE library = ::LoadLibraryW((folder + L"\\..\\Corvina.ocx").c_str());
-    if (!library)
-        return graph;
-    const auto getClass = reinterpret_cast<decltype(&::DllGetClassObject)>(
-        reinterpret_cast<void*>(::GetProcAddress(library, "DllGetClassObject")));
-    ComPtr<IClassFactory> factory;
-    if (SUCCEEDED(getClass(CLSID_cAudioGraph, IID_IClassFactory, factory.putVoid())))
-        factory->CreateInstance(nullptr, IID__cAudioGraph, graph.putVoid());
-    return graph;
-}
-
-// A visible window with the control in it, 400 x 200.
-HWND contain(IUnknown* control, ComPtr<IUnknown>& host) {
-    const HMODULE atl = ::LoadLibraryW(L"atl.dll");
-    const auto init = reinterpret_cast<BOOL(WINAPI*)()>(
-        reinterpret_cast<void*>(::GetProcAddress(atl, "AtlAxWinInit")));
-    const auto attach = reinterpret_cast<HRESULT(WINAPI*)(IUnknown*, HWND, IUnknown**)>(
-        reinterpret_cast<void*>(::GetProcAddress(atl, "AtlAxAttachControl")));
-    init();
-    const HWND form = ::CreateWindowExW(0, L"STATIC", L"form", WS_POPUP | WS_CLIPCHILDREN, 0, 0,
-                                        400, 200, nullptr, nullptr, nullptr, nullptr);
-    const HWND window = ::CreateWindowExW(0, L"AtlAxWin", nullptr, WS_CHILD | WS_VISIBLE, 0, 0, 400,
-                                          200, form, nullptr, nullptr, nullptr);
-    ::ShowWindow(form, SW_SHOWNOACTIVATE);
-    attach(control, window, host.put());
-    return form;
-}
 
 // What a process can still make shows what it has not given back.
 std::size_t freeUserObjects() {
@@ -97,11 +63,8 @@ double millisecondsOfDisplay(_cAudioGraph& graph, AudioGraphStyle style) {
 
 int main() {
     ::OleInitialize(nullptr);
-    const auto graph = createGraph();
-    if (!graph)
-        bench::giveUp("Corvina.ocx cannot be loaded");
-    ComPtr<IUnknown> host;
-    const HWND form = contain(graph.get(), host);
+    const auto graph = bench::createControl<_cAudioGraph>(CLSID_cAudioGraph);
+    const bench::Form form(graph.get(), {400, 200});
 
     std::array<std::int16_t, 512> samples;
     for (std::size_t i = 0; i < samples.size(); ++i)
@@ -135,7 +98,4 @@ int main() {
                 user - static_cast<double>(freeUserObjects()), 1.0);
     reportLimit("memory left behind by 100000 Displays", "KiB",
                 (static_cast<double>(committedBytes()) - bytes) / 1024, 64.0);
-    ::DestroyWindow(form);
-    ::OleUninitialize();
-    return 0;
 }

@@ -2,8 +2,9 @@
 
 #include "BareRing.h"
 #include "Figure.h"
+#include "ProcessorTime.h"
+#include "support/BarePlayer.h"
 #include "support/Media.h"
-#include "support/PlayerHost.h"
 
 namespace corvina::bench {
 namespace {
@@ -11,16 +12,6 @@ namespace {
 constexpr int turns = 7;
 constexpr auto playTime = std::chrono::seconds(8);
 constexpr auto deadline = std::chrono::seconds(10);
-
-double processorSeconds() {
-    FILETIME creation, exit, kernel, user;
-    if (!::GetProcessTimes(::GetCurrentProcess(), &creation, &exit, &kernel, &user))
-        giveUp("no processor times");
-    const auto ticks = [](const FILETIME& time) {
-        return static_cast<double>(std::uint64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime);
-    };
-    return (ticks(kernel) + ticks(user)) / 1e7;
-}
 
 // Milliseconds of processor time for a second of sound, start and stop not counted.
 template <typename Done>
@@ -31,7 +22,7 @@ double whilePlaying(Done done) {
     return (processorSeconds() - before) * 1000 / std::chrono::duration<double>(playTime).count();
 }
 
-double player(test::PlayerHost& host, const std::wstring& path) {
+double player(test::BarePlayer& host, const std::wstring& path) {
     if (host.player.PlayStart(path, -1, 0) != 0)
         giveUp("the player does not start");
     const double result = whilePlaying([&host] { return host.player.DonePlay(); });
@@ -53,7 +44,7 @@ double bare(BareRing& ring, const std::wstring& path) {
 
 int main() {
     using namespace corvina::bench;
-    corvina::test::PlayerHost host;
+    corvina::test::BarePlayer host;
     host.init();
     BareRing ring;
     const std::wstring path = corvina::test::mediaFile(L"half-minute.wav");

@@ -2,7 +2,7 @@
 
 #include "BareRing.h"
 #include "Figure.h"
-#include "support/PlayerHost.h"
+#include "support/BarePlayer.h"
 #include "support/Recording.h"
 #include "support/TempFolder.h"
 
@@ -67,7 +67,7 @@ int main() {
         recording, signal, [&] { ring.start(path); }, [&ring] { return ring.done(); });
     ring.stop();
 
-    test::PlayerHost host;
+    test::BarePlayer host;
     host.init();
     const int gaps = gapsWhileBlocked(
         recording, signal,

@@ -1,7 +1,7 @@
 // Memory of this process while a file of two hours plays, beside one of two seconds.
 
 #include "Figure.h"
-#include "support/PlayerHost.h"
+#include "support/BarePlayer.h"
 #include "support/TempFolder.h"
 #include "support/WavBytes.h"
 
@@ -40,7 +40,7 @@ double megabytesNow() {
 }
 
 // The most that was in use while the file played.
-double megabytesWhilePlaying(test::PlayerHost& host, const std::wstring& path) {
+double megabytesWhilePlaying(test::BarePlayer& host, const std::wstring& path) {
     if (host.player.PlayStart(path, -1, 0) != 0)
         giveUp("the player does not start");
     double most = 0;
@@ -65,7 +65,7 @@ int main() {
     test::TempFolder folder;
     const std::wstring twoHours = makeFile(folder, L"hours.wav", 2 * 60 * 60);
     const std::wstring twoSeconds = makeFile(folder, L"seconds.wav", 2);
-    test::PlayerHost host;
+    test::BarePlayer host;
     host.init();
     const Pair megabytes = interleaved(
         turns, [&] { return megabytesWhilePlaying(host, twoHours); },

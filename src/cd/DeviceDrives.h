@@ -6,6 +6,7 @@
 // Devices stay open from a successful InitMe to DeInitMe or the end of the list.
 
 #include "cd/DriveDevice.h"
+#include "cd/DriveList.h"
 #include "cd/MmcCommands.h"
 #include "cd/cCDAccess.h"
 
@@ -13,7 +14,6 @@
 #include <functional>
 #include <string>
 #include <utility>
-#include <vector>
 
 namespace corvina {
 
@@ -36,27 +36,28 @@ public:
     // 0, or 4 where there is no drive or Windows is not of the NT family.
     std::int32_t InitMe(const Describe& describe);
     std::int32_t DeInitMe() noexcept;
-    // 0, or 3 for an index outside the list.
-    std::int32_t SelectDevice(std::int32_t index) noexcept;
-    [[nodiscard]] std::int32_t DeviceCount() const noexcept;
-    [[nodiscard]] std::wstring DeviceChar(std::int32_t index) const { return at(index).letter; }
+    std::int32_t SelectDevice(std::int32_t index) noexcept { return drives_.select(index); }
+    [[nodiscard]] std::int32_t DeviceCount() const noexcept { return drives_.count(); }
+    [[nodiscard]] std::wstring DeviceChar(std::int32_t index) const {
+        return drives_.at(index).letter;
+    }
     [[nodiscard]] std::wstring DeviceName(std::int32_t index) const {
-        return at(index).text.name();
+        return drives_.at(index).text.name();
     }
 
     // The open device of the selected drive; null while none is selected.
-    [[nodiscard]] const FileRecord* selected() const noexcept;
+    [[nodiscard]] const FileRecord* selected() const noexcept {
+        const Drive* drive = drives_.selected();
+        return drive ? &drive->device : nullptr;
+    }
     [[nodiscard]] const DriveDevice& devices() const noexcept { return devices_; }
 
 private:
     void scan(const Describe& describe);
-    [[nodiscard]] bool holds(std::int32_t index) const noexcept;
-    [[nodiscard]] const Drive& at(std::int32_t index) const;
 
     DriveDevice devices_;
     DWORD desiredAccess_;
-    std::vector<Drive> drives_;
-    std::int32_t selected_ = -1;
+    DriveList<Drive> drives_;
 };
 
 // A backend over such a list: Contract is cCDAccess or a part of it that is already implemented.

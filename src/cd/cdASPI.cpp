@@ -31,7 +31,7 @@ std::int32_t cdASPI::InitMe() {
         // A library of that name without ASPI's functions is no ASPI.
         ready_ = false;
     }
-    return ready_ && !drives_.empty() ? CdStatus::done : CdStatus::failed;
+    return ready_ && !drives_.isEmpty() ? CdStatus::done : CdStatus::failed;
 }
 
 std::int32_t cdASPI::DeInitMe() {
@@ -39,15 +39,8 @@ std::int32_t cdASPI::DeInitMe() {
     return CdStatus::done;
 }
 
-std::int32_t cdASPI::SelectDevice(std::int32_t index) {
-    if (!holds(index))
-        return CdStatus::badIndex;
-    selected_ = index;
-    return CdStatus::done;
-}
-
 std::wstring cdASPI::DeviceChar(std::int32_t index) {
-    const Drive& drive = at(index);
+    const Drive& drive = drives_.at(index);
     if (!devices_.isWindowsNt())
         return {};
     for (wchar_t letter = firstDriveLetter; letter <= lastDriveLetter; ++letter) {
@@ -60,11 +53,11 @@ std::wstring cdASPI::DeviceChar(std::int32_t index) {
 }
 
 bool cdASPI::hasSelectedDrive() const noexcept {
-    return ready_ && holds(selected_);
+    return ready_ && drives_.selected();
 }
 
 CommandResult cdASPI::execute(const MmcCommand& command, void* data, std::uint32_t bytes) {
-    return ExecScsi(at(selected_), command, Aspi::directionIn, data, bytes);
+    return ExecScsi(*drives_.selected(), command, Aspi::directionIn, data, bytes);
 }
 
 void cdASPI::scan(std::int32_t adapters) {
@@ -82,7 +75,7 @@ void cdASPI::scanAdapter(std::uint8_t adapter) {
     constexpr std::uint8_t targets = 8;
     for (std::uint8_t target = 0; target < targets; ++target)
         if (isCdRom(adapter, target)) {
-            Drive& drive = drives_.emplace_back(Drive{adapter, target, 0, {}});
+            Drive& drive = drives_.add({adapter, target, 0, {}});
             drive.text = inquiry(drive);
         }
 }
@@ -126,16 +119,6 @@ CommandResult cdASPI::ExecScsi(const Drive& drive, const MmcCommand& command,
 
 void cdASPI::send(void* block) {
     library_.CallFunc("SendASPI32Command", block);
-}
-
-bool cdASPI::holds(std::int32_t index) const noexcept {
-    return index >= 0 && index < static_cast<std::int32_t>(drives_.size());
-}
-
-const cdASPI::Drive& cdASPI::at(std::int32_t index) const {
-    if (!holds(index))
-        throwSubscript();
-    return drives_[static_cast<std::size_t>(index)];
 }
 
 } // namespace corvina

@@ -8,11 +8,11 @@
 // is.
 
 #include "cd/DriveDevice.h"
+#include "cd/DriveList.h"
 #include "cd/MmcAccess.h"
 #include "stream/cDLL.h"
 
 #include <string>
-#include <vector>
 
 namespace corvina {
 
@@ -26,17 +26,17 @@ public:
 
     std::int32_t InitMe() override;
     std::int32_t DeInitMe() override;
-    std::int32_t SelectDevice(std::int32_t index) override;
+    std::int32_t SelectDevice(std::int32_t index) override { return drives_.select(index); }
     // The letter whose drive has the same place on the bus; only the NT family tells.
     std::wstring DeviceChar(std::int32_t index) override;
-    std::wstring DeviceName(std::int32_t index) override { return at(index).text.name(); }
-    std::int32_t DeviceCount() override { return static_cast<std::int32_t>(drives_.size()); }
+    std::wstring DeviceName(std::int32_t index) override { return drives_.at(index).text.name(); }
+    std::int32_t DeviceCount() override { return drives_.count(); }
 
 private:
     struct Drive {
-        std::uint8_t adapter;
-        std::uint8_t target;
-        std::uint8_t lun;
+        std::uint8_t adapter = 0;
+        std::uint8_t target = 0;
+        std::uint8_t lun = 0;
         DriveText text;
     };
 
@@ -50,13 +50,10 @@ private:
     CommandResult ExecScsi(const Drive& drive, const MmcCommand& command, std::uint8_t direction,
                            void* data, std::uint32_t bytes);
     void send(void* block);
-    [[nodiscard]] bool holds(std::int32_t index) const noexcept;
-    [[nodiscard]] const Drive& at(std::int32_t index) const;
 
     DriveDevice devices_;
     cDLL library_;
-    std::vector<Drive> drives_;
-    std::int32_t selected_ = -1;
+    DriveList<Drive> drives_;
     bool ready_ = false;
 };
 

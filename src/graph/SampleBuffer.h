@@ -6,7 +6,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <span>
 
 namespace corvina {
 
@@ -26,7 +25,6 @@ public:
     [[nodiscard]] std::int16_t operator[](std::size_t index) const noexcept {
         return samples_[index];
     }
-    [[nodiscard]] std::span<const std::int16_t> samples() const noexcept { return samples_; }
 
 private:
     std::array<std::int16_t, sampleCount> samples_{};

@@ -65,14 +65,14 @@ const void* samplesAt(LONG address) {
 
 // Just wide enough for the initial number of bands.
 constinit const ControlClass audioGraphClass{CLSID_cAudioGraph,
-                                   IID__cAudioGraph,
-                                   DIID___cAudioGraph,
-                                   L"Corvina.cAudioGraph",
-                                   L"Corvina audio graph",
-                                   {200, 100},
-                                   {},
-                                   true,
-                                   properties};
+                                             IID__cAudioGraph,
+                                             DIID___cAudioGraph,
+                                             L"Corvina.cAudioGraph",
+                                             L"Corvina audio graph",
+                                             {200, 100},
+                                             {},
+                                             true,
+                                             properties};
 
 cAudioGraph::cAudioGraph() : Control(audioGraphClass) {}
 

@@ -3,6 +3,7 @@
 #include "com/AboutBox.h"
 #include "com/Bstr.h"
 #include "player/PlayerGlyph.h"
+#include "runtime/BitReversal.h"
 
 namespace corvina {
 namespace {
@@ -26,7 +27,10 @@ constinit const ControlClass playerClass{CLSID_cPlayer,
                                          false,
                                          {}};
 
-cPlayer::cPlayer() : Control(playerClass), player_(*this, this) {}
+cPlayer::cPlayer() : Control(playerClass), player_(*this, this) {
+    // The player is what comes first in a host, so it makes ready what the graph's spectrum needs.
+    fillBitReversalTable();
+}
 
 cPlayer::~cPlayer() {
     ole().disconnect();

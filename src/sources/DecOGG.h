@@ -69,7 +69,7 @@ private:
     std::int32_t file_ = 0; // the C stream
     bool opened_ = false;
     // The library's OggVorbis_File, of about 700 bytes, with room for a larger one.
-    alignas(16) std::array<std::byte, 4096> decoder_{};
+    alignas(8) std::array<std::byte, 4096> decoder_{};
     StreamInformation stream_{};
     WAVEFORMATEX format_{};
     std::int32_t durationMs_ = 0;

@@ -6,6 +6,9 @@
 #include "runtime/Text.h"
 #include "stream/PcmFormat.h"
 
+#include <algorithm>
+#include <cstring>
+
 namespace corvina {
 namespace {
 
@@ -16,9 +19,12 @@ constexpr std::int32_t outOfRange = 4;
 constexpr std::int32_t forReading = 16;
 enum Whence { fromStart = 0, fromCurrent = 1, fromEnd = 2 };
 
+constexpr std::int32_t subtypeMask = 0xFFFF;
+constexpr std::int32_t voxSubtype = 0x21;
+
 // The width of the library's sample subtypes.
 WORD bitsOfSubtype(std::int32_t format) {
-    switch (format & 0xFFFF) {
+    switch (format & subtypeMask) {
     case 1: // signed
     case 5: // unsigned
         return 8;
@@ -91,8 +97,20 @@ std::int32_t DecSND::Read(void* pBuffer, std::int32_t cBytes, std::int32_t& cByt
     if (file_ == 0)
         return notOpen;
     const std::int32_t length = cBytes - cBytes % 2;
-    cBytesRead = multiply32(library_.readShort(file_, pBuffer, length / 2), 2);
+    cBytesRead = multiply32(readItems(pBuffer, length / 2), 2);
     return cBytesRead < length ? SourceResult::endOfData : SourceResult::done;
+}
+
+std::int32_t DecSND::readItems(void* to, std::int32_t items) {
+    if ((info_.format & subtypeMask) != voxSubtype || items % 2 == 0)
+        return library_.readShort(file_, to, items);
+    // A byte of this subtype holds two samples, and the library writes and counts both also where
+    // it is asked for one. The buffer has no room for the second.
+    std::vector<std::int16_t> withRoom(static_cast<std::size_t>(items) + 1);
+    const std::int32_t got = std::min(library_.readShort(file_, withRoom.data(), items), items);
+    if (got > 0)
+        std::memcpy(to, withRoom.data(), static_cast<std::size_t>(got) * 2);
+    return got;
 }
 
 std::int32_t DecSND::SeekTo(std::int32_t Value, std::int32_t& Mode) {

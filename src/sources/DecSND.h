@@ -46,6 +46,7 @@ public:
     std::int32_t Duration() override;
 
 private:
+    [[nodiscard]] std::int32_t readItems(void* to, std::int32_t items);
     [[nodiscard]] std::int32_t currentFrame();
     [[nodiscard]] std::int32_t milliseconds(std::int32_t frames) const;
 

@@ -1,7 +1,7 @@
 #include "stream/cPCM.h"
 
-#include "runtime/Checked.h"
 #include "runtime/Rounding.h"
+#include "stream/PcmFormat.h"
 #include "stream/cSoundSTRM.h"
 
 #include "Corvina.h"
@@ -26,19 +26,6 @@ constexpr int mostFillsWithoutOutput = 64;
 // 4-bit ADPCM plays as 8 bits, 24 and 32 bits as 16.
 std::uint16_t outputWidth(std::uint16_t sourceBits, bool force16Bit) {
     return force16Bit || sourceBits > 8 ? 16 : 8;
-}
-
-WAVEFORMATEX pcmFormat(DWORD rate, WORD channels, WORD bits) {
-    WAVEFORMATEX format{};
-    format.wFormatTag = WAVE_FORMAT_PCM;
-    format.nChannels = channels;
-    format.nSamplesPerSec = rate;
-    const std::int16_t blockAlign = roundToInt16(bits / 8.0 * channels);
-    format.nBlockAlign = static_cast<WORD>(blockAlign);
-    format.nAvgBytesPerSec =
-        static_cast<DWORD>(multiply32(blockAlign, static_cast<std::int32_t>(rate)));
-    format.wBitsPerSample = bits;
-    return format;
 }
 
 // Some codecs divide by these fields without a look at them.

@@ -165,6 +165,32 @@ TEST_F(Registration, a_user_can_register_for_himself_and_take_it_back) {
     EXPECT_FALSE(exists(L"TypeLib\\" + libraryId, HKEY_CURRENT_USER));
 }
 
+TEST_F(Registration, the_example_manifest_takes_the_place_of_the_registration) {
+    ASSERT_EQ(0, regsvr32(L"/s /u"));
+    // The build lays the manifest beside the library, where its file is looked for.
+    const std::wstring manifest =
+        libraryPath().substr(0, libraryPath().rfind(L'\\')) + L"\\host.exe.manifest";
+    ACTCTXW description{};
+    description.cbSize = sizeof description;
+    description.lpSource = manifest.c_str();
+    const HANDLE context = ::CreateActCtxW(&description);
+    ASSERT_NE(INVALID_HANDLE_VALUE, context);
+    ULONG_PTR cookie = 0;
+    ASSERT_TRUE(::ActivateActCtx(context, &cookie));
+    ::CoInitialize(nullptr);
+    for (const wchar_t* progId :
+         {L"Corvina.cPlayer", L"Corvina.cAudioGraph", L"Corvina.GSubclass"}) {
+        CLSID clsid{};
+        EXPECT_EQ(S_OK, ::CLSIDFromProgID(progId, &clsid));
+        ComPtr<IUnknown> object;
+        EXPECT_EQ(S_OK, ::CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IUnknown,
+                                           object.putVoid()));
+    }
+    ::CoUninitialize();
+    ::DeactivateActCtx(0, cookie);
+    ::ReleaseActCtx(context);
+}
+
 TEST_F(Registration, the_library_needs_nothing_but_system_libraries) {
     const HMODULE library = ::LoadLibraryW(libraryPath().c_str());
     ASSERT_NE(nullptr, library);

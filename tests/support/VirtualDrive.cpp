@@ -190,6 +190,10 @@ std::wstring VirtualDrive::trackPath(int track) const {
            (track < 10 ? L"0" : L"") + std::to_wstring(track) + L".cda";
 }
 
+std::string VirtualDrive::unixRoot() const {
+    return unixFolder() + "/" + letter_;
+}
+
 void VirtualDrive::removeTrackFiles() {
     for (const std::wstring& file : trackFiles_)
         ::DeleteFileW(file.c_str());

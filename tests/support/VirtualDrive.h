@@ -60,6 +60,8 @@ public:
     [[nodiscard]] std::vector<std::string> requests() const;
 
     [[nodiscard]] std::wstring trackPath(int track) const;
+    // The folder of the track files as Unix has it.
+    [[nodiscard]] std::string unixRoot() const;
 
 private:
     void describe(const std::string& text) const;

@@ -1,0 +1,73 @@
+// Processor time of a host that plays a file and shows it 30 times a second, beside playing alone.
+
+#include "LibraryControls.h"
+#include "ProcessorTime.h"
+#include "com/Bstr.h"
+#include "support/Media.h"
+#include "support/MessagePump.h"
+
+#include "Corvina.h"
+
+#include <chrono>
+#include <ole2.h>
+
+namespace {
+
+using namespace corvina;
+using namespace std::chrono_literals;
+
+constexpr int turns = 5;
+constexpr auto playTime = 5s;
+constexpr auto picture = 33ms;
+
+// Milliseconds of processor time for a second of sound, start and stop not counted.
+double playing(_cPlayer& player, _cAudioGraph* graph) {
+    const Bstr file(test::mediaFile(L"half-minute.wav"));
+    long result = 1;
+    if (FAILED(player.PlayStart(file.get(), -1, 0, &result)) || result != 0)
+        bench::giveUp("the player does not start");
+    const double before = bench::processorSeconds();
+    const auto start = std::chrono::steady_clock::now();
+    for (auto next = start; next < start + playTime; next += picture) {
+        const auto due = [&] { return std::chrono::steady_clock::now() >= next; };
+        if (!test::pumpUntil(due, playTime))
+            bench::giveUp("the clock stands still");
+        if (!graph)
+            continue;
+        long address = 0;
+        player.get_AudioDataOut(&address);
+        graph->SetAudioData(address, &result);
+        graph->Display();
+    }
+    const double used = bench::processorSeconds() - before;
+    VARIANT_BOOL isPlaying = VARIANT_TRUE;
+    player.PlayStop(&result);
+    if (!test::pumpUntil([&] { return player.IsPlaying(&isPlaying) == S_OK && !isPlaying; }))
+        bench::giveUp("the player does not stop");
+    return used * 1000 / std::chrono::duration<double>(playTime).count();
+}
+
+void compare(const char* name, _cPlayer& player, _cAudioGraph& graph, AudioGraphStyle style) {
+    graph.put_GraphStyle(style);
+    const bench::Pair time = bench::interleaved(
+        turns, [&] { return playing(player, &graph); }, [&] { return playing(player, nullptr); });
+    // 3 % of a core.
+    bench::report(name, "ms", time.value, time.reference, time.ratio, bench::Judged::excessAtMost,
+                  30.0);
+}
+
+} // namespace
+
+int main() {
+    ::OleInitialize(nullptr);
+    const auto player = bench::createControl<_cPlayer>(CLSID_cPlayer);
+    const auto graph = bench::createControl<_cAudioGraph>(CLSID_cAudioGraph);
+    const bench::Form form(graph.get(), {400, 200});
+    long result = 0;
+    player->Init(&result);
+    compare("Processor time for a second of sound with its spectrum, beside without", *player.get(),
+            *graph.get(), FREQUENCY_STYLE);
+    compare("Processor time for a second of sound with its waveform, beside without", *player.get(),
+            *graph.get(), AMPLITUDE_STYLE);
+    player->DeInit(&result);
+}

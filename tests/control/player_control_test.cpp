@@ -1,0 +1,340 @@
+// The registered player as a C++ host uses it, in a container and without one.
+
+#include "Support.h"
+
+#include "support/TempFolder.h"
+#include "support/WavBytes.h"
+
+#include <thread>
+
+using namespace corvina;
+using namespace corvina::test;
+
+namespace {
+
+constexpr DISPID errEvent = 2;
+
+class PlayerControl : public ApartmentTest {
+protected:
+    void SetUp() override {
+        ApartmentTest::SetUp();
+        player = create<_cPlayer>(CLSID_cPlayer);
+        ASSERT_TRUE(player);
+    }
+    void TearDown() override {
+        player.reset();
+        ApartmentTest::TearDown();
+    }
+    HWND inPlaceWindow() {
+        HWND window = nullptr;
+        player.query<IOleInPlaceObject>()->GetWindow(&window);
+        return window;
+    }
+    HRESULT verb(LONG which) {
+        const auto object = player.query<IOleObject>();
+        ComPtr<IOleClientSite> site;
+        object->GetClientSite(site.put());
+        return object->DoVerb(which, nullptr, site.get(), 0, nullptr, nullptr);
+    }
+    long open(const wchar_t* name) {
+        long result = -1;
+        EXPECT_EQ(S_OK, player->OpenAudioFile(Bstr(name).get(), &result));
+        return result;
+    }
+
+    ComPtr<_cPlayer> player;
+    long number = -1;
+};
+
+TEST_F(PlayerControl, null_out_pointers_are_refused_by_every_member) {
+    const Bstr text(L"x");
+    EXPECT_EQ(E_POINTER, player->get_Tag_Title(nullptr));
+    EXPECT_EQ(E_POINTER, player->get_Tag_Album(nullptr));
+    EXPECT_EQ(E_POINTER, player->get_Tag_Artist(nullptr));
+    EXPECT_EQ(E_POINTER, player->get_Tag_SongYear(nullptr));
+    EXPECT_EQ(E_POINTER, player->get_Tag_Genre(nullptr));
+    EXPECT_EQ(E_POINTER, player->get_Tag_Comment(nullptr));
+    EXPECT_EQ(E_POINTER, player->get_Tag_TrackNumber(nullptr));
+    EXPECT_EQ(E_POINTER, player->get_Info_Bitrate(nullptr));
+    EXPECT_EQ(E_POINTER, player->get_Info_BitsPerSample(nullptr));
+    EXPECT_EQ(E_POINTER, player->get_Info_Channels(nullptr));
+    EXPECT_EQ(E_POINTER, player->get_Info_Duration(nullptr));
+    EXPECT_EQ(E_POINTER, player->get_Info_Samplerate(nullptr));
+    EXPECT_EQ(E_POINTER, player->ErrorTextOut(5, nullptr));
+    EXPECT_EQ(E_POINTER, player->PlayPause(nullptr));
+    EXPECT_EQ(E_POINTER, player->PlayUnPause(nullptr));
+    EXPECT_EQ(E_POINTER, player->IsPausedOut(nullptr));
+    EXPECT_EQ(E_POINTER, player->DonePlay(nullptr));
+    EXPECT_EQ(E_POINTER, player->Init(nullptr));
+    EXPECT_EQ(E_POINTER, player->DeInit(nullptr));
+    EXPECT_EQ(E_POINTER, player->get_AudioDataOut(nullptr));
+    EXPECT_EQ(E_POINTER, player->PlayStop(nullptr));
+    EXPECT_EQ(E_POINTER, player->PlayStart(text.get(), -1, 0, nullptr));
+    EXPECT_EQ(E_POINTER, player->GetID3Tags(text.get(), nullptr));
+    EXPECT_EQ(E_POINTER, player->OpenAudioFile(text.get(), nullptr));
+    EXPECT_EQ(E_POINTER, player->PositionGet(nullptr));
+    EXPECT_EQ(E_POINTER, player->PositionSet(0, nullptr));
+    EXPECT_EQ(E_POINTER, player->GetSecondsAsTimeString(0, nullptr));
+    EXPECT_EQ(E_POINTER, player->IsPlaying(nullptr));
+    EXPECT_EQ(E_POINTER, player->NumOfAudioDevices(2, nullptr));
+    AudioDeviceDetails details{};
+    EXPECT_EQ(E_POINTER, player->GetDetailsDevice(0, 2, &details, nullptr));
+    EXPECT_EQ(E_POINTER, player->GetDetailsDevice(0, 2, nullptr, &number));
+}
+
+TEST_F(PlayerControl, a_tag_text_keeps_characters_of_code_0) {
+    const std::wstring text(L"a\0b", 3);
+    EXPECT_EQ(S_OK, player->put_Tag_Genre(Bstr(text).get()));
+    Bstr got;
+    EXPECT_EQ(S_OK, player->get_Tag_Genre(got.put()));
+    EXPECT_EQ(text, textOf(got.get()));
+}
+
+TEST_F(PlayerControl, a_null_text_is_an_empty_one) {
+    EXPECT_EQ(S_OK, player->put_Tag_Genre(nullptr));
+    Bstr got;
+    EXPECT_EQ(S_OK, player->get_Tag_Genre(got.put()));
+    EXPECT_EQ(L"", textOf(got.get()));
+    EXPECT_EQ(S_OK, player->OpenAudioFile(nullptr, &number));
+    EXPECT_EQ(1, number);
+}
+
+TEST_F(PlayerControl, each_tag_is_a_text_of_its_own) {
+    player->put_Tag_Title(Bstr(L"1").get());
+    player->put_Tag_Album(Bstr(L"2").get());
+    player->put_Tag_TrackNumber(Bstr(L"3").get());
+    Bstr title, album, artist, track;
+    player->get_Tag_Title(title.put());
+    player->get_Tag_Album(album.put());
+    player->get_Tag_Artist(artist.put());
+    player->get_Tag_TrackNumber(track.put());
+    EXPECT_EQ(L"1", textOf(title.get()));
+    EXPECT_EQ(L"2", textOf(album.get()));
+    EXPECT_EQ(L"", textOf(artist.get()));
+    EXPECT_EQ(L"3", textOf(track.get()));
+}
+
+TEST_F(PlayerControl, info_without_a_file_comes_with_error_information) {
+    EXPECT_EQ(static_cast<HRESULT>(0x800A005B), player->get_Info_Samplerate(&number));
+    EXPECT_EQ(0, number);
+    ComPtr<IErrorInfo> error;
+    ASSERT_EQ(S_OK, ::GetErrorInfo(0, error.put()));
+    GUID iid{};
+    Bstr source, text;
+    error->GetGUID(&iid);
+    error->GetSource(source.put());
+    error->GetDescription(text.put());
+    EXPECT_EQ(IID__cPlayer, iid);
+    EXPECT_EQ(L"Corvina.cPlayer", textOf(source.get()));
+    EXPECT_EQ(L"Object variable or With block variable not set", textOf(text.get()));
+    EXPECT_EQ(S_OK, player.query<ISupportErrorInfo>()->InterfaceSupportsErrorInfo(IID__cPlayer));
+    EXPECT_EQ(S_FALSE, player.query<ISupportErrorInfo>()->InterfaceSupportsErrorInfo(IID_IUnknown));
+}
+
+TEST_F(PlayerControl, a_missing_file_raises_err_with_number_1_by_reference) {
+    EventSink sink(DIID___cPlayer);
+    ASSERT_EQ(S_OK, sink.connect(player.get(), DIID___cPlayer));
+    player->Init(&number);
+    EXPECT_EQ(1, open(L"no such file.wav"));
+    ASSERT_EQ(1u, sink.heard.size());
+    EXPECT_EQ(errEvent, sink.heard[0].id);
+    EXPECT_EQ((std::vector<VARTYPE>{VT_BSTR, VT_BYREF | VT_I4, VT_BSTR}), sink.heard[0].types);
+    EXPECT_EQ(L"", textOf(V_BSTR(&sink.heard[0].arguments[0])));
+    EXPECT_EQ(1, V_I4(&sink.heard[0].arguments[1]));
+    EXPECT_EQ(L"File doen't exist", textOf(V_BSTR(&sink.heard[0].arguments[2])));
+}
+
+TEST_F(PlayerControl, may_be_released_in_its_err_handler) {
+    EventSink sink(DIID___cPlayer);
+    sink.connect(player.get(), DIID___cPlayer);
+    player->Init(&number);
+    sink.handler = [&](const EventSink::Event&) {
+        sink.disconnect();
+        player.reset();
+    };
+    _cPlayer* raw = player.get();
+    EXPECT_EQ(S_OK, raw->OpenAudioFile(Bstr(L"none.wav").get(), &number));
+    EXPECT_EQ(1, number);
+}
+
+TEST_F(PlayerControl, identity_is_the_same_from_every_interface) {
+    ComPtr<IUnknown> first = player.query<IUnknown>();
+    for (REFIID iid : {IID_IDispatch,
+                       IID__cPlayer,
+                       IID_ISubclass,
+                       IID_cCallback,
+                       IID_IOleObject,
+                       IID_IOleControl,
+                       IID_IOleInPlaceObject,
+                       IID_IOleWindow,
+                       IID_IOleInPlaceActiveObject,
+                       IID_IViewObject,
+                       IID_IViewObject2,
+                       IID_IViewObjectEx,
+                       IID_IPersist,
+                       IID_IPersistStreamInit,
+                       IID_IPersistStorage,
+                       IID_IPersistPropertyBag,
+                       IID_IProvideClassInfo,
+                       IID_IProvideClassInfo2,
+                       IID_ISupportErrorInfo,
+                       IID_IConnectionPointContainer,
+                       IID_IQuickActivate}) {
+        ComPtr<IUnknown> face, back;
+        ASSERT_EQ(S_OK, player->QueryInterface(iid, face.putVoid()));
+        ASSERT_EQ(S_OK, face->QueryInterface(IID_IUnknown, back.putVoid()));
+        EXPECT_EQ(first.get(), back.get());
+    }
+}
+
+TEST_F(PlayerControl, does_not_claim_to_be_safe_for_strangers) {
+    constexpr GUID objectSafety{
+        0xcb5bdc81, 0x93c1, 0x11cf, {0x8f, 0x20, 0x00, 0x80, 0x5f, 0x2c, 0xd0, 0x64}};
+    void* found = this;
+    EXPECT_EQ(E_NOINTERFACE, player->QueryInterface(objectSafety, &found));
+    EXPECT_EQ(nullptr, found);
+    EXPECT_EQ(E_POINTER, player->QueryInterface(IID_IUnknown, nullptr));
+}
+
+TEST_F(PlayerControl, always_answers_preprocess_whatever_is_set) {
+    const auto subclass = player.query<ISubclass>();
+    EXPECT_EQ(S_OK, subclass->put_MsgResponse(emrConsume));
+    EMsgResponse response = emrConsume;
+    EXPECT_EQ(S_OK, subclass->get_MsgResponse(&response));
+    EXPECT_EQ(emrPreprocess, response);
+}
+
+TEST_F(PlayerControl, dispatches_its_second_interface_by_its_own_names) {
+    const auto subclass = player.query<ISubclass>();
+    Variant result;
+    EXPECT_EQ(S_OK, callByName(subclass.get(), L"MsgResponse", DISPATCH_PROPERTYGET, {}, &result));
+    EXPECT_EQ(2, V_I4(&result));
+}
+
+TEST_F(PlayerControl, ignores_messages_that_are_not_its_own) {
+    const auto subclass = player.query<ISubclass>();
+    EXPECT_EQ(S_OK, subclass->WindowProc(0, WM_USER, 1, 2, &number));
+    EXPECT_EQ(0, number);
+    EXPECT_EQ(E_POINTER, subclass->WindowProc(0, WM_USER, 1, 2, nullptr));
+}
+
+TEST_F(PlayerControl, takes_samples_and_does_nothing_with_them) {
+    EXPECT_EQ(S_OK, player.query<cCallback>()->Samples(nullptr, -1, 0));
+}
+
+TEST_F(PlayerControl, is_a_visible_child_of_its_container) {
+    Container container;
+    ASSERT_EQ(S_OK, container.attach(player.get()));
+    EXPECT_EQ(container.window(), ::GetParent(inPlaceWindow()));
+}
+
+TEST_F(PlayerControl, forces_its_width_and_height_to_512_each) {
+    Container container;
+    ASSERT_EQ(S_OK, container.attach(player.get()));
+    for (const int width : {100, 700}) {
+        ::SetWindowPos(container.window(), nullptr, 0, 0, width, 90, SWP_NOMOVE | SWP_NOZORDER);
+        RECT client{};
+        ::GetClientRect(inPlaceWindow(), &client);
+        EXPECT_EQ(512, client.right);
+        EXPECT_EQ(512, client.bottom);
+    }
+}
+
+TEST_F(PlayerControl, refuses_any_other_extent_silently) {
+    SIZEL size{1000, 1000}, got{};
+    const auto object = player.query<IOleObject>();
+    EXPECT_EQ(S_OK, object->SetExtent(DVASPECT_CONTENT, &size));
+    EXPECT_EQ(S_OK, object->GetExtent(DVASPECT_CONTENT, &got));
+    const HDC screen = ::GetDC(nullptr);
+    EXPECT_EQ(::MulDiv(512, 2540, ::GetDeviceCaps(screen, LOGPIXELSX)), got.cx);
+    ::ReleaseDC(nullptr, screen);
+}
+
+TEST_F(PlayerControl, keeps_its_window_from_init_through_containers) {
+    {
+        Container container;
+        ASSERT_EQ(S_OK, container.attach(player.get()));
+        player->Init(&number);
+    }
+    Container next;
+    ASSERT_EQ(S_OK, next.attach(player.get()));
+    const HWND window = inPlaceWindow();
+    EXPECT_EQ(next.window(), ::GetParent(window));
+    player.query<IOleInPlaceObject>()->InPlaceDeactivate();
+    EXPECT_EQ(S_OK, verb(OLEIVERB_INPLACEACTIVATE));
+    EXPECT_EQ(window, inPlaceWindow());
+}
+
+TEST_F(PlayerControl, survives_that_its_window_is_destroyed_and_can_be_initialised_again) {
+    Container container;
+    ASSERT_EQ(S_OK, container.attach(player.get()));
+    player->Init(&number);
+    ::DestroyWindow(inPlaceWindow());
+    EXPECT_EQ(S_OK, player->PlayStop(&number));
+    EXPECT_EQ(S_OK, player->Init(&number));
+    EXPECT_EQ(0, number);
+    EXPECT_EQ(S_OK, player->DeInit(&number));
+}
+
+TEST_F(PlayerControl, shows_and_closes_its_about_box) {
+    std::thread closer([] {
+        for (int i = 0; i < 500; ++i, ::Sleep(10))
+            if (const HWND box = ::FindWindowW(nullptr, L"About Corvina")) {
+                ::PostMessageW(box, WM_COMMAND, IDOK, 0);
+                return;
+            }
+    });
+    EXPECT_EQ(S_OK, player->About());
+    closer.join();
+}
+
+// A file that plays for a second.
+std::wstring wave(TempFolder& folder) {
+    return folder.write(L"tone.wav", plainWav(pcm(44100, 2, 16), noise(44100 * 4)));
+}
+
+TEST_F(PlayerControl, may_be_released_while_it_plays) {
+    TempFolder folder;
+    player->Init(&number);
+    ASSERT_EQ(S_OK, player->PlayStart(Bstr(wave(folder)).get(), -1, 0, &number));
+    ASSERT_EQ(0, number);
+    dispatchWaitingMessages();
+    player.reset();
+    dispatchWaitingMessages();
+}
+
+TEST_F(PlayerControl, may_lose_its_container_while_it_plays_and_plays_on) {
+    TempFolder folder;
+    EventSink sink(DIID___cPlayer);
+    sink.connect(player.get(), DIID___cPlayer);
+    {
+        Container container;
+        ASSERT_EQ(S_OK, container.attach(player.get()));
+        player->Init(&number);
+        ASSERT_EQ(S_OK, player->PlayStart(Bstr(wave(folder)).get(), -1, 0, &number));
+        ASSERT_EQ(0, number);
+    }
+    VARIANT_BOOL playing = VARIANT_TRUE;
+    EXPECT_TRUE(pumpUntil([&] { return player->IsPlaying(&playing) == S_OK && !playing; }));
+    ASSERT_FALSE(sink.heard.empty());
+    EXPECT_EQ(1, sink.heard.back().id);
+}
+
+TEST_F(PlayerControl, may_be_released_in_its_done_play_handler) {
+    TempFolder folder;
+    EventSink sink(DIID___cPlayer);
+    sink.connect(player.get(), DIID___cPlayer);
+    bool done = false;
+    sink.handler = [&](const EventSink::Event& event) {
+        if (event.id != errEvent) {
+            sink.disconnect();
+            player.reset();
+            done = true;
+        }
+    };
+    player->Init(&number);
+    ASSERT_EQ(S_OK, player->PlayStart(Bstr(wave(folder)).get(), -1, 0, &number));
+    EXPECT_TRUE(pumpUntil([&] { return done; }));
+}
+
+} // namespace

@@ -1,0 +1,227 @@
+// Damaged files through the sources and the real libraries: whatever a file holds, the host lives,
+// every call ends, and nothing is written outside the buffer that was given (each block of our own
+// memory ends at a page that faults).
+//
+//   hostile_files_test.exe [--variants=10000] [--seed=1]
+//
+// The number of randomly damaged files of each format, and where the random numbers start.
+
+#include "runtime/RuntimeError.h"
+#include "sources/DecAPE.h"
+#include "sources/DecOGG.h"
+#include "sources/DecSND.h"
+#include "support/FileBytes.h"
+#include "support/Media.h"
+#include "support/TempFolder.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <functional>
+#include <gtest/gtest.h>
+#include <memory>
+#include <random>
+
+namespace corvina::test {
+namespace {
+
+int variants = 60;
+unsigned seed = 1;
+
+struct Format {
+    const wchar_t* clip;
+    std::function<std::unique_ptr<cSoundSTRM>()> make;
+};
+
+void PrintTo(const Format& format, std::ostream* stream) {
+    for (const wchar_t* character = format.clip; *character; ++character)
+        *stream << static_cast<char>(*character);
+}
+
+template <typename Source>
+Format format(const wchar_t* clip) {
+    return {clip, [] { return std::make_unique<Source>(); }};
+}
+
+// Reads up to 2 MB; a damaged header may promise any length.
+void readSome(cSoundSTRM& source, Bytes& buffer) {
+    const auto size = static_cast<std::int32_t>(buffer.size());
+    std::int32_t result = 0;
+    for (int reads = 0; result == 0 && reads < 500; ++reads) {
+        std::int32_t got = 0;
+        result = source.Read(buffer.data(), size, got);
+        ASSERT_TRUE(result == 0 || result == 1 || result == 5) << result;
+        ASSERT_LE(got, size);
+    }
+}
+
+void useWhole(cSoundSTRM& source, const std::wstring& path, Bytes& buffer) {
+    const std::int32_t opened = source.OpenSource(path);
+    ASSERT_TRUE(opened == 0 || opened == 1) << opened;
+    readSome(source, buffer);
+    for (const auto& [value, mode] :
+         {std::pair{50, 0}, std::pair{99, 0}, std::pair{0, 0}, std::pair{0x7FFFFFFF, 1}}) {
+        std::int32_t by = mode;
+        source.SeekTo(value, by);
+        readSome(source, buffer);
+    }
+    (void)source.EndOfStream();
+    (void)source.Info().Position();
+    (void)source.Info().Duration();
+}
+
+class HostileFiles : public testing::TestWithParam<Format> {
+protected:
+    // Runtime errors are an answer too: a block align of 0, a length that overflows.
+    void play(const Bytes& bytes) {
+        const std::wstring path = folder.write(GetParam().clip, bytes);
+        try {
+            useWhole(*source, path, buffer);
+        } catch (const RuntimeError&) {
+        }
+        try {
+            source->CloseSource();
+        } catch (const RuntimeError&) {
+        }
+    }
+
+    TempFolder folder;
+    Bytes buffer = Bytes(4002);
+    Bytes clip = fileBytes(mediaFile(GetParam().clip));
+    std::unique_ptr<cSoundSTRM> source = GetParam().make();
+};
+
+TEST_P(HostileFiles, empty_and_one_byte) {
+    play({});
+    play({0});
+    play({clip.front()});
+}
+
+TEST_P(HostileFiles, garbage) {
+    std::mt19937 random(seed);
+    for (const std::size_t size : {16u, 100u, 5000u}) {
+        Bytes bytes(size);
+        for (std::uint8_t& byte : bytes)
+            byte = static_cast<std::uint8_t>(random());
+        play(bytes);
+        std::copy_n(clip.begin(), std::min<std::size_t>(16, size), bytes.begin());
+        play(bytes);
+    }
+}
+
+TEST_P(HostileFiles, cut_at_every_64th_part) {
+    for (std::size_t part = 0; part < 64; ++part)
+        play({clip.begin(), clip.begin() + static_cast<std::ptrdiff_t>(clip.size() * part / 64)});
+}
+
+TEST_P(HostileFiles, another_format_under_this_name) {
+    for (const wchar_t* name : {L"clip.wav", L"clip.ogg", L"clip.ape", L"clip.aiff", L"tune.mp3"})
+        play(fileBytes(mediaFile(name)));
+}
+
+// Headers get more of the damage than their share of the file.
+void damage(Bytes& bytes, std::mt19937& random) {
+    const std::size_t count = 1u << (random() % 5);
+    for (std::size_t hit = 0; hit < count; ++hit) {
+        const std::size_t range =
+            random() % 2 ? bytes.size() : std::min<std::size_t>(bytes.size(), 256);
+        std::uint8_t& byte = bytes[random() % range];
+        byte = random() % 4 ? static_cast<std::uint8_t>(byte ^ (1u << random() % 8))
+                            : static_cast<std::uint8_t>(random() % 2 ? 0xFF : random());
+    }
+    if (random() % 8 == 0)
+        bytes.resize(random() % bytes.size());
+}
+
+TEST_P(HostileFiles, random_damage) {
+    std::printf("%d variants from seed %u\n", variants, seed);
+    for (int variant = 0; variant < variants; ++variant) {
+        const unsigned own = seed + static_cast<unsigned>(variant);
+        SCOPED_TRACE("--variants=1 --seed=" + std::to_string(own));
+        std::mt19937 random(own);
+        Bytes bytes = clip;
+        damage(bytes, random);
+        play(bytes);
+        if (HasFatalFailure())
+            return;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Formats, HostileFiles,
+                         testing::Values(format<DecOGG>(L"clip.ogg"), format<DecAPE>(L"clip.ape"),
+                                         format<DecSND>(L"clip.au"), format<DecSND>(L"clip.aiff"),
+                                         format<DecSND>(L"clip.voc"), format<DecSND>(L"clip.vox")),
+                         [](const testing::TestParamInfo<Format>& tested) {
+                             const std::wstring name = tested.param.clip;
+                             std::string letters;
+                             for (const wchar_t character : name.substr(name.find(L'.') + 1))
+                                 letters += static_cast<char>(character);
+                             return letters;
+                         });
+
+// Ogg pages carry a checksum, which hides most damage from the decoder; with it mended the damage
+// reaches the packets.
+std::uint32_t pageChecksum(const std::uint8_t* page, std::size_t size) {
+    std::uint32_t sum = 0;
+    for (std::size_t at = 0; at < size; ++at) {
+        const std::uint8_t byte = at >= 22 && at < 26 ? std::uint8_t{0} : page[at];
+        sum ^= static_cast<std::uint32_t>(byte) << 24;
+        for (int bit = 0; bit < 8; ++bit)
+            sum = (sum << 1) ^ (sum & 0x80000000u ? 0x04C11DB7u : 0u);
+    }
+    return sum;
+}
+
+void mendPages(Bytes& bytes) {
+    std::size_t at = 0;
+    while (at + 27 <= bytes.size() && std::memcmp(&bytes[at], "OggS", 4) == 0) {
+        const std::size_t segments = bytes[at + 26];
+        if (at + 27 + segments > bytes.size())
+            return;
+        std::size_t size = 27 + segments;
+        for (std::size_t segment = 0; segment < segments; ++segment)
+            size += bytes[at + 27 + segment];
+        if (at + size > bytes.size())
+            return;
+        const std::uint32_t sum = pageChecksum(&bytes[at], size);
+        for (std::size_t byte = 0; byte < 4; ++byte)
+            bytes[at + 22 + byte] = static_cast<std::uint8_t>(sum >> 8 * byte);
+        at += size;
+    }
+}
+
+class HostilePackets : public HostileFiles {};
+
+TEST_P(HostilePackets, random_damage_behind_good_checksums) {
+    std::printf("%d variants from seed %u\n", variants, seed);
+    for (int variant = 0; variant < variants; ++variant) {
+        const unsigned own = seed + static_cast<unsigned>(variant);
+        SCOPED_TRACE("--variants=1 --seed=" + std::to_string(own));
+        std::mt19937 random(own);
+        Bytes bytes = clip;
+        damage(bytes, random);
+        mendPages(bytes);
+        play(bytes);
+        if (HasFatalFailure())
+            return;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Formats, HostilePackets, testing::Values(format<DecOGG>(L"clip.ogg")));
+
+} // namespace
+
+void readOptions(int argc, char** argv) {
+    for (int index = 1; index < argc; ++index) {
+        std::sscanf(argv[index], "--variants=%d", &variants);
+        std::sscanf(argv[index], "--seed=%u", &seed);
+    }
+}
+
+} // namespace corvina::test
+
+int main(int argc, char** argv) {
+    testing::InitGoogleTest(&argc, argv);
+    corvina::test::readOptions(argc, argv);
+    return RUN_ALL_TESTS();
+}
