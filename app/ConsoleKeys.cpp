@@ -24,9 +24,10 @@ std::optional<Key> meaningOf(const KEY_EVENT_RECORD& event) {
         return Key::previous;
     case L's':
     case L'S':
+        return Key::stop;
     case L'q':
     case L'Q':
-        return Key::stop;
+        return Key::quit;
     default:
         return std::nullopt;
     }

@@ -10,7 +10,7 @@
 
 namespace corvina::app {
 
-enum class Key { pause, back, forward, next, previous, stop };
+enum class Key { pause, back, forward, next, previous, stop, quit };
 
 class ConsoleKeys {
 public:

@@ -21,15 +21,18 @@ constexpr std::size_t nameColumn = 9;
 
 } // namespace
 
-std::vector<std::wstring> reportFile(PlayerClient& player, const std::wstring& file) {
+std::wstring formatLine(PlayerClient& player) {
     const FileFormat format = player.format();
+    return std::to_wstring(format.sampleRate) + L" Hz, " + std::to_wstring(format.bitsPerSample) +
+           L" bit, " + channelWords(format.channels) + L", " +
+           std::to_wstring(std::lround(format.bitrate / 1000.0)) + L" kbit/s, " +
+           player.timeText(std::lround(format.seconds));
+}
+
+std::vector<std::wstring> reportFile(PlayerClient& player, const std::wstring& file) {
     // The name alone: npos + 1 is 0, a name without a folder.
-    std::vector<std::wstring> lines{file.substr(file.find_last_of(L"\\/") + 1)};
-    lines.push_back(L"  " + std::to_wstring(format.sampleRate) + L" Hz, " +
-                    std::to_wstring(format.bitsPerSample) + L" bit, " +
-                    channelWords(format.channels) + L", " +
-                    std::to_wstring(std::lround(format.bitrate / 1000.0)) + L" kbit/s, " +
-                    player.timeText(std::lround(format.seconds)));
+    std::vector<std::wstring> lines{file.substr(file.find_last_of(L"\\/") + 1),
+                                    L"  " + formatLine(player)};
     for (const FileTag& tag : player.tags(file)) {
         std::wstring name = tag.name;
         name.resize(nameColumn, L' ');

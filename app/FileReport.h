@@ -9,7 +9,11 @@
 
 namespace corvina::app {
 
-// Of the file that the player opened or started last.
+// "44100 Hz, 16 bit, stereo, 1411 kbit/s, 0:03:05", of the file that the player opened or started
+// last.
+[[nodiscard]] std::wstring formatLine(PlayerClient& player);
+
+// Name, format and tags of that file.
 [[nodiscard]] std::vector<std::wstring> reportFile(PlayerClient& player, const std::wstring& file);
 
 } // namespace corvina::app

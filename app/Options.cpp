@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <map>
 #include <sstream>
 
 namespace corvina::app {
@@ -12,7 +13,7 @@ namespace corvina::app {
 namespace {
 
 constexpr const char* keyHelp =
-    "Keys while playing:\n"
+    "Keys on the terminal:\n"
     "  space         pause, go on\n"
     "  left, right   5 seconds back, forward\n"
     "  n, p          next, previous file\n"
@@ -26,8 +27,11 @@ ParsedOptions parseOptions(const std::vector<std::wstring>& arguments) {
     Options options;
     std::vector<std::string> files;
     std::string infoFile;
+    std::string pictureFile;
 
-    CLI::App parser("Plays audio files through the Corvina controls.", "corvina-play");
+    CLI::App parser(
+        "Plays audio files through the Corvina controls, in a window or on the terminal.",
+        "corvina-play");
     parser.footer(keyHelp);
     parser.set_version_flag("--version", "corvina-play " CORVINA_VERSION);
     parser.add_option("files", files, "Files to play, one after the other")->option_text("FILE...");
@@ -39,6 +43,16 @@ ParsedOptions parseOptions(const std::vector<std::wstring>& arguments) {
     parser.add_option("--start", options.startSeconds, "Begin the first file at this time")
         ->option_text("SECONDS")
         ->check(CLI::Range(0L, 0x7fffffffL));
+    parser.add_flag("--console", options.consoleOnly,
+                    "Play on the terminal alone, without a window");
+    parser.add_option("--style", options.style, "What the window's graph shows")
+        ->option_text("spectrum|waveform")
+        ->transform(CLI::CheckedTransformer(std::map<std::string, AudioGraphStyle>{
+            {"waveform", AMPLITUDE_STYLE}, {"spectrum", FREQUENCY_STYLE}}));
+    parser
+        .add_option("--picture", pictureFile,
+                    "Save a picture of the window while it plays (PNG), and leave at the end")
+        ->option_text("FILE");
     parser.add_flag("--verbose", options.verbose, "Print every error event of the control");
 
     // The parser takes its arguments from the back.
@@ -46,7 +60,7 @@ ParsedOptions parseOptions(const std::vector<std::wstring>& arguments) {
     std::transform(arguments.rbegin(), arguments.rend(), utf8.begin(), toUtf8);
     try {
         parser.parse(std::move(utf8));
-        if (files.empty() && infoFile.empty() && !options.listDevices)
+        if (files.empty() && options.consoleOnly)
             throw CLI::RequiredError("A file to play");
     } catch (const CLI::ParseError& error) {
         std::ostringstream text;
@@ -55,6 +69,7 @@ ParsedOptions parseOptions(const std::vector<std::wstring>& arguments) {
     }
     std::transform(files.begin(), files.end(), std::back_inserter(options.files), fromUtf8);
     options.infoFile = fromUtf8(infoFile);
+    options.pictureFile = fromUtf8(pictureFile);
     return {std::move(options), {}, 0};
 }
 

@@ -2,6 +2,8 @@
 
 // What the command line asks for.
 
+#include <Corvina.h>
+
 #include <optional>
 #include <string>
 #include <vector>
@@ -12,9 +14,12 @@ struct Options {
     std::vector<std::wstring> files;
     std::wstring infoFile; // describe this file and play nothing
     bool listDevices = false;
-    bool verbose = false;  // also what every playback reports as a matter of course
-    long device = -1;      // 0-based; -1 is the wave mapper
-    long startSeconds = 0; // where the first file begins
+    bool consoleOnly = false; // the terminal alone, no window
+    std::wstring pictureFile; // save a picture of the window here, and leave when all is played
+    std::optional<AudioGraphStyle> style; // what the graph shows; the one remembered if not said
+    bool verbose = false;                 // also what every playback reports as a matter of course
+    long device = -1;                     // 0-based; -1 is the wave mapper
+    long startSeconds = 0;                // where the first file begins
 };
 
 // The result of reading a command line: options to act on, or a text that ends the program.

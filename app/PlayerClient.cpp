@@ -127,6 +127,14 @@ void PlayerClient::seek(long seconds) {
     ask(player_, &_cPlayer::PositionSet, seconds);
 }
 
+long PlayerClient::audioData() {
+    return ask(player_, &_cPlayer::get_AudioDataOut);
+}
+
+void PlayerClient::showAbout() {
+    player_->About();
+}
+
 FileFormat PlayerClient::format() {
     return {
         ask(player_, &_cPlayer::get_Info_Bitrate), ask(player_, &_cPlayer::get_Info_BitsPerSample),

@@ -56,6 +56,10 @@ public:
     [[nodiscard]] long positionSeconds();
     void seek(long seconds);
 
+    // Address of the samples last sent to the device, until the next message is handled.
+    [[nodiscard]] long audioData();
+    void showAbout();
+
     // Of the file opened or started last.
     [[nodiscard]] FileFormat format();
     [[nodiscard]] std::vector<FileTag> tags(const std::wstring& file); // those with a text

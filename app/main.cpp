@@ -1,12 +1,13 @@
-// corvina-play: plays audio files on the terminal through the registered Corvina controls.
+// corvina-play: plays audio files through the registered Corvina controls, in a window or on the
+// terminal.
 
 #include "ConsoleScreen.h"
 #include "ErrorWords.h"
 #include "FileReport.h"
 #include "Interrupt.h"
 #include "Options.h"
-#include "PlaySession.h"
 #include "PlayerClient.h"
+#include "Session.h"
 
 #include <shellapi.h>
 
@@ -37,6 +38,13 @@ public:
     Apartment(const Apartment&) = delete;
     Apartment& operator=(const Apartment&) = delete;
 };
+
+// Started from the desktop the program gets a console of its own, which nobody asked for.
+void leaveOwnConsole() {
+    DWORD processes[2];
+    if (GetConsoleProcessList(processes, 2) == 1)
+        FreeConsole();
+}
 
 void listDevices(ConsoleScreen& screen) {
     PlayerClient player({});
@@ -87,9 +95,11 @@ int run(ConsoleScreen& screen) {
         if (!options.infoFile.empty())
             if (const long result = showInfo(screen, options.infoFile); result != 0)
                 return static_cast<int>(result);
-        if (options.files.empty())
+        if (options.files.empty() && (options.listDevices || !options.infoFile.empty()))
             return 0;
-        return static_cast<int>(PlaySession(options, screen, interrupt).run());
+        if (!options.consoleOnly)
+            leaveOwnConsole();
+        return static_cast<int>(Session(options, screen, interrupt).run());
     } catch (const _com_error& error) {
         screen.errorLine(describe(error));
         return comFailureExit;

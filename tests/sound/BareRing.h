@@ -38,17 +38,8 @@ public:
         return pumpUntil([this] { return !refill(); }, deadline);
     }
 
-private:
-    static constexpr std::size_t blockFrames = 2000;
-
-    struct Slot {
-        WAVEHDR header{};
-        std::array<Frame, blockFrames> data{};
-        bool queued = false;
-    };
-
-    // Whether anything is still queued.
-    bool refill() {
+    // Fills and writes every buffer that has come back; whether anything is still under way.
+    [[nodiscard]] bool refill() {
         bool busy = false;
         for (Slot& slot : slots_) {
             if (slot.queued && slot.header.dwFlags & WHDR_DONE)
@@ -57,6 +48,15 @@ private:
         }
         return busy;
     }
+
+private:
+    static constexpr std::size_t blockFrames = 2000;
+
+    struct Slot {
+        WAVEHDR header{};
+        std::array<Frame, blockFrames> data{};
+        bool queued = false;
+    };
 
     void fillAndWrite(Slot& slot) {
         slot.queued = next_ < frames_.size();

@@ -29,7 +29,7 @@ protected:
         const std::size_t before = recording.now();
         PlayerHost host;
         EXPECT_EQ(host.start(path), 0);
-        const auto length = std::chrono::milliseconds(frames * 1000 / 44100);
+        const auto length = std::chrono::seconds(frames / 44100);
         EXPECT_TRUE(host.waitForDone(1, length + 20s));
         return recording.listen(before, frames, 5s);
     }

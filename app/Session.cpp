@@ -1,0 +1,86 @@
+#include "Session.h"
+
+#include "MessageLoop.h"
+#include "window/WindowPicture.h"
+
+#include <array>
+
+namespace corvina::app {
+
+namespace {
+
+constexpr DWORD tickMs = 100;
+// Long enough for the bars to have risen, short enough for a short tune.
+constexpr auto pictureAfter = std::chrono::milliseconds(2500);
+
+} // namespace
+
+Session::Session(const Options& options, ConsoleScreen& screen, const Interrupt& interrupt)
+    : options_(options), interrupt_(interrupt), terminal_(screen), queue_(handlers()) {
+    queue_.setDevice(options.device);
+    for (const std::wstring& file : options.files)
+        queue_.add(file);
+    if (!options.consoleOnly)
+        window_ = std::make_unique<PlayerWindow>(queue_, options);
+}
+
+QueueHandlers Session::handlers() {
+    return {
+        [this] {
+            started_ = std::chrono::steady_clock::now();
+            terminal_.onStarted(queue_);
+            if (window_)
+                window_->onStarted();
+        },
+        [this] {
+            terminal_.onEnded();
+            if (window_)
+                window_->onEnded();
+        },
+        [this](const std::wstring& words) {
+            terminal_.onFailed(queue_, words);
+            if (window_)
+                window_->onFailed(words);
+        },
+        [this](const std::wstring& words) {
+            if (options_.verbose)
+                terminal_.onRemarked(words);
+        },
+    };
+}
+
+long Session::run() {
+    if (!options_.files.empty())
+        queue_.play(0, options_.startSeconds);
+    const auto handled = [this](MSG& message) { return window_ && window_->translate(message); };
+    while (!leaving() || queue_.isActive()) {
+        if (leaving())
+            queue_.stop();
+        // Once the end was asked for, its event stays signalled: only the messages matter then.
+        const HANDLE ending = interrupt_.requested() ? nullptr : interrupt_.waitable();
+        pumpMessages(std::array{terminal_.waitable(), ending}, tickMs, handled);
+        terminal_.tick(queue_);
+        queue_.tick();
+        savePictureInTime();
+    }
+    return interrupt_.requested() ? interruptedExit : queue_.result();
+}
+
+bool Session::leaving() const {
+    if (interrupt_.requested() || terminal_.leaveRequested())
+        return true;
+    if (window_ && options_.pictureFile.empty())
+        return !window_->isOpen();
+    return !queue_.isActive();
+}
+
+void Session::savePictureInTime() {
+    if (!window_ || options_.pictureFile.empty() || pictureSaved_ || !queue_.isPlaying() ||
+        std::chrono::steady_clock::now() - started_ < pictureAfter)
+        return;
+    pictureSaved_ = true;
+    if (!saveWindowPicture(window_->handle(), options_.pictureFile))
+        window_->onFailed(L"The picture could not be saved.");
+}
+
+} // namespace corvina::app

@@ -1,0 +1,84 @@
+#include "window/GraphView.h"
+
+#include <algorithm>
+
+namespace corvina::app {
+
+namespace {
+
+constexpr int gapPixels = 1;
+constexpr int mostBands = 50; // beyond half the spectrum little is to be seen
+
+void check(HRESULT code) {
+    if (FAILED(code))
+        _com_issue_error(code);
+}
+
+// atl.dll has no import library with every compiler.
+template <typename Function>
+Function atlFunction(const char* name) {
+    static const HMODULE library = LoadLibraryW(L"atl.dll");
+    const FARPROC entry = library ? GetProcAddress(library, name) : nullptr;
+    if (!entry)
+        _com_issue_error(HRESULT_FROM_WIN32(ERROR_PROC_NOT_FOUND));
+    return reinterpret_cast<Function>(reinterpret_cast<void*>(entry));
+}
+
+using AxWinInit = BOOL(STDAPICALLTYPE*)();
+using AxAttachControl = HRESULT(STDAPICALLTYPE*)(IUnknown*, HWND, IUnknown**);
+
+} // namespace
+
+GraphView::GraphView(HWND parent) {
+    if (!atlFunction<AxWinInit>("AtlAxWinInit")())
+        _com_issue_error(E_FAIL);
+    window_ = CreateWindowExW(0, L"AtlAxWin", L"", WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS, 0, 0, 0,
+                              0, parent, nullptr, GetModuleHandleW(nullptr), nullptr);
+    check(graph_.CreateInstance(__uuidof(cAudioGraph), nullptr, CLSCTX_INPROC_SERVER));
+    check(atlFunction<AxAttachControl>("AtlAxAttachControl")(graph_, window_, nullptr));
+    long ignored = 0;
+    check(graph_->Init(&ignored));
+}
+
+void GraphView::moveTo(const RECT& place) {
+    MoveWindow(window_, place.left, place.top, place.right - place.left, place.bottom - place.top,
+               TRUE);
+    fitBands(place.right - place.left);
+    clear();
+}
+
+void GraphView::setStyle(AudioGraphStyle style) {
+    graph_->put_GraphStyle(style);
+    clear();
+}
+
+void GraphView::setColors(COLORREF bars, COLORREF curve, COLORREF background) {
+    graph_->put_FreqColor(bars);
+    graph_->put_AmplitudeColor(curve);
+    graph_->put_BackgroundColor(background);
+    clear();
+}
+
+void GraphView::show(long samples) {
+    if (drawing_)
+        return;
+    drawing_ = true;
+    long ignored = 0;
+    if (SUCCEEDED(graph_->SetAudioData(samples, &ignored)))
+        graph_->Display();
+    drawing_ = false;
+}
+
+void GraphView::clear() {
+    long ignored = 0;
+    graph_->ClearGraph(&ignored);
+}
+
+void GraphView::fitBands(int width) {
+    const int bar = std::max(1, width / mostBands - gapPixels);
+    graph_->put_BandsSpace(gapPixels);
+    graph_->put_BandsWidth(bar);
+    graph_->put_Bands(std::max(1, width / (bar + gapPixels)));
+}
+
+} // namespace corvina::app

@@ -1,0 +1,40 @@
+#pragma once
+
+// The registered cAudioGraph control in a child window of ours, held by Windows' own container
+// (atl.dll).
+
+#include <Corvina.h>
+
+#include <comdef.h>
+
+namespace corvina::app {
+
+_COM_SMARTPTR_TYPEDEF(_cAudioGraph, __uuidof(_cAudioGraph));
+
+class GraphView {
+public:
+    // Throws _com_error where the control or the container is missing.
+    explicit GraphView(HWND parent);
+    GraphView(const GraphView&) = delete;
+    GraphView& operator=(const GraphView&) = delete;
+
+    void moveTo(const RECT& place);
+    void setStyle(AudioGraphStyle style);
+    void setColors(COLORREF bars, COLORREF curve, COLORREF background);
+
+    // Draws the samples at that address. Handles pending messages meanwhile: the window may be
+    // asked to close, files may end and begin.
+    void show(long samples);
+    void clear();
+    [[nodiscard]] bool isDrawing() const noexcept { return drawing_; }
+
+private:
+    // As many bars as the width has room for.
+    void fitBands(int width);
+
+    HWND window_;
+    _cAudioGraphPtr graph_;
+    bool drawing_ = false;
+};
+
+} // namespace corvina::app

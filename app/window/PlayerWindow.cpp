@@ -1,0 +1,357 @@
+#include "window/PlayerWindow.h"
+
+#include "FileReport.h"
+#include "window/Commands.h"
+#include "window/FileChoice.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include <commctrl.h>
+#include <shellapi.h>
+
+namespace corvina::app {
+
+namespace {
+
+constexpr const wchar_t* className = L"CorvinaPlayer";
+constexpr UINT_PTR graphTimer = 1;
+constexpr UINT pictureMs = 33; // 30 pictures a second
+constexpr long seekSeconds = 5;
+
+std::wstring nameOf(const std::wstring& path) {
+    return path.substr(path.find_last_of(L"\\/") + 1);
+}
+
+} // namespace
+
+PlayerWindow::PlayerWindow(PlayQueue& queue, const Options& options)
+    : queue_(queue), settings_(Settings::load()) {
+    const HINSTANCE instance = GetModuleHandleW(nullptr);
+    keys_ = LoadAcceleratorsW(instance, MAKEINTRESOURCEW(IDR_KEYS));
+    WNDCLASSEXW kind{};
+    kind.cbSize = sizeof kind;
+    kind.lpfnWndProc = &procedure;
+    kind.hInstance = instance;
+    kind.hCursor = LoadCursorW(nullptr, reinterpret_cast<LPCWSTR>(IDC_ARROW));
+    kind.hIcon = LoadIconW(nullptr, reinterpret_cast<LPCWSTR>(IDI_APPLICATION));
+    kind.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);
+    kind.lpszMenuName = MAKEINTRESOURCEW(IDR_MENU);
+    kind.lpszClassName = className;
+    RegisterClassExW(&kind);
+
+    window_ = CreateWindowExW(WS_EX_ACCEPTFILES, className, L"Corvina",
+                              WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, CW_USEDEFAULT, CW_USEDEFAULT,
+                              0, 0, nullptr, nullptr, instance, this);
+    if (!window_)
+        _com_issue_error(HRESULT_FROM_WIN32(GetLastError()));
+    controls_ = std::make_unique<PlayerControls>(window_);
+    graph_ = std::make_unique<GraphView>(window_);
+    applyColors();
+    setGraphStyle(options.style.value_or(static_cast<AudioGraphStyle>(settings_.graphStyle)));
+    fillDevices(options.device);
+    controls_->setSeekRange(0);
+    showFiles();
+
+    const RECT& place = settings_.place;
+    const bool remembered =
+        !IsRectEmpty(&place) && MonitorFromRect(&place, MONITOR_DEFAULTTONULL) != nullptr;
+    if (remembered)
+        SetWindowPos(window_, nullptr, place.left, place.top, place.right - place.left,
+                     place.bottom - place.top, SWP_NOZORDER);
+    else
+        SetWindowPos(window_, nullptr, 0, 0, controls_->scaled(620), controls_->scaled(520),
+                     SWP_NOZORDER | SWP_NOMOVE);
+    ShowWindow(window_, SW_SHOW);
+    UpdateWindow(window_);
+    SetTimer(window_, graphTimer, pictureMs, nullptr);
+}
+
+PlayerWindow::~PlayerWindow() {
+    graph_.reset();
+    DestroyWindow(window_);
+    UnregisterClassW(className, GetModuleHandleW(nullptr));
+}
+
+LRESULT CALLBACK PlayerWindow::procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_NCCREATE)
+        SetWindowLongPtrW(
+            window, GWLP_USERDATA,
+            reinterpret_cast<LONG_PTR>(reinterpret_cast<CREATESTRUCTW*>(lParam)->lpCreateParams));
+    auto* const self = reinterpret_cast<PlayerWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+    if (!self || !self->graph_) // not yet, or no longer, whole
+        return DefWindowProcW(window, message, wParam, lParam);
+    try {
+        return self->handle(message, wParam, lParam);
+    } catch (const _com_error& error) {
+        const _bstr_t words = error.Description();
+        self->onFailed(words.length() > 0 ? static_cast<const wchar_t*>(words) : L"COM failure");
+        return 0;
+    }
+}
+
+LRESULT PlayerWindow::handle(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+    case WM_COMMAND:
+        onCommand(LOWORD(wParam), HIWORD(wParam));
+        return 0;
+    case WM_HSCROLL:
+        if (controls_->isSeekBar(reinterpret_cast<HWND>(lParam)) && LOWORD(wParam) != TB_THUMBTRACK)
+            queue_.seekTo(controls_->seekPosition());
+        return 0;
+    case WM_DROPFILES:
+        addFiles(takeDroppedFiles(reinterpret_cast<HANDLE>(wParam)), !queue_.isActive());
+        return 0;
+    case WM_TIMER:
+        onTimer();
+        return 0;
+    case WM_SIZE:
+        if (wParam != SIZE_MINIMIZED)
+            graph_->moveTo(controls_->layOut());
+        return 0;
+    case WM_GETMINMAXINFO:
+        reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {controls_->scaled(460),
+                                                                 controls_->scaled(380)};
+        return 0;
+    case WM_CLOSE:
+        close();
+        return 0;
+    default:
+        return DefWindowProcW(window_, message, wParam, lParam);
+    }
+}
+
+bool PlayerWindow::translate(MSG& message) {
+    if (!open_)
+        return false;
+    const bool typedLetter = message.message == WM_KEYDOWN && controls_->deviceHasFocus() &&
+                             GetKeyState(VK_CONTROL) >= 0;
+    if (!typedLetter && TranslateAcceleratorW(window_, keys_, &message))
+        return true;
+    return IsDialogMessageW(window_, &message) != FALSE;
+}
+
+void PlayerWindow::onCommand(int command, int notification) {
+    switch (command) {
+    case CMD_OPEN:
+        addFiles(chooseFiles(window_), true);
+        break;
+    case CMD_ADD:
+        addFiles(chooseFiles(window_), false);
+        break;
+    case CMD_REMOVE:
+        if (const int selected = controls_->selectedFile(); selected >= 0)
+            queue_.remove(static_cast<std::size_t>(selected));
+        showFiles();
+        break;
+    case CMD_CLEAR:
+        queue_.clear();
+        showFiles();
+        break;
+    case CMD_EXIT:
+        close();
+        break;
+    case CMD_PLAY_SELECTED:
+        playSelected();
+        break;
+    case CMD_PAUSE:
+        playOrPause();
+        break;
+    case CMD_STOP:
+        queue_.stop();
+        break;
+    case CMD_NEXT:
+        queue_.next();
+        break;
+    case CMD_PREVIOUS:
+        queue_.previous();
+        break;
+    case CMD_BACK:
+        queue_.seekBy(-seekSeconds);
+        break;
+    case CMD_FORWARD:
+        queue_.seekBy(seekSeconds);
+        break;
+    case CMD_SPECTRUM:
+        setGraphStyle(FREQUENCY_STYLE);
+        break;
+    case CMD_WAVEFORM:
+        setGraphStyle(AMPLITUDE_STYLE);
+        break;
+    case CMD_BAR_COLOR:
+        changeColor(&Settings::barColor);
+        break;
+    case CMD_CURVE_COLOR:
+        changeColor(&Settings::curveColor);
+        break;
+    case CMD_BACKGROUND_COLOR:
+        changeColor(&Settings::backgroundColor);
+        break;
+    case CMD_ABOUT:
+        queue_.player().showAbout();
+        break;
+    case CTL_LIST:
+        if (notification == LBN_DBLCLK)
+            playSelected();
+        break;
+    case CTL_DEVICE:
+        if (notification == CBN_SELCHANGE)
+            chooseDevice();
+        break;
+    default:
+        break;
+    }
+}
+
+// While the graph draws it handles messages of ours, this one among them.
+void PlayerWindow::onTimer() {
+    if (graph_->isDrawing())
+        return;
+    if (queue_.isPlaying()) {
+        if (!queue_.player().isPaused())
+            graph_->show(queue_.player().audioData());
+        showPosition();
+    }
+    controls_->setPlaying(queue_.isPlaying() && !queue_.player().isPaused());
+    if (closeWanted_)
+        close();
+}
+
+void PlayerWindow::close() {
+    closeWanted_ = true;
+    if (graph_->isDrawing() || !open_)
+        return;
+    open_ = false;
+    KillTimer(window_, graphTimer);
+    if (!IsIconic(window_))
+        GetWindowRect(window_, &settings_.place);
+    settings_.save();
+    ShowWindow(window_, SW_HIDE);
+    queue_.stop();
+}
+
+void PlayerWindow::addFiles(std::vector<std::wstring> files, bool replace) {
+    if (files.empty())
+        return;
+    if (replace)
+        queue_.clear();
+    const std::size_t first = queue_.files().size();
+    for (std::wstring& file : files)
+        queue_.add(std::move(file));
+    if (!queue_.isPlaying())
+        queue_.play(first);
+    showFiles();
+}
+
+void PlayerWindow::playSelected() {
+    if (const int selected = controls_->selectedFile(); selected >= 0)
+        queue_.play(static_cast<std::size_t>(selected));
+}
+
+void PlayerWindow::playOrPause() {
+    if (queue_.isPlaying())
+        queue_.togglePause();
+    else if (!queue_.files().empty())
+        queue_.play(queue_.current() < queue_.files().size() ? queue_.current() : 0);
+}
+
+void PlayerWindow::chooseDevice() {
+    const int selected = controls_->selectedDevice();
+    const bool systemsChoice = selected <= 0;
+    const auto index = static_cast<std::size_t>(selected) - 1;
+    settings_.device = systemsChoice ? L"" : devices_[index].name;
+    queue_.setDevice(systemsChoice ? -1 : devices_[index].index);
+    if (queue_.isPlaying()) // what plays goes on there
+        queue_.play(queue_.current(), queue_.player().positionSeconds());
+}
+
+void PlayerWindow::setGraphStyle(AudioGraphStyle style) {
+    settings_.graphStyle = style;
+    graph_->setStyle(style);
+    CheckMenuRadioItem(GetMenu(window_), CMD_SPECTRUM, CMD_WAVEFORM,
+                       style == FREQUENCY_STYLE ? CMD_SPECTRUM : CMD_WAVEFORM, MF_BYCOMMAND);
+}
+
+void PlayerWindow::changeColor(DWORD Settings::*color) {
+    if (const std::optional<COLORREF> chosen = chooseColor(window_, settings_.*color)) {
+        settings_.*color = *chosen;
+        applyColors();
+    }
+}
+
+void PlayerWindow::applyColors() {
+    graph_->setColors(settings_.barColor, settings_.curveColor, settings_.backgroundColor);
+}
+
+// wanted: a device of the command line, which wins over the one remembered; -1 for none.
+void PlayerWindow::fillDevices(long wanted) {
+    devices_ = queue_.player().devices();
+    std::vector<std::wstring> names{L"The system's choice"};
+    int selected = 0;
+    for (const OutputDevice& device : devices_) {
+        names.push_back(device.name);
+        if (wanted == device.index || (wanted == -1 && device.name == settings_.device))
+            selected = static_cast<int>(names.size()) - 1;
+    }
+    controls_->setDevices(names, selected);
+    if (selected > 0 && wanted == -1)
+        queue_.setDevice(devices_[static_cast<std::size_t>(selected) - 1].index);
+}
+
+void PlayerWindow::showFiles() {
+    std::vector<std::wstring> names;
+    for (const std::wstring& file : queue_.files())
+        names.push_back(nameOf(file));
+    controls_->setFiles(names, queue_.isActive() ? queue_.current() : names.size());
+}
+
+void PlayerWindow::showPosition() {
+    const long position = queue_.player().positionSeconds();
+    controls_->setSeekPosition(position);
+    controls_->setTime(queue_.player().timeText(position) + L" / " + durationText_);
+}
+
+void PlayerWindow::onStarted() {
+    PlayerClient& player = queue_.player();
+    const std::wstring& file = queue_.files()[queue_.current()];
+    std::wstring title;
+    std::wstring artist;
+    for (const FileTag& tag : player.tags(file)) {
+        if (std::wstring_view(tag.name) == L"Title")
+            title = tag.value;
+        if (std::wstring_view(tag.name) == L"Artist")
+            artist = tag.value;
+    }
+    if (title.empty())
+        title = nameOf(file);
+    else if (!artist.empty())
+        title = artist + L" \x2013 " + title;
+    controls_->setHeadline(title, formatLine(player));
+    SetWindowTextW(window_, (title + L" \x2013 Corvina").c_str());
+
+    durationSeconds_ = std::lround(player.format().seconds);
+    durationText_ = player.timeText(durationSeconds_);
+    controls_->setSeekRange(durationSeconds_);
+    controls_->setMessage({});
+    showFiles();
+    controls_->selectFile(queue_.current());
+}
+
+void PlayerWindow::onEnded() {
+    graph_->clear();
+    SetWindowTextW(window_, L"Corvina");
+    controls_->setHeadline(L"Corvina", {});
+    controls_->setTime({});
+    controls_->setSeekPosition(0);
+    controls_->setSeekRange(0);
+    showFiles();
+}
+
+void PlayerWindow::onFailed(const std::wstring& words) {
+    const std::wstring file = queue_.current() < queue_.files().size()
+                                  ? nameOf(queue_.files()[queue_.current()]) + L": "
+                                  : L"";
+    controls_->setMessage(file + words);
+}
+
+} // namespace corvina::app

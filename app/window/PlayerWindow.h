@@ -1,0 +1,68 @@
+#pragma once
+
+// The player's window over both controls: list, transport, seek bar, live graph, device, tags.
+//
+// It shows a queue that it does not own and must not outlive. One thread.
+
+#include "Options.h"
+#include "PlayQueue.h"
+#include "window/GraphView.h"
+#include "window/PlayerControls.h"
+#include "window/Settings.h"
+
+#include <memory>
+#include <windows.h>
+
+namespace corvina::app {
+
+class PlayerWindow {
+public:
+    PlayerWindow(PlayQueue& queue, const Options& options);
+    ~PlayerWindow();
+    PlayerWindow(const PlayerWindow&) = delete;
+    PlayerWindow& operator=(const PlayerWindow&) = delete;
+
+    [[nodiscard]] bool isOpen() const noexcept { return open_; }
+    [[nodiscard]] HWND handle() const noexcept { return window_; }
+
+    // Whether the message was a key for this window.
+    [[nodiscard]] bool translate(MSG& message);
+
+    // What the queue tells.
+    void onStarted();
+    void onEnded();
+    void onFailed(const std::wstring& words);
+
+private:
+    static LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    LRESULT handle(UINT message, WPARAM wParam, LPARAM lParam);
+    void onCommand(int command, int notification);
+    void onTimer();
+    void close();
+
+    void addFiles(std::vector<std::wstring> files, bool replace);
+    void playSelected();
+    void playOrPause();
+    void chooseDevice();
+    void setGraphStyle(AudioGraphStyle style);
+    void changeColor(DWORD Settings::*color);
+    void applyColors();
+
+    void fillDevices(long wanted);
+    void showFiles();
+    void showPosition();
+
+    PlayQueue& queue_;
+    Settings settings_;
+    HWND window_ = nullptr;
+    HACCEL keys_;
+    std::unique_ptr<PlayerControls> controls_;
+    std::unique_ptr<GraphView> graph_;
+    std::vector<OutputDevice> devices_;
+    long durationSeconds_ = 0;
+    std::wstring durationText_;
+    bool open_ = true;
+    bool closeWanted_ = false; // while the graph draws
+};
+
+} // namespace corvina::app

@@ -1,0 +1,22 @@
+#pragma once
+
+// What the player window remembers from one run to the next, in the registry of the user.
+
+#include <string>
+#include <windows.h>
+
+namespace corvina::app {
+
+struct Settings {
+    std::wstring device; // name of the output device; empty for the system's choice
+    DWORD graphStyle = 1;
+    DWORD barColor = RGB(86, 196, 120);
+    DWORD curveColor = RGB(102, 178, 255);
+    DWORD backgroundColor = RGB(18, 20, 26);
+    RECT place{}; // of the window on the screen; empty where there is none yet
+
+    [[nodiscard]] static Settings load();
+    void save() const;
+};
+
+} // namespace corvina::app
