@@ -1,0 +1,126 @@
+// What the host program understands and says.
+
+#include "ErrorWords.h"
+#include "Options.h"
+#include "ProgressBar.h"
+
+#include <windows.h>
+
+#include <mmsystem.h>
+
+#include <gtest/gtest.h>
+
+namespace corvina::app {
+namespace {
+
+// ---- command line
+
+TEST(CommandLine, of_files_alone_plays_them_on_the_default_device_from_the_start) {
+    const ParsedOptions parsed = parseOptions({L"one.wav", L"C:\\two three.wav"});
+    ASSERT_TRUE(parsed.options);
+    EXPECT_EQ(parsed.options->files, (std::vector<std::wstring>{L"one.wav", L"C:\\two three.wav"}));
+    EXPECT_EQ(parsed.options->device, -1);
+    EXPECT_EQ(parsed.options->startSeconds, 0);
+    EXPECT_FALSE(parsed.options->consoleOnly);
+}
+
+TEST(CommandLine, keeps_characters_of_any_script) {
+    const std::wstring name = L"\x4E2D\x6587 \x00FC\xD83C\xDFB5.wav";
+    const ParsedOptions parsed = parseOptions({name});
+    ASSERT_TRUE(parsed.options);
+    EXPECT_EQ(parsed.options->files, std::vector<std::wstring>{name});
+}
+
+TEST(CommandLine, takes_minus_one_as_the_number_of_a_device) {
+    const ParsedOptions parsed = parseOptions({L"--device", L"-1", L"one.wav"});
+    ASSERT_TRUE(parsed.options);
+    EXPECT_EQ(parsed.options->device, -1);
+}
+
+TEST(CommandLine, takes_what_stands_behind_two_dashes_as_files) {
+    const ParsedOptions parsed = parseOptions({L"--", L"--info.wav"});
+    ASSERT_TRUE(parsed.options);
+    EXPECT_EQ(parsed.options->files, std::vector<std::wstring>{L"--info.wav"});
+}
+
+TEST(CommandLine, refuses_a_time_before_the_beginning) {
+    const ParsedOptions parsed = parseOptions({L"--start", L"-3", L"one.wav"});
+    EXPECT_FALSE(parsed.options);
+    EXPECT_NE(parsed.exitCode, 0);
+    EXPECT_NE(parsed.text.find(L"--start"), std::wstring::npos);
+}
+
+TEST(CommandLine, refuses_an_option_it_does_not_know) {
+    const ParsedOptions parsed = parseOptions({L"--bogus"});
+    EXPECT_FALSE(parsed.options);
+    EXPECT_NE(parsed.exitCode, 0);
+}
+
+TEST(CommandLine, needs_a_file_on_the_terminal_alone) {
+    EXPECT_FALSE(parseOptions({L"--console"}).options);
+    EXPECT_TRUE(parseOptions({}).options);
+}
+
+TEST(CommandLine, ends_with_success_for_help_and_version) {
+    const ParsedOptions help = parseOptions({L"--help"});
+    EXPECT_FALSE(help.options);
+    EXPECT_EQ(help.exitCode, 0);
+    EXPECT_NE(help.text.find(L"--device"), std::wstring::npos);
+    const ParsedOptions version = parseOptions({L"--version"});
+    EXPECT_EQ(version.exitCode, 0);
+    EXPECT_NE(version.text.find(L"corvina-play"), std::wstring::npos);
+}
+
+TEST(CommandLine, names_the_styles_of_the_graph) {
+    EXPECT_EQ(parseOptions({L"--style", L"waveform"}).options->style, AMPLITUDE_STYLE);
+    EXPECT_EQ(parseOptions({L"--style", L"spectrum"}).options->style, FREQUENCY_STYLE);
+    EXPECT_FALSE(parseOptions({L"--style", L"cube"}).options);
+}
+
+// ---- progress
+
+TEST(ProgressLine, fills_the_part_of_the_bar_that_was_played) {
+    EXPECT_EQ(progressLine(0.5, L"0:00:01", L"0:00:02", L"", 31),
+              L"[#####.....]  0:00:01 / 0:00:02");
+}
+
+TEST(ProgressLine, holds_a_fraction_beyond_the_end_at_the_end) {
+    EXPECT_EQ(progressLine(7, L"a", L"b", L"", 19), L"[##########]  a / b");
+    EXPECT_EQ(progressLine(-7, L"a", L"b", L"", 19), L"[..........]  a / b");
+}
+
+TEST(ProgressLine, leaves_the_bar_out_where_there_is_no_room) {
+    EXPECT_EQ(progressLine(0.5, L"0:00:01", L"0:00:02", L"paused", 20), L"0:00:01 / 0:00:02  p");
+}
+
+TEST(ProgressLine, is_never_wider_than_it_may_be) {
+    for (std::size_t columns = 0; columns < 120; ++columns)
+        EXPECT_LE(progressLine(0.3, L"0:00:01", L"0:00:02", L"paused", columns).size(), columns);
+}
+
+// ---- errors
+
+TEST(ErrorWords, are_the_controls_own_for_its_own_failures) {
+    EXPECT_EQ(describe({L"", 1, L"Format not supported"}), L"Format not supported (1)");
+    EXPECT_EQ(describe({L"InitConversion", 5, L"Can't init conversion"}),
+              L"InitConversion: Can't init conversion (5)");
+}
+
+TEST(ErrorWords, are_the_devices_for_a_failure_of_the_device) {
+    const std::wstring words = describe({L"WindowProcOut:waveOutWrite", MMSYSERR_NODRIVER, L""});
+    EXPECT_EQ(words.find(L"waveOutWrite: "), 0u);
+    EXPECT_GT(words.size(), std::wstring(L"waveOutWrite: error 6").size());
+}
+
+TEST(ErrorWords, fall_back_to_the_number) {
+    EXPECT_EQ(describeResult(-4711, L""), L"error -4711");
+}
+
+TEST(ErrorWords, know_the_one_event_that_every_playback_ends_with) {
+    EXPECT_TRUE(isMatterOfCourse({L"StopPlayAudio:waveOutReset", 5, L"5"}));
+    EXPECT_FALSE(isMatterOfCourse({L"StopPlayAudio:waveOutReset", 2, L"2"}));
+    EXPECT_FALSE(isMatterOfCourse({L"StopPlayProc:waveOutClose", 5, L"5"}));
+}
+
+} // namespace
+} // namespace corvina::app
