@@ -35,7 +35,7 @@ GraphView::GraphView(HWND parent) {
     window_ = CreateWindowExW(0, L"AtlAxWin", L"", WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS, 0, 0, 0,
                               0, parent, nullptr, GetModuleHandleW(nullptr), nullptr);
     check(graph_.CreateInstance(__uuidof(cAudioGraph), nullptr, CLSCTX_INPROC_SERVER));
-    check(atlFunction<AxAttachControl>("AtlAxAttachControl")(graph_, window_, nullptr));
+    check(atlFunction<AxAttachControl>("AtlAxAttachControl")(graph_, window_, &container_));
     long ignored = 0;
     check(graph_->Init(&ignored));
 }

@@ -10,6 +10,7 @@
 namespace corvina::app {
 
 _COM_SMARTPTR_TYPEDEF(_cAudioGraph, __uuidof(_cAudioGraph));
+_COM_SMARTPTR_TYPEDEF(IUnknown, __uuidof(IUnknown));
 
 class GraphView {
 public:
@@ -34,6 +35,7 @@ private:
 
     HWND window_;
     _cAudioGraphPtr graph_;
+    IUnknownPtr container_; // not every system's container holds itself
     bool drawing_ = false;
 };
 
