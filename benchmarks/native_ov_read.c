@@ -1,5 +1,6 @@
-/* native_ov_read FILE RESULT: decodes a file with the system's own vorbisfile library, in the blocks
-   the other benchmarks use, and writes the seconds it took. A program of the build machine. */
+/* native_ov_read FILE RESULT: decodes a file with the system's own vorbisfile library, in the
+   blocks the other benchmarks use, and writes the seconds it took. A program of the build machine.
+ */
 
 #include <dlfcn.h>
 #include <stdio.h>
@@ -7,13 +8,13 @@
 
 static long long state[512];
 
-int main(int argc, char **argv) {
-    void *library = dlopen("libvorbisfile.so.3", RTLD_NOW);
+int main(int argc, char** argv) {
+    void* library = dlopen("libvorbisfile.so.3", RTLD_NOW);
     if (argc != 3 || !library)
         return 1;
-    int (*open)(const char *, void *) = (int (*)(const char *, void *))dlsym(library, "ov_fopen");
-    long (*read)(void *, char *, int, int, int, int, int *) =
-        (long (*)(void *, char *, int, int, int, int, int *))dlsym(library, "ov_read");
+    int (*open)(const char*, void*) = (int (*)(const char*, void*))dlsym(library, "ov_fopen");
+    long (*read)(void*, char*, int, int, int, int, int*) =
+        (long (*)(void*, char*, int, int, int, int, int*))dlsym(library, "ov_read");
     if (!open || !read || open(argv[1], state) != 0)
         return 1;
 
@@ -25,7 +26,7 @@ int main(int argc, char **argv) {
         continue;
     clock_gettime(CLOCK_MONOTONIC, &end);
 
-    FILE *result = fopen(argv[2], "w");
+    FILE* result = fopen(argv[2], "w");
     if (!result)
         return 1;
     fprintf(result, "%f s\n",
