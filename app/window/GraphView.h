@@ -10,11 +10,13 @@
 namespace corvina::app {
 
 _COM_SMARTPTR_TYPEDEF(_cAudioGraph, __uuidof(_cAudioGraph));
+_COM_SMARTPTR_TYPEDEF(IUnknown, __uuidof(IUnknown));
 
 class GraphView {
 public:
     // Throws _com_error where the control or the container is missing.
     explicit GraphView(HWND parent);
+    ~GraphView();
     GraphView(const GraphView&) = delete;
     GraphView& operator=(const GraphView&) = delete;
 
@@ -34,6 +36,7 @@ private:
 
     HWND window_;
     _cAudioGraphPtr graph_;
+    IUnknownPtr container_; // lives no longer than somebody holds it
     bool drawing_ = false;
 };
 
