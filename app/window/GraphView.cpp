@@ -32,12 +32,20 @@ using AxAttachControl = HRESULT(STDAPICALLTYPE*)(IUnknown*, HWND, IUnknown**);
 GraphView::GraphView(HWND parent) {
     if (!atlFunction<AxWinInit>("AtlAxWinInit")())
         _com_issue_error(E_FAIL);
-    window_ = CreateWindowExW(0, L"AtlAxWin", L"", WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS, 0, 0, 0,
-                              0, parent, nullptr, GetModuleHandleW(nullptr), nullptr);
+    // The container activates the control at once, in the place that there is.
+    constexpr int anySize = 100;
+    window_ =
+        CreateWindowExW(0, L"AtlAxWin", nullptr, WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN, 0, 0,
+                        anySize, anySize, parent, nullptr, GetModuleHandleW(nullptr), nullptr);
     check(graph_.CreateInstance(__uuidof(cAudioGraph), nullptr, CLSCTX_INPROC_SERVER));
     check(atlFunction<AxAttachControl>("AtlAxAttachControl")(graph_, window_, &container_));
     long ignored = 0;
     check(graph_->Init(&ignored));
+}
+
+// The window first: its procedure uses the container.
+GraphView::~GraphView() {
+    DestroyWindow(window_);
 }
 
 void GraphView::moveTo(const RECT& place) {

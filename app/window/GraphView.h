@@ -16,6 +16,7 @@ class GraphView {
 public:
     // Throws _com_error where the control or the container is missing.
     explicit GraphView(HWND parent);
+    ~GraphView();
     GraphView(const GraphView&) = delete;
     GraphView& operator=(const GraphView&) = delete;
 
@@ -35,7 +36,7 @@ private:
 
     HWND window_;
     _cAudioGraphPtr graph_;
-    IUnknownPtr container_; // not every system's container holds itself
+    IUnknownPtr container_; // lives no longer than somebody holds it
     bool drawing_ = false;
 };
 

@@ -40,9 +40,12 @@ PlayerWindow::PlayerWindow(PlayQueue& queue, const Options& options)
     kind.lpszClassName = className;
     RegisterClassExW(&kind);
 
+    // Nobody sits before a window that is there to have its picture taken. On a display without a
+    // window manager one with a frame, or an active one, would cost seconds of waiting for it.
+    const bool posing = !options.pictureFile.empty();
     window_ = CreateWindowExW(WS_EX_ACCEPTFILES, className, L"Corvina",
-                              WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, CW_USEDEFAULT, CW_USEDEFAULT,
-                              0, 0, nullptr, nullptr, instance, this);
+                              (posing ? WS_POPUP : WS_OVERLAPPEDWINDOW) | WS_CLIPCHILDREN,
+                              CW_USEDEFAULT, CW_USEDEFAULT, 0, 0, nullptr, nullptr, instance, this);
     if (!window_)
         _com_issue_error(HRESULT_FROM_WIN32(GetLastError()));
     controls_ = std::make_unique<PlayerControls>(window_);
@@ -58,11 +61,11 @@ PlayerWindow::PlayerWindow(PlayQueue& queue, const Options& options)
         !IsRectEmpty(&place) && MonitorFromRect(&place, MONITOR_DEFAULTTONULL) != nullptr;
     if (remembered)
         SetWindowPos(window_, nullptr, place.left, place.top, place.right - place.left,
-                     place.bottom - place.top, SWP_NOZORDER);
+                     place.bottom - place.top, SWP_NOZORDER | SWP_NOACTIVATE);
     else
         SetWindowPos(window_, nullptr, 0, 0, controls_->scaled(620), controls_->scaled(520),
-                     SWP_NOZORDER | SWP_NOMOVE);
-    ShowWindow(window_, SW_SHOW);
+                     SWP_NOZORDER | SWP_NOMOVE | SWP_NOACTIVATE);
+    ShowWindow(window_, posing ? SW_SHOWNOACTIVATE : SW_SHOW);
     UpdateWindow(window_);
     SetTimer(window_, graphTimer, pictureMs, nullptr);
 }
