@@ -56,18 +56,25 @@ PlayerWindow::PlayerWindow(PlayQueue& queue, const Options& options)
     controls_->setSeekRange(0);
     showFiles();
 
-    const RECT& place = settings_.place;
-    const bool remembered =
-        !IsRectEmpty(&place) && MonitorFromRect(&place, MONITOR_DEFAULTTONULL) != nullptr;
-    if (remembered)
-        SetWindowPos(window_, nullptr, place.left, place.top, place.right - place.left,
-                     place.bottom - place.top, SWP_NOZORDER | SWP_NOACTIVATE);
-    else
-        SetWindowPos(window_, nullptr, 0, 0, controls_->scaled(620), controls_->scaled(520),
-                     SWP_NOZORDER | SWP_NOMOVE | SWP_NOACTIVATE);
+    RECT place = settings_.place;
+    if (IsRectEmpty(&place) || !MonitorFromRect(&place, MONITOR_DEFAULTTONULL))
+        place = firstPlace();
+    SetWindowPos(window_, nullptr, place.left, place.top, place.right - place.left,
+                 place.bottom - place.top, SWP_NOZORDER | SWP_NOACTIVATE);
     ShowWindow(window_, posing ? SW_SHOWNOACTIVATE : SW_SHOW);
     UpdateWindow(window_);
     SetTimer(window_, graphTimer, pictureMs, nullptr);
+}
+
+// Where nothing is remembered: as large as looks good, and as the screen allows.
+RECT PlayerWindow::firstPlace() const {
+    RECT screen{};
+    SystemParametersInfoW(SPI_GETWORKAREA, 0, &screen, 0);
+    const int width = std::min<int>(controls_->scaled(620), screen.right - screen.left);
+    const int height = std::min<int>(controls_->scaled(520), screen.bottom - screen.top);
+    const int left = screen.left + (screen.right - screen.left - width) / 3;
+    const int top = screen.top + (screen.bottom - screen.top - height) / 3;
+    return {left, top, left + width, top + height};
 }
 
 PlayerWindow::~PlayerWindow() {

@@ -48,6 +48,7 @@ private:
     void changeColor(DWORD Settings::*color);
     void applyColors();
 
+    [[nodiscard]] RECT firstPlace() const;
     void fillDevices(long wanted);
     void showFiles();
     void showPosition();
