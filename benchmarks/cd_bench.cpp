@@ -8,6 +8,7 @@
 
 #include <array>
 #include <cstring>
+#include <list>
 #include <windows.h>
 
 #include <winioctl.h>
@@ -153,6 +154,11 @@ int main() {
     if (!VirtualDrive::exists('d'))
         giveUp("the stage has no virtual CD drive: tools/stage --empty-drive");
     VirtualDrive drive('d');
+    // Only that drive is to be found.
+    std::list<VirtualDrive> others;
+    for (const char letter : {'e', 'f'})
+        if (VirtualDrive::exists(letter))
+            others.emplace_back(letter).set({"absent"});
     for (const Way& way : {Way{"SCSI pass-through", {}, &barePassThrough},
                            Way{"device I/O control", {"read-only"}, &bareDeviceIoControl}}) {
         measure(way, drive);

@@ -1,26 +1,19 @@
 #include "platform/CodeMemory.h"
 
 #include <algorithm>
-#include <memory>
-#include <mutex>
+#include <array>
+#include <atomic>
 #include <new>
-#include <vector>
 #include <windows.h>
 
 namespace corvina {
 namespace {
 
-struct Place {
-    std::uint8_t* writable;
-    const std::uint8_t* entry;
-};
-
-// One stretch of memory behind its two mappings.
-class DoubleMapping {
+class Pool {
 public:
-    static constexpr DWORD bytes = 0x10000; // what the system's granularity takes in any case
+    static constexpr std::size_t pieces = 256; // what the system's granularity takes in any case
 
-    DoubleMapping() {
+    Pool() {
         // The mappings hold the section open after its handle is closed.
         const HANDLE section = ::CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr,
                                                     PAGE_EXECUTE_READWRITE, 0, bytes, nullptr);
@@ -34,16 +27,31 @@ public:
             throw std::bad_alloc();
         }
     }
-    ~DoubleMapping() { unmap(); }
-    DoubleMapping(const DoubleMapping&) = delete;
-    DoubleMapping& operator=(const DoubleMapping&) = delete;
+    ~Pool() { unmap(); }
+    Pool(const Pool&) = delete;
+    Pool& operator=(const Pool&) = delete;
 
-    [[nodiscard]] Place at(std::size_t offset) const noexcept {
-        return {static_cast<std::uint8_t*>(writable_) + offset,
-                static_cast<const std::uint8_t*>(executable_) + offset};
+    std::size_t take(std::uint32_t use) {
+        const std::size_t first = (use * 2654435761u) >> 24; // spreads neighbouring numbers
+        for (std::size_t step = 0; step < pieces; ++step) {
+            const std::size_t index = (first + step) % pieces;
+            if (!busy_[index].test_and_set(std::memory_order_acquire))
+                return index;
+        }
+        throw std::bad_alloc();
+    }
+    void giveBack(std::size_t index) noexcept { busy_[index].clear(std::memory_order_release); }
+
+    [[nodiscard]] std::uint8_t* writable(std::size_t index) const noexcept {
+        return static_cast<std::uint8_t*>(writable_) + index * CodePiece::size;
+    }
+    [[nodiscard]] const std::uint8_t* executable(std::size_t index) const noexcept {
+        return static_cast<const std::uint8_t*>(executable_) + index * CodePiece::size;
     }
 
 private:
+    static constexpr DWORD bytes = pieces * CodePiece::size;
+
     void unmap() noexcept {
         if (writable_)
             ::UnmapViewOfFile(writable_);
@@ -53,36 +61,7 @@ private:
 
     void* writable_ = nullptr;
     void* executable_ = nullptr;
-};
-
-class Pool {
-public:
-    Place take() {
-        const std::lock_guard lock(mutex_);
-        if (free_.empty())
-            grow();
-        const Place place = free_.back();
-        free_.pop_back();
-        return place;
-    }
-
-    void giveBack(Place place) noexcept {
-        const std::lock_guard lock(mutex_);
-        free_.push_back(place); // within the capacity that grow() made
-    }
-
-private:
-    void grow() {
-        constexpr std::size_t pieces = DoubleMapping::bytes / CodePiece::size;
-        free_.reserve((mappings_.size() + 1) * pieces);
-        mappings_.push_back(std::make_unique<DoubleMapping>());
-        for (std::size_t piece = pieces; piece-- > 0;)
-            free_.push_back(mappings_.back()->at(piece * CodePiece::size));
-    }
-
-    std::mutex mutex_;
-    std::vector<std::unique_ptr<DoubleMapping>> mappings_;
-    std::vector<Place> free_;
+    std::array<std::atomic_flag, pieces> busy_{};
 };
 
 Pool& pool() {
@@ -92,19 +71,24 @@ Pool& pool() {
 
 } // namespace
 
-CodePiece::CodePiece() {
-    const Place place = pool().take();
-    writable_ = place.writable;
-    entry_ = place.entry;
-}
+CodePiece::CodePiece(std::uint32_t use) : index_(pool().take(use)) {}
 
 CodePiece::~CodePiece() {
-    pool().giveBack({writable_, entry_});
+    pool().giveBack(index_);
 }
 
 void CodePiece::write(std::span<const std::uint8_t> code) noexcept {
-    std::copy_n(code.begin(), std::min(code.size(), size), writable_);
-    ::FlushInstructionCache(::GetCurrentProcess(), entry_, size);
+    code = code.first(std::min(code.size(), size));
+    // The same call often follows itself, and new code costs the processor twice what the call
+    // does.
+    if (std::equal(code.begin(), code.end(), entry()))
+        return;
+    std::copy(code.begin(), code.end(), pool().writable(index_));
+    ::FlushInstructionCache(::GetCurrentProcess(), entry(), code.size());
+}
+
+const std::uint8_t* CodePiece::entry() const noexcept {
+    return pool().executable(index_);
 }
 
 } // namespace corvina

@@ -6,8 +6,9 @@
 // written and once to be run. Changing the protection of one mapping before and after each use
 // would cost fifty times as much as the call that the code makes.
 //
-// A piece is taken for one use and goes back to a pool that serves all threads; a use inside
-// another use gets a piece of its own. Raises bad_alloc where the system gives no more memory.
+// A piece is taken for one use and then given back; a use inside another use, or on another thread,
+// gets a piece of its own. Raises bad_alloc where 256 pieces are in use or the system gives no
+// memory.
 
 #include <cstddef>
 #include <cstdint>
@@ -19,20 +20,21 @@ class CodePiece {
 public:
     static constexpr std::size_t size = 256; // bytes
 
-    CodePiece();
+    // Uses with the same number tend to get the same piece, in which the code of the last one still
+    // stands.
+    explicit CodePiece(std::uint32_t use);
     ~CodePiece();
     CodePiece(const CodePiece&) = delete;
     CodePiece& operator=(const CodePiece&) = delete;
 
-    // Copies the code, at most size bytes, to the start of the piece.
+    // Puts the code, at most size bytes, at the start of the piece.
     void write(std::span<const std::uint8_t> code) noexcept;
 
     // Where the code runs.
-    [[nodiscard]] const std::uint8_t* entry() const noexcept { return entry_; }
+    [[nodiscard]] const std::uint8_t* entry() const noexcept;
 
 private:
-    std::uint8_t* writable_ = nullptr;
-    const std::uint8_t* entry_ = nullptr;
+    std::size_t index_;
 };
 
 } // namespace corvina

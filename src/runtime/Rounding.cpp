@@ -31,9 +31,13 @@ double roundHalfEven(double value) noexcept {
     return value;
 }
 
-std::int32_t roundToInt32(double value) { return roundTo<std::int32_t>(value); }
+std::int32_t roundToInt32(double value) {
+    return roundTo<std::int32_t>(value);
+}
 
-std::int16_t roundToInt16(double value) { return roundTo<std::int16_t>(value); }
+std::int16_t roundToInt16(double value) {
+    return roundTo<std::int16_t>(value);
+}
 
 double divide(double dividend, double divisor) {
     if (divisor == 0.0) {

@@ -3,8 +3,8 @@
 // A failure of the component framework: overflow, bad index, object not set and the like.
 //
 // It is thrown anywhere inside the library and never leaves it: the guard at each COM entry point
-// (com/Guard.h) turns it into an HRESULT with error information, and whoever handles a window message
-// reports it through the Err event.
+// (com/Guard.h) turns it into an HRESULT with error information, and whoever handles a window
+// message reports it through the Err event.
 
 #include <cstdint>
 #include <exception>
@@ -31,11 +31,11 @@ private:
 };
 
 // The framework's own numbers with their standard texts.
-[[noreturn]] void throwInvalidCall();      // 5
-[[noreturn]] void throwOverflow();         // 6
-[[noreturn]] void throwSubscript();        // 9
-[[noreturn]] void throwDivisionByZero();   // 11
+[[noreturn]] void throwInvalidCall();                               // 5
+[[noreturn]] void throwOverflow();                                  // 6
+[[noreturn]] void throwSubscript();                                 // 9
+[[noreturn]] void throwDivisionByZero();                            // 11
 [[noreturn]] void throwCannotLoadLibrary(const std::wstring& name); // 53, names the file
-[[noreturn]] void throwObjectNotSet();     // 91
+[[noreturn]] void throwObjectNotSet();                              // 91
 
 } // namespace corvina

@@ -46,7 +46,9 @@ std::vector<std::wstring> split(std::wstring_view text, wchar_t separator) {
     }
 }
 
-std::wstring_view upToNul(std::wstring_view text) noexcept { return text.substr(0, text.find(L'\0')); }
+std::wstring_view upToNul(std::wstring_view text) noexcept {
+    return text.substr(0, text.find(L'\0'));
+}
 
 std::wstring_view trim(std::wstring_view text) noexcept {
     const std::size_t first = text.find_first_not_of(L' ');

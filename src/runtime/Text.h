@@ -16,7 +16,8 @@ namespace corvina {
 // Whether part occurs anywhere in text, without regard to case; an empty part always does.
 [[nodiscard]] bool containsIgnoringCase(std::wstring_view text, std::wstring_view part);
 
-[[nodiscard]] std::wstring join(const std::vector<std::wstring>& parts, std::wstring_view separator);
+[[nodiscard]] std::wstring join(const std::vector<std::wstring>& parts,
+                                std::wstring_view separator);
 [[nodiscard]] std::vector<std::wstring> split(std::wstring_view text, wchar_t separator);
 
 // The text before its first character of code 0.

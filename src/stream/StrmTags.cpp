@@ -11,7 +11,9 @@ void StrmTag::SetTag(std::wstring name, std::wstring value) {
     value_ = std::move(value);
 }
 
-std::int32_t StrmTags::TagCount() const noexcept { return static_cast<std::int32_t>(tags_.size()); }
+std::int32_t StrmTags::TagCount() const noexcept {
+    return static_cast<std::int32_t>(tags_.size());
+}
 
 const StrmTag& StrmTags::TagItem(std::int32_t index) const {
     if (index < 1 || index > TagCount())
@@ -25,6 +27,8 @@ void StrmTags::AddTag(std::wstring name, std::wstring value) {
     tags_.push_back(std::move(tag));
 }
 
-void StrmTags::ClearTags() noexcept { tags_.clear(); }
+void StrmTags::ClearTags() noexcept {
+    tags_.clear();
+}
 
 } // namespace corvina

@@ -36,8 +36,8 @@ std::int32_t cDLL::CallFunc(const char* name, std::span<const std::int32_t> argu
     if (!found)
         throw RuntimeError(1, L"Export missing!");
 
-    CodePiece piece;
     const std::uint32_t target = addressOf(reinterpret_cast<const void*>(found));
+    CodePiece piece(target);
     const CallStub stub = cdecl_ ? makeCdeclStub(target, arguments)
                                  : makeStdcallStub(addressOf(piece.entry()), target, arguments);
     piece.write(stub.code());

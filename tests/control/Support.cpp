@@ -1,10 +1,31 @@
 #include "Support.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace corvina::test {
 
 namespace {
+
+// Reads what a process prints until the process has ended, which it must within a minute. The end
+// of the pipe is no sign: whatever the process started may still hold it, the desktop for one.
+bool readUntilEnd(HANDLE process, HANDLE pipe, std::string* output) {
+    const ULONGLONG deadline = ::GetTickCount64() + 60000;
+    for (bool ended = false;;) {
+        DWORD waiting = 0;
+        while (::PeekNamedPipe(pipe, nullptr, 0, nullptr, &waiting, nullptr) && waiting > 0) {
+            char buffer[4096];
+            DWORD got = 0;
+            if (!::ReadFile(pipe, buffer, std::min<DWORD>(waiting, sizeof buffer), &got, nullptr))
+                break;
+            if (output)
+                output->append(buffer, got);
+        }
+        if (ended || ::GetTickCount64() > deadline)
+            return ended;
+        ended = ::WaitForSingleObject(process, 10) == WAIT_OBJECT_0;
+    }
+}
 
 // Every program that uses this file runs its tests over the registered library.
 [[maybe_unused]] const auto* const registered =
@@ -38,11 +59,7 @@ int run(const std::wstring& commandLine, std::string* output) {
     ::CloseHandle(writeEnd);
     DWORD code = static_cast<DWORD>(-1);
     if (started) {
-        char buffer[4096];
-        for (DWORD got = 0; ::ReadFile(readEnd, buffer, sizeof buffer, &got, nullptr) && got > 0;)
-            if (output)
-                output->append(buffer, got);
-        if (::WaitForSingleObject(process.hProcess, 60000) == WAIT_OBJECT_0)
+        if (readUntilEnd(process.hProcess, readEnd, output))
             ::GetExitCodeProcess(process.hProcess, &code);
         ::CloseHandle(process.hThread);
         ::CloseHandle(process.hProcess);

@@ -3,10 +3,10 @@
 // The player with a fake device, a copying codec and a scripted source, on a real window.
 
 #include "player/ErrorText.h"
+#include "support/BarePlayer.h"
 #include "support/FakeAcm.h"
 #include "support/FakeWave.h"
 #include "support/FaultyWindows.h"
-#include "support/BarePlayer.h"
 #include "support/ScriptedSource.h"
 #include "support/TempFolder.h"
 

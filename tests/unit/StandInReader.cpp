@@ -200,10 +200,10 @@ public:
     HRESULT STDMETHODCALLTYPE GetStreamSelected(WORD, WMT_STREAM_SELECTION*) override {
         return answer("GetStreamSelected");
     }
-    HRESULT STDMETHODCALLTYPE SetReadStreamSamples(WORD, WINBOOL) override {
+    HRESULT STDMETHODCALLTYPE SetReadStreamSamples(WORD, BOOL) override {
         return answer("SetReadStreamSamples");
     }
-    HRESULT STDMETHODCALLTYPE GetReadStreamSamples(WORD, WINBOOL*) override {
+    HRESULT STDMETHODCALLTYPE GetReadStreamSamples(WORD, BOOL*) override {
         return answer("GetReadStreamSamples");
     }
     HRESULT STDMETHODCALLTYPE GetOutputSetting(DWORD, LPCWSTR, WMT_ATTR_DATATYPE*, BYTE*,

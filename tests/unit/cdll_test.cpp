@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <map>
+#include <new>
 #include <numeric>
 #include <string>
 #include <utility>
@@ -278,7 +279,34 @@ std::int32_t __stdcall callDeeper(std::int32_t depth) {
 TEST_F(CDll, a_callee_may_call_through_the_same_object_again) {
     exports["deeper"] = asExport(&callDeeper);
     nested = &library;
-    EXPECT_EQ(library.CallFunc("deeper", 600), 600 * 601 / 2); // more pieces than one mapping holds
+    EXPECT_EQ(library.CallFunc("deeper", 200), 200 * 201 / 2);
+}
+
+std::int32_t refusedAt;
+std::int32_t __stdcall callUntilRefused(std::int32_t depth) {
+    try {
+        nested->CallFunc("deeper", depth + 1);
+    } catch (const std::bad_alloc&) {
+        refusedAt = depth;
+    }
+    return 0;
+}
+
+TEST_F(CDll, calls_that_nest_without_end_are_refused) {
+    exports["deeper"] = asExport(&callUntilRefused);
+    nested = &library;
+    library.CallFunc("deeper", 1);
+    EXPECT_EQ(refusedAt, 256);
+    library.CallFunc("deeper", 1); // all pieces were given back
+    EXPECT_EQ(refusedAt, 256);
+}
+
+TEST_F(CDll, the_same_function_may_be_called_with_other_arguments) {
+    exports["take2"] = asExport(&takeStdcall<2>);
+    for (std::int32_t value = 0; value < 3; ++value) {
+        library.CallFunc("take2", value / 2, 5);
+        EXPECT_THAT(received, ElementsAre(value / 2, 5));
+    }
 }
 
 TEST(CDllReal, a_library_beside_the_module_is_loaded_and_called_in_both_conventions) {

@@ -6,19 +6,19 @@
 enum { LEAD_OUT_SECTORS = 90 * 75, PATH_SIZE = 4096 };
 
 struct sheet {
-    struct disc_image *disc;
+    struct disc_image* disc;
     char folder[PATH_SIZE]; /* with its last slash */
     bool has_start;         /* the last track's index 01 was seen */
-    char *why;
+    char* why;
     size_t why_size;
 };
 
-static bool refuse(struct sheet *sheet, const char *reason, const char *line) {
+static bool refuse(struct sheet* sheet, const char* reason, const char* line) {
     snprintf(sheet->why, sheet->why_size, "%s: %s", reason, line);
     return false;
 }
 
-FILE *open_unix_path(const char *path, const char *mode) {
+FILE* open_unix_path(const char* path, const char* mode) {
 #ifdef _WIN32
     char windows_path[PATH_SIZE];
     if (snprintf(windows_path, sizeof(windows_path), "Z:%s", path) >= (int)sizeof(windows_path))
@@ -29,8 +29,8 @@ FILE *open_unix_path(const char *path, const char *mode) {
 #endif
 }
 
-static bool add_file(struct sheet *sheet, const char *line) {
-    struct disc_image *disc = sheet->disc;
+static bool add_file(struct sheet* sheet, const char* line) {
+    struct disc_image* disc = sheet->disc;
     char name[PATH_SIZE];
     char path[2 * PATH_SIZE];
     char type[16];
@@ -39,7 +39,7 @@ static bool add_file(struct sheet *sheet, const char *line) {
     if (disc->file_count == MAX_TRACKS)
         return refuse(sheet, "too many files", line);
     snprintf(path, sizeof(path), "%s%s", name[0] == '/' ? "" : sheet->folder, name);
-    FILE *stream = open_unix_path(path, "rb");
+    FILE* stream = open_unix_path(path, "rb");
     if (!stream)
         return refuse(sheet, "cannot open", path);
     fseek(stream, 0, SEEK_END);
@@ -52,8 +52,8 @@ static bool add_file(struct sheet *sheet, const char *line) {
     return true;
 }
 
-static bool add_track(struct sheet *sheet, const char *line) {
-    struct disc_image *disc = sheet->disc;
+static bool add_track(struct sheet* sheet, const char* line) {
+    struct disc_image* disc = sheet->disc;
     int number = 0;
     char mode[16];
     if (sscanf(line, " TRACK %d %15s", &number, mode) != 2 || number < 1 || number > MAX_TRACKS ||
@@ -62,17 +62,17 @@ static bool add_track(struct sheet *sheet, const char *line) {
     const bool audio = strcmp(mode, "AUDIO") == 0;
     if (!audio && strcmp(mode, "MODE1/2352") != 0 && strcmp(mode, "MODE2/2352") != 0)
         return refuse(sheet, "sectors are not whole", line);
-    struct disc_track *track = &disc->tracks[disc->track_count++];
+    struct disc_track* track = &disc->tracks[disc->track_count++];
     track->number = (uint8_t)number;
     track->control = audio ? 0 : 4;
     sheet->has_start = false;
     return true;
 }
 
-static bool add_flags(struct sheet *sheet, const char *line) {
+static bool add_flags(struct sheet* sheet, const char* line) {
     if (sheet->disc->track_count == 0)
         return refuse(sheet, "flags before a track", line);
-    struct disc_track *track = &sheet->disc->tracks[sheet->disc->track_count - 1];
+    struct disc_track* track = &sheet->disc->tracks[sheet->disc->track_count - 1];
     if (strstr(line, "PRE"))
         track->control |= 1;
     if (strstr(line, "DCP"))
@@ -82,8 +82,8 @@ static bool add_flags(struct sheet *sheet, const char *line) {
     return true;
 }
 
-static bool add_index(struct sheet *sheet, const char *line) {
-    struct disc_image *disc = sheet->disc;
+static bool add_index(struct sheet* sheet, const char* line) {
+    struct disc_image* disc = sheet->disc;
     int index = 0;
     int minute = 0;
     int second = 0;
@@ -99,7 +99,7 @@ static bool add_index(struct sheet *sheet, const char *line) {
     return true;
 }
 
-static bool read_line(struct sheet *sheet, const char *line) {
+static bool read_line(struct sheet* sheet, const char* line) {
     char word[16] = "";
     sscanf(line, "%15s", word);
     if (strcmp(word, "FILE") == 0)
@@ -115,13 +115,13 @@ static bool read_line(struct sheet *sheet, const char *line) {
     return true; /* titles, remarks and codes */
 }
 
-bool disc_open(struct disc_image *disc, const char *cue_path, char *why, size_t why_size) {
+bool disc_open(struct disc_image* disc, const char* cue_path, char* why, size_t why_size) {
     memset(disc, 0, sizeof(*disc));
     struct sheet sheet = {.disc = disc, .has_start = true, .why = why, .why_size = why_size};
     snprintf(sheet.folder, sizeof(sheet.folder), "%s", cue_path);
-    char *slash = strrchr(sheet.folder, '/');
+    char* slash = strrchr(sheet.folder, '/');
     *(slash ? slash + 1 : sheet.folder) = '\0';
-    FILE *cue = open_unix_path(cue_path, "r");
+    FILE* cue = open_unix_path(cue_path, "r");
     if (!cue)
         return refuse(&sheet, "cannot open", cue_path);
     char line[2 * PATH_SIZE];
@@ -138,21 +138,21 @@ bool disc_open(struct disc_image *disc, const char *cue_path, char *why, size_t 
     return good;
 }
 
-void disc_close(struct disc_image *disc) {
+void disc_close(struct disc_image* disc) {
     for (int i = 0; i < disc->file_count; ++i)
         fclose(disc->files[i].stream);
     memset(disc, 0, sizeof(*disc));
 }
 
-const struct disc_track *disc_track_at(const struct disc_image *disc, int32_t lba) {
-    const struct disc_track *found = NULL;
+const struct disc_track* disc_track_at(const struct disc_image* disc, int32_t lba) {
+    const struct disc_track* found = NULL;
     if (lba < disc->lead_out)
         for (int i = 0; i < disc->track_count && disc->tracks[i].start <= lba; ++i)
             found = &disc->tracks[i];
     return found;
 }
 
-bool disc_read(struct disc_image *disc, int32_t lba, uint8_t *sector) {
+bool disc_read(struct disc_image* disc, int32_t lba, uint8_t* sector) {
     for (int i = 0; i < disc->file_count; ++i) {
         const int32_t place = lba - disc->files[i].first;
         if (place >= 0 && place < disc->files[i].sectors)

@@ -9,7 +9,7 @@ enum { FILE_SIZE = 16384 };
 static struct drive drives[26];
 static char contents[26][FILE_SIZE]; /* of each drive's file, as last seen */
 
-static void read_toc_text(struct drive_settings *settings, const char *hex) {
+static void read_toc_text(struct drive_settings* settings, const char* hex) {
     unsigned byte = 0;
     int length = 0;
     settings->toc_bytes = 0;
@@ -19,11 +19,11 @@ static void read_toc_text(struct drive_settings *settings, const char *hex) {
     }
 }
 
-static void apply(struct drive_settings *s, const char *line, long reads) {
+static void apply(struct drive_settings* s, const char* line, long reads) {
     char word[32] = "";
     int length = 0;
     sscanf(line, "%31s %n", word, &length);
-    const char *rest = line + length;
+    const char* rest = line + length;
     const bool list = strcmp(word, "unreadable") == 0;
     if (strcmp(word, "device") == 0)
         snprintf(s->device, sizeof(s->device), "%s", rest);
@@ -67,17 +67,15 @@ static void apply(struct drive_settings *s, const char *line, long reads) {
     else if (strcmp(word, "toc") == 0)
         read_toc_text(s, rest);
     else if (strcmp(word, "after") == 0) {
-        char *line_after = NULL;
+        char* line_after = NULL;
         if (reads >= strtol(rest, &line_after, 10))
             apply(s, line_after + strspn(line_after, " "), reads);
     }
 }
 
-static struct drive_settings settings_of(const char *text, long reads) {
-    struct drive_settings settings = {.vendor = "CORVINA",
-                                      .product = "VIRTUAL DRIVE",
-                                      .revision = "1.0",
-                                      .short_bytes = -1};
+static struct drive_settings settings_of(const char* text, long reads) {
+    struct drive_settings settings = {
+        .vendor = "CORVINA", .product = "VIRTUAL DRIVE", .revision = "1.0", .short_bytes = -1};
     char line[TEXT_SIZE];
     while (*text) {
         const size_t length = strcspn(text, "\r\n");
@@ -90,7 +88,7 @@ static struct drive_settings settings_of(const char *text, long reads) {
 }
 
 /* Takes over what the file says at this moment. */
-static void refresh(struct drive *drive, bool file_changed) {
+static void refresh(struct drive* drive, bool file_changed) {
     const struct drive_settings settings = settings_of(contents[drive->letter - 'a'], drive->reads);
     const bool disc_changed = strcmp(settings.disc, drive->now.disc) != 0;
     const bool tray_changed = settings.tray_open != drive->now.tray_open;
@@ -106,13 +104,13 @@ static void refresh(struct drive *drive, bool file_changed) {
         drive_log(drive, "no disc: %s", why);
 }
 
-struct drive *drive_of(char letter) {
-    const char *folder = getenv("CORVINA_DRIVES");
+struct drive* drive_of(char letter) {
+    const char* folder = getenv("CORVINA_DRIVES");
     if (!folder)
         return NULL;
     char path[TEXT_SIZE];
     snprintf(path, sizeof(path), "%s/%c.drive", folder, letter);
-    FILE *file = open_unix_path(path, "rb");
+    FILE* file = open_unix_path(path, "rb");
     if (!file)
         return NULL;
     static char text[FILE_SIZE];
@@ -121,7 +119,7 @@ struct drive *drive_of(char letter) {
     text[length] = '\0';
 
     const int index = letter - 'a';
-    struct drive *drive = &drives[index];
+    struct drive* drive = &drives[index];
     if (drive->letter && strcmp(text, contents[index]) == 0)
         return drive;
     drive->letter = letter;
@@ -131,14 +129,14 @@ struct drive *drive_of(char letter) {
     return drive;
 }
 
-void drive_count_read(struct drive *drive) {
+void drive_count_read(struct drive* drive) {
     ++drive->reads;
     if (strstr(contents[drive->letter - 'a'], "after"))
         refresh(drive, false);
 }
 
-void drive_log(const struct drive *drive, const char *format, ...) {
-    FILE *file = drive->now.log[0] ? open_unix_path(drive->now.log, "ab") : NULL;
+void drive_log(const struct drive* drive, const char* format, ...) {
+    FILE* file = drive->now.log[0] ? open_unix_path(drive->now.log, "ab") : NULL;
     if (!file)
         return;
     va_list arguments;
@@ -149,7 +147,7 @@ void drive_log(const struct drive *drive, const char *format, ...) {
     fclose(file);
 }
 
-void drive_log_command(const struct drive *drive, const char *way, const uint8_t *command,
+void drive_log_command(const struct drive* drive, const char* way, const uint8_t* command,
                        int length, uint32_t size) {
     static const char digits[] = "0123456789ABCDEF";
     char bytes[3 * 16 + 1] = "";
@@ -161,7 +159,7 @@ void drive_log_command(const struct drive *drive, const char *way, const uint8_t
     drive_log(drive, "%s %s%u", way, bytes, (unsigned)size);
 }
 
-static bool is_scratched(const struct drive *drive, int32_t lba) {
+static bool is_scratched(const struct drive* drive, int32_t lba) {
     for (int i = 0; i < drive->now.scratch_count; ++i)
         if (lba >= drive->now.scratches[i].first &&
             lba - drive->now.scratches[i].first < drive->now.scratches[i].count)
@@ -169,7 +167,7 @@ static bool is_scratched(const struct drive *drive, int32_t lba) {
     return drive->now.no_lead_out && lba >= drive->disc.lead_out;
 }
 
-int32_t drive_read(struct drive *drive, int32_t lba, int32_t sectors, uint8_t *place) {
+int32_t drive_read(struct drive* drive, int32_t lba, int32_t sectors, uint8_t* place) {
     for (int32_t i = 0; i < sectors; ++i) {
         uint8_t sector[SECTOR_BYTES];
         if (is_scratched(drive, lba + i) || !disc_read(&drive->disc, lba + i, sector))
@@ -183,7 +181,7 @@ int32_t drive_read(struct drive *drive, int32_t lba, int32_t sectors, uint8_t *p
     return sectors;
 }
 
-bool drive_refuses(const struct drive *drive, unsigned opcode) {
+bool drive_refuses(const struct drive* drive, unsigned opcode) {
     for (int i = 0; i < drive->now.refuse_count; ++i)
         if (drive->now.refused[i] == opcode)
             return true;

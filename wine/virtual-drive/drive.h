@@ -1,7 +1,7 @@
 /* A virtual CD drive, described by a small text file that may change at any time.
  *
- * The folder named by the environment's CORVINA_DRIVES holds a file for each drive: d.drive, e.drive
- * and so on. Each line is a word and its values; lines that start with # are remarks:
+ * The folder named by the environment's CORVINA_DRIVES holds a file for each drive: d.drive,
+ * e.drive and so on. Each line is a word and its values; lines that start with # are remarks:
  *
  *   device /dev/full          the character device that stands for the drive
  *   disc /path/image.cue      the disc in the drive; without this line the drive is empty
@@ -20,7 +20,8 @@
  *   short BYTES               a read of sectors transfers no more than this
  *   toc HEX                   what READ TOC answers instead of the disc's table
  *   log /path                 a file to which each request adds a line
- *   after N LINE              LINE holds once N reads of sectors were answered since the last change
+ *   after N LINE              LINE holds once N reads of sectors were answered since the last
+ * change
  */
 #ifndef DRIVE_H
 #define DRIVE_H
@@ -64,26 +65,26 @@ struct drive {
 };
 
 /* The drive of a letter with its file's present contents; NULL where there is none. */
-struct drive *drive_of(char letter);
+struct drive* drive_of(char letter);
 
 /* Counts a read of sectors and lets the lines that wait for it hold. */
-void drive_count_read(struct drive *drive);
+void drive_count_read(struct drive* drive);
 
 /* Adds a line to the drive's log. */
-void drive_log(const struct drive *drive, const char *format, ...)
+void drive_log(const struct drive* drive, const char* format, ...)
     __attribute__((format(printf, 2, 3)));
 
 /* The same for a SCSI command and the size of its data. */
-void drive_log_command(const struct drive *drive, const char *way, const uint8_t *command,
+void drive_log_command(const struct drive* drive, const char* way, const uint8_t* command,
                        int length, uint32_t size);
 
-static inline bool drive_is_ready(const struct drive *drive) {
+static inline bool drive_is_ready(const struct drive* drive) {
     return drive->has_disc && !drive->tray_open;
 }
 
 /* Reads sectors; how many could be, from the first on. */
-int32_t drive_read(struct drive *drive, int32_t lba, int32_t sectors, uint8_t *place);
+int32_t drive_read(struct drive* drive, int32_t lba, int32_t sectors, uint8_t* place);
 
-bool drive_refuses(const struct drive *drive, unsigned opcode);
+bool drive_refuses(const struct drive* drive, unsigned opcode);
 
 #endif

@@ -1,5 +1,5 @@
-/* Answers the drive requests that Wine sends to a character device: preloaded into Wine's programs and
- * its server. Anything that is not for a drive goes on to the system.
+/* Answers the drive requests that Wine sends to a character device: preloaded into Wine's programs
+ * and its server. Anything that is not for a drive goes on to the system.
  *
  * Wine finds a drive by the link dosdevices/d:: in its prefix. The server opens it, where this file
  * can refuse; the programs send the requests themselves. */
@@ -22,9 +22,9 @@ enum { FIRST_LETTER = 'b', LAST_LETTER = 'z', HOST_TIMED_OUT = 3 };
 
 static pthread_mutex_t lock = PTHREAD_MUTEX_INITIALIZER;
 
-static struct drive *drive_with_device(dev_t device) {
+static struct drive* drive_with_device(dev_t device) {
     for (char letter = FIRST_LETTER; letter <= LAST_LETTER; ++letter) {
-        struct drive *drive = drive_of(letter);
+        struct drive* drive = drive_of(letter);
         struct stat node;
         if (drive && stat(drive->now.device, &node) == 0 && S_ISCHR(node.st_mode) &&
             node.st_rdev == device)
@@ -33,7 +33,7 @@ static struct drive *drive_with_device(dev_t device) {
     return NULL;
 }
 
-static struct drive *drive_of_descriptor(int descriptor) {
+static struct drive* drive_of_descriptor(int descriptor) {
     struct stat node;
     if (fstat(descriptor, &node) != 0 || !S_ISCHR(node.st_mode))
         return NULL;
@@ -46,12 +46,12 @@ static int fail(int error) {
 }
 
 /* A packet waits no longer than its own timeout, in milliseconds; 0 is none. */
-static long delay_of(const struct drive *drive, const struct sg_io_hdr *packet) {
+static long delay_of(const struct drive* drive, const struct sg_io_hdr* packet) {
     const long limit = packet ? 1000 * (long)packet->timeout : 0;
     return limit > 0 && limit < drive->now.delay_us ? limit : drive->now.delay_us;
 }
 
-static int run_packet(struct drive *drive, struct sg_io_hdr *packet) {
+static int run_packet(struct drive* drive, struct sg_io_hdr* packet) {
     drive_log_command(drive, "SG_IO", packet->cmdp, packet->cmd_len, packet->dxfer_len);
     if (drive_refuses(drive, packet->cmdp[0]))
         return fail(drive->now.gone ? ENODEV : EIO);
@@ -72,7 +72,7 @@ static int run_packet(struct drive *drive, struct sg_io_hdr *packet) {
     return 0;
 }
 
-static int read_header(struct drive *drive, struct cdrom_tochdr *header) {
+static int read_header(struct drive* drive, struct cdrom_tochdr* header) {
     drive_log(drive, "CDROMREADTOCHDR");
     if (!drive_is_ready(drive))
         return fail(ENOMEDIUM);
@@ -81,7 +81,7 @@ static int read_header(struct drive *drive, struct cdrom_tochdr *header) {
     return 0;
 }
 
-static void put_address(struct cdrom_tocentry *entry, int32_t lba) {
+static void put_address(struct cdrom_tocentry* entry, int32_t lba) {
     if (entry->cdte_format == CDROM_LBA) {
         entry->cdte_addr.lba = lba;
         return;
@@ -92,7 +92,7 @@ static void put_address(struct cdrom_tocentry *entry, int32_t lba) {
     entry->cdte_addr.msf.frame = (__u8)(frames % 75);
 }
 
-static int read_entry(struct drive *drive, struct cdrom_tocentry *entry) {
+static int read_entry(struct drive* drive, struct cdrom_tocentry* entry) {
     drive_log(drive, "CDROMREADTOCENTRY %d", entry->cdte_track);
     if (!drive_is_ready(drive))
         return fail(ENOMEDIUM);
@@ -111,7 +111,7 @@ static int read_entry(struct drive *drive, struct cdrom_tocentry *entry) {
     return fail(EINVAL);
 }
 
-static int read_audio(struct drive *drive, const struct cdrom_read_audio *read) {
+static int read_audio(struct drive* drive, const struct cdrom_read_audio* read) {
     const int32_t lba = read->addr_format == CDROM_LBA
                             ? read->addr.lba
                             : (read->addr.msf.minute * 60 + read->addr.msf.second) * 75 +
@@ -123,26 +123,26 @@ static int read_audio(struct drive *drive, const struct cdrom_read_audio *read) 
     if (lba < 0 || read->nframes < 0 || !read->buf)
         return fail(EINVAL);
     for (int32_t i = 0; i < read->nframes; ++i) {
-        const struct disc_track *track = disc_track_at(&drive->disc, lba + i);
+        const struct disc_track* track = disc_track_at(&drive->disc, lba + i);
         if (track && (track->control & 12) == 4)
             return fail(EIO); /* data is no audio */
     }
     return drive_read(drive, lba, read->nframes, read->buf) == read->nframes ? 0 : fail(EIO);
 }
 
-static int move_tray(struct drive *drive, bool open) {
+static int move_tray(struct drive* drive, bool open) {
     drive_log(drive, open ? "CDROMEJECT" : "CDROMCLOSETRAY");
     drive->tray_open = open;
     return 0;
 }
 
-static int drive_status(const struct drive *drive) {
+static int drive_status(const struct drive* drive) {
     if (drive->tray_open)
         return CDS_TRAY_OPEN;
     return drive->has_disc ? CDS_DISC_OK : CDS_NO_DISC;
 }
 
-static int run(struct drive *drive, unsigned long request, void *argument) {
+static int run(struct drive* drive, unsigned long request, void* argument) {
     if (drive->now.gone)
         return fail(ENODEV);
     switch (request) {
@@ -172,11 +172,11 @@ static bool is_for_a_drive(unsigned long request) {
 }
 
 /* Whether the request was for a drive; its result is then in *result. */
-static bool answered(int descriptor, unsigned long request, void *argument, int *result) {
+static bool answered(int descriptor, unsigned long request, void* argument, int* result) {
     if (!is_for_a_drive(request))
         return false;
     pthread_mutex_lock(&lock);
-    struct drive *drive = drive_of_descriptor(descriptor);
+    struct drive* drive = drive_of_descriptor(descriptor);
     long delay_us = 0;
     if (drive && (request == SG_IO || request == CDROMREADAUDIO))
         delay_us = delay_of(drive, request == SG_IO ? argument : NULL);
@@ -197,7 +197,7 @@ static bool answered(int descriptor, unsigned long request, void *argument, int 
     int name(int descriptor, unsigned long request, ...) {                                         \
         va_list arguments;                                                                         \
         va_start(arguments, request);                                                              \
-        void *argument = va_arg(arguments, void *);                                                \
+        void* argument = va_arg(arguments, void*);                                                 \
         va_end(arguments);                                                                         \
         int result = 0;                                                                            \
         if (answered(descriptor, request, argument, &result))                                      \
@@ -212,27 +212,27 @@ DEFINE_IOCTL(ioctl)
 DEFINE_IOCTL(__ioctl_time64) /* what 32-bit programs with a 64-bit time call */
 
 /* Whether the drive behind a link of a prefix lets itself be opened so. */
-static bool may_open(const char *path, int flags) {
+static bool may_open(const char* path, int flags) {
     struct stat node;
     if (!strstr(path, "dosdevices/") || stat(path, &node) != 0 || !S_ISCHR(node.st_mode))
         return true;
     pthread_mutex_lock(&lock);
-    const struct drive *drive = drive_with_device(node.st_rdev);
+    const struct drive* drive = drive_with_device(node.st_rdev);
     const bool refused =
         drive && (drive->now.absent || (drive->now.read_only && (flags & O_ACCMODE) != O_RDONLY));
     pthread_mutex_unlock(&lock);
     return !refused;
 }
 
-int open64(const char *path, int flags, ...) {
+int open64(const char* path, int flags, ...) {
     va_list arguments;
     va_start(arguments, flags);
     const mode_t mode = flags & (O_CREAT | O_TMPFILE) ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
     if (!may_open(path, flags))
         return fail(EACCES);
-    static int (*system_call)(const char *, int, ...);
+    static int (*system_call)(const char*, int, ...);
     if (!system_call)
-        system_call = (int (*)(const char *, int, ...))dlsym(RTLD_NEXT, "open64");
+        system_call = (int (*)(const char*, int, ...))dlsym(RTLD_NEXT, "open64");
     return system_call(path, flags, mode);
 }

@@ -1,22 +1,22 @@
-/* make-track-files IMAGE.cue FOLDER: writes the files Track01.cda and so on that Windows shows in the
- * root of the disc. */
+/* make-track-files IMAGE.cue FOLDER: writes the files Track01.cda and so on that Windows shows in
+ * the root of the disc. */
 #include "disc_image.h"
 
 #include <string.h>
 
-static void put_number(uint8_t *place, uint32_t value, int bytes) {
+static void put_number(uint8_t* place, uint32_t value, int bytes) {
     for (int i = 0; i < bytes; ++i, value >>= 8)
         place[i] = (uint8_t)value;
 }
 
 /* Frame, second and minute, in this order. */
-static void put_time(uint8_t *place, int32_t sectors) {
+static void put_time(uint8_t* place, int32_t sectors) {
     place[0] = (uint8_t)(sectors % 75);
     place[1] = (uint8_t)(sectors / 75 % 60);
     place[2] = (uint8_t)(sectors / 4500);
 }
 
-static int write_track_file(const char *folder, const struct disc_track *track, int32_t end) {
+static int write_track_file(const char* folder, const struct disc_track* track, int32_t end) {
     uint8_t bytes[44] = {0};
     memcpy(bytes, "RIFF", 4);
     put_number(bytes + 4, sizeof(bytes) - 8, 4);
@@ -31,7 +31,7 @@ static int write_track_file(const char *folder, const struct disc_track *track, 
     put_time(bytes + 40, end - track->start);
     char path[4096];
     snprintf(path, sizeof(path), "%s/Track%02d.cda", folder, track->number);
-    FILE *file = fopen(path, "wb");
+    FILE* file = fopen(path, "wb");
     if (!file || fwrite(bytes, sizeof(bytes), 1, file) != 1 || fclose(file) != 0) {
         perror(path);
         return 1;
@@ -39,7 +39,7 @@ static int write_track_file(const char *folder, const struct disc_track *track, 
     return 0;
 }
 
-int main(int count, char **arguments) {
+int main(int count, char** arguments) {
     static struct disc_image disc;
     char why[8192];
     if (count != 3) {

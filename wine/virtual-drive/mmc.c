@@ -18,23 +18,24 @@ static struct mmc_answer check(uint8_t key, uint8_t asc, uint8_t ascq) {
     return answer;
 }
 
-static struct mmc_answer no_medium(const struct drive *drive) {
+static struct mmc_answer no_medium(const struct drive* drive) {
     return check(NOT_READY, 0x3A, drive->tray_open ? 2 : 1);
 }
 
-static struct mmc_answer transfer(uint8_t *data, uint32_t size, const uint8_t *from, uint32_t bytes) {
+static struct mmc_answer transfer(uint8_t* data, uint32_t size, const uint8_t* from,
+                                  uint32_t bytes) {
     const uint32_t count = bytes < size ? bytes : size;
     if (count)
         memcpy(data, from, count);
     return good(count);
 }
 
-static void put_text(uint8_t *place, size_t width, const char *text) {
+static void put_text(uint8_t* place, size_t width, const char* text) {
     memset(place, ' ', width);
     memcpy(place, text, strnlen(text, width));
 }
 
-static struct mmc_answer inquiry(const struct drive *drive, const uint8_t *command, uint8_t *data,
+static struct mmc_answer inquiry(const struct drive* drive, const uint8_t* command, uint8_t* data,
                                  uint32_t size) {
     uint8_t reply[36] = {5, 0x80, 5, 2, sizeof(reply) - 5};
     put_text(reply + 8, 8, drive->now.vendor);
@@ -44,14 +45,14 @@ static struct mmc_answer inquiry(const struct drive *drive, const uint8_t *comma
     return transfer(data, size, reply, asked);
 }
 
-static struct mmc_answer start_stop(struct drive *drive, const uint8_t *command) {
+static struct mmc_answer start_stop(struct drive* drive, const uint8_t* command) {
     const bool move_tray = command[4] & 2;
     if (move_tray)
         drive->tray_open = !(command[4] & 1);
     return good(0);
 }
 
-static void put_address(uint8_t *place, int32_t lba, bool msf) {
+static void put_address(uint8_t* place, int32_t lba, bool msf) {
     uint32_t value = (uint32_t)lba;
     if (msf) {
         const uint32_t frames = value + 150;
@@ -61,13 +62,13 @@ static void put_address(uint8_t *place, int32_t lba, bool msf) {
         place[i] = (uint8_t)value;
 }
 
-static void put_entry(uint8_t *place, uint8_t control, uint8_t number, int32_t lba, bool msf) {
+static void put_entry(uint8_t* place, uint8_t control, uint8_t number, int32_t lba, bool msf) {
     place[1] = (uint8_t)(0x10 | control);
     place[2] = number;
     put_address(place + 4, lba, msf);
 }
 
-static struct mmc_answer read_toc(const struct drive *drive, const uint8_t *command, uint8_t *data,
+static struct mmc_answer read_toc(const struct drive* drive, const uint8_t* command, uint8_t* data,
                                   uint32_t size) {
     const uint32_t allocated = (uint32_t)(command[7] << 8 | command[8]);
     const uint32_t room = allocated < size ? allocated : size;
@@ -77,14 +78,15 @@ static struct mmc_answer read_toc(const struct drive *drive, const uint8_t *comm
         return no_medium(drive);
     if (command[2] & 0x0F)
         return check(ILLEGAL_REQUEST, 0x24, 0);
-    const struct disc_image *disc = &drive->disc;
+    const struct disc_image* disc = &drive->disc;
     const bool msf = command[1] & 2;
     uint8_t reply[4 + 8 * (MAX_TRACKS + 1)] = {0};
     uint32_t length = 4;
     for (int i = 0; i < disc->track_count; ++i, length += 8)
         put_entry(reply + length, disc->tracks[i].control, disc->tracks[i].number,
                   disc->tracks[i].start, msf);
-    put_entry(reply + length, disc->tracks[disc->track_count - 1].control, 0xAA, disc->lead_out, msf);
+    put_entry(reply + length, disc->tracks[disc->track_count - 1].control, 0xAA, disc->lead_out,
+              msf);
     length += 8;
     reply[0] = (uint8_t)((length - 2) >> 8);
     reply[1] = (uint8_t)(length - 2);
@@ -93,7 +95,7 @@ static struct mmc_answer read_toc(const struct drive *drive, const uint8_t *comm
     return transfer(data, room, reply, length);
 }
 
-static struct mmc_answer read_cd(struct drive *drive, const uint8_t *command, uint8_t *data,
+static struct mmc_answer read_cd(struct drive* drive, const uint8_t* command, uint8_t* data,
                                  uint32_t size) {
     const int32_t lba = (int32_t)((uint32_t)command[2] << 24 | (uint32_t)command[3] << 16 |
                                   (uint32_t)command[4] << 8 | command[5]);
@@ -113,7 +115,8 @@ static struct mmc_answer read_cd(struct drive *drive, const uint8_t *command, ui
     return good(bytes);
 }
 
-struct mmc_answer mmc_run(struct drive *drive, const uint8_t *command, uint8_t *data, uint32_t size) {
+struct mmc_answer mmc_run(struct drive* drive, const uint8_t* command, uint8_t* data,
+                          uint32_t size) {
     if (drive->now.has_check && drive->now.check_opcode == command[0])
         return check(drive->now.check_sense[0], drive->now.check_sense[1],
                      drive->now.check_sense[2]);

@@ -21,6 +21,7 @@ struct mmc_answer {
 };
 
 /* Runs a command that takes data in. Never writes more than size bytes. */
-struct mmc_answer mmc_run(struct drive *drive, const uint8_t *command, uint8_t *data, uint32_t size);
+struct mmc_answer mmc_run(struct drive* drive, const uint8_t* command, uint8_t* data,
+                          uint32_t size);
 
 #endif

@@ -1,5 +1,5 @@
-/* A stand-in for ASPI for Win32 over the virtual drives. Commands end on another thread, as those of
- * a real one do. Nothing is posted or called back at their end: callers poll the status. */
+/* A stand-in for ASPI for Win32 over the virtual drives. Commands end on another thread, as those
+ * of a real one do. Nothing is posted or called back at their end: callers poll the status. */
 #include "drive.h"
 #include "mmc.h"
 
@@ -43,7 +43,7 @@ struct command_block {
     uint8_t target, lun;
     uint16_t reserved1;
     uint32_t size;
-    uint8_t *data;
+    uint8_t* data;
     uint8_t sense_size, command_size, adapter_status, target_status;
     uint32_t notification;
     uint8_t reserved2[20];
@@ -57,9 +57,9 @@ _Static_assert(sizeof(struct command_block) == 80, "the SCSI command block");
 
 static CRITICAL_SECTION lock;
 
-static struct drive *drive_at(int host, int target, int lun) {
+static struct drive* drive_at(int host, int target, int lun) {
     for (char letter = 'b'; letter <= 'z'; ++letter) {
-        struct drive *drive = drive_of(letter);
+        struct drive* drive = drive_of(letter);
         if (drive && !drive->now.no_aspi && drive->now.host == host &&
             drive->now.target == target && drive->now.lun == lun)
             return drive;
@@ -70,14 +70,14 @@ static struct drive *drive_at(int host, int target, int lun) {
 static int adapter_count(void) {
     int count = 0;
     for (char letter = 'b'; letter <= 'z'; ++letter) {
-        const struct drive *drive = drive_of(letter);
+        const struct drive* drive = drive_of(letter);
         if (drive && !drive->now.no_aspi && drive->now.host >= count)
             count = drive->now.host + 1;
     }
     return count < ADAPTERS ? count : ADAPTERS;
 }
 
-static void tell_adapter(struct adapter_block *block) {
+static void tell_adapter(struct adapter_block* block) {
     if (block->header.adapter >= adapter_count()) {
         block->header.status = INVALID_ADAPTER;
         return;
@@ -89,7 +89,7 @@ static void tell_adapter(struct adapter_block *block) {
     block->header.status = COMPLETE;
 }
 
-static void tell_type(struct type_block *block) {
+static void tell_type(struct type_block* block) {
     if (!drive_at(block->header.adapter, block->target, block->lun)) {
         block->header.status = NO_DEVICE;
         return;
@@ -98,7 +98,7 @@ static void tell_type(struct type_block *block) {
     block->header.status = COMPLETE;
 }
 
-static uint8_t run(struct command_block *block, struct drive *drive) {
+static uint8_t run(struct command_block* block, struct drive* drive) {
     if (!drive)
         return NO_DEVICE;
     drive_log_command(drive, "ASPI", block->command, block->command_size, block->size);
@@ -113,10 +113,10 @@ static uint8_t run(struct command_block *block, struct drive *drive) {
     return ENDED_IN_ERROR;
 }
 
-static DWORD WINAPI run_later(void *argument) {
-    struct command_block *block = argument;
+static DWORD WINAPI run_later(void* argument) {
+    struct command_block* block = argument;
     EnterCriticalSection(&lock);
-    struct drive *drive = drive_at(block->header.adapter, block->target, block->lun);
+    struct drive* drive = drive_at(block->header.adapter, block->target, block->lun);
     const long delay_us = drive ? drive->now.delay_us : 0;
     LeaveCriticalSection(&lock);
     if (delay_us > 0)
@@ -136,7 +136,7 @@ DWORD __cdecl GetASPI32SupportInfo(void) {
     return COMPLETE << 8 | (DWORD)adapters;
 }
 
-DWORD __cdecl SendASPI32Command(struct request_block *block) {
+DWORD __cdecl SendASPI32Command(struct request_block* block) {
     if (block->command == EXECUTE) {
         block->status = 0;
         if (!QueueUserWorkItem(run_later, block, WT_EXECUTEDEFAULT))
@@ -145,16 +145,16 @@ DWORD __cdecl SendASPI32Command(struct request_block *block) {
     }
     EnterCriticalSection(&lock);
     if (block->command == HA_INQUIRY)
-        tell_adapter((struct adapter_block *)block);
+        tell_adapter((struct adapter_block*)block);
     else if (block->command == GET_DEVICE_TYPE)
-        tell_type((struct type_block *)block);
+        tell_type((struct type_block*)block);
     else
         block->status = INVALID_COMMAND;
     LeaveCriticalSection(&lock);
     return block->status;
 }
 
-BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, void *reserved) {
+BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, void* reserved) {
     (void)module;
     (void)reserved;
     if (reason == DLL_PROCESS_ATTACH)
