@@ -55,6 +55,7 @@ private:
 
     PlayQueue& queue_;
     Settings settings_;
+    const bool posing_; // for a picture: nobody uses it, and it remembers nothing
     HWND window_ = nullptr;
     HACCEL keys_;
     std::unique_ptr<PlayerControls> controls_;

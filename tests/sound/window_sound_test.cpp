@@ -18,7 +18,7 @@ class Window : public SoundTest {
 protected:
     void SetUp() override {
         SoundTest::SetUp();
-        // A window that has its picture taken needs no window manager.
+        // A window that has its picture taken needs no window manager and leaves no settings.
         options.pictureFile = L"unused";
         queue = std::make_unique<app::PlayQueue>(
             app::QueueHandlers{[this] { window->onStarted(); },
