@@ -30,7 +30,9 @@ using AxAttachControl = HRESULT(STDAPICALLTYPE*)(IUnknown*, HWND, IUnknown**);
 } // namespace
 
 GraphView::GraphView(HWND parent) {
-    if (!atlFunction<AxWinInit>("AtlAxWinInit")())
+    // Once in a program: a second call may say no.
+    static const BOOL ready = atlFunction<AxWinInit>("AtlAxWinInit")();
+    if (!ready)
         _com_issue_error(E_FAIL);
     // The container activates the control at once, in the place that there is.
     constexpr int anySize = 100;

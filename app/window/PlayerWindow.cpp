@@ -26,7 +26,7 @@ std::wstring nameOf(const std::wstring& path) {
 } // namespace
 
 PlayerWindow::PlayerWindow(PlayQueue& queue, const Options& options)
-    : queue_(queue), settings_(Settings::load()) {
+    : queue_(queue), settings_(Settings::load()), posing_(!options.pictureFile.empty()) {
     const HINSTANCE instance = GetModuleHandleW(nullptr);
     keys_ = LoadAcceleratorsW(instance, MAKEINTRESOURCEW(IDR_KEYS));
     WNDCLASSEXW kind{};
@@ -42,9 +42,8 @@ PlayerWindow::PlayerWindow(PlayQueue& queue, const Options& options)
 
     // Nobody sits before a window that is there to have its picture taken. On a display without a
     // window manager one with a frame, or an active one, would cost seconds of waiting for it.
-    const bool posing = !options.pictureFile.empty();
     window_ = CreateWindowExW(WS_EX_ACCEPTFILES, className, L"Corvina",
-                              (posing ? WS_POPUP : WS_OVERLAPPEDWINDOW) | WS_CLIPCHILDREN,
+                              (posing_ ? WS_POPUP : WS_OVERLAPPEDWINDOW) | WS_CLIPCHILDREN,
                               CW_USEDEFAULT, CW_USEDEFAULT, 0, 0, nullptr, nullptr, instance, this);
     if (!window_)
         _com_issue_error(HRESULT_FROM_WIN32(GetLastError()));
@@ -56,18 +55,25 @@ PlayerWindow::PlayerWindow(PlayQueue& queue, const Options& options)
     controls_->setSeekRange(0);
     showFiles();
 
-    const RECT& place = settings_.place;
-    const bool remembered =
-        !IsRectEmpty(&place) && MonitorFromRect(&place, MONITOR_DEFAULTTONULL) != nullptr;
-    if (remembered)
-        SetWindowPos(window_, nullptr, place.left, place.top, place.right - place.left,
-                     place.bottom - place.top, SWP_NOZORDER | SWP_NOACTIVATE);
-    else
-        SetWindowPos(window_, nullptr, 0, 0, controls_->scaled(620), controls_->scaled(520),
-                     SWP_NOZORDER | SWP_NOMOVE | SWP_NOACTIVATE);
-    ShowWindow(window_, posing ? SW_SHOWNOACTIVATE : SW_SHOW);
+    RECT place = settings_.place;
+    if (IsRectEmpty(&place) || !MonitorFromRect(&place, MONITOR_DEFAULTTONULL))
+        place = firstPlace();
+    SetWindowPos(window_, nullptr, place.left, place.top, place.right - place.left,
+                 place.bottom - place.top, SWP_NOZORDER | SWP_NOACTIVATE);
+    ShowWindow(window_, posing_ ? SW_SHOWNOACTIVATE : SW_SHOW);
     UpdateWindow(window_);
     SetTimer(window_, graphTimer, pictureMs, nullptr);
+}
+
+// Where nothing is remembered: as large as looks good, and as the screen allows.
+RECT PlayerWindow::firstPlace() const {
+    RECT screen{};
+    SystemParametersInfoW(SPI_GETWORKAREA, 0, &screen, 0);
+    const int width = std::min<int>(controls_->scaled(620), screen.right - screen.left);
+    const int height = std::min<int>(controls_->scaled(520), screen.bottom - screen.top);
+    const int left = screen.left + (screen.right - screen.left - width) / 3;
+    const int top = screen.top + (screen.bottom - screen.top - height) / 3;
+    return {left, top, left + width, top + height};
 }
 
 PlayerWindow::~PlayerWindow() {
@@ -226,9 +232,11 @@ void PlayerWindow::close() {
         return;
     open_ = false;
     KillTimer(window_, graphTimer);
-    if (!IsIconic(window_))
-        GetWindowRect(window_, &settings_.place);
-    settings_.save();
+    if (!posing_) {
+        if (!IsIconic(window_))
+            GetWindowRect(window_, &settings_.place);
+        settings_.save();
+    }
     ShowWindow(window_, SW_HIDE);
     queue_.stop();
 }

@@ -48,12 +48,14 @@ private:
     void changeColor(DWORD Settings::*color);
     void applyColors();
 
+    [[nodiscard]] RECT firstPlace() const;
     void fillDevices(long wanted);
     void showFiles();
     void showPosition();
 
     PlayQueue& queue_;
     Settings settings_;
+    const bool posing_; // for a picture: nobody uses it, and it remembers nothing
     HWND window_ = nullptr;
     HACCEL keys_;
     std::unique_ptr<PlayerControls> controls_;
