@@ -1,5 +1,6 @@
 #include "PlayQueue.h"
 
+#include "DecoderLibraries.h"
 #include "ErrorWords.h"
 
 #include <algorithm>
@@ -113,6 +114,8 @@ bool PlayQueue::start(const std::wstring& file) {
         // The control has told its own failures through Err; a device's come as a result alone.
         if (!errSeen_)
             report(describeResult(result, player_.errorText(result)));
+        if (const std::wstring words = missingLibraryWords(result, file); !words.empty())
+            report(words);
         remember(result);
         return false;
     }

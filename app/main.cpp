@@ -2,6 +2,7 @@
 // terminal.
 
 #include "ConsoleScreen.h"
+#include "DecoderLibraries.h"
 #include "ErrorWords.h"
 #include "FileReport.h"
 #include "Interrupt.h"
@@ -60,6 +61,8 @@ long showInfo(ConsoleScreen& screen, const std::wstring& file) {
         {{}, [&screen](const ErrorEvent& event) { screen.errorLine(describe(event)); }});
     const long result = player.open(file);
     if (result != 0) {
+        if (const std::wstring words = missingLibraryWords(result, file); !words.empty())
+            screen.errorLine(words);
         screen.errorLine(L"  " + file);
         return result;
     }

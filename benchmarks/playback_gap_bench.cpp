@@ -3,6 +3,7 @@
 #include "BareRing.h"
 #include "Figure.h"
 #include "support/BarePlayer.h"
+#include "support/Comparison.h"
 #include "support/Recording.h"
 #include "support/TempFolder.h"
 
@@ -16,7 +17,7 @@ constexpr std::size_t frames = 44100 * 45;
 constexpr auto deadline = std::chrono::seconds(60);
 
 // Silent stretches in a recording of a signal that is never silent; something missing without a
-// silence in its place counts as one.
+// silence in its place counts as one. Behind the signal comes what is left in the last block.
 int gapsIn(const test::Frames& signal, const test::Frames& heard) {
     int gaps = 0;
     bool silent = false;
@@ -25,7 +26,7 @@ int gapsIn(const test::Frames& signal, const test::Frames& heard) {
         gaps += nothing && !silent;
         silent = nothing;
     }
-    return gaps == 0 && test::firstDifference(signal, heard) ? 1 : gaps;
+    return gaps == 0 && test::compare(signal, heard).difference ? 1 : gaps;
 }
 
 // Gaps of what start() begins to play, heard to its end.

@@ -5,6 +5,9 @@
 #define IDR_MENU 1
 #define IDR_KEYS 2
 
+// Positions in the menu bar.
+#define POS_DISCS 1
+
 #define CMD_OPEN 100
 #define CMD_ADD 101
 #define CMD_REMOVE 102
@@ -23,6 +26,9 @@
 #define CMD_CURVE_COLOR 123
 #define CMD_BACKGROUND_COLOR 124
 #define CMD_ABOUT 130
+
+// From here on the tracks of discs (DiscMenu.h): 26 drives of 100 commands.
+#define CMD_DISCS 1000
 
 #define CTL_LIST 200
 #define CTL_SEEK 201

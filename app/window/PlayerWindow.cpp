@@ -47,6 +47,7 @@ PlayerWindow::PlayerWindow(PlayQueue& queue, const Options& options)
                               CW_USEDEFAULT, CW_USEDEFAULT, 0, 0, nullptr, nullptr, instance, this);
     if (!window_)
         _com_issue_error(HRESULT_FROM_WIN32(GetLastError()));
+    discs_ = DiscMenu(GetSubMenu(GetMenu(window_), POS_DISCS));
     controls_ = std::make_unique<PlayerControls>(window_);
     graph_ = std::make_unique<GraphView>(window_);
     applyColors();
@@ -111,6 +112,10 @@ LRESULT PlayerWindow::handle(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_DROPFILES:
         addFiles(takeDroppedFiles(reinterpret_cast<HANDLE>(wParam)), !queue_.isActive());
         return 0;
+    case WM_INITMENUPOPUP:
+        if (discs_.is(reinterpret_cast<HMENU>(wParam)))
+            discs_.fill();
+        return DefWindowProcW(window_, message, wParam, lParam);
     case WM_TIMER:
         onTimer();
         return 0;
@@ -208,6 +213,7 @@ void PlayerWindow::onCommand(int command, int notification) {
             chooseDevice();
         break;
     default:
+        addFiles(discs_.tracksOf(command), true);
         break;
     }
 }

@@ -6,6 +6,7 @@
 
 #include "Options.h"
 #include "PlayQueue.h"
+#include "window/DiscMenu.h"
 #include "window/GraphView.h"
 #include "window/PlayerControls.h"
 #include "window/Settings.h"
@@ -58,6 +59,7 @@ private:
     const bool posing_; // for a picture: nobody uses it, and it remembers nothing
     HWND window_ = nullptr;
     HACCEL keys_;
+    DiscMenu discs_{nullptr};
     std::unique_ptr<PlayerControls> controls_;
     std::unique_ptr<GraphView> graph_;
     std::vector<OutputDevice> devices_;

@@ -1,7 +1,7 @@
 #pragma once
 
-// The conversion functions of the audio compression manager. A user keeps the table by reference:
-// it must outlive the user.
+// The functions of the audio compression manager: conversion, and the codecs. A user keeps the
+// table by reference: it must outlive the user.
 
 #include <windows.h>
 
@@ -20,6 +20,9 @@ struct AcmApi {
     decltype(&::acmStreamConvert) streamConvert = &::acmStreamConvert;
     decltype(&::acmStreamUnprepareHeader) streamUnprepareHeader = &::acmStreamUnprepareHeader;
     decltype(&::acmStreamClose) streamClose = &::acmStreamClose;
+    decltype(&::acmDriverEnum) driverEnum = &::acmDriverEnum;
+    decltype(&::acmDriverOpen) driverOpen = &::acmDriverOpen;
+    decltype(&::acmDriverClose) driverClose = &::acmDriverClose;
 };
 
 inline const AcmApi systemAcmApi;

@@ -57,6 +57,8 @@ std::int32_t Player::Init(HWND window, ISubclass& client) {
     for (std::unique_ptr<cSoundSTRM>& source : platform_.makeSources())
         sources_.AddSource(std::move(source));
     engine_.Connect(window);
+    if (!codecs_)
+        codecs_.emplace(platform_.acm);
     return 0;
 }
 
@@ -68,6 +70,7 @@ std::int32_t Player::DeInit() {
             MSubclass::DetachMessage(client_, window_, message);
     // The device's messages do not arrive any more, so it cannot be closed by them.
     engine_.Disconnect();
+    codecs_.reset();
     if (cSoundSTRM* const source = std::exchange(source_, nullptr))
         source->CloseSource();
     return 0;
@@ -75,6 +78,7 @@ std::int32_t Player::DeInit() {
 
 void Player::Shutdown() noexcept {
     engine_.Disconnect();
+    codecs_.reset();
     if (client_) {
         for (const std::int32_t message : outputMessages)
             MSubclass::DetachMessage(client_, window_, message);

@@ -14,6 +14,7 @@
 //   still
 //             true, PlayStart starts a file, which that message then stops
 
+#include "platform/LoadedCodecs.h"
 #include "player/AudioDevices.h"
 #include "player/PlaybackEngine.h"
 #include "player/PlayerEvents.h"
@@ -22,6 +23,7 @@
 #include "player/TagTexts.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <windows.h>
 
@@ -91,6 +93,7 @@ private:
     cSoundSTRM* source_ = nullptr; // the current one, owned by sources_
     TagTexts tags_;
     std::wstring currentFile_;
+    std::optional<LoadedCodecs> codecs_; // from Init to DeInit: a start need not load them
     PlaybackEngine engine_;
     // Where messages are attached, and to whom. The wave-input messages stay attached after DeInit.
     HWND window_ = nullptr;

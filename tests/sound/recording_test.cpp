@@ -1,7 +1,7 @@
 // The measuring instrument itself: what a plain program plays is recorded bit for bit.
 
 #include "BareRing.h"
-#include "support/Comparison.h"
+#include "support/ExpectHeard.h"
 
 #include <gtest/gtest.h>
 
@@ -32,12 +32,12 @@ TEST(Recording, shows_where_one_sample_differs) {
     const Frames frames = signal(100);
     Frames other = frames;
     other[57].right ^= 1;
-    EXPECT_EQ(firstDifference(frames, other), 57u);
+    EXPECT_EQ(compare(frames, other).difference, 57u);
 }
 
 TEST(Recording, shows_that_the_end_is_missing) {
     const Frames frames = signal(100);
-    EXPECT_EQ(firstDifference(frames, Frames(frames.begin(), frames.end() - 1)), 99u);
+    EXPECT_EQ(compare(frames, Frames(frames.begin(), frames.end() - 1)).difference, 99u);
 }
 
 } // namespace

@@ -4,14 +4,11 @@
 //
 // Two things can go wrong, and they are not the same. A sample that is missing, repeated or changed
 // is the player's fault, always. Silence between two right samples is an underrun: the player may
-// have come late, but so does a sound server on a busy machine, with any program. So a test fails
-// at once on the first, and asks for another playback on the second, three times in all.
+// have come late, but so does a sound server on a busy machine, with any program.
 
 #include "support/Recording.h"
 
-#include <algorithm>
 #include <cstddef>
-#include <gtest/gtest.h>
 #include <optional>
 
 namespace corvina::test {
@@ -36,22 +33,6 @@ struct Comparison {
         }
     }
     return result;
-}
-
-// play: a function that plays once and returns what was heard, from its first sound on.
-template <typename Play>
-void expectHeard(const Frames& expected, Play play) {
-    constexpr int attempts = 3;
-    for (int attempt = 1; attempt <= attempts; ++attempt) {
-        const Frames heard = play();
-        const Comparison result = compare(expected, heard);
-        ASSERT_EQ(result.difference, std::nullopt)
-            << "of " << expected.size() << " frames; " << heard.size() << " were heard, silence of "
-            << result.underrunFrames << " frames among them";
-        if (result.exact())
-            return;
-    }
-    FAIL() << "each of " << attempts << " playbacks was interrupted by silence";
 }
 
 } // namespace corvina::test

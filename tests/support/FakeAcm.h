@@ -7,6 +7,7 @@
 #include "support/Faults.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <functional>
 #include <vector>
@@ -27,6 +28,7 @@ struct FakeAcm {
     Faults faults;
     int openStreams = 0;
     int preparedHeaders = 0;
+    int openDrivers = 0;
     std::vector<Opening> openings;
     std::vector<Conversion> conversions;
     std::vector<DWORD> measured;
@@ -101,6 +103,29 @@ inline MMRESULT WINAPI acmStreamClose(HACMSTREAM, DWORD) {
     return fakeAcm.faults.strikes("acmStreamClose") ? MMSYSERR_ERROR : 0;
 }
 
+// Two codecs are installed.
+inline MMRESULT WINAPI acmDriverEnum(ACMDRIVERENUMCB callback, DWORD_PTR instance, DWORD) {
+    if (fakeAcm.faults.strikes("acmDriverEnum"))
+        return MMSYSERR_NODRIVER;
+    for (const std::uintptr_t codec : {1, 2})
+        if (!callback(reinterpret_cast<HACMDRIVERID>(codec), instance, 0))
+            break;
+    return 0;
+}
+
+inline MMRESULT WINAPI acmDriverOpen(LPHACMDRIVER driver, HACMDRIVERID, DWORD) {
+    if (fakeAcm.faults.strikes("acmDriverOpen"))
+        return MMSYSERR_NODRIVER;
+    ++fakeAcm.openDrivers;
+    *driver = reinterpret_cast<HACMDRIVER>(&fakeAcm);
+    return 0;
+}
+
+inline MMRESULT WINAPI acmDriverClose(HACMDRIVER, DWORD) {
+    --fakeAcm.openDrivers;
+    return fakeAcm.faults.strikes("acmDriverClose") ? MMSYSERR_ERROR : 0;
+}
+
 } // namespace fake
 
 inline const AcmApi fakeAcmApi{fake::acmStreamOpen,
@@ -108,6 +133,9 @@ inline const AcmApi fakeAcmApi{fake::acmStreamOpen,
                                fake::acmStreamPrepareHeader,
                                fake::acmStreamConvert,
                                fake::acmStreamUnprepareHeader,
-                               fake::acmStreamClose};
+                               fake::acmStreamClose,
+                               fake::acmDriverEnum,
+                               fake::acmDriverOpen,
+                               fake::acmDriverClose};
 
 } // namespace corvina::test

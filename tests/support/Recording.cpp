@@ -93,12 +93,4 @@ Frames withoutSilenceBehind(Frames frames) {
     return frames;
 }
 
-std::optional<std::size_t> firstDifference(const Frames& expected, const Frames& heard) {
-    const auto [wanted, got] =
-        std::mismatch(expected.begin(), expected.end(), heard.begin(), heard.end());
-    if (wanted == expected.end() && got == heard.end())
-        return std::nullopt;
-    return static_cast<std::size_t>(wanted - expected.begin());
-}
-
 } // namespace corvina::test

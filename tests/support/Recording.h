@@ -45,9 +45,4 @@ private:
 // What is left of a recording behind its last sound.
 [[nodiscard]] Frames withoutSilenceBehind(Frames frames);
 
-// Index of the first frame in which the two differ, the shorter length where one goes on; nothing
-// where they are the same.
-[[nodiscard]] std::optional<std::size_t> firstDifference(const Frames& expected,
-                                                         const Frames& heard);
-
 } // namespace corvina::test

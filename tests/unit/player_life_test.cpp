@@ -68,6 +68,25 @@ TEST_F(PlayerLife, Init_with_no_window_raises_the_subclassing_error) {
     EXPECT_EQ(untouched.init(), 0) << "and can be called again";
 }
 
+TEST_F(PlayerLife, the_codecs_stay_loaded_from_Init_to_DeInit) {
+    const int ofOthers = fakeAcm.openDrivers;
+    ASSERT_EQ(untouched.init(), 0);
+    ASSERT_EQ(untouched.init(), 0);
+    EXPECT_EQ(fakeAcm.openDrivers, ofOthers + 2);
+    untouched.player.DeInit();
+    EXPECT_EQ(fakeAcm.openDrivers, ofOthers);
+}
+
+TEST_F(PlayerLife, the_codecs_are_let_go_by_a_player_that_dies_without_DeInit) {
+    const int ofOthers = fakeAcm.openDrivers;
+    {
+        BarePlayer brief(fakePlatform());
+        ASSERT_EQ(brief.init(), 0);
+        EXPECT_EQ(fakeAcm.openDrivers, ofOthers + 2);
+    }
+    EXPECT_EQ(fakeAcm.openDrivers, ofOthers);
+}
+
 TEST_F(PlayerLife, Init_on_another_window_moves_there) {
     HiddenWindow next;
     EXPECT_EQ(host.player.Init(next.handle(), host.client), 0);

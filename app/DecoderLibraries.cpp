@@ -1,0 +1,70 @@
+#include "DecoderLibraries.h"
+
+#include <algorithm>
+#include <array>
+#include <cwctype>
+#include <initializer_list>
+#include <memory>
+#include <windows.h>
+
+namespace corvina::app {
+
+namespace {
+
+constexpr long couldNotOpen = 3; // what PlayStart and OpenAudioFile answer
+
+struct Kind {
+    std::initializer_list<const wchar_t*> extensions;
+    std::initializer_list<const wchar_t*> libraries; // each may need those before it
+};
+
+const std::array<Kind, 4> kinds{{
+    {{L"ogg"}, {L"ogg.dll", L"vorbis.dll", L"vorbisfile.dll"}},
+    {{L"ape"}, {L"MACDll.dll"}},
+    {{L"au", L"snd", L"aif", L"aiff", L"aifc", L"voc", L"vox"}, {L"libsndfile.dll"}},
+    {{L"mp3", L"wma", L"wmv"}, {L"wmvcore.dll"}},
+}};
+
+struct LibraryCloser {
+    void operator()(HMODULE library) const noexcept { FreeLibrary(library); }
+};
+using Library = std::unique_ptr<std::remove_pointer_t<HMODULE>, LibraryCloser>;
+
+std::wstring extensionOf(const std::wstring& file) {
+    const std::size_t dot = file.find_last_of(L'.');
+    std::wstring extension = dot == std::wstring::npos ? L"" : file.substr(dot + 1);
+    std::transform(extension.begin(), extension.end(), extension.begin(),
+                   [](wchar_t letter) { return static_cast<wchar_t>(std::towlower(letter)); });
+    return extension;
+}
+
+std::wstring folderOfControl() {
+    std::wstring path(MAX_PATH, L'\0');
+    path.resize(
+        GetModuleFileNameW(GetModuleHandleW(L"Corvina.ocx"), path.data(), MAX_PATH));
+    return path.substr(0, path.find_last_of(L'\\') + 1);
+}
+
+bool loads(const std::wstring& name) {
+    return Library(LoadLibraryExW((folderOfControl() + name).c_str(), nullptr,
+                                  LOAD_WITH_ALTERED_SEARCH_PATH)) ||
+           Library(LoadLibraryW(name.c_str()));
+}
+
+} // namespace
+
+std::wstring missingLibraryWords(long result, const std::wstring& file) {
+    if (result != couldNotOpen)
+        return {};
+    const std::wstring extension = extensionOf(file);
+    for (const Kind& kind : kinds)
+        if (std::find(kind.extensions.begin(), kind.extensions.end(), extension) !=
+            kind.extensions.end())
+            for (const wchar_t* library : kind.libraries)
+                if (!loads(library))
+                    return std::wstring(library) + L" is missing or damaged, and without it no " +
+                           extension + L" file can be played.";
+    return {};
+}
+
+} // namespace corvina::app
