@@ -1,7 +1,7 @@
 #pragma once
 
-// The menu of CD drives and their tracks. It is filled afresh each time it opens, for discs come and
-// go.
+// The menu of CD drives and their tracks. It is filled afresh each time it opens, for discs come
+// and go.
 
 #include "Discs.h"
 

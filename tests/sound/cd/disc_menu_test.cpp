@@ -60,13 +60,13 @@ protected:
 
 constexpr int firstTrack = 2; // behind "Whole disc" and a line
 
-TEST_F(DiscsInMenu, are_listed_with_their_audio_tracks) {
+TEST_F(DiscsInMenu, are_listed_with_their_track_files) {
     const DiscImage disc({{true, 300}, {false, 300}, {true, 300}});
     d->load(disc);
     const HMENU menu = opened();
     EXPECT_EQ(lines(menu), (std::vector<std::wstring>{L"D:", L"E: no audio disc"}));
     EXPECT_EQ(lines(::GetSubMenu(menu, 0)),
-              (std::vector<std::wstring>{L"&Whole disc", L"", L"Track01", L"Track03"}));
+              (std::vector<std::wstring>{L"&Whole disc", L"", L"Track01", L"Track02", L"Track03"}));
 }
 
 TEST_F(DiscsInMenu, come_and_go_between_two_openings) {
