@@ -38,6 +38,19 @@ HRESULT borrow(IUnknown& aggregated, IUnknown& outer, Interface** result) {
     return found;
 }
 
+// For an instant after an open, while GStreamer goes back to the start, Wine's reader does not know
+// the format of a stream and fails so; a moment later the same call succeeds.
+template <typename Call>
+HRESULT onceFormatIsKnown(HRESULT failure, Call call) {
+    constexpr int mostMs = 50;
+    HRESULT result = call();
+    for (int waited = 0; result == failure && waited < mostMs; ++waited) {
+        ::Sleep(1);
+        result = call();
+    }
+    return result;
+}
+
 // Tells the length where there is no buffer, and copies where the buffer is large enough.
 template <typename Length, typename Element>
 bool handOut(const Element* from, std::size_t count, Element* buffer, Length* length) {
@@ -164,6 +177,18 @@ void SyncReader::addReaderAttribute(const wchar_t* name, WMT_ATTR_DATATYPE type)
         return;
     value.resize(length);
     attributes_.push_back({name, type, std::move(value)});
+}
+
+HRESULT SyncReader::SetOutputProps(DWORD outputNum, IWMOutputMediaProps* output) {
+    return onceFormatIsKnown(NS_E_INCOMPATIBLE_FORMAT, [=, this] {
+        return ForwardedReader::inner_->SetOutputProps(outputNum, output);
+    });
+}
+
+HRESULT SyncReader::GetOutputFormat(DWORD outputNum, DWORD formatNum, IWMOutputMediaProps** props) {
+    return onceFormatIsKnown(E_OUTOFMEMORY, [=, this] {
+        return ForwardedReader::inner_->GetOutputFormat(outputNum, formatNum, props);
+    });
 }
 
 HRESULT SyncReader::SetRange(QWORD start, LONGLONG duration) {

@@ -26,6 +26,9 @@ public:
     HRESULT STDMETHODCALLTYPE Open(const WCHAR* fileName) override;
     HRESULT STDMETHODCALLTYPE OpenStream(IStream* stream) override;
     HRESULT STDMETHODCALLTYPE Close() override;
+    HRESULT STDMETHODCALLTYPE SetOutputProps(DWORD outputNum, IWMOutputMediaProps* output) override;
+    HRESULT STDMETHODCALLTYPE GetOutputFormat(DWORD outputNum, DWORD formatNum,
+                                              IWMOutputMediaProps** props) override;
     HRESULT STDMETHODCALLTYPE SetRange(QWORD start, LONGLONG duration) override;
     HRESULT STDMETHODCALLTYPE SetRangeByFrame(WORD stream, QWORD frame, LONGLONG count) override;
     HRESULT STDMETHODCALLTYPE GetNextSample(WORD stream, INSSBuffer** sample, QWORD* time,
