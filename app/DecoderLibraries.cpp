@@ -1,5 +1,7 @@
 #include "DecoderLibraries.h"
 
+#include "ErrorWords.h"
+
 #include <algorithm>
 #include <array>
 #include <cwctype>
@@ -40,8 +42,7 @@ std::wstring extensionOf(const std::wstring& file) {
 
 std::wstring folderOfControl() {
     std::wstring path(MAX_PATH, L'\0');
-    path.resize(
-        GetModuleFileNameW(GetModuleHandleW(L"Corvina.ocx"), path.data(), MAX_PATH));
+    path.resize(GetModuleFileNameW(GetModuleHandleW(L"Corvina.ocx"), path.data(), MAX_PATH));
     return path.substr(0, path.find_last_of(L'\\') + 1);
 }
 
@@ -54,7 +55,7 @@ bool loads(const std::wstring& name) {
 } // namespace
 
 std::wstring missingLibraryWords(long result, const std::wstring& file) {
-    if (result != couldNotOpen)
+    if (result != couldNotOpen && result != comFailure)
         return {};
     const std::wstring extension = extensionOf(file);
     for (const Kind& kind : kinds)

@@ -31,6 +31,18 @@ std::wstring describe(const ErrorEvent& event) {
     return (where.empty() ? L"" : where + L": ") + withNumber(words, event.number);
 }
 
+std::wstring describe(const _com_error& error) {
+    if (error.Error() == REGDB_E_CLASSNOTREG)
+        return L"Corvina.ocx is not registered: run regsvr32 Corvina.ocx.";
+    const _bstr_t words = error.Description();
+    if (words.length() > 0)
+        return static_cast<const wchar_t*>(words);
+    wchar_t number[32];
+    swprintf(number, std::size(number), L"COM error 0x%08lX",
+             static_cast<unsigned long>(error.Error()));
+    return number;
+}
+
 std::wstring describeResult(long result, const std::wstring& controlText) {
     return withNumber(controlText.empty() ? deviceWords(result) : controlText, result);
 }

@@ -4,9 +4,16 @@
 
 #include "PlayerEvents.h"
 
+#include <comdef.h>
+
 #include <string>
 
 namespace corvina::app {
+
+// What stands for the control's result where it raised an error instead.
+constexpr long comFailure = 99;
+
+[[nodiscard]] std::wstring describe(const _com_error& error);
 
 // "waveOutWrite: The device handle is invalid. (5)"
 [[nodiscard]] std::wstring describe(const ErrorEvent& event);

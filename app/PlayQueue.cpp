@@ -109,7 +109,14 @@ bool PlayQueue::start(const std::wstring& file) {
     following_ = current_ + 1;
     errSeen_ = false;
     const long second = std::exchange(startSecond_, 0);
-    const long result = player_.start(file, device_);
+    long result = 0;
+    try {
+        result = player_.start(file, device_);
+    } catch (const _com_error& error) {
+        errSeen_ = true;
+        report(describe(error));
+        result = comFailure;
+    }
     if (result != 0) {
         // The control has told its own failures through Err; a device's come as a result alone.
         if (!errSeen_)

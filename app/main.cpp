@@ -18,8 +18,6 @@ namespace corvina::app {
 
 namespace {
 
-constexpr int comFailureExit = 99;
-
 std::vector<std::wstring> commandLine() {
     int count = 0;
     const std::unique_ptr<LPWSTR, decltype(&LocalFree)> texts(
@@ -59,7 +57,13 @@ void listDevices(ConsoleScreen& screen) {
 long showInfo(ConsoleScreen& screen, const std::wstring& file) {
     PlayerClient player(
         {{}, [&screen](const ErrorEvent& event) { screen.errorLine(describe(event)); }});
-    const long result = player.open(file);
+    long result = 0;
+    try {
+        result = player.open(file);
+    } catch (const _com_error& error) {
+        screen.errorLine(describe(error));
+        result = comFailure;
+    }
     if (result != 0) {
         if (const std::wstring words = missingLibraryWords(result, file); !words.empty())
             screen.errorLine(words);
@@ -69,18 +73,6 @@ long showInfo(ConsoleScreen& screen, const std::wstring& file) {
     for (const std::wstring& line : reportFile(player, file))
         screen.line(line);
     return 0;
-}
-
-std::wstring describe(const _com_error& error) {
-    if (error.Error() == REGDB_E_CLASSNOTREG)
-        return L"Corvina.ocx is not registered: run regsvr32 Corvina.ocx.";
-    const _bstr_t words = error.Description();
-    if (words.length() > 0)
-        return static_cast<const wchar_t*>(words);
-    wchar_t number[32];
-    swprintf(number, std::size(number), L"COM error 0x%08lX",
-             static_cast<unsigned long>(error.Error()));
-    return number;
 }
 
 int run(ConsoleScreen& screen) {
@@ -106,7 +98,7 @@ int run(ConsoleScreen& screen) {
         return static_cast<int>(Session(options, screen, interrupt).run());
     } catch (const _com_error& error) {
         screen.errorLine(describe(error));
-        return comFailureExit;
+        return comFailure;
     }
 }
 
