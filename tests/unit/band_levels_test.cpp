@@ -1,20 +1,20 @@
 #include "graph/BandLevels.h"
+#include "support/Limits.h"
 #include "support/SampleBlocks.h"
 
 #include <algorithm>
 #include <cmath>
 #include <gtest/gtest.h>
-#include <limits>
 #include <vector>
 
 namespace corvina {
 namespace {
 
 using test::bufferOf;
+using test::highest;
+using test::lowest;
 using test::silence;
 using test::sine;
-
-constexpr std::int32_t highest = std::numeric_limits<std::int32_t>::max();
 
 std::vector<double> levelsOf(const BandLevels& bands, std::size_t count = BandLevels::capacity) {
     const auto levels = bands.levels().first(count);
@@ -180,7 +180,7 @@ TEST(BandLevels, the_highest_numbers_of_bands_leave_the_weight_at_zero) {
 }
 
 TEST(BandLevels, no_bands_leave_every_level_as_it_was) {
-    for (const std::int32_t none : {0, -1, -3, std::numeric_limits<std::int32_t>::min()}) {
+    for (const std::int32_t none : {0, -1, -3, lowest}) {
         BandLevels bands = after(sine(18, 32767), 50);
         const auto before = levelsOf(bands);
         bands.update(sine(100, 32767), none);

@@ -5,11 +5,11 @@
 #include "support/FakeAspi.h"
 #include "support/FakeBackend.h"
 #include "support/FakeDrives.h"
+#include "support/Limits.h"
 
 #include <array>
 #include <cstring>
 #include <gmock/gmock.h>
-#include <limits>
 
 namespace corvina {
 namespace {
@@ -17,10 +17,9 @@ namespace {
 using test::DriveRequest;
 using test::FakeAspi;
 using test::FakeDrives;
+using test::highest;
+using test::lowest;
 using testing::ElementsAre;
-
-constexpr auto highest = std::numeric_limits<std::int32_t>::max();
-constexpr auto lowest = std::numeric_limits<std::int32_t>::min();
 
 class AspiBackend : public testing::Test {
 protected:

@@ -2,14 +2,15 @@
 #include "cd/DriveTable.h"
 #include "cd/cTOC.h"
 #include "runtime/RuntimeError.h"
+#include "support/Limits.h"
 
 #include <gtest/gtest.h>
-#include <limits>
 
 namespace corvina {
 namespace {
 
-constexpr auto highest = std::numeric_limits<std::int32_t>::max();
+using test::highest;
+using test::lowest;
 
 cTOCTrack trackWithByte1(int adrAndControl) {
     cTOCTrack track;
@@ -146,7 +147,7 @@ TEST(CdTable, writing_the_count_discards_every_entry) {
 TEST(CdTable, an_index_outside_gives_nothing) {
     cTOC table;
     table.TrackCount(3);
-    for (const std::int32_t index : {-1, 0, 4, highest, std::numeric_limits<std::int32_t>::min()})
+    for (const std::int32_t index : {-1, 0, 4, highest, lowest})
         EXPECT_EQ(table.track(index), nullptr) << index;
 }
 

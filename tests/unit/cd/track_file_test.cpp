@@ -3,22 +3,21 @@
 #include "runtime/RuntimeError.h"
 #include "sources/DecCDA.h"
 #include "support/FakeBackend.h"
+#include "support/Limits.h"
 #include "support/TrackFile.h"
 
 #include <fstream>
 #include <gmock/gmock.h>
-#include <limits>
 
 namespace corvina {
 namespace {
 
 using test::FakeBackends;
 using test::FakeDisc;
+using test::highest;
+using test::lowest;
 using test::trackFile;
 using testing::ElementsAre;
-
-constexpr auto highest = std::numeric_limits<std::int32_t>::max();
-constexpr auto lowest = std::numeric_limits<std::int32_t>::min();
 
 int filesOpened = 0;
 int filesClosed = 0;

@@ -1,0 +1,141 @@
+// The graph control kept and loaded again: property bag, stream, storage.
+
+#include "GraphControlFixture.h"
+#include "Keeping.h"
+
+#include <vector>
+
+using namespace corvina;
+using namespace corvina::test;
+
+namespace {
+
+void changeEverything(_cAudioGraph& graph) {
+    graph.put_GraphStyle(AMPLITUDE_STYLE);
+    graph.put_Bands(20);
+    graph.put_BandsSpace(4);
+    graph.put_BandsWidth(7);
+    graph.put_BackgroundColor(0x80000005);
+    graph.put_AmplitudeColor(red);
+    graph.put_FreqColor(blue);
+    graph.put_BorderStyle(StyleFixed);
+}
+
+void expectEverythingChanged(_cAudioGraph& graph) {
+    AudioGraphStyle style{};
+    BorderStyle border{};
+    long bands = 0, space = 0, width = 0;
+    OLE_COLOR background = 0, amplitude = 0, frequency = 0;
+    graph.get_GraphStyle(&style);
+    graph.get_Bands(&bands);
+    graph.get_BandsSpace(&space);
+    graph.get_BandsWidth(&width);
+    graph.get_BackgroundColor(&background);
+    graph.get_AmplitudeColor(&amplitude);
+    graph.get_FreqColor(&frequency);
+    graph.get_BorderStyle(&border);
+    EXPECT_EQ(AMPLITUDE_STYLE, style);
+    EXPECT_EQ(20, bands);
+    EXPECT_EQ(4, space);
+    EXPECT_EQ(7, width);
+    EXPECT_EQ(0x80000005U, background);
+    EXPECT_EQ(red, amplitude);
+    EXPECT_EQ(blue, frequency);
+    EXPECT_EQ(StyleFixed, border);
+}
+
+TEST_F(GraphControl, a_property_bag_keeps_everything_under_its_name) {
+    Bag bag;
+    changeEverything(*graph.get());
+    ASSERT_EQ(S_OK, as<IPersistPropertyBag>()->Save(&bag, TRUE, FALSE));
+    for (const wchar_t* name :
+         {L"GraphStyle", L"Bands", L"BandsSpace", L"BandsWidth", L"BackgroundColor",
+          L"AmplitudeColor", L"FreqColor", L"BorderStyle"})
+        EXPECT_TRUE(bag.has(name)) << name;
+    const auto other = create<_cAudioGraph>(CLSID_cAudioGraph);
+    ASSERT_EQ(S_OK, other.query<IPersistPropertyBag>()->Load(&bag, nullptr));
+    expectEverythingChanged(*other.get());
+}
+
+TEST_F(GraphControl, a_bag_without_a_name_brings_the_default) {
+    Bag bag;
+    bag.put(L"Bands", Variant(12L));
+    changeEverything(*graph.get());
+    ASSERT_EQ(S_OK, as<IPersistPropertyBag>()->Load(&bag, nullptr));
+    long bands = 0, width = 0;
+    graph->get_Bands(&bands);
+    graph->get_BandsWidth(&width);
+    EXPECT_EQ(12, bands);
+    EXPECT_EQ(3, width);
+}
+
+TEST_F(GraphControl, foreign_values_in_a_bag_are_replaced_by_the_defaults) {
+    Bag bag;
+    bag.put(L"GraphStyle", Variant(9L));
+    bag.put(L"BorderStyle", Variant(-2L));
+    bag.put(L"Bands", Variant(L"many"));
+    ASSERT_EQ(S_OK, as<IPersistPropertyBag>()->Load(&bag, nullptr));
+    AudioGraphStyle style{};
+    BorderStyle border = StyleFixed;
+    long bands = 0;
+    graph->get_GraphStyle(&style);
+    graph->get_BorderStyle(&border);
+    graph->get_Bands(&bands);
+    EXPECT_EQ(FREQUENCY_STYLE, style);
+    EXPECT_EQ(StyleNone, border);
+    EXPECT_EQ(50, bands);
+}
+
+TEST_F(GraphControl, a_stream_keeps_everything) {
+    const auto stream = memoryStream();
+    changeEverything(*graph.get());
+    ASSERT_EQ(S_OK, as<IPersistStreamInit>()->Save(stream.get(), TRUE));
+    rewind(stream);
+    const auto other = create<_cAudioGraph>(CLSID_cAudioGraph);
+    ASSERT_EQ(S_OK, other.query<IPersistStreamInit>()->Load(stream.get()));
+    expectEverythingChanged(*other.get());
+}
+
+TEST_F(GraphControl, a_storage_keeps_everything) {
+    ComPtr<ILockBytes> bytes;
+    ::CreateILockBytesOnHGlobal(nullptr, TRUE, bytes.put());
+    ComPtr<IStorage> storage;
+    ASSERT_EQ(S_OK, ::StgCreateDocfileOnILockBytes(
+                        bytes.get(), STGM_CREATE | STGM_READWRITE | STGM_SHARE_EXCLUSIVE, 0,
+                        storage.put()));
+    changeEverything(*graph.get());
+    ASSERT_EQ(S_OK, as<IPersistStorage>()->Save(storage.get(), FALSE));
+    const auto other = create<_cAudioGraph>(CLSID_cAudioGraph);
+    ASSERT_EQ(S_OK, other.query<IPersistStorage>()->Load(storage.get()));
+    expectEverythingChanged(*other.get());
+}
+
+TEST_F(GraphControl, every_shortened_stream_is_refused_or_leaves_the_rest_at_the_defaults) {
+    const auto stream = memoryStream();
+    changeEverything(*graph.get());
+    as<IPersistStreamInit>()->Save(stream.get(), TRUE);
+    std::vector<char> bytes(200);
+    rewind(stream);
+    ULONG length = 0;
+    stream->Read(bytes.data(), 200, &length);
+    for (ULONG kept = 0; kept < length; ++kept) {
+        const auto shortened = memoryStream();
+        shortened->Write(bytes.data(), kept, nullptr);
+        rewind(shortened);
+        const auto other = create<_cAudioGraph>(CLSID_cAudioGraph);
+        EXPECT_TRUE(FAILED(other.query<IPersistStreamInit>()->Load(shortened.get()))) << kept;
+        long bands = 0;
+        other->get_Bands(&bands);
+        EXPECT_EQ(50, bands) << kept;
+        EXPECT_EQ(S_OK, other->Display());
+    }
+}
+
+TEST_F(GraphControl, a_loaded_graph_shows_its_own_background) {
+    Bag bag;
+    bag.put(L"BackgroundColor", Variant(static_cast<long>(blue)));
+    ASSERT_EQ(S_OK, as<IPersistPropertyBag>()->Load(&bag, nullptr));
+    EXPECT_EQ(200 * 100, drawn({200, 100}).count(blue));
+}
+
+} // namespace

@@ -1,0 +1,168 @@
+// The graph painted at other sizes, into other frames and into a metafile; where a bar
+// stands.
+
+#include "GraphFixture.h"
+#include "graph/Painting.h"
+#include "support/FreeGdiObjects.h"
+#include "support/Limits.h"
+
+namespace corvina::test {
+namespace {
+
+// Plays records as they were recorded, without the scaling of a whole metafile.
+int CALLBACK playRecord(HDC, HANDLETABLE* table, const ENHMETARECORD* record, int handles,
+                        LPARAM target) {
+    return ::PlayEnhMetaFileRecord(reinterpret_cast<HDC>(target), table, record,
+                                   static_cast<UINT>(handles));
+}
+
+TEST_F(Graph, is_drawn_anew_at_another_size) {
+    take(sineBlock(53, 32767));
+    display();
+    resize({500, 300});
+    paint();
+    EXPECT_EQ(barHeight(40, green), 300);
+    EXPECT_EQ(count(white), 0);
+}
+
+TEST_F(Graph, the_waveform_is_drawn_anew_at_another_size) {
+    settings_.style = GraphStyle::amplitude;
+    take(std::vector<std::int16_t>(511, 16384));
+    display();
+    resize({100, 50});
+    paint();
+    EXPECT_EQ(pixel(50, 37), green); // 23 * 0.5 + 25 = 36.5004
+}
+
+TEST_F(Graph, a_larger_frame_shows_the_whole_picture_enlarged) {
+    take(sineBlock(53, 32767));
+    display();
+    Surface paper;
+    ASSERT_TRUE(paper.resize({820, 620}));
+    graph_.paint(paper.dc(), {10, 20, 810, 620}, size_);
+    EXPECT_EQ(::GetPixel(paper.dc(), 10 + 80, 20), green);
+    EXPECT_EQ(::GetPixel(paper.dc(), 10 + 85, 619), green);
+    EXPECT_NE(::GetPixel(paper.dc(), 10 + 86, 300), green);
+}
+
+TEST_F(Graph, a_metafile_played_back_shows_the_same_picture) {
+    for (const auto style : {GraphStyle::amplitude, GraphStyle::frequency})
+        for (const bool border : {false, true}) {
+            settings_.style = style;
+            settings_.border = border;
+            take(sineBlock(53, 20000));
+            display();
+            const HDC recording = ::CreateEnhMetaFileW(canvas_.dc(), nullptr, nullptr, nullptr);
+            graph_.paint(recording, {0, 0, 400, 200}, size_);
+            const HENHMETAFILE metafile = ::CloseEnhMetaFile(recording);
+            ENHMETAHEADER header{};
+            ::GetEnhMetaFileHeader(metafile, sizeof header, &header);
+            // A picture of lines and areas, not of the surface's pixels.
+            EXPECT_LT(header.nBytes, 60000U);
+            Surface played;
+            ASSERT_TRUE(played.resize(size_));
+            played.BackColor(white);
+            played.Cls();
+            ::EnumEnhMetaFile(nullptr, metafile, &playRecord, played.dc(), nullptr);
+            ::DeleteEnhMetaFile(metafile);
+            int different = 0;
+            for (int y = 0; y < 200; ++y)
+                for (int x = 0; x < 400; ++x)
+                    different += ::GetPixel(played.dc(), x, y) != pixel(x, y);
+            EXPECT_EQ(different, 0);
+        }
+}
+
+TEST_F(Graph, nothing_is_drawn_outside_the_frame) {
+    settings_.style = GraphStyle::amplitude;
+    take(std::vector<std::int16_t>(511, 16384));
+    display();
+    Surface paper;
+    ASSERT_TRUE(paper.resize({600, 400}));
+    paper.BackColor(white);
+    paper.Cls();
+    graph_.paint(paper.dc(), {100, 100, 300, 200}, size_);
+    for (int y = 0; y < 400; ++y)
+        for (int x = 0; x < 600; ++x)
+            if (x < 100 || x >= 300 || y < 100 || y >= 200) {
+                ASSERT_EQ(::GetPixel(paper.dc(), x, y), white) << x << ", " << y;
+            }
+}
+
+TEST_F(Graph, any_number_and_size_of_bands_is_drawn_or_left_out) {
+    take(sineBlock(53, 32767));
+    for (const std::int32_t bands : {0, -1, 1, 1024, 1025, highest, lowest})
+        for (const std::int32_t width : {0, -1, 3, 1025, highest, lowest})
+            for (const std::int32_t space : {0, -1, -3, 1025, highest, lowest}) {
+                settings_.bands = bands;
+                settings_.bandsWidth = width;
+                settings_.bandsSpace = space;
+                display();
+                if (bands <= 0 || width <= 0) {
+                    EXPECT_EQ(count(black), 400 * 200) << bands << ' ' << width << ' ' << space;
+                }
+            }
+}
+
+TEST_F(Graph, any_size_is_displayed) {
+    take(sineBlock(53, 32767));
+    for (const SIZE size : {SIZE{0, 0}, SIZE{1, 1}, SIZE{2, 2}, SIZE{0, 200}, SIZE{400, 0},
+                            SIZE{32767, 1}, SIZE{1, 32767}, SIZE{32767, 32767}, SIZE{-1, -1},
+                            SIZE{highest, highest}, SIZE{lowest, lowest}})
+        for (const auto style : {GraphStyle::amplitude, GraphStyle::frequency})
+            for (const bool border : {false, true}) {
+                settings_.style = style;
+                settings_.border = border;
+                graph_.display(settings_, size, [] {});
+                graph_.paint(canvas_.dc(), {0, 0, 400, 200}, size);
+            }
+    size_ = {400, 200};
+    settings_ = {};
+    display();
+    EXPECT_EQ(barHeight(40, green), 200);
+}
+
+TEST_F(Graph, a_picture_too_large_for_memory_is_still_painted) {
+    take(sineBlock(53, 32767));
+    graph_.display(settings_, {32767, 32767}, [] {});
+    graph_.paint(canvas_.dc(), {0, 0, 32767, 32767}, {32767, 32767});
+    EXPECT_EQ(pixel(40, 100), green);
+    EXPECT_EQ(pixel(43, 100), black);
+}
+
+TEST_F(Graph, a_hundred_pictures_leave_no_gdi_object_behind) {
+    const auto draw = [&] {
+        for (int picture = 0; picture < 100; ++picture) {
+            settings_.style = picture % 2 ? GraphStyle::amplitude : GraphStyle::frequency;
+            settings_.border = picture % 3 == 0;
+            graph_.display(settings_, {100 + picture % 7, 100}, [] {});
+            graph_.paint(canvas_.dc(), {0, 0, 50, 50}, {50, 50});
+        }
+    };
+    draw();
+    const std::size_t before = freeGdiObjects();
+    draw();
+    EXPECT_EQ(freeGdiObjects(), before);
+    EXPECT_GT(before, 1000U);
+}
+
+TEST(BarRectangle, stands_on_the_lower_edge_with_its_height_rounded) {
+    const RECT bar = barRectangle(2, 0.5, {.bandsSpace = 1, .bandsWidth = 3}, 101);
+    EXPECT_EQ(bar.left, 8);
+    EXPECT_EQ(bar.right, 11);
+    EXPECT_EQ(bar.top, 50); // 50.5, half to even
+    EXPECT_EQ(bar.bottom, 101);
+}
+
+TEST(BarRectangle, full_level_reaches_the_top_and_level_zero_has_no_height) {
+    EXPECT_EQ(barRectangle(0, 1.0, {}, 200).top, 0);
+    EXPECT_EQ(barRectangle(0, 0.0, {}, 200).top, 200);
+}
+
+TEST(BarRectangle, is_empty_where_its_place_overflows) {
+    const RECT bar = barRectangle(1000, 1.0, {.bandsSpace = highest, .bandsWidth = highest}, 200);
+    EXPECT_TRUE(::IsRectEmpty(&bar));
+}
+
+} // namespace
+} // namespace corvina::test

@@ -1,0 +1,60 @@
+// Opening a drive as a device, and asking for its SCSI address.
+
+#include "DeviceBackendsFixture.h"
+
+#include <cstring>
+#include <gmock/gmock.h>
+
+namespace corvina::test {
+namespace {
+
+using testing::ElementsAre;
+
+TEST(DriveDevice, uses_the_first_character_of_the_drive_text) {
+    FakeDrives machine;
+    machine.addCdRom('D');
+    const DriveDevice devices = fakeDevices();
+    FileRecord device = devices.OpenDriveDevice(L"D:\\Track01.cda", GENERIC_READ);
+    EXPECT_TRUE(device.isOpen());
+    EXPECT_THAT(machine.opened, ElementsAre("\\\\.\\D:"));
+    devices.close(device);
+}
+
+TEST(DriveDevice, of_no_text_opens_nothing) {
+    FakeDrives machine;
+    EXPECT_FALSE(fakeDevices().OpenDriveDevice(L"", GENERIC_READ).isOpen());
+    EXPECT_TRUE(machine.opened.empty());
+}
+
+TEST(DriveDevice, asks_for_the_scsi_address_with_8_bytes_both_ways_and_closes) {
+    FakeDrives machine;
+    machine.addCdRom('D');
+    machine.answer = [](const DriveRequest& request) {
+        const std::uint8_t address[8] = {8, 0, 0, 0, 1, 2, 3, 4};
+        std::memcpy(request.output, address, 8);
+        return true;
+    };
+    const auto address = fakeDevices().GetScsiAddress(L"D");
+    ASSERT_TRUE(address);
+    EXPECT_EQ(address->PortNumber, 1);
+    EXPECT_EQ(address->PathId, 2);
+    EXPECT_EQ(address->TargetId, 3);
+    EXPECT_EQ(address->Lun, 4);
+    ASSERT_EQ(machine.requests.size(), 1u);
+    EXPECT_EQ(machine.requests[0].code, 0x41018u);
+    EXPECT_EQ(machine.requests[0].input.size(), 8u);
+    EXPECT_EQ(machine.requests[0].outputBytes, 8u);
+    EXPECT_TRUE(machine.open.empty());
+}
+
+TEST(DriveDevice, a_drive_that_does_not_tell_has_no_scsi_address_and_is_closed) {
+    FakeDrives machine;
+    machine.addCdRom('D');
+    machine.answer = [](const DriveRequest&) { return false; };
+    EXPECT_FALSE(fakeDevices().GetScsiAddress(L"D"));
+    EXPECT_FALSE(fakeDevices().GetScsiAddress(L"E"));
+    EXPECT_TRUE(machine.open.empty());
+}
+
+} // namespace
+} // namespace corvina::test

@@ -1,0 +1,77 @@
+#pragma once
+
+// DecSND over a stand-in for libsndfile that writes every call down.
+
+#include "sources/DecSND.h"
+#include "support/StandIns.h"
+
+#include <cstdint>
+#include <gtest/gtest.h>
+#include <optional>
+#include <string>
+
+namespace corvina::test {
+
+inline constexpr std::int32_t handle = 0x5F11E;
+
+// What the stand-in answers.
+struct SndAnswers {
+    std::int32_t open = handle;
+    SndfileInfo info{1000, 0, 1000, 2, 0x030002, 1, 1, 0};
+    std::int32_t end = 1000;    // sf_seek to the end
+    std::int32_t current = 0;   // sf_seek by 0
+    std::int32_t readItems = 0; // sf_read_short
+};
+
+class SndCalls : public testing::Test {
+protected:
+    SndCalls() {
+        answers = {};
+        libraries.add("libsndfile.dll", {{"sf_open", standIn(&sfOpen)},
+                                         {"sf_seek", standIn(&sfSeek)},
+                                         {"sf_read_short", standIn(&sfReadShort)},
+                                         {"sf_close", standIn(&sfClose)}});
+    }
+
+    DecSND& opened() {
+        source_.emplace(StandIns::api());
+        EXPECT_EQ(source_->OpenSource(L"a.au"), 0);
+        libraries.calls.clear();
+        return *source_;
+    }
+
+    static std::int32_t seek(DecSND& source, std::int32_t value, std::int32_t mode) {
+        return source.SeekTo(value, mode);
+    }
+
+    static inline SndAnswers answers;
+    static inline std::string openedPath;
+    StandIns libraries;
+
+private:
+    static std::int32_t __cdecl sfOpen(const char* path, std::int32_t mode, SndfileInfo* info) {
+        openedPath = path;
+        StandIns::record("sf_open", {mode});
+        if (answers.open != 0)
+            *info = answers.info;
+        return answers.open;
+    }
+    static std::int32_t __cdecl sfSeek(std::int32_t file, std::int32_t low, std::int32_t high,
+                                       std::int32_t whence) {
+        StandIns::record("sf_seek", {file, low, high, whence});
+        return whence == 2 ? answers.end : whence == 1 ? answers.current : low;
+    }
+    static std::int32_t __cdecl sfReadShort(std::int32_t file, std::int32_t buffer,
+                                            std::int32_t low, std::int32_t high) {
+        StandIns::record("sf_read_short", {file, buffer, low, high});
+        return answers.readItems;
+    }
+    static std::int32_t __cdecl sfClose(std::int32_t file) {
+        StandIns::record("sf_close", {file});
+        return 0;
+    }
+
+    std::optional<DecSND> source_;
+};
+
+} // namespace corvina::test

@@ -1,0 +1,262 @@
+// The playback engine in mid-play: stopping, pausing, starting again, and looking at what plays.
+
+#include "PlaybackFixture.h"
+#include "support/ProcessObjects.h"
+
+#include <cstring>
+
+namespace corvina::test {
+namespace {
+
+using ::testing::Each;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+TEST_F(Playback, starting_while_playing_answers_minus_201_and_leaves_the_playback_alone) {
+    startAndFill();
+    takeLog();
+    script.log.clear();
+    EXPECT_EQ(start(), -201);
+    EXPECT_THAT(takeLog(), IsEmpty());
+    EXPECT_THAT(script.log, IsEmpty());
+    EXPECT_THAT(host.events, IsEmpty());
+    playOut();
+    EXPECT_TRUE(std::equal(script.data.begin(), script.data.end(), fakeWave.written.begin()));
+}
+
+TEST_F(Playback, starting_while_the_buffers_come_back_answers_minus_201) {
+    startAndFill();
+    host.player.PlayStop();
+    EXPECT_EQ(start(), -201);
+    dispatchWaitingMessages();
+    EXPECT_EQ(start(), 0);
+}
+
+TEST_F(Playback, stopping_resets_and_closes_the_source_at_once) {
+    startAndFill();
+    takeLog();
+    script.log.clear();
+    EXPECT_EQ(host.player.PlayStop(), 0);
+    EXPECT_THAT(takeLog(), ElementsAre("Reset"));
+    EXPECT_THAT(script.log, ElementsAre(L"Close"));
+    EXPECT_EQ(fakeAcm.openStreams, 0);
+    EXPECT_TRUE(fakeWave.open) << "the device closes when its eight buffers have come back";
+    EXPECT_TRUE(host.player.IsPlaying());
+}
+
+TEST_F(Playback, stopping_ends_with_the_same_events_as_the_end_of_the_file) {
+    startAndFill();
+    host.player.PlayStop();
+    dispatchWaitingMessages();
+    EXPECT_EQ(host.events, endOfPlayback);
+    EXPECT_FALSE(fakeWave.open);
+    expectTheNextPlaybackWorks();
+}
+
+TEST_F(Playback, stopping_before_the_ring_is_filled_ends_too) {
+    ASSERT_EQ(start(), 0);
+    host.player.PlayStop();
+    dispatchWaitingMessages();
+    EXPECT_EQ(fakeWave.writes, 0);
+    EXPECT_EQ(host.events, endOfPlayback);
+    expectTheNextPlaybackWorks();
+}
+
+TEST_F(Playback, stopping_twice_resets_again) {
+    startAndFill();
+    EXPECT_EQ(host.player.PlayStop(), 0);
+    EXPECT_EQ(host.player.PlayStop(), 0);
+    EXPECT_EQ(callsOf("Reset"), 2);
+    dispatchWaitingMessages();
+    EXPECT_EQ(host.events, endOfPlayback);
+}
+
+TEST_F(Playback, stopping_while_paused_ends) {
+    startAndFill();
+    ASSERT_EQ(host.player.PlayPause(), 0);
+    EXPECT_EQ(host.player.PlayStop(), 0);
+    dispatchWaitingMessages();
+    EXPECT_EQ(host.events, endOfPlayback);
+    EXPECT_TRUE(host.player.IsPausedOut()) << "only the next start clears it";
+    ASSERT_EQ(start(), 0);
+    EXPECT_FALSE(host.player.IsPausedOut());
+}
+
+TEST_F(Playback, stopping_when_nothing_plays_answers_0_and_raises_nothing) {
+    EXPECT_EQ(host.player.PlayStop(), 0);
+    EXPECT_THAT(fakeWave.log, IsEmpty());
+    EXPECT_THAT(host.events, IsEmpty());
+}
+
+TEST_F(Playback, a_pause_holds_the_ring_and_going_on_loses_nothing) {
+    startAndFill();
+    EXPECT_EQ(host.player.PlayPause(), 0);
+    EXPECT_TRUE(host.player.IsPausedOut());
+    EXPECT_FALSE(fakeWave.finishOne());
+    EXPECT_EQ(host.player.PlayUnPause(), 0);
+    EXPECT_FALSE(host.player.IsPausedOut());
+    playOut();
+    EXPECT_TRUE(std::equal(script.data.begin(), script.data.end(), fakeWave.written.begin()));
+}
+
+TEST_F(Playback, pausing_when_nothing_plays_answers_the_devices_refusal) {
+    EXPECT_EQ(host.player.PlayPause(), MMSYSERR_INVALHANDLE);
+    EXPECT_EQ(host.player.PlayUnPause(), MMSYSERR_INVALHANDLE);
+    EXPECT_FALSE(host.player.IsPausedOut());
+}
+
+TEST_F(Playback, a_failed_pause_changes_nothing) {
+    startAndFill();
+    fakeWave.faults.arm("waveOutPause", 1, Faults::Lasting::once, MMSYSERR_NOTSUPPORTED);
+    EXPECT_EQ(host.player.PlayPause(), MMSYSERR_NOTSUPPORTED);
+    EXPECT_FALSE(host.player.IsPausedOut());
+    ASSERT_EQ(host.player.PlayPause(), 0);
+    fakeWave.faults.arm("waveOutRestart", 1, Faults::Lasting::once, MMSYSERR_NOTSUPPORTED);
+    EXPECT_EQ(host.player.PlayUnPause(), MMSYSERR_NOTSUPPORTED);
+    EXPECT_TRUE(host.player.IsPausedOut());
+}
+
+TEST_F(Playback, AudioDataOut_is_0_before_the_first_playback) {
+    EXPECT_EQ(host.player.AudioDataOut(), 0);
+}
+
+TEST_F(Playback, AudioDataOut_shows_1024_silent_samples_before_the_first_refill) {
+    ASSERT_EQ(start(), 0);
+    const auto* samples = reinterpret_cast<const std::int16_t*>(host.player.AudioDataOut());
+    ASSERT_NE(samples, nullptr);
+    EXPECT_THAT(std::vector<std::int16_t>(samples, samples + 1024), Each(0));
+}
+
+TEST_F(Playback, AudioDataOut_is_a_copy_of_the_last_block_at_a_new_address_each_time) {
+    ASSERT_EQ(start(), 0);
+    std::int32_t before = host.player.AudioDataOut();
+    dispatchWaitingMessages();
+    for (std::size_t block = 8; block < 40; ++block) {
+        fakeWave.finishOne();
+        dispatchWaitingMessages();
+        const std::int32_t address = host.player.AudioDataOut();
+        ASSERT_NE(address, before);
+        ASSERT_EQ(std::memcmp(reinterpret_cast<const void*>(address),
+                              script.data.data() + block * buffer, buffer),
+                  0);
+        before = address;
+    }
+}
+
+TEST_F(Playback, AudioDataOut_stays_readable_after_the_end) {
+    startAndFill();
+    playOut();
+    const auto* samples = reinterpret_cast<const std::uint8_t*>(host.player.AudioDataOut());
+    ASSERT_GE(fakeWave.written.size(), buffer);
+    EXPECT_TRUE(std::equal(samples, samples + buffer, fakeWave.written.end() - buffer));
+}
+
+TEST_F(Playback, a_start_between_close_and_close_message_is_stopped_by_that_message) {
+    startAndFill();
+    host.player.PlayStop();
+    // Handle the returned buffers, but not the close message yet.
+    MSG message;
+    while (::PeekMessageA(&message, nullptr, MM_WOM_DONE, MM_WOM_DONE, PM_REMOVE))
+        ::DispatchMessageA(&message);
+    ASSERT_FALSE(fakeWave.open);
+    EXPECT_TRUE(host.player.IsPlaying());
+    host.events.clear();
+    ASSERT_EQ(start(), 0);
+    dispatchWaitingMessages();
+    EXPECT_EQ(fakeWave.writes, 8) << "nothing of the second playback was heard";
+    EXPECT_THAT(host.events, ElementsAre(L"DonePlay", L"DonePlay"))
+        << "the first for the stopped playback, the second when its device has closed";
+    EXPECT_FALSE(fakeWave.open);
+    expectTheNextPlaybackWorks();
+}
+
+TEST_F(Playback, a_start_inside_the_DonePlay_handler_plays_the_next_file) {
+    int ends = 0;
+    host.onDonePlay = [&] {
+        if (++ends < 3) {
+            EXPECT_EQ(start(), 0);
+        }
+    };
+    startAndFill();
+    for (int i = 0; i < 3; ++i)
+        playOut();
+    EXPECT_EQ(ends, 3);
+    EXPECT_EQ(fakeWave.opens, 3);
+    EXPECT_EQ(host.countOf(L"StopPlayAudio:waveOutReset|5|5"), 3);
+    EXPECT_EQ(fakeWave.written.size(), 3 * script.data.size());
+}
+
+TEST_F(Playback, seeking_leaves_the_device_and_the_converter_alone) {
+    startAndFill();
+    takeLog();
+    const auto conversions = fakeAcm.openings.size();
+    EXPECT_EQ(host.player.PositionSet(5), 0);
+    EXPECT_THAT(takeLog(), IsEmpty());
+    EXPECT_EQ(fakeAcm.openings.size(), conversions);
+}
+
+TEST_F(Playback, forged_messages_when_nothing_plays_touch_no_device) {
+    for (int i = 0; i < 20; ++i)
+        ::SendMessageA(host.window.handle(), MM_WOM_DONE, 1, 2);
+    EXPECT_THAT(fakeWave.log, IsEmpty());
+    ::SendMessageA(host.window.handle(), MM_WOM_CLOSE, 1, 2);
+    EXPECT_THAT(host.events, ElementsAre(L"DonePlay"));
+    ::SendMessageA(host.window.handle(), MM_WIM_DATA, 1, 2);
+    ::SendMessageA(host.window.handle(), MM_WIM_CLOSE, 1, 2);
+    EXPECT_THAT(host.events, ElementsAre(L"DonePlay"));
+    expectTheNextPlaybackWorks();
+}
+
+TEST_F(Playback, forged_messages_in_mid_play_are_survived) {
+    startAndFill();
+    for (int i = 0; i < 50; ++i)
+        ::SendMessageA(host.window.handle(), MM_WOM_DONE, 0xFFFFFFFF, -1);
+    ::SendMessageA(host.window.handle(), MM_WOM_CLOSE, 0, 0);
+    dispatchWaitingMessages();
+    playOut();
+    EXPECT_FALSE(fakeWave.open);
+    expectTheNextPlaybackWorks();
+}
+
+TEST_F(Playback, opening_a_file_in_mid_play_ends_the_playback_with_what_was_read) {
+    startAndFill();
+    EXPECT_EQ(host.player.OpenAudioFile(file), 0);
+    playOut();
+    EXPECT_EQ(host.events, endOfPlayback);
+    expectTheNextPlaybackWorks();
+}
+
+TEST_F(Playback, ten_thousand_rounds_leave_handles_and_memory_as_they_were) {
+    script.data = noise(buffer * 2);
+    const auto round = [&] {
+        ASSERT_EQ(start(), 0);
+        dispatchWaitingMessages();
+        fakeWave.finishAll();
+        dispatchWaitingMessages();
+        ASSERT_FALSE(fakeWave.open);
+        fakeWave.written.clear();
+        fakeWave.log.clear();
+        script.log.clear();
+        host.events.clear();
+        windowLog.clear();
+        fakeAcm.openings.clear();
+        fakeAcm.conversions.clear();
+        fakeAcm.measured.clear();
+    };
+    for (int i = 0; i < 100; ++i)
+        round();
+    const std::size_t bytesBefore = countHeapBytes();
+    const int handlesBefore = countKernelHandles();
+    const int windowsBefore = countWindows();
+    const int gdiBefore = countGdiObjects();
+    for (int i = 0; i < 10000; ++i)
+        round();
+    EXPECT_GT(handlesBefore, 0);
+    EXPECT_EQ(countKernelHandles(), handlesBefore);
+    EXPECT_EQ(countWindows(), windowsBefore);
+    EXPECT_EQ(countGdiObjects(), gdiBefore);
+    EXPECT_LT(countHeapBytes(), bytesBefore + 16 * 1024);
+}
+
+} // namespace
+} // namespace corvina::test

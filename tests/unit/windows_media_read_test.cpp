@@ -1,0 +1,197 @@
+// Reading from the Windows Media source, and the times and the bitrate that it tells.
+
+#include "WindowsMediaFixture.h"
+#include "runtime/RuntimeError.h"
+
+#include <gmock/gmock.h>
+
+namespace corvina::test {
+namespace {
+
+using testing::ElementsAre;
+
+// ---- reading
+
+TEST_F(WindowsMedia, reading_asks_for_the_next_block_of_any_output) {
+    DecWMAMP3 source(standInApi);
+    source.OpenSource(L"song.wma");
+    (void)library.takeCalls();
+    (void)readFrom(source, 1);
+    EXPECT_THAT(library.calls, ElementsAre("GetNextSample 0", "GetBufferAndLength"));
+}
+
+TEST_F(WindowsMedia, a_read_across_a_block_boundary_joins_both_blocks) {
+    DecWMAMP3 source(standInApi);
+    source.OpenSource(L"song.wma");
+    (void)readFrom(source, 7);
+    const ReadResult read = readFrom(source, 6);
+    EXPECT_EQ(read.result, 0);
+    EXPECT_EQ(read.bytes, counting(7, 6));
+    EXPECT_EQ(readFrom(source, 17).bytes, counting(13, 17));
+}
+
+TEST_F(WindowsMedia, a_read_that_ends_with_its_block_does_not_fetch_the_next) {
+    DecWMAMP3 source(standInApi);
+    source.OpenSource(L"song.wma");
+    (void)readFrom(source, 10);
+    EXPECT_EQ(library.next, 1u);
+}
+
+TEST_F(WindowsMedia, a_read_that_meets_the_end_answers_5_with_the_bytes_left_and_then_none) {
+    DecWMAMP3 source(standInApi);
+    source.OpenSource(L"song.wma");
+    (void)readFrom(source, 33);
+    EXPECT_FALSE(source.EndOfStream());
+    const ReadResult last = readFrom(source, 10);
+    EXPECT_EQ(last.result, 5);
+    EXPECT_EQ(last.bytes, counting(33, 7));
+    EXPECT_TRUE(source.EndOfStream());
+    const ReadResult after = readFrom(source, 10);
+    EXPECT_EQ(after.result, 5);
+    EXPECT_TRUE(after.bytes.empty());
+}
+
+TEST_F(WindowsMedia, a_read_of_all_that_is_left_still_answers_0) {
+    DecWMAMP3 source(standInApi);
+    source.OpenSource(L"song.wma");
+    EXPECT_EQ(readFrom(source, 40).result, 0);
+    EXPECT_FALSE(source.EndOfStream());
+}
+
+TEST_F(WindowsMedia, a_fetch_that_fails_otherwise_answers_5_without_the_end) {
+    library.afterLastBlock = E_FAIL;
+    DecWMAMP3 source(standInApi);
+    source.OpenSource(L"song.wma");
+    EXPECT_EQ(readFrom(source, 100).result, 5);
+    EXPECT_FALSE(source.EndOfStream());
+}
+
+TEST_F(WindowsMedia, a_fetch_that_fails_otherwise_takes_the_end_back) {
+    DecWMAMP3 source(standInApi);
+    source.OpenSource(L"song.wma");
+    (void)readFrom(source, 100);
+    ASSERT_TRUE(source.EndOfStream());
+    library.afterLastBlock = E_FAIL;
+    (void)readFrom(source, 1);
+    EXPECT_FALSE(source.EndOfStream());
+}
+
+TEST_F(WindowsMedia, a_block_that_does_not_give_its_bytes_ends_the_read_and_is_released) {
+    library.results = {{"GetBufferAndLength", E_FAIL}};
+    DecWMAMP3 source(standInApi);
+    source.OpenSource(L"song.wma");
+    const int before = library.objects;
+    EXPECT_EQ(readFrom(source, 10).result, 5);
+    EXPECT_FALSE(source.EndOfStream());
+    EXPECT_EQ(library.objects, before);
+}
+
+TEST_F(WindowsMedia, empty_blocks_are_passed_over) {
+    layFile(second, {{0, {}}, {1, {}}, {2, counting(0, 4)}});
+    DecWMAMP3 source(standInApi);
+    source.OpenSource(L"song.wma");
+    EXPECT_EQ(readFrom(source, 4).bytes, counting(0, 4));
+}
+
+TEST_F(WindowsMedia, a_read_before_any_open_fetches_in_vain_and_answers_5) {
+    library.blocks.clear();
+    DecWMAMP3 source(standInApi);
+    const ReadResult read = readFrom(source, 10);
+    EXPECT_EQ(read.result, 5);
+    EXPECT_TRUE(read.bytes.empty());
+    EXPECT_EQ(library.calls.back(), "GetNextSample 0");
+}
+
+TEST_F(WindowsMedia, a_read_of_no_bytes_or_fewer_does_nothing) {
+    DecWMAMP3 source(standInApi);
+    source.OpenSource(L"song.wma");
+    (void)library.takeCalls();
+    for (const std::int32_t count : {0, -1, -2147483647 - 1}) {
+        std::int32_t got = 7;
+        EXPECT_EQ(source.Read(nullptr, count, got), 0);
+        EXPECT_EQ(got, 0);
+    }
+    EXPECT_TRUE(library.calls.empty());
+}
+
+TEST_F(WindowsMedia, memory_that_cannot_be_written_is_counted_as_if_it_had_been) {
+    DecWMAMP3 source(standInApi);
+    source.OpenSource(L"song.wma");
+    static const std::uint8_t constant[25] = {};
+    void* const targets[] = {nullptr, reinterpret_cast<void*>(0xFFFFFFF8),
+                             const_cast<std::uint8_t*>(constant)};
+    for (void* target : targets) {
+        seek(source, 0, 0);
+        std::int32_t got = 0;
+        EXPECT_EQ(source.Read(target, 25, got), 0);
+        EXPECT_EQ(got, 25);
+        EXPECT_EQ(readFrom(source, 5).bytes, counting(25, 5));
+    }
+}
+
+TEST_F(WindowsMedia, a_block_whose_length_lies_is_not_read) {
+    for (const DWORD told : {0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFEu}) {
+        library.blocks[0].toldBytes = told;
+        DecWMAMP3 source(standInApi);
+        source.OpenSource(L"song.wma");
+        const ReadResult read = readFrom(source, 10);
+        EXPECT_EQ(read.result, 5);
+        EXPECT_TRUE(read.bytes.empty());
+    }
+    EXPECT_EQ(library.objects, 0);
+}
+
+TEST_F(WindowsMedia, a_block_with_a_length_and_no_bytes_is_not_read) {
+    library.blocks[0].withoutData = true;
+    DecWMAMP3 source(standInApi);
+    source.OpenSource(L"song.wma");
+    EXPECT_EQ(readFrom(source, 10).result, 5);
+}
+
+// ---- position and duration
+
+TEST_F(WindowsMedia, the_position_moves_in_steps_of_whole_blocks) {
+    DecWMAMP3 source(standInApi);
+    source.OpenSource(L"song.wma");
+    EXPECT_EQ(source.Position(), 0);
+    (void)readFrom(source, 10);
+    EXPECT_EQ(source.Position(), 0);
+    (void)readFrom(source, 1);
+    EXPECT_EQ(source.Position(), 250);
+    (void)readFrom(source, 9);
+    EXPECT_EQ(source.Position(), 250);
+}
+
+TEST_F(WindowsMedia, the_duration_is_the_attributes_in_milliseconds) {
+    layFile(1'234'5'001, {});
+    DecWMAMP3 source(standInApi);
+    source.OpenSource(L"song.wma");
+    EXPECT_EQ(source.Duration(), 1235);
+}
+
+TEST_F(WindowsMedia, a_time_beyond_32_bits_overflows) {
+    layFile((QWORD{2147483647} + 1) * millisecond, {});
+    DecWMAMP3 source(standInApi);
+    source.OpenSource(L"song.wma");
+    EXPECT_THROW((void)source.Duration(), RuntimeError);
+}
+
+TEST_F(WindowsMedia, a_file_without_a_duration_does_not_keep_that_of_the_file_before) {
+    DecWMAMP3 source(standInApi);
+    source.OpenSource(L"song.wma");
+    ASSERT_EQ(source.Duration(), 1000);
+    source.CloseSource();
+    library.attributes.clear();
+    source.OpenSource(L"other.wma");
+    EXPECT_EQ(source.Duration(), 0);
+}
+
+TEST_F(WindowsMedia, a_bitrate_beyond_32_bits_overflows) {
+    library.attributes = {numberAttribute(L"Bitrate", WMT_TYPE_DWORD, DWORD{0x80000000})};
+    DecWMAMP3 source(standInApi);
+    source.OpenSource(L"song.wma");
+    EXPECT_THROW((void)source.Bitrate(), RuntimeError);
+}
+
+} // namespace
+} // namespace corvina::test
