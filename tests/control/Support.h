@@ -19,7 +19,7 @@
 
 namespace corvina::test {
 
-// Corvina.ocx as this build made it.
+// Corvina.ocx as this build delivers it.
 [[nodiscard]] std::wstring libraryPath();
 
 // Runs a program to its end and answers its exit code; -1 where it does not start or end.

@@ -167,12 +167,12 @@ TEST_F(Registration, a_user_can_register_for_himself_and_take_it_back) {
 
 TEST_F(Registration, the_example_manifest_takes_the_place_of_the_registration) {
     ASSERT_EQ(0, regsvr32(L"/s /u"));
-    // The build lays the manifest beside the library, where its file is looked for.
-    const std::wstring manifest =
-        libraryPath().substr(0, libraryPath().rfind(L'\\')) + L"\\host.exe.manifest";
+    // The build lays the manifest beside its own copy of the library, where its file is looked for.
+    wchar_t manifest[MAX_PATH];
+    ASSERT_NE(0u, ::GetFullPathNameW(L"..\\host.exe.manifest", MAX_PATH, manifest, nullptr));
     ACTCTXW description{};
     description.cbSize = sizeof description;
-    description.lpSource = manifest.c_str();
+    description.lpSource = manifest;
     const HANDLE context = ::CreateActCtxW(&description);
     ASSERT_NE(INVALID_HANDLE_VALUE, context);
     ULONG_PTR cookie = 0;

@@ -40,8 +40,9 @@ struct Decoded {
     const char* name;
     const wchar_t* file; // of build/media, one second at 44.1 kHz
     Frames (*decode)(const std::wstring& path);
-    int tolerance = 0; // of a sample
 };
+
+using DecodedSound = SoundTest;
 
 class PlaybackOfDecoded : public SoundTest, public ::testing::WithParamInterface<Decoded> {};
 
@@ -50,19 +51,9 @@ TEST_P(PlaybackOfDecoded, is_heard_as_the_library_alone_decodes_it) {
     const Frames expected = sounding(GetParam().decode(path));
     ASSERT_GT(expected.size(), 43000u);
     const Frames heard = sounding(playWhole(path, expected.size()));
-    ASSERT_GE(heard.size(), expected.size());
-    const auto alike = [tolerance = GetParam().tolerance](Frame one, Frame two) {
-        return std::abs(one.left - two.left) <= tolerance &&
-               std::abs(one.right - two.right) <= tolerance;
-    };
-    const auto [wanted, got] =
-        std::mismatch(expected.begin(), expected.end(), heard.begin(), alike);
-    EXPECT_TRUE(wanted == expected.end())
-        << "frame " << wanted - expected.begin() << " of " << expected.size() << ": " << got->left
-        << ' ' << got->right << " for " << wanted->left << ' ' << wanted->right;
+    EXPECT_EQ(compare(expected, heard).difference, std::nullopt);
 }
 
-// The system's WMA decoder rounds its samples with noise, differently each time.
 INSTANTIATE_TEST_SUITE_P(
     Files, PlaybackOfDecoded,
     ::testing::Values(Decoded{"ogg", L"tone.ogg", &decodedBy<BareOgg>},
@@ -74,9 +65,29 @@ INSTANTIATE_TEST_SUITE_P(
                       Decoded{"au", L"tone.au", &decodedBy<BareSnd>},
                       Decoded{"aiff", L"tone.aiff", &decodedBy<BareSnd>},
                       Decoded{"voc", L"tone.voc", &decodedBy<BareSnd>},
-                      Decoded{"mp3", L"tone.mp3", &decodedByReader},
-                      Decoded{"wma", L"tone.wma", &decodedByReader, 1}),
+                      Decoded{"mp3", L"tone.mp3", &decodedByReader}),
     [](const auto& test) { return std::string(test.param.name); });
+
+// Wine's WMA decoder may leave out its first frames, and fills noise in, differently each time.
+TEST_F(DecodedSound, wma_is_heard_as_the_reader_alone_decodes_it_but_for_its_noise) {
+    constexpr std::ptrdiff_t mayLack = 4096;
+    constexpr int noise = 4;
+    const std::wstring path = mediaFile(L"tone.wma");
+    Frames expected = sounding(decodedByReader(path));
+    ASSERT_GT(expected.size(), 40000u);
+    const Frames heard = sounding(playWhole(path, expected.size() - mayLack));
+    expected.erase(expected.begin(), expected.begin() + mayLack);
+    const auto alike = [](Frame one, Frame two) {
+        return std::abs(one.left - two.left) <= noise && std::abs(one.right - two.right) <= noise;
+    };
+    const auto start =
+        std::search(heard.begin(), heard.end(), expected.begin(), expected.begin() + 1000, alike);
+    ASSERT_LE(start - heard.begin(), 2 * mayLack);
+    const auto [wanted, got] =
+        std::mismatch(expected.begin(), expected.end(), start, heard.end(), alike);
+    EXPECT_TRUE(wanted == expected.end())
+        << "frame " << wanted - expected.begin() << " of " << expected.size();
+}
 
 } // namespace
 } // namespace corvina::test
