@@ -4,7 +4,9 @@
 //
 // Two things can go wrong, and they are not the same. A sample that is missing, repeated or changed
 // is the player's fault, always. Silence between two right samples is an underrun: the player may
-// have come late, but so does a sound server on a busy machine, with any program.
+// have come late, but so does a sound server on a busy machine, with any program. Behind an
+// underrun samples may be missing too: Wine's device counts the silence as played, so it hands the
+// last blocks back too early, and closing it cuts them off.
 
 #include "support/Recording.h"
 

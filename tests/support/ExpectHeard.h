@@ -1,8 +1,8 @@
 #pragma once
 
-// Expects that a playback is heard whole: fails at once where a sample is wrong, and asks for
-// another playback where silence lies between right ones (Comparison.h says why), three times in
-// all.
+// Expects that a playback is heard whole. Fails at once where a sample is wrong and nothing but the
+// player can be the reason; where the playback was interrupted by silence (Comparison.h says why),
+// asks for another one, three in all.
 
 #include "support/Comparison.h"
 
@@ -10,20 +10,24 @@
 
 namespace corvina::test {
 
+// play: a function that plays once and compares what was heard.
+template <typename Play>
+void expectExact(Play play) {
+    constexpr int attempts = 3;
+    for (int attempt = 1; attempt <= attempts; ++attempt) {
+        const Comparison result = play();
+        if (result.exact())
+            return;
+        ASSERT_GT(result.underrunFrames, 0u)
+            << "frame " << *result.difference << " is wrong, without any silence before it";
+    }
+    FAIL() << "each of " << attempts << " playbacks was interrupted by silence";
+}
+
 // play: a function that plays once and returns what was heard, from its first sound on.
 template <typename Play>
 void expectHeard(const Frames& expected, Play play) {
-    constexpr int attempts = 3;
-    for (int attempt = 1; attempt <= attempts; ++attempt) {
-        const Frames heard = play();
-        const Comparison result = compare(expected, heard);
-        ASSERT_EQ(result.difference, std::nullopt)
-            << "of " << expected.size() << " frames; " << heard.size() << " were heard, silence of "
-            << result.underrunFrames << " frames among them";
-        if (result.exact())
-            return;
-    }
-    FAIL() << "each of " << attempts << " playbacks was interrupted by silence";
+    expectExact([&] { return compare(expected, play()); });
 }
 
 } // namespace corvina::test
