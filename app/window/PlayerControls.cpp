@@ -49,6 +49,7 @@ PlayerControls::PlayerControls(HWND parent) : parent_(parent) {
     stop_ = add(0, L"BUTTON", L"Stop", WS_TABSTOP, CMD_STOP);
     next_ = add(0, L"BUTTON", L"Next", WS_TABSTOP, CMD_NEXT);
     device_ = add(0, L"COMBOBOX", L"", CBS_DROPDOWNLIST | WS_VSCROLL | WS_TABSTOP, CTL_DEVICE);
+    SendMessageW(device_, CB_SETITEMHEIGHT, static_cast<WPARAM>(-1), scaled(18));
     list_ = add(WS_EX_CLIENTEDGE, L"LISTBOX", L"",
                 LBS_NOTIFY | LBS_NOINTEGRALHEIGHT | WS_VSCROLL | WS_TABSTOP, CTL_LIST);
     message_ = add(0, STATUSCLASSNAMEW, L"", SBARS_SIZEGRIP, 0);
