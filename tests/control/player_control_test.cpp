@@ -6,6 +6,7 @@
 #include "support/WavBytes.h"
 
 #include <thread>
+#include <utility>
 
 using namespace corvina;
 using namespace corvina::test;
@@ -318,6 +319,33 @@ TEST_F(PlayerControl, may_lose_its_container_while_it_plays_and_plays_on) {
     EXPECT_TRUE(pumpUntil([&] { return player->IsPlaying(&playing) == S_OK && !playing; }));
     ASSERT_FALSE(sink.heard.empty());
     EXPECT_EQ(1, sink.heard.back().id);
+}
+
+// What OutputDebugString raises, in either width.
+constexpr DWORD ansiDebugOutput = 0x40010006;
+constexpr DWORD wideDebugOutput = 0x4001000A;
+int debugOutputs = 0;
+
+LONG CALLBACK countDebugOutput(EXCEPTION_POINTERS* raised) {
+    const DWORD code = raised->ExceptionRecord->ExceptionCode;
+    debugOutputs += code == ansiDebugOutput || code == wideDebugOutput;
+    return EXCEPTION_CONTINUE_SEARCH;
+}
+
+TEST_F(PlayerControl, writes_no_debug_output) {
+    TempFolder folder;
+    void* const counter = ::AddVectoredExceptionHandler(TRUE, &countDebugOutput);
+    ::OutputDebugStringA("counted");
+    EXPECT_EQ(1, std::exchange(debugOutputs, 0));
+    player->Init(&number);
+    EXPECT_EQ(1, open(L"no such file.wav"));
+    ASSERT_EQ(S_OK, player->PlayStart(Bstr(wave(folder)).get(), -1, 0, &number));
+    VARIANT_BOOL playing = VARIANT_TRUE;
+    EXPECT_TRUE(pumpUntil([&] { return player->IsPlaying(&playing) == S_OK && !playing; }));
+    player->DeInit(&number);
+    player.reset();
+    EXPECT_EQ(0, debugOutputs);
+    ::RemoveVectoredExceptionHandler(counter);
 }
 
 TEST_F(PlayerControl, may_be_released_in_its_done_play_handler) {

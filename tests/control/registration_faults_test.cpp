@@ -1,0 +1,130 @@
+// A registration that fails at any key leaves nothing of itself behind. The user's registry is a
+// key of the test's own, in which a volatile key refuses what would be put below it.
+
+#include "Support.h"
+
+#include <set>
+
+namespace corvina::test {
+namespace {
+
+using Install = HRESULT(STDAPICALLTYPE*)(BOOL, LPCWSTR);
+
+constexpr const wchar_t* place = L"Software\\CorvinaRegistrationTest";
+const std::wstring classes = L"Software\\Classes";
+
+// A key that every library has a part of.
+bool isShared(const std::wstring& key) {
+    return key == classes + L"\\CLSID" || key == classes + L"\\TypeLib" ||
+           key == classes + L"\\Interface";
+}
+
+// Stands in for HKEY_CURRENT_USER while it lives.
+class UserRegistry {
+public:
+    UserRegistry() {
+        ::RegDeleteTreeW(HKEY_CURRENT_USER, place);
+        ::RegCreateKeyExW(HKEY_CURRENT_USER, place, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &root_,
+                          nullptr);
+        ::RegOverridePredefKey(HKEY_CURRENT_USER, root_);
+        create(classes, REG_OPTION_NON_VOLATILE);
+    }
+    UserRegistry(const UserRegistry&) = delete;
+    UserRegistry& operator=(const UserRegistry&) = delete;
+    ~UserRegistry() {
+        ::RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
+        ::RegCloseKey(root_);
+        ::RegDeleteTreeW(HKEY_CURRENT_USER, place);
+    }
+
+    // From now on no key can be made below this one.
+    void close(const std::wstring& key) const {
+        create(key.substr(0, key.rfind(L'\\')), REG_OPTION_NON_VOLATILE);
+        create(key, REG_OPTION_VOLATILE);
+    }
+
+    // Every key below Software\Classes.
+    [[nodiscard]] std::set<std::wstring> keys() const {
+        std::set<std::wstring> found;
+        collect(classes, found);
+        return found;
+    }
+
+private:
+    void create(const std::wstring& key, DWORD options) const {
+        HKEY made = nullptr;
+        ASSERT_EQ(ERROR_SUCCESS, ::RegCreateKeyExW(root_, key.c_str(), 0, nullptr, options,
+                                                   KEY_READ, nullptr, &made, nullptr));
+        ::RegCloseKey(made);
+    }
+    void collect(const std::wstring& key, std::set<std::wstring>& found) const {
+        HKEY opened = nullptr;
+        if (::RegOpenKeyExW(root_, key.c_str(), 0, KEY_READ, &opened) != ERROR_SUCCESS)
+            return;
+        wchar_t name[256];
+        for (DWORD index = 0, length = 256;
+             ::RegEnumKeyExW(opened, index, name, &length, nullptr, nullptr, nullptr, nullptr) ==
+             ERROR_SUCCESS;
+             ++index, length = 256) {
+            const std::wstring child = key + L"\\" + name;
+            found.insert(child);
+            collect(child, found);
+        }
+        ::RegCloseKey(opened);
+    }
+
+    HKEY root_ = nullptr;
+};
+
+class FailingRegistration : public ::testing::Test {
+protected:
+    void SetUp() override {
+        library = ::LoadLibraryW(libraryPath().c_str());
+        install = reinterpret_cast<Install>(
+            reinterpret_cast<void*>(::GetProcAddress(library, "DllInstall")));
+        ASSERT_NE(nullptr, install);
+    }
+    void TearDown() override { ::FreeLibrary(library); }
+
+    HMODULE library = nullptr;
+    Install install = nullptr;
+};
+
+TEST_F(FailingRegistration, leaves_nothing_of_itself_wherever_it_fails) {
+    std::set<std::wstring> parents;
+    {
+        const UserRegistry registry;
+        ASSERT_EQ(S_OK, install(TRUE, L"user"));
+        for (const std::wstring& key : registry.keys())
+            if (const std::wstring parent = key.substr(0, key.rfind(L'\\')); parent != classes)
+                parents.insert(parent);
+        EXPECT_EQ(S_OK, install(FALSE, L"user"));
+        for (const std::wstring& key : registry.keys())
+            EXPECT_TRUE(isShared(key)) << ::testing::PrintToString(key);
+    }
+    ASSERT_GT(parents.size(), 10u);
+    for (const std::wstring& parent : parents) {
+        SCOPED_TRACE(::testing::PrintToString(parent));
+        const UserRegistry registry;
+        registry.close(parent);
+        EXPECT_TRUE(FAILED(install(TRUE, L"user")));
+        // What was there before may stay: the closed key and those that lead to it.
+        for (const std::wstring& key : registry.keys())
+            EXPECT_TRUE(parent == key || parent.starts_with(key + L"\\") || isShared(key))
+                << ::testing::PrintToString(key);
+    }
+}
+
+TEST_F(FailingRegistration, can_be_repeated_with_success) {
+    {
+        const UserRegistry registry;
+        registry.close(classes + L"\\CLSID");
+        ASSERT_TRUE(FAILED(install(TRUE, L"user")));
+    }
+    const UserRegistry registry;
+    EXPECT_EQ(S_OK, install(TRUE, L"user"));
+    EXPECT_FALSE(registry.keys().empty());
+}
+
+} // namespace
+} // namespace corvina::test
