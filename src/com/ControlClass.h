@@ -12,9 +12,9 @@ namespace corvina {
 
 // One persisted property: a 32-bit number (colours and enumerations are numbers too).
 struct Property {
-    const wchar_t* name; // as it is persisted
-    DISPID id;           // as listeners to property changes know it
-    std::int32_t initial;
+    const wchar_t* name = nullptr; // as it is persisted
+    DISPID id = DISPID_UNKNOWN;    // as listeners to property changes know it
+    std::int32_t initial = 0;
     // Which values are taken; null for all. A persisted value that is refused is replaced by the
     // initial one.
     bool (*accepts)(std::int32_t value) = nullptr;

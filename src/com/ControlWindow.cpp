@@ -33,7 +33,8 @@ private:
 };
 
 void setStyle(HWND window, LONG_PTR style) noexcept {
-    const LONG_PTR kept = ::GetWindowLongPtrW(window, GWL_STYLE) & ~(WS_POPUP | WS_CHILD);
+    const LONG_PTR kept =
+        ::GetWindowLongPtrW(window, GWL_STYLE) & ~static_cast<LONG_PTR>(WS_POPUP | WS_CHILD);
     ::SetWindowLongPtrW(window, GWL_STYLE, static_cast<LONG>(kept | style));
 }
 

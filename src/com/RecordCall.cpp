@@ -45,7 +45,7 @@ private:
 
 // Owns a VARIANT.
 struct Value : VARIANT {
-    Value() noexcept { ::VariantInit(this); }
+    Value() noexcept : VARIANT{} { ::VariantInit(this); }
     Value(const Value&) = delete;
     Value& operator=(const Value&) = delete;
     ~Value() { ::VariantClear(this); }

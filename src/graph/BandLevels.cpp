@@ -47,7 +47,7 @@ void BandLevels::readSpectrum(const SampleBuffer& samples) {
         fourier_->RealIn(i + 1, samples[static_cast<std::size_t>(i)]);
     for (std::int32_t bin = 0; bin <= transformSize / 2; ++bin) {
         float& value = spectrum_[static_cast<std::size_t>(bin)];
-        value = static_cast<float>(fourier_->ComplexOut(bin + 1) / (transformSize / 4) / 32767.0);
+        value = static_cast<float>(fourier_->ComplexOut(bin + 1) / (transformSize / 4.0) / 32767.0);
         if (value > fullBar)
             value = static_cast<float>(fullBar);
         value = static_cast<float>(value / fullBar);

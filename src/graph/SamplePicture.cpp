@@ -11,7 +11,7 @@ namespace {
 
 // A chord whose higher tones are the quieter ones, swelling and fading within the block.
 std::array<std::int16_t, SampleBuffer::sampleCount / 2> chord() {
-    std::array<std::int16_t, SampleBuffer::sampleCount / 2> samples;
+    std::array<std::int16_t, SampleBuffer::sampleCount / 2> samples{};
     const auto count = static_cast<double>(samples.size());
     for (std::size_t i = 0; i < samples.size(); ++i) {
         const double part = static_cast<double>(i) / count;

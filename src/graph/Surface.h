@@ -9,7 +9,7 @@ namespace corvina {
 class Surface {
 public:
     // Larger pictures take too much of a 32-bit process; such a surface stays empty.
-    static constexpr LONGLONG highestPixelCount = 16 * 1024 * 1024;
+    static constexpr LONGLONG highestPixelCount = 16LL * 1024 * 1024;
 
     Surface() noexcept = default;
     Surface(const Surface&) = delete;

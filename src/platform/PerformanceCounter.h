@@ -11,6 +11,6 @@ struct PerformanceCounterApi {
     decltype(&::QueryPerformanceCounter) count = &::QueryPerformanceCounter;
 };
 
-inline constexpr PerformanceCounterApi systemPerformanceCounter;
+inline const PerformanceCounterApi systemPerformanceCounter;
 
 } // namespace corvina

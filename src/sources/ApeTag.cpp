@@ -62,7 +62,7 @@ std::wstring asText(std::string_view bytes) {
 
 void addItems(const Footer& footer, std::string_view items, StrmTags& tags) {
     for (std::uint32_t count = 0; count < footer.items; ++count) {
-        ItemHeader header;
+        ItemHeader header{};
         if (items.size() < sizeof header)
             return;
         std::memcpy(&header, items.data(), sizeof header);
@@ -84,7 +84,7 @@ void addItems(const Footer& footer, std::string_view items, StrmTags& tags) {
 
 void readApeTag(const FileAccess& access, const std::wstring& path, StrmTags& tags) {
     const File file(access, path);
-    Footer footer;
+    Footer footer{};
     if (!file.readBeforeEnd(0, &footer, sizeof footer) ||
         std::memcmp(footer.identity, "APETAGEX", sizeof footer.identity) != 0)
         return;

@@ -28,7 +28,7 @@ struct Attribute {
 
     template <typename Number>
     [[nodiscard]] Number number() const noexcept {
-        Number result;
+        Number result{};
         std::memcpy(&result, value.data(), sizeof result);
         return result;
     }

@@ -50,7 +50,7 @@ template <typename Interface>
 
 // Owns a VARIANT.
 struct Variant : VARIANT {
-    Variant() noexcept { ::VariantInit(this); }
+    Variant() noexcept : VARIANT{} { ::VariantInit(this); }
     explicit Variant(long number) noexcept : Variant() {
         vt = VT_I4;
         lVal = number;

@@ -69,7 +69,7 @@ TEST_F(Playback, of_the_next_file_may_be_started_inside_DonePlay) {
         EXPECT_EQ(result, 0);
         EXPECT_EQ(host.events().size(), 2 * endOfPlayback().size());
         // Silence lies between the two; the second begins where its first frame is heard.
-        const Frames all = recording.listenUntilQuiet(before, 5s);
+        Frames all = recording.listenUntilQuiet(before, 5s);
         const auto begin = std::find(all.begin(), all.end(), second.front());
         heardSecond.assign(begin, all.end());
         return all;

@@ -38,7 +38,7 @@ namespace corvina::test {
 // A buffer with all its samples set, which no sequence of blocks can do.
 template <typename Sample>
 [[nodiscard]] SampleBuffer fullBuffer(Sample&& sample) {
-    std::array<std::int16_t, SampleBuffer::sampleCount> samples;
+    std::array<std::int16_t, SampleBuffer::sampleCount> samples{};
     for (std::size_t i = 0; i < samples.size(); ++i)
         samples[i] = sample(i);
     return std::bit_cast<SampleBuffer>(samples);

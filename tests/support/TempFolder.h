@@ -40,7 +40,7 @@ public:
 
     // Writes a file; its path.
     std::wstring write(const std::wstring& name, const std::vector<std::uint8_t>& bytes) {
-        const std::wstring path = file(name);
+        std::wstring path = file(name);
         const HANDLE handle =
             ::CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
         DWORD written = 0;

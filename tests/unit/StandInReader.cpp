@@ -356,7 +356,7 @@ StandInFormat pcmFormat(WORD bits) {
     return format;
 }
 
-StandInAttribute textAttribute(std::wstring name, std::wstring value) {
+StandInAttribute textAttribute(std::wstring name, const std::wstring& value) {
     const auto* bytes = reinterpret_cast<const std::uint8_t*>(value.c_str());
     return {
         std::move(name), WMT_TYPE_STRING, {bytes, bytes + (value.size() + 1) * sizeof(wchar_t)}};

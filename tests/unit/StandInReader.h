@@ -45,7 +45,7 @@ struct StandInAttribute {
     DWORD toldBytes = 0xFFFFFFFF;   // the first call tells this instead of the true length
 };
 
-[[nodiscard]] StandInAttribute textAttribute(std::wstring name, std::wstring value);
+[[nodiscard]] StandInAttribute textAttribute(std::wstring name, const std::wstring& value);
 
 template <typename Number>
 [[nodiscard]] StandInAttribute numberAttribute(std::wstring name, WMT_ATTR_DATATYPE type,

@@ -278,7 +278,7 @@ BOOL WINAPI thousandTicks(LARGE_INTEGER* frequency) {
     return TRUE;
 }
 BOOL WINAPI nextTick(LARGE_INTEGER* count) {
-    count->QuadPart = 1'000'000'000'000 + 3 * counterReads++;
+    count->QuadPart = 1'000'000'000'000 + 3LL * counterReads++;
     return TRUE;
 }
 

@@ -7,9 +7,6 @@
 namespace corvina::test {
 namespace {
 
-using ::testing::AnyOf;
-using ::testing::Contains;
-using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
 using ::testing::IsEmpty;

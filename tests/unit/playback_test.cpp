@@ -11,6 +11,7 @@ using ::testing::IsEmpty;
 
 std::vector<std::string> numbered(const char* call, int count) {
     std::vector<std::string> calls;
+    calls.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i)
         calls.push_back(std::string(call).append(" ").append(std::to_string(i)));
     return calls;

@@ -6,7 +6,6 @@ namespace corvina::test {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 TEST_F(Subclass, a_destroyed_window_gets_its_procedure_back_where_nobody_takes_that_message) {
     attach(first);

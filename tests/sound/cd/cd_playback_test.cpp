@@ -82,6 +82,47 @@ TEST_F(CdPlayback, a_drive_that_vanishes_ends_the_playback) {
     expectSectors(2, 12, {"after 3 gone"});
 }
 
+TEST_F(CdPlayback, a_track_is_heard_from_a_position_set_before_its_first_sector_was_read) {
+    // Two seconds are 150 sectors; the 50 behind them are read in 13 blocks of four.
+    const DiscImage longer({{true, 8}, {true, 200}, {true, 8}});
+    const Frames expected = framesOf(longer.bytes(longer.start(2) + 150, 52));
+    expectHeard(expected, [&] {
+        d->load(longer);
+        const std::size_t before = recording.now();
+        PlayerHost host;
+        EXPECT_EQ(host.start(d->trackPath(2)), 0);
+        EXPECT_EQ(host.seek(2), 0);
+        EXPECT_EQ(host.position(), 2);
+        EXPECT_TRUE(host.waitForDone());
+        return recording.listen(before, expected.size(), 5s);
+    });
+}
+
+// The rest of the block that was being delivered comes as silence, which is left out here.
+TEST_F(CdPlayback, a_position_set_in_the_middle_is_heard_behind_what_was_queued) {
+    const DiscImage longer({{true, 450}});
+    const Frames whole = framesOf(longer.bytes(longer.start(1), 450));
+    const Frames rest = framesOf(longer.bytes(longer.start(1) + 5 * 75, 75));
+    expectExact([&] {
+        d->load(longer);
+        const std::size_t before = recording.now();
+        PlayerHost host;
+        EXPECT_EQ(host.start(d->trackPath(1)), 0);
+        EXPECT_TRUE(pumpUntil([&] { return recording.soundSince(before).has_value(); }));
+        EXPECT_EQ(host.seek(5), 0);
+        EXPECT_TRUE(host.waitForDone());
+
+        Frames heard = withoutSilenceBehind(recording.listenUntilQuiet(before, 5s));
+        const std::size_t silent = std::erase(heard, Frame{});
+        const std::size_t jump = compare(whole, heard).difference.value_or(whole.size());
+        EXPECT_LT(jump, 3 * 44100u);
+        const auto behind = heard.begin() + static_cast<std::ptrdiff_t>(jump);
+        Comparison result = compare(rest, Frames(behind, heard.end()));
+        result.underrunFrames = result.difference ? silent : 0;
+        return result;
+    });
+}
+
 TEST_F(CdPlayback, the_control_tells_a_tracks_format_and_length) {
     const DiscImage minute({{true, 60 * 75}});
     d->load(minute);
