@@ -37,7 +37,8 @@ std::wstring libraryPath() {
     wchar_t program[MAX_PATH]{}, path[MAX_PATH]{};
     ::GetModuleFileNameW(nullptr, program, MAX_PATH);
     const std::wstring folder(program, std::wstring_view(program).rfind(L'\\'));
-    ::GetFullPathNameW((folder + L"\\..\\..\\..\\dist\\Corvina.ocx").c_str(), MAX_PATH, path, nullptr);
+    ::GetFullPathNameW((folder + L"\\..\\..\\..\\dist\\Corvina.ocx").c_str(), MAX_PATH, path,
+                       nullptr);
     return path;
 }
 

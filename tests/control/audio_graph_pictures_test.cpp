@@ -1,5 +1,6 @@
 // What the graph control shows: in a window, by itself, in a metafile, while a form is designed.
 
+#include "Form.h"
 #include "GraphControlFixture.h"
 #include "graph/BandLevels.h"
 #include "support/MessagePump.h"
@@ -155,43 +156,10 @@ TEST_F(GraphControl, gives_a_metafile_of_its_picture) {
     }
 }
 
-// A container that lets its user design a form.
-class DesigningSite final : public IOleClientSite, public IDispatch {
-public:
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** result) override {
-        *result = nullptr;
-        if (iid == IID_IUnknown || iid == IID_IOleClientSite)
-            *result = static_cast<IOleClientSite*>(this);
-        else if (iid == IID_IDispatch)
-            *result = static_cast<IDispatch*>(this);
-        return *result ? S_OK : E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
-    ULONG STDMETHODCALLTYPE Release() override { return 1; }
-    HRESULT STDMETHODCALLTYPE SaveObject() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE GetMoniker(DWORD, DWORD, IMoniker**) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE GetContainer(IOleContainer**) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE ShowObject() override { return S_OK; }
-    HRESULT STDMETHODCALLTYPE OnShowWindow(BOOL) override { return S_OK; }
-    HRESULT STDMETHODCALLTYPE RequestNewObjectLayout() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
-        return E_NOTIMPL;
-    }
-    HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS*, VARIANT* result,
-                                     EXCEPINFO*, UINT*) override {
-        if (id != DISPID_AMBIENT_USERMODE || !result)
-            return DISP_E_MEMBERNOTFOUND;
-        result->vt = VT_BOOL;
-        result->boolVal = VARIANT_FALSE;
-        return S_OK;
-    }
-};
-
 TEST_F(GraphControl, shows_a_sample_picture_while_a_form_is_designed) {
-    DesigningSite site;
-    ASSERT_EQ(S_OK, as<IOleObject>()->SetClientSite(&site));
+    const auto form = makeCom<Form>();
+    form->designing = true;
+    ASSERT_EQ(S_OK, as<IOleObject>()->SetClientSite(form.get()));
     EXPECT_GT(drawn({200, 100}).count(green), 500);
     graph->put_GraphStyle(AMPLITUDE_STYLE);
     graph->put_AmplitudeColor(red);

@@ -104,6 +104,20 @@ protected:
         dispatchWaitingMessages();
     }
 
+    void releaseInside(const std::wstring& eventName) {
+        PlayerHost* self = nullptr;
+        bool released = false;
+        PlayerHost host([&](const LoggedEvent& event) {
+            if (event.name == eventName) {
+                self->release();
+                released = true;
+            }
+        });
+        self = &host;
+        ASSERT_EQ(host.start(file(signal(10))), 0);
+        ASSERT_TRUE(pumpUntil([&] { return released; }));
+    }
+
     void expectNextPlaybackIsWhole() {
         // Nothing of the one before may still sound.
         const auto silent = [this] {
@@ -137,32 +151,12 @@ TEST_F(HostThatMisbehaves, releases_the_control_while_it_is_paused) {
 }
 
 TEST_F(HostThatMisbehaves, releases_the_control_inside_Err) {
-    PlayerHost* self = nullptr;
-    bool released = false;
-    PlayerHost host([&](const LoggedEvent& event) {
-        if (event.name == L"Err") {
-            self->release();
-            released = true;
-        }
-    });
-    self = &host;
-    ASSERT_EQ(host.start(file(signal(10))), 0);
-    ASSERT_TRUE(pumpUntil([&] { return released; }));
+    releaseInside(L"Err");
     expectNextPlaybackIsWhole();
 }
 
 TEST_F(HostThatMisbehaves, releases_the_control_inside_DonePlay) {
-    PlayerHost* self = nullptr;
-    bool released = false;
-    PlayerHost host([&](const LoggedEvent& event) {
-        if (event.name == L"DonePlay") {
-            self->release();
-            released = true;
-        }
-    });
-    self = &host;
-    ASSERT_EQ(host.start(file(signal(10))), 0);
-    ASSERT_TRUE(pumpUntil([&] { return released; }));
+    releaseInside(L"DonePlay");
     expectNextPlaybackIsWhole();
 }
 

@@ -10,8 +10,10 @@
 
 #include "support/Recording.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <optional>
+#include <utility>
 
 namespace corvina::test {
 
@@ -35,6 +37,25 @@ struct Comparison {
         }
     }
     return result;
+}
+
+struct Jump {
+    std::size_t at = 0; // first frame of the whole sound that was not heard
+    Comparison behind;  // of the rest with what was heard from there on
+};
+
+// heard: first the whole sound, then, from some frame on, this rest of it. Silence between the two
+// does not matter.
+[[nodiscard]] inline Jump compareAcrossJump(const Frames& whole, const Frames& rest, Frames heard) {
+    Jump jump;
+    heard = withoutSilenceBehind(std::move(heard));
+    const std::size_t silent = std::erase(heard, Frame{});
+    jump.at = compare(whole, heard).difference.value_or(whole.size());
+    const std::size_t first = std::min(jump.at, heard.size());
+    jump.behind =
+        compare(rest, Frames(heard.begin() + static_cast<std::ptrdiff_t>(first), heard.end()));
+    jump.behind.underrunFrames = jump.behind.difference ? silent : 0;
+    return jump;
 }
 
 } // namespace corvina::test

@@ -1,11 +1,9 @@
 // Tracks of virtual discs played through the registered control and heard sample by sample.
 
-#include "sound/SoundTest.h"
-#include "support/VirtualDrive.h"
+#include "DriveSoundTest.h"
 
 #include <algorithm>
 #include <cstring>
-#include <gtest/gtest.h>
 #include <optional>
 
 namespace corvina::test {
@@ -17,16 +15,12 @@ Frames framesOf(const Bytes& bytes) {
     return frames;
 }
 
-class CdPlayback : public SoundTest {
+class CdPlayback : public DriveSoundTest {
 protected:
     void SetUp() override {
-        SoundTest::SetUp();
+        DriveSoundTest::SetUp();
         if (IsSkipped())
             return;
-        if (!VirtualDrive::exists('d') || !VirtualDrive::exists('e'))
-            GTEST_SKIP() << "the stage has no two virtual CD drives";
-        d.emplace('d');
-        e.emplace('e');
         // Its tracks end where the converter's pieces and the ring's blocks do not.
         disc.emplace(
             std::vector<DiscTrack>{{false, 8}, {true, 32}, {true, 33}, {true, 8}, {false, 8}});
@@ -47,8 +41,6 @@ protected:
         return std::find(requests.begin(), requests.end(), request) != requests.end();
     }
 
-    std::optional<VirtualDrive> d;
-    std::optional<VirtualDrive> e;
     std::optional<DiscImage> disc;
 };
 
@@ -112,14 +104,9 @@ TEST_F(CdPlayback, a_position_set_in_the_middle_is_heard_behind_what_was_queued)
         EXPECT_EQ(host.seek(5), 0);
         EXPECT_TRUE(host.waitForDone());
 
-        Frames heard = withoutSilenceBehind(recording.listenUntilQuiet(before, 5s));
-        const std::size_t silent = std::erase(heard, Frame{});
-        const std::size_t jump = compare(whole, heard).difference.value_or(whole.size());
-        EXPECT_LT(jump, 3 * 44100u);
-        const auto behind = heard.begin() + static_cast<std::ptrdiff_t>(jump);
-        Comparison result = compare(rest, Frames(behind, heard.end()));
-        result.underrunFrames = result.difference ? silent : 0;
-        return result;
+        const Jump jump = compareAcrossJump(whole, rest, recording.listenUntilQuiet(before, 5s));
+        EXPECT_LT(jump.at, 3 * 44100u);
+        return jump.behind;
     });
 }
 

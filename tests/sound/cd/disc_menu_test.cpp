@@ -1,28 +1,21 @@
 // The window's menu of drives and tracks over the virtual drives.
 
+#include "DriveSoundTest.h"
 #include "PlayQueue.h"
-#include "sound/SoundTest.h"
-#include "support/VirtualDrive.h"
 #include "window/Commands.h"
 #include "window/PlayerWindow.h"
 
-#include <algorithm>
 #include <memory>
-#include <optional>
 
 namespace corvina::test {
 namespace {
 
-class DiscsInMenu : public SoundTest {
+class DiscsInMenu : public DriveSoundTest {
 protected:
     void SetUp() override {
-        SoundTest::SetUp();
+        DriveSoundTest::SetUp();
         if (IsSkipped())
             return;
-        if (!VirtualDrive::exists('d') || !VirtualDrive::exists('e'))
-            GTEST_SKIP() << "the stage has no two virtual CD drives";
-        d.emplace('d');
-        e.emplace('e');
         options.pictureFile = L"unused"; // needs no window manager and leaves no settings
         queue = std::make_unique<app::PlayQueue>(
             app::QueueHandlers{[this] { window->onStarted(); },
@@ -51,8 +44,6 @@ protected:
         ::SendMessageW(window->handle(), WM_COMMAND, ::GetMenuItemID(menu, place), 0);
     }
 
-    std::optional<VirtualDrive> d;
-    std::optional<VirtualDrive> e;
     app::Options options;
     std::unique_ptr<app::PlayQueue> queue;
     std::unique_ptr<app::PlayerWindow> window;
