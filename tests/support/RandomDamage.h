@@ -8,7 +8,6 @@
 // The number of damaged files of each format, and where the random numbers start.
 
 #include "support/FileBytes.h"
-#include "support/ProcessObjects.h"
 
 #include <algorithm>
 #include <cstdio>
