@@ -2,6 +2,7 @@
 
 // What this process holds, for tests that nothing is leaked by many rounds.
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <windows.h>
@@ -37,8 +38,7 @@ namespace corvina::test {
     return static_cast<int>(::GetGuiResources(::GetCurrentProcess(), GR_GDIOBJECTS));
 }
 
-[[nodiscard]] inline std::size_t countHeapBytes() {
-    const HANDLE heap = ::GetProcessHeap();
+[[nodiscard]] inline std::size_t countHeapBytes(HANDLE heap) {
     PROCESS_HEAP_ENTRY entry{};
     std::size_t bytes = 0;
     ::HeapLock(heap);
@@ -46,6 +46,17 @@ namespace corvina::test {
         if (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY)
             bytes += entry.cbData;
     ::HeapUnlock(heap);
+    return bytes;
+}
+
+// In all heaps: that of the C runtime is one of its own.
+[[nodiscard]] inline std::size_t countHeapBytes() {
+    HANDLE heaps[64];
+    const DWORD count =
+        std::min<DWORD>(::GetProcessHeaps(ARRAYSIZE(heaps), heaps), ARRAYSIZE(heaps));
+    std::size_t bytes = 0;
+    for (DWORD index = 0; index < count; ++index)
+        bytes += countHeapBytes(heaps[index]);
     return bytes;
 }
 
