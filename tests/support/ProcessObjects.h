@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 #include <windows.h>
 
 namespace corvina::test {
@@ -49,15 +50,30 @@ namespace corvina::test {
     return bytes;
 }
 
-// In all heaps: that of the C runtime is one of its own.
+// That of the C runtime is one of its own.
+[[nodiscard]] inline std::vector<HANDLE> processHeaps() {
+    std::vector<HANDLE> heaps(64);
+    const DWORD count = ::GetProcessHeaps(static_cast<DWORD>(heaps.size()), heaps.data());
+    heaps.resize(std::min<std::size_t>(count, heaps.size()));
+    return heaps;
+}
+
 [[nodiscard]] inline std::size_t countHeapBytes() {
-    HANDLE heaps[64];
-    const DWORD count =
-        std::min<DWORD>(::GetProcessHeaps(ARRAYSIZE(heaps), heaps), ARRAYSIZE(heaps));
     std::size_t bytes = 0;
-    for (DWORD index = 0; index < count; ++index)
-        bytes += countHeapBytes(heaps[index]);
+    for (const HANDLE heap : processHeaps())
+        bytes += countHeapBytes(heap);
     return bytes;
+}
+
+// Whether tools/check-heap started the program. Blocks are then freed late, and counted till then.
+[[nodiscard]] inline bool heapsAreChecked() {
+    return ::GetEnvironmentVariableW(L"CORVINA_HEAP_CHECKED", nullptr, 0) != 0;
+}
+
+[[nodiscard]] inline bool heapsAreWhole() {
+    const std::vector<HANDLE> heaps = processHeaps();
+    return std::all_of(heaps.begin(), heaps.end(),
+                       [](HANDLE heap) { return ::HeapValidate(heap, 0, nullptr) != 0; });
 }
 
 } // namespace corvina::test

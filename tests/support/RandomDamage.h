@@ -8,6 +8,7 @@
 // The number of damaged files of each format, and where the random numbers start.
 
 #include "support/FileBytes.h"
+#include "support/ProcessObjects.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -39,6 +40,7 @@ public:
             const unsigned seed = seed_ + static_cast<unsigned>(variant);
             SCOPED_TRACE("--variants=1 --seed=" + std::to_string(seed));
             attempt(damaged(good, seed));
+            ASSERT_TRUE(heapsAreWhole());
             if (testing::Test::HasFatalFailure())
                 return;
         }

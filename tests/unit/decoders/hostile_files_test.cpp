@@ -65,7 +65,7 @@ void useWhole(cSoundSTRM& source, const std::wstring& path, Bytes& buffer) {
 class HostileFiles : public testing::TestWithParam<Format> {
 protected:
     void TearDown() override {
-        if (played > firstPlays) {
+        if (played > firstPlays && !heapsAreChecked()) {
             EXPECT_EQ(countHeapBytes(), heapBytes);
         }
     }
