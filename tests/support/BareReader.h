@@ -16,14 +16,21 @@ namespace corvina::test {
 
 class BareReader {
 public:
-    explicit BareReader(const std::wstring& file) {
+    // Null where there is none.
+    [[nodiscard]] static ComPtr<IWMSyncReader> create() {
         using Create = HRESULT(WINAPI*)(IUnknown*, DWORD, IWMSyncReader**);
         const HMODULE library = ::LoadLibraryW(L"wmvcore.dll");
-        const auto create = reinterpret_cast<Create>(
+        const auto createReader = reinterpret_cast<Create>(
             reinterpret_cast<void*>(::GetProcAddress(library, "WMCreateSyncReader")));
+        ComPtr<IWMSyncReader> reader;
+        if (createReader)
+            (void)createReader(nullptr, 1, reader.put());
+        return reader;
+    }
+
+    explicit BareReader(const std::wstring& file) : reader_(create()) {
         ComPtr<IWMOutputMediaProps> props;
-        opened_ = create && create(nullptr, 1, reader_.put()) == S_OK &&
-                  reader_->Open(file.c_str()) == S_OK &&
+        opened_ = reader_ && reader_->Open(file.c_str()) == S_OK &&
                   reader_->GetOutputFormat(0, 0, props.put()) == S_OK &&
                   reader_->SetOutputProps(0, props.get()) == S_OK;
     }

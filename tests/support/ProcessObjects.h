@@ -2,8 +2,10 @@
 
 // What this process holds, for tests that nothing is leaked by many rounds.
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 #include <windows.h>
 
 namespace corvina::test {
@@ -37,8 +39,7 @@ namespace corvina::test {
     return static_cast<int>(::GetGuiResources(::GetCurrentProcess(), GR_GDIOBJECTS));
 }
 
-[[nodiscard]] inline std::size_t countHeapBytes() {
-    const HANDLE heap = ::GetProcessHeap();
+[[nodiscard]] inline std::size_t countHeapBytes(HANDLE heap) {
     PROCESS_HEAP_ENTRY entry{};
     std::size_t bytes = 0;
     ::HeapLock(heap);
@@ -47,6 +48,32 @@ namespace corvina::test {
             bytes += entry.cbData;
     ::HeapUnlock(heap);
     return bytes;
+}
+
+// That of the C runtime is one of its own.
+[[nodiscard]] inline std::vector<HANDLE> processHeaps() {
+    std::vector<HANDLE> heaps(64);
+    const DWORD count = ::GetProcessHeaps(static_cast<DWORD>(heaps.size()), heaps.data());
+    heaps.resize(std::min<std::size_t>(count, heaps.size()));
+    return heaps;
+}
+
+[[nodiscard]] inline std::size_t countHeapBytes() {
+    std::size_t bytes = 0;
+    for (const HANDLE heap : processHeaps())
+        bytes += countHeapBytes(heap);
+    return bytes;
+}
+
+// Whether tools/check-heap started the program. Blocks are then freed late, and counted till then.
+[[nodiscard]] inline bool heapsAreChecked() {
+    return ::GetEnvironmentVariableW(L"CORVINA_HEAP_CHECKED", nullptr, 0) != 0;
+}
+
+[[nodiscard]] inline bool heapsAreWhole() {
+    const std::vector<HANDLE> heaps = processHeaps();
+    return std::all_of(heaps.begin(), heaps.end(),
+                       [](HANDLE heap) { return ::HeapValidate(heap, 0, nullptr) != 0; });
 }
 
 } // namespace corvina::test

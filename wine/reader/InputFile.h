@@ -1,7 +1,10 @@
 #pragma once
 
 // A file as the stream that Wine's reader reads. At the end of the file a read fails: Wine's reader
-// would repeat one that succeeds with nothing for ever.
+// would repeat one that succeeds with nothing for ever. What a damaged file claims falsely is
+// corrected on the way.
+
+#include "AsfFile.h"
 
 #include <atomic>
 #include <objidl.h>
@@ -12,7 +15,11 @@ namespace corvina::wine {
 class InputFile final : public IStream {
 public:
     // On success the caller owns one reference.
-    [[nodiscard]] static HRESULT open(const WCHAR* fileName, IStream** stream);
+    [[nodiscard]] static HRESULT open(const WCHAR* fileName, InputFile** stream);
+
+    // Takes the file from a reader that hangs: it is closed, unless a read is under way, and from
+    // now on every call fails.
+    void closeFile();
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** result) override;
     ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
@@ -40,10 +47,13 @@ public:
     HRESULT STDMETHODCALLTYPE Clone(IStream**) override { return E_NOTIMPL; }
 
 private:
-    explicit InputFile(HANDLE file) noexcept : file_(file) {}
-    ~InputFile() { ::CloseHandle(file_); }
+    InputFile(HANDLE file, const AsfFile& asf) noexcept : file_(file), asf_(asf) {}
+    ~InputFile();
 
+    SRWLOCK lock_ = SRWLOCK_INIT; // the reader reads on a thread of its own
     HANDLE file_;
+    std::uint64_t position_ = 0;
+    AsfFile asf_;
     std::atomic<ULONG> references_{1};
 };
 

@@ -1,6 +1,7 @@
 #include "SyncReader.h"
 
 #include "InputFile.h"
+#include "TimedOpen.h"
 
 #include <algorithm>
 #include <cstring>
@@ -63,6 +64,14 @@ bool handOut(const Element* from, std::size_t count, Element* buffer, Length* le
     return fits;
 }
 
+DWORD openLimit() {
+    constexpr DWORD generous = 10'000;
+    WCHAR text[16];
+    const DWORD length = ::GetEnvironmentVariableW(L"CORVINA_READER_LIMIT", text, ARRAYSIZE(text));
+    const bool given = length > 0 && length < ARRAYSIZE(text);
+    return given ? static_cast<DWORD>(std::wcstoul(text, nullptr, 10)) : generous;
+}
+
 } // namespace
 
 HRESULT SyncReader::create(IWMSyncReader** reader) {
@@ -102,7 +111,7 @@ HRESULT SyncReader::QueryInterface(REFIID iid, void** result) {
              iid == __uuidof(IWMHeaderInfo3))
         *result = static_cast<ForwardedHeader*>(this);
     else
-        return wineReader_->QueryInterface(iid, result);
+        return wineReader_ ? wineReader_->QueryInterface(iid, result) : E_NOINTERFACE;
     AddRef();
     return S_OK;
 }
@@ -122,21 +131,29 @@ ULONG SyncReader::Release() {
 HRESULT SyncReader::Open(const WCHAR* fileName) {
     if (!fileName)
         return E_INVALIDARG;
-    IStream* file = nullptr;
+    InputFile* file = nullptr;
     const HRESULT opened = InputFile::open(fileName, &file);
     if (FAILED(opened))
         return opened;
     const HRESULT result = openStream(file, fileName);
+    if (result == openedInVain)
+        file->closeFile();
     file->Release();
     return result;
 }
 
 HRESULT SyncReader::OpenStream(IStream* stream) {
-    return openStream(stream, nullptr);
+    return stream ? openStream(stream, nullptr) : E_INVALIDARG;
 }
 
 HRESULT SyncReader::openStream(IStream* stream, const WCHAR* fileName) {
-    const HRESULT result = ForwardedReader::inner_->OpenStream(stream);
+    const HRESULT result = openWithin(openLimit(), *ForwardedReader::inner_, *stream);
+    if (result == openedInVain) {
+        // Nothing of a reader that hangs may be called or released. Where there is no new one it
+        // stays, and the next open is in vain as well.
+        wineReader_ = nullptr;
+        (void)aggregate();
+    }
     if (SUCCEEDED(result)) {
         open_ = true;
         atStart_ = true;

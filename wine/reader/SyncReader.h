@@ -3,6 +3,10 @@
 // Wine's synchronous reader with what it lacks: a range by frames that is the whole file, and the
 // list of the file's attributes. It aggregates Wine's reader, so that every other interface is that
 // reader's own and still belongs to this object.
+//
+// An open that takes longer than 10 seconds is taken for one that never ends. It fails, the reader
+// that hangs in it is left behind, with whatever interfaces of its own were handed out, and a new
+// one takes its place. CORVINA_READER_LIMIT in the environment sets another limit, in milliseconds.
 
 #include "FileAttributes.h"
 #include "ForwardedHeader.h"
@@ -50,7 +54,9 @@ private:
     void addReaderAttribute(const wchar_t* name, WMT_ATTR_DATATYPE type);
     void listAttributes(const WCHAR* fileName);
 
-    IUnknown* wineReader_ = nullptr; // the aggregated object's own IUnknown: keeps it alive
+    // The aggregated object's own IUnknown, which keeps it alive. Null where it had to be left
+    // behind and there is no other.
+    IUnknown* wineReader_ = nullptr;
     std::atomic<ULONG> references_{1};
     bool open_ = false;
     bool atStart_ = false;                  // opened, and since then neither moved nor read
