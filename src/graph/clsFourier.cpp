@@ -64,11 +64,11 @@ void clsFourier::ImagIn(std::int32_t index, double value) {
 }
 
 double clsFourier::RealOut(std::int32_t index) {
-    return output(index).re;
+    return finite(output(index).re);
 }
 
 double clsFourier::ImagOut(std::int32_t index) {
-    return output(index).im;
+    return finite(output(index).im);
 }
 
 double clsFourier::ComplexOut(std::int32_t index) {

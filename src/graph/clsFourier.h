@@ -8,7 +8,8 @@
 // samples of value v give N * v / 2 in bin 1.
 //
 // One thread. Errors: 381 for an index outside 1 ... N or before a valid NumberOfSamples; 6
-// (overflow) where a result would not be a finite number. Members that fail change no sample.
+// (overflow) where a number is not finite. A member that fails so while it writes changes no
+// sample.
 
 #include "graph/RadixTwoTransform.h"
 #include "platform/PerformanceCounter.h"

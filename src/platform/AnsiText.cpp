@@ -44,11 +44,15 @@ std::wstring fromAnsi(std::string_view text) {
 }
 
 std::wstring fromAnsiBytes(std::string_view bytes) {
-    std::array<wchar_t, 256> characters{};
-    for (std::size_t code = 0; code < characters.size(); ++code) {
-        const char byte = static_cast<char>(code);
-        ::MultiByteToWideChar(CP_ACP, 0, &byte, 1, &characters[code], 1);
-    }
+    // A tag may hold a million texts: the system is asked once.
+    static const auto characters = [] {
+        std::array<wchar_t, 256> table{};
+        for (std::size_t code = 0; code < table.size(); ++code) {
+            const char byte = static_cast<char>(code);
+            ::MultiByteToWideChar(CP_ACP, 0, &byte, 1, &table[code], 1);
+        }
+        return table;
+    }();
     std::wstring result;
     result.reserve(bytes.size());
     for (const char byte : bytes)

@@ -48,9 +48,12 @@ PlaybackEngine::~PlaybackEngine() {
 
 std::int32_t PlaybackEngine::StartPlayAudio(std::int32_t deviceIndex, WAVEFORMATEX format) {
     // A device whose close failed when its playback ended gets a second try, or it would be lost.
+    // The host still waits for the DonePlay of that playback: unless another one begins now, the
+    // close message brings it.
+    bool closesFormer = false;
     if (deviceOpen_) {
-        closeDevice();
-        discardMessages(CloseMessage::discardOne);
+        closesFormer = closeDevice();
+        discardMessages(CloseMessage::keep);
     }
 
     ++playback_;
@@ -81,8 +84,8 @@ std::int32_t PlaybackEngine::StartPlayAudio(std::int32_t deviceIndex, WAVEFORMAT
 
     // The host is told of a failure by the result alone: no message of this device may follow.
     const auto abandon = [this]() noexcept {
-        closeDevice();
-        discardMessages(CloseMessage::discardOne);
+        const bool closed = closeDevice();
+        discardMessages(closed ? CloseMessage::discardOne : CloseMessage::keep);
     };
     try {
         if (const MMRESULT prepared = prepareRing(); prepared != MMSYSERR_NOERROR) {
@@ -101,6 +104,8 @@ std::int32_t PlaybackEngine::StartPlayAudio(std::int32_t deviceIndex, WAVEFORMAT
         abandon();
         return primed;
     }
+    if (closesFormer)
+        static_cast<void>(discardMessage(MM_WOM_CLOSE));
     paused_ = false;
     playing_ = true;
     done_ = false;
@@ -316,20 +321,21 @@ void PlaybackEngine::failPlayback(std::uint32_t playback) {
         // The source could not be closed either; it is closed when it is opened again.
         converter_.reset();
     }
-    closeDevice();
+    static_cast<void>(closeDevice());
 }
 
 void PlaybackEngine::Disconnect() noexcept {
     if (deviceOpen_)
-        closeDevice();
+        static_cast<void>(closeDevice());
     discardMessages(CloseMessage::discardAll);
     window_ = nullptr;
     converter_.reset();
     done_ = true;
 }
 
-// Closes the device at once, without events.
-void PlaybackEngine::closeDevice() noexcept {
+// Closes the device at once, without events. Whether it accepted that, so that its close message
+// comes.
+bool PlaybackEngine::closeDevice() noexcept {
     feeding_ = false;
     playing_ = false;
     drained_ = playedBuffers;
@@ -337,9 +343,11 @@ void PlaybackEngine::closeDevice() noexcept {
     for (std::size_t i = 0; i < playedBuffers; ++i)
         wave_.outUnprepareHeader(device_, &(*ring_)[i].header, headerBytes);
     // A device that refuses to close may still read the buffers: they are left to it.
-    if (wave_.outClose(device_) != MMSYSERR_NOERROR)
+    const bool closed = wave_.outClose(device_) == MMSYSERR_NOERROR;
+    if (!closed)
         static_cast<void>(ring_.release());
     deviceOpen_ = false;
+    return closed;
 }
 
 // Takes this engine's messages out of the window's queue, so that the next playback is not fed or

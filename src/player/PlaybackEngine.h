@@ -6,9 +6,9 @@
 // Everything happens on the thread that owns the window, driven by that window's messages: there is
 // no thread of its own and no lock. A playback lives so:
 //   StartPlayAudio  opens the device and posts eight MM_WOM_DONE messages, which fill the ring
-//   MM_WOM_DONE     refills and queues the next buffer while feeding; the message that meets the
-//   end
-//                   of the source (or PlayStop) ends feeding, and eight more close the device
+//   MM_WOM_DONE     refills and queues the next buffer while feeding; the message that meets
+//                   the end of the source (or PlayStop) ends feeding, and eight more close the
+//                   device
 //   MM_WOM_CLOSE    stops what is left, sets done and raises DonePlay
 // A handler of Err or DonePlay may call every member. A failure that is thrown while a message is
 // handled ends the playback and is reported through Err as "WindowProcOut".
@@ -37,8 +37,12 @@ public:
     PlaybackEngine(const PlaybackEngine&) = delete;
     PlaybackEngine& operator=(const PlaybackEngine&) = delete;
 
-    // The window whose messages reach WindowProcOut from now on.
-    void Connect(HWND window) noexcept { window_ = window; }
+    // The window whose messages reach WindowProcOut from now on. Sets done, also while something
+    // plays: that plays on to its end and its DonePlay, and PlayStop has nothing to stop.
+    void Connect(HWND window) noexcept {
+        window_ = window;
+        done_ = true;
+    }
     // Messages do not arrive any longer: a device still open is closed here and now, without an
     // event, and nothing plays afterwards.
     void Disconnect() noexcept;
@@ -76,7 +80,7 @@ private:
     void StopPlayProc();
     void dropConversion();
     void failPlayback(std::uint32_t playback);
-    void closeDevice() noexcept;
+    [[nodiscard]] bool closeDevice() noexcept;
     void discardMessages(CloseMessage close) noexcept;
     [[nodiscard]] bool discardMessage(UINT message) noexcept;
 

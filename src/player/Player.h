@@ -8,11 +8,11 @@
 // from HandleMessage, and their handlers may call every member; whoever owns the Player keeps it
 // alive until the outermost call has returned. Play states as a host sees them:
 //   idle      IsPlaying false; PlayStart starts
-//   playing   IsPlaying true; PlayStart answers -201; PlayStop, PlayPause, PlayUnPause do their
-//   work draining  after the end of the file or PlayStop, while the queued buffers come back; as
-//   playing closed    the device is closed but its close message was not handled yet: IsPlaying is
-//   still
-//             true, PlayStart starts a file, which that message then stops
+//   playing   IsPlaying true; PlayStart answers -201; PlayStop, PlayPause, PlayUnPause work
+//   draining  after the end of the file or PlayStop, while the queued buffers come back; as
+//             playing
+//   closed    the device is closed but its close message was not handled yet: IsPlaying is
+//             still true, PlayStart starts a file, which that message then stops
 
 #include "platform/LoadedCodecs.h"
 #include "player/AudioDevices.h"

@@ -42,7 +42,7 @@ public:
     // Reads the bytes that end so far before the end of the file; false if they are not there.
     [[nodiscard]] bool readBeforeEnd(std::uint32_t distance, void* to, std::uint32_t bytes) const {
         const auto back = static_cast<std::int32_t>(distance + bytes);
-        return access_.setPosition(file_, -back, MoveMethod::fromEnd) >= 0 &&
+        return access_.setPosition(file_, -back, MoveMethod::fromEnd) != -1 &&
                access_.read(file_, to, static_cast<std::int32_t>(bytes)) ==
                    static_cast<std::int32_t>(bytes);
     }

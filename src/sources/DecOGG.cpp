@@ -100,6 +100,11 @@ std::int32_t DecOGG::CloseSource() {
 std::int32_t DecOGG::Read(void* pBuffer, std::int32_t cBytes, std::int32_t& cBytesRead) {
     if (!opened_)
         return SourceResult::notOpen;
+    if (atEnd_) {
+        cBytesRead = 0;
+        ended_ = true;
+        return SourceResult::endOfData;
+    }
     constexpr std::int32_t littleEndian = 0;
     constexpr std::int32_t bytesPerSample = 2;
     constexpr std::int32_t isSigned = 1;
@@ -134,7 +139,10 @@ std::int32_t DecOGG::SeekTo(std::int32_t Value, std::int32_t& Mode) {
     }
     positionMs_ = roundToInt32(seconds * 1000);
     const auto words = std::bit_cast<std::array<std::int32_t, 2>>(seconds);
-    vorbisfile_.CallFunc("ov_time_seek", decoder_.data(), words[0], words[1]);
+    const std::int32_t refused =
+        vorbisfile_.CallFunc("ov_time_seek", decoder_.data(), words[0], words[1]);
+    // The library refuses the very end, and stays where it was.
+    atEnd_ = refused != 0 && positionMs_ >= durationMs_;
     ended_ = false;
     return SourceResult::done;
 }

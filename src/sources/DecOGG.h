@@ -75,6 +75,7 @@ private:
     std::int32_t durationMs_ = 0;
     std::int32_t positionMs_ = 0;
     bool ended_ = false;
+    bool atEnd_ = false; // sought to the end, where the library does not go
     StrmTags tags_;
 };
 

@@ -112,7 +112,8 @@ std::int32_t DecWAV::SeekTo(std::int32_t Value, std::int32_t& Mode) {
             return SourceResult::outOfRange;
         offset = roundToInt32(Value / 100.0 * data_.size);
     } else if (Mode == SeekMode::seconds) {
-        if (Value < 0 || Duration() / 1000.0 < Value)
+        const double seconds = Duration() / 1000.0;
+        if (Value < 0 || seconds < Value)
             return SourceResult::outOfRange;
         offset = multiply32(bytesPerSecond(), Value);
     }

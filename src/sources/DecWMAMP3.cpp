@@ -85,6 +85,8 @@ bool DecWMAMP3::prepareReader() {
 void DecWMAMP3::closeReader() noexcept {
     reader_->Close();
     open_ = false;
+    endOfStream_ = false;
+    tags_.ClearTags();
     dropSample();
 }
 
@@ -94,8 +96,6 @@ std::int32_t DecWMAMP3::CloseSource() {
     if (!open_)
         return SourceResult::notOpen;
     closeReader();
-    endOfStream_ = false;
-    tags_.ClearTags();
     return SourceResult::done;
 }
 

@@ -218,6 +218,9 @@ std::int32_t CurrentMessage() noexcept {
 }
 
 LRESULT CallOldWindowProc(HWND hWnd, UINT iMsg, WPARAM wParam, LPARAM lParam) noexcept {
+    // The property of another process's window is an address there, not here.
+    if (checkWindow(hWnd) != 0)
+        return 0;
     const WNDPROC old = propertiesOf(hWnd).oldProcedure();
     return old ? api->callWindowProc(old, hWnd, iMsg, wParam, lParam) : 0;
 }

@@ -27,7 +27,7 @@ BandLevels after(const SampleBuffer& samples, std::int32_t bands) {
     return levels;
 }
 
-// The spectrum as it is defined, by the definition of the Fourier transform.
+// The spectrum by the definition of the Fourier transform.
 std::vector<float> spectrumOf(const SampleBuffer& samples) {
     const double pi = 4.0 * std::atan(1.0);
     std::vector<float> spectrum(1024);
@@ -105,7 +105,7 @@ TEST(BandLevels, no_level_exceeds_one) {
             EXPECT_LE(level, 1.0);
 }
 
-TEST(BandLevels, levels_follow_the_defined_arithmetic) {
+TEST(BandLevels, levels_follow_the_transforms_definition) {
     for (const int bin : {3, 50, 124, 200})
         for (const int count : {1, 9, 50, 102, 204}) {
             const auto samples = sine(bin, 1500);
@@ -117,7 +117,7 @@ TEST(BandLevels, levels_follow_the_defined_arithmetic) {
         }
 }
 
-TEST(BandLevels, a_step_follows_the_defined_arithmetic) {
+TEST(BandLevels, a_step_follows_the_transforms_definition) {
     std::vector<std::int16_t> step(511, 12000);
     std::fill(step.begin(), step.begin() + 200, std::int16_t{-12000});
     const auto samples = bufferOf(step);

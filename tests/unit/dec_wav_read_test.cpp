@@ -178,6 +178,7 @@ TEST_F(DecWAVTest, an_average_rate_of_0_makes_times_fail) {
     ASSERT_EQ(open(plainWav(record, noise(100))), 0);
     EXPECT_EQ(errorOf([&] { (void)wav_.Duration(); }), 11);
     EXPECT_EQ(errorOf([&] { (void)seek(0, 1); }), 11);
+    EXPECT_EQ(errorOf([&] { (void)seek(-1, 1); }), 11);
     EXPECT_EQ(errorOf([&] { (void)wav_.Position(); }), 6); // 0 / 0
     EXPECT_EQ(wav_.Bitrate(), 0);
     EXPECT_EQ(seek(50, 0), 0);

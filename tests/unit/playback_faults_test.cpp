@@ -196,6 +196,35 @@ TEST_F(PlaybackFaults, a_failed_close_is_reported_and_clears_playing_anyway) {
     EXPECT_EQ(fakeWave.closes, 2);
 }
 
+TEST_F(PlaybackFaults, a_failed_start_after_a_failed_close_brings_the_DonePlay_that_is_due) {
+    script.data = noise(100);
+    startAndFill();
+    fakeWave.faults.arm("waveOutClose", 1, once);
+    playOut();
+    host.events.clear();
+    fakeWave.faults.arm("waveOutOpen", 1, once);
+    EXPECT_NE(start(), 0);
+    dispatchWaitingMessages();
+    EXPECT_EQ(host.countOf(L"DonePlay"), 1);
+    EXPECT_FALSE(host.player.IsPlaying());
+    expectTheNextPlaybackWorks();
+}
+
+TEST_F(PlaybackFaults,
+       a_start_that_cannot_be_undone_leaves_the_close_message_of_the_playback_before) {
+    startAndFill();
+    host.player.PlayStop();
+    MSG message;
+    while (::PeekMessageA(&message, nullptr, MM_WOM_DONE, MM_WOM_DONE, PM_REMOVE))
+        ::DispatchMessageA(&message);
+    host.events.clear();
+    windowFaults.arm("PostMessage", 5, once, 1400);
+    fakeWave.faults.arm("waveOutClose", 1, once);
+    EXPECT_EQ(start(), 1400);
+    dispatchWaitingMessages();
+    EXPECT_EQ(host.countOf(L"DonePlay"), 1);
+}
+
 TEST_F(PlaybackFaults, a_device_that_never_closes_is_left_to_itself_with_its_buffers) {
     startAndFill();
     fakeWave.faults.arm("waveOutClose", 1, forever);

@@ -54,12 +54,16 @@ TEST_F(PlayerLife, Init_a_second_time_attaches_nothing_again_but_adds_the_source
     expectTheNextPlaybackWorks();
 }
 
-TEST_F(PlayerLife, Init_in_mid_play_leaves_the_playback_running) {
+TEST_F(PlayerLife, Init_in_mid_play_sets_done_and_leaves_the_playback_running) {
     startAndFill();
     EXPECT_EQ(host.init(), 0);
-    EXPECT_TRUE(host.player.IsPlaying());
+    EXPECT_FALSE(host.player.IsPlaying());
+    EXPECT_EQ(start(), -201);
+    EXPECT_EQ(host.player.PlayStop(), 0);
+    EXPECT_TRUE(fakeWave.open);
     playOut();
-    EXPECT_EQ(host.events, endOfPlayback);
+    EXPECT_THAT(host.events, ElementsAre(L"DonePlay"));
+    expectTheNextPlaybackWorks();
 }
 
 TEST_F(PlayerLife, Init_with_no_window_raises_the_subclassing_error) {

@@ -7,6 +7,13 @@
 #include "player/SourceList.h"
 #include "player/TagTexts.h"
 #include "player/TimeText.h"
+#include "player/cDXCallback.h"
+#include "sources/DecAPE.h"
+#include "sources/DecCDA.h"
+#include "sources/DecOGG.h"
+#include "sources/DecSND.h"
+#include "sources/DecWAV.h"
+#include "sources/DecWMAMP3.h"
 #include "stream/PcmFormat.h"
 #include "stream/StrmTags.h"
 #include "support/ErrorNumber.h"
@@ -177,11 +184,45 @@ TEST_F(Sources, are_counted) {
     EXPECT_EQ(list.SourceCount(), 4u);
 }
 
-TEST(MakeSources, has_a_source_for_wav_files) {
+class RealSources : public ::testing::Test {
+protected:
+    RealSources() {
+        for (auto& source : makeSources())
+            list.AddSource(std::move(source));
+    }
+
+    template <typename Source>
+    [[nodiscard]] bool serves(const std::wstring& file) const {
+        return dynamic_cast<Source*>(list.FindSourceForFile(file)) != nullptr;
+    }
+
     SourceList list;
-    for (auto& source : makeSources())
-        list.AddSource(std::move(source));
-    ASSERT_NE(list.FindSourceForFile(L"song.wav"), nullptr);
+};
+
+TEST_F(RealSources, stand_in_the_order_in_which_an_extension_is_looked_for) {
+    EXPECT_EQ(list.SourceCount(), 6u);
+    EXPECT_THAT(list.AllSupportedExtensions(),
+                ElementsAre(L"ape", L"ogg", L"wav", L"au", L"snd", L"aiff", L"aifc", L"voc", L"vox",
+                            L"wma", L"mp3", L"wmv", L"cda"));
+}
+
+TEST_F(RealSources, serve_a_name_without_an_extension_with_the_first) {
+    EXPECT_TRUE(serves<DecAPE>(L"song"));
+}
+
+TEST_F(RealSources, serve_their_extensions_in_any_case) {
+    EXPECT_TRUE(serves<DecAPE>(L"song.APE"));
+    EXPECT_TRUE(serves<DecOGG>(L"song.Ogg"));
+    EXPECT_TRUE(serves<DecWAV>(L"song.wav"));
+    EXPECT_TRUE(serves<DecSND>(L"song.aif"));
+    EXPECT_TRUE(serves<DecWMAMP3>(L"song.MP3"));
+    EXPECT_TRUE(serves<DecCDA>(L"D:\\Track01.cda"));
+}
+
+TEST(DXCallback, takes_no_notice_of_an_event) {
+    cDXCallback callback;
+    callback.OnEvent(1);
+    EXPECT_THAT(callback.MyEvents(), IsEmpty());
 }
 
 // ---------------------------------------------------------------- TagTexts

@@ -166,6 +166,15 @@ TEST_F(Subclass, calling_the_old_procedure_of_a_window_without_one_answers_0) {
     EXPECT_THAT(calls, IsEmpty());
 }
 
+// A window of another host has the property too, and its number is an address over there.
+TEST_F(Subclass, calling_the_old_procedure_of_another_processs_window_answers_0) {
+    const HWND desktop = ::GetDesktopWindow();
+    const std::string name = std::to_string(static_cast<int>(reinterpret_cast<LONG_PTR>(desktop)));
+    ASSERT_TRUE(::SetPropA(desktop, name.c_str(), reinterpret_cast<HANDLE>(0x1234)));
+    EXPECT_EQ(MSubclass::CallOldWindowProc(desktop, hello, 0, 0), 0);
+    ::RemovePropA(desktop, name.c_str());
+}
+
 TEST_F(Subclass, no_window_raises_13083) {
     EXPECT_EQ(attachError(&first, nullptr), invalidWindow);
     EXPECT_EQ(attachError(&first, reinterpret_cast<HWND>(0x7FFFFFF0)), invalidWindow);

@@ -104,7 +104,7 @@ TEST_F(WindowsMedia, its_tags_are_one_collection_for_life) {
 
 // ---- opening
 
-TEST_F(WindowsMedia, opening_calls_the_reader_in_the_stated_order) {
+TEST_F(WindowsMedia, opening_calls_the_reader_step_by_step) {
     EXPECT_THAT(callsOfOpen(),
                 ElementsAre("Open song.wma", "GetOutputCount", "GetOutputFormatCount 0",
                             "GetOutputFormat 0 0", "GetMediaTypeSize", "GetMediaType",

@@ -28,6 +28,7 @@ struct OggAnswers {
     std::array<std::int32_t, 8> information{0, 2, 44100, 0, 128000, 0, -1, 0};
     std::int32_t pcmTotal = 441000;
     std::int32_t ovRead = 0;
+    std::int32_t ovTimeSeek = -1; // looked at for a seek to the end alone
     std::int32_t comments = commentBlock;
     std::map<std::string, std::string> values;
 };
@@ -120,7 +121,7 @@ private:
     static std::int32_t __cdecl ovTimeSeek(std::int32_t decoder, double seconds) {
         const auto words = std::bit_cast<std::array<std::int32_t, 2>>(seconds);
         StandIns::record("ov_time_seek", {decoder, words[0], words[1]});
-        return -1; // not looked at
+        return answers.ovTimeSeek;
     }
     static std::int32_t __cdecl ovComment(std::int32_t decoder, std::int32_t link) {
         StandIns::record("ov_comment", {decoder, link});

@@ -225,15 +225,43 @@ TEST(ApeFiles, every_seek_gives_the_samples_of_that_block) {
     }
 }
 
-TEST(ApeFiles, a_seek_to_the_end_is_followed_by_the_end) {
-    DecAPE source;
-    ASSERT_EQ(source.OpenSource(mediaFile(L"tune.ape")), 0);
+template <typename Source>
+void expectEndBehindSeekToEnd(const std::wstring& name) {
+    Source source;
+    ASSERT_EQ(source.OpenSource(mediaFile(name)), 0);
     seekTo(source, 100, 0);
     char buffer[400];
     std::int32_t got = 7;
     EXPECT_EQ(source.Read(buffer, 400, got), 5);
     EXPECT_EQ(got, 0);
     EXPECT_TRUE(source.EndOfStream());
+    seekTo(source, 0, 0);
+    EXPECT_EQ(source.Read(buffer, 400, got), 0);
+    EXPECT_GT(got, 0);
+}
+
+TEST(ApeFiles, a_seek_to_the_end_is_followed_by_the_end) {
+    expectEndBehindSeekToEnd<DecAPE>(L"tune.ape");
+}
+
+TEST(OggFiles, a_seek_to_the_end_is_followed_by_the_end) {
+    expectEndBehindSeekToEnd<DecOGG>(L"tune.ogg");
+}
+
+TEST(ApeFiles, a_tag_shows_and_goes_with_the_next_file) {
+    Bytes tagged = fileBytes(mediaFile(L"tune.ape"));
+    const std::string item{"\1\0\0\0\0\0\0\0Title\0x", 15};
+    const std::string footer{"APETAGEX\xD0\x07\0\0\x2F\0\0\0\1\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0", 32};
+    for (const std::string& part : {item, footer})
+        tagged.insert(tagged.end(), part.begin(), part.end());
+    TempFolder folder;
+    DecAPE source;
+    ASSERT_EQ(source.OpenSource(folder.write(L"tagged.ape", tagged)), 0);
+    ASSERT_EQ(source.Tags()->TagCount(), 1);
+    EXPECT_EQ(source.Tags()->TagItem(1).TagName(), L"Title");
+    EXPECT_EQ(source.Tags()->TagItem(1).TagValue(), L"x");
+    ASSERT_EQ(source.OpenSource(mediaFile(L"tune.ape")), 0);
+    EXPECT_EQ(source.Tags()->TagCount(), 0);
 }
 
 TEST(ApeFiles, format_and_position_are_told) {

@@ -28,7 +28,7 @@ TEST_F(OggCalls, a_missing_library_stops_the_loading_and_release_unloads_all_fou
                             "free ogg.dll", "free 0", "free 0"));
 }
 
-TEST_F(OggCalls, open_makes_the_stated_calls) {
+TEST_F(OggCalls, open_calls_the_library_step_by_step) {
     EXPECT_EQ(openResult(), 0);
     EXPECT_THAT(callsAtOpen,
                 ElementsAre(Call{"fopen", {}},                                           //

@@ -110,6 +110,24 @@ TEST_F(OggCalls, the_ends_of_both_ranges_are_accepted) {
     EXPECT_EQ(seek(source, 10, 1), 0);
 }
 
+TEST_F(OggCalls, behind_a_seek_to_the_end_that_the_library_refuses_comes_the_end) {
+    DecOGG& source = opened();
+    answers.ovTimeSeek = -131;
+    answers.ovRead = 8;
+    EXPECT_EQ(seek(source, 10, 1), 0);
+    EXPECT_FALSE(source.EndOfStream());
+    libraries.calls.clear();
+    char buffer[8];
+    std::int32_t got = 7;
+    EXPECT_EQ(source.Read(buffer, 8, got), 5);
+    EXPECT_EQ(got, 0);
+    EXPECT_TRUE(source.EndOfStream());
+    EXPECT_THAT(libraries.calls, IsEmpty());
+    answers.ovTimeSeek = 0;
+    EXPECT_EQ(seek(source, 5, 1), 0);
+    EXPECT_EQ(source.Read(buffer, 8, got), 0);
+}
+
 TEST_F(OggCalls, a_seek_out_of_range_answers_3_and_calls_nothing) {
     DecOGG& source = opened();
     constexpr std::int32_t least = std::numeric_limits<std::int32_t>::min();
