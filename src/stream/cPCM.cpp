@@ -33,6 +33,15 @@ bool isComplete(const WAVEFORMATEX& format) {
     return format.nChannels != 0 && format.nSamplesPerSec != 0 && format.nBlockAlign != 0;
 }
 
+// Where a PCM record's blocks are too small for a sample of every channel, a codec that counts
+// blocks and reads whole samples reads more than it was given: so many times as much.
+std::int32_t timesRead(const WAVEFORMATEX& format) {
+    if (format.wFormatTag != WAVE_FORMAT_PCM)
+        return 1;
+    const std::int32_t sampleBytes = format.nChannels * ((format.wBitsPerSample + 7) / 8);
+    return std::max(1, (sampleBytes + format.nBlockAlign - 1) / format.nBlockAlign);
+}
+
 // The 16-bit elements of an output buffer of that many bytes. Half an element rounds to even and
 // may be rounded away.
 std::size_t elementsOf(std::int32_t outputBytes) {
@@ -90,6 +99,7 @@ bool cPCM::InitConversion(cSoundSTRM& Source, cCallback* Callback, bool Force16B
                 return false;
         }
     }
+    timesRead_ = timesRead(format);
     const std::optional<Sizes> sizes = measureStream();
     if (!sizes || !sizeBuffers(*sizes)) {
         closeStream();
@@ -149,7 +159,7 @@ std::optional<cPCM::Sizes> cPCM::measureStream() const {
     DWORD source = 0;
     if (acm_.streamSize(stream_, static_cast<DWORD>(output), &source,
                         ACM_STREAMSIZEF_DESTINATION) != 0 ||
-        source > static_cast<DWORD>(largestBuffer))
+        source > static_cast<DWORD>(largestBuffer / timesRead_))
         return std::nullopt;
     return Sizes{output, static_cast<std::int32_t>(source)};
 }
@@ -159,7 +169,7 @@ bool cPCM::sizeBuffers(const Sizes& sizes) {
         // The last byte of an odd size may have no element, and the codec writes it all the same.
         const auto halves = static_cast<std::size_t>(sizes.output + 1) / 2;
         std::vector<std::int16_t> output(std::max(elementsOf(sizes.output), halves));
-        std::vector<std::uint8_t> source(static_cast<std::size_t>(sizes.source));
+        std::vector<std::uint8_t> source(static_cast<std::size_t>(sizes.source * timesRead_));
         outputBuffer_ = std::move(output);
         sourceBuffer_ = std::move(source);
     } catch (const std::bad_alloc&) {

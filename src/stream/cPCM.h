@@ -77,6 +77,7 @@ private:
     std::vector<std::int16_t> outputBuffer_;
     SampleArray outputArray_;
     Sizes sizes_{};
+    std::int32_t timesRead_ = 1;  // of the source's bytes, by a codec that is led astray
     std::int32_t readOffset_ = 0; // bytes of the output buffer handed out
     std::int32_t available_ = 0;  // converted bytes in the output buffer
     std::int32_t leftover_ = 0;   // unconverted bytes at the front of the source buffer

@@ -132,6 +132,29 @@ TEST_F(HostileConverter, a_codec_that_uses_nothing_never_asks_for_less_than_no_b
         EXPECT_GE(asked, 0);
 }
 
+TEST_F(HostileConverter, a_codec_may_read_a_whole_sample_for_each_block_that_is_too_small_for_one) {
+    MemorySource source(pcm(8000, 3, 24), noise(100'000));
+    source.format.nBlockAlign = 2;
+    int sum = 0;
+    fakeAcm.conversion = [&sum](ACMSTREAMHEADER& header) -> MMRESULT {
+        for (DWORD at = 0; at < header.cbSrcLength / 2 * 9; ++at)
+            sum += header.pbSrc[at];
+        header.cbSrcLengthUsed = header.cbSrcLength;
+        header.cbDstLengthUsed = header.cbDstLength;
+        return 0;
+    };
+    useAll(source);
+    EXPECT_NE(sum, 0);
+}
+
+TEST_F(HostileConverter, blocks_that_are_far_too_small_are_refused) {
+    MemorySource source(pcm(8000, 1, 16), {});
+    source.format.nChannels = 16'000;
+    source.format.nBlockAlign = 1;
+    cPCM converter(fakeAcmApi);
+    EXPECT_FALSE(converter.InitConversion(source, nullptr, false));
+}
+
 TEST_F(HostileConverter, a_codec_may_fill_the_output_buffer_to_its_last_byte) {
     for (DWORD bytesPerSecond = 11020; bytesPerSecond < 11032; ++bytesPerSecond) {
         fakeAcm.conversion = [](ACMSTREAMHEADER& header) -> MMRESULT {
