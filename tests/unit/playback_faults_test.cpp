@@ -15,6 +15,16 @@ class PlaybackFaults : public Playback {
 protected:
     static constexpr auto once = Faults::Lasting::once;
     static constexpr auto forever = Faults::Lasting::forever;
+
+    // The device is closed, and its close message still waits.
+    void playUntilClosed() {
+        startAndFill();
+        host.player.PlayStop();
+        MSG message;
+        while (::PeekMessageA(&message, nullptr, MM_WOM_DONE, MM_WOM_DONE, PM_REMOVE))
+            ::DispatchMessageA(&message);
+        host.events.clear();
+    }
 };
 
 // ---------------------------------------------------------------- the start
@@ -71,12 +81,7 @@ TEST_F(PlaybackFaults, a_post_that_answers_another_number_is_the_result) {
 }
 
 TEST_F(PlaybackFaults, a_failed_start_leaves_the_close_message_of_the_playback_before) {
-    startAndFill();
-    host.player.PlayStop();
-    MSG message;
-    while (::PeekMessageA(&message, nullptr, MM_WOM_DONE, MM_WOM_DONE, PM_REMOVE))
-        ::DispatchMessageA(&message);
-    host.events.clear();
+    playUntilClosed();
     fakeWave.faults.arm("waveOutPrepareHeader", 3);
     EXPECT_NE(start(), 0);
     dispatchWaitingMessages();
@@ -212,12 +217,7 @@ TEST_F(PlaybackFaults, a_failed_start_after_a_failed_close_brings_the_DonePlay_t
 
 TEST_F(PlaybackFaults,
        a_start_that_cannot_be_undone_leaves_the_close_message_of_the_playback_before) {
-    startAndFill();
-    host.player.PlayStop();
-    MSG message;
-    while (::PeekMessageA(&message, nullptr, MM_WOM_DONE, MM_WOM_DONE, PM_REMOVE))
-        ::DispatchMessageA(&message);
-    host.events.clear();
+    playUntilClosed();
     windowFaults.arm("PostMessage", 5, once, 1400);
     fakeWave.faults.arm("waveOutClose", 1, once);
     EXPECT_EQ(start(), 1400);
