@@ -28,18 +28,41 @@ std::uint16_t outputWidth(std::uint16_t sourceBits, bool force16Bit) {
     return force16Bit || sourceBits > 8 ? 16 : 8;
 }
 
-// Some codecs divide by these fields without a look at them.
-bool isComplete(const WAVEFORMATEX& format) {
-    return format.nChannels != 0 && format.nSamplesPerSec != 0 && format.nBlockAlign != 0;
+// In these formats the number of samples in a block follows the record; in the first one also the
+// seven pairs of coefficients, and their number.
+bool countsSamples(const WAVEFORMATEX& record) {
+    switch (record.wFormatTag) {
+    case WAVE_FORMAT_ADPCM:
+        return record.cbSize == 2 * sizeof(WORD) + 7 * sizeof(ADPCMCOEFSET);
+    case WAVE_FORMAT_IMA_ADPCM:
+    case WAVE_FORMAT_GSM610:
+        return record.cbSize == sizeof(WORD);
+    default:
+        return false;
+    }
 }
 
-// Where a PCM record's blocks are too small for a sample of every channel, a codec that counts
-// blocks and reads whole samples reads more than it was given: so many times as much.
-std::int32_t timesRead(const WAVEFORMATEX& format) {
+// Some codecs divide by these fields without a look at them.
+bool isComplete(const WAVEFORMATEX& record) {
+    WORD samplesInBlock = 1;
+    if (countsSamples(record))
+        std::memcpy(&samplesInBlock, &record + 1, sizeof samplesInBlock);
+    return record.nChannels != 0 && record.nSamplesPerSec != 0 && record.nBlockAlign != 0 &&
+           samplesInBlock != 0;
+}
+
+// No block of compressed sound is larger: a record counts up to 65535 samples in one, of half a
+// byte each in two channels.
+constexpr std::int64_t largestBlock = 128 * 1024;
+
+// How far a codec may read in a buffer of that many bytes. Those of the platform read whole PCM
+// samples, and as many compressed ones as the record counts, also where the record's blocks are too
+// small for them.
+std::int64_t bytesInReach(const WAVEFORMATEX& format, std::int64_t bytes) {
     if (format.wFormatTag != WAVE_FORMAT_PCM)
-        return 1;
-    const std::int32_t sampleBytes = format.nChannels * ((format.wBitsPerSample + 7) / 8);
-    return std::max(1, (sampleBytes + format.nBlockAlign - 1) / format.nBlockAlign);
+        return bytes + largestBlock;
+    const int sampleBytes = format.nChannels * ((format.wBitsPerSample + 7) / 8);
+    return bytes * std::max(1, (sampleBytes + format.nBlockAlign - 1) / format.nBlockAlign);
 }
 
 // The 16-bit elements of an output buffer of that many bytes. Half an element rounds to even and
@@ -73,15 +96,13 @@ std::int16_t cPCM::OutputBitsPerSample() const noexcept {
 
 bool cPCM::InitConversion(cSoundSTRM& Source, cCallback* Callback, bool Force16Bit) {
     closeStream();
-    if (!Source.WFXPointer())
+    const WAVEFORMATEX* const record = Source.WFXPointer();
+    if (!record || !isComplete(*record))
         return false;
-    WAVEFORMATEX format;
-    std::memcpy(&format, Source.WFXPointer(), sizeof format);
-    if (!isComplete(format))
-        return false;
+    sourceFormat_ = *record;
     const bool force = Source.Info().Force16Bit() || Force16Bit;
-    outputFormat_ = pcmFormat(format.nSamplesPerSec, format.nChannels,
-                              outputWidth(format.wBitsPerSample, force));
+    outputFormat_ = pcmFormat(sourceFormat_.nSamplesPerSec, sourceFormat_.nChannels,
+                              outputWidth(sourceFormat_.wBitsPerSample, force));
 
     if (!openStream(Source)) {
         // Only the caller's own wish forbids the other width; a source's does not.
@@ -93,13 +114,12 @@ bool cPCM::InitConversion(cSoundSTRM& Source, cCallback* Callback, bool Force16B
         if (!openStream(Source)) {
             // Some codecs go by the whole record (GSM 6.10 is one), and to them it was no PCM at
             // all.
-            outputFormat_ =
-                pcmFormat(format.nSamplesPerSec, format.nChannels, outputFormat_.wBitsPerSample);
+            outputFormat_ = pcmFormat(sourceFormat_.nSamplesPerSec, sourceFormat_.nChannels,
+                                      outputFormat_.wBitsPerSample);
             if (!openStream(Source))
                 return false;
         }
     }
-    timesRead_ = timesRead(format);
     const std::optional<Sizes> sizes = measureStream();
     if (!sizes || !sizeBuffers(*sizes)) {
         closeStream();
@@ -159,9 +179,12 @@ std::optional<cPCM::Sizes> cPCM::measureStream() const {
     DWORD source = 0;
     if (acm_.streamSize(stream_, static_cast<DWORD>(output), &source,
                         ACM_STREAMSIZEF_DESTINATION) != 0 ||
-        source > static_cast<DWORD>(largestBuffer / timesRead_))
+        source > static_cast<DWORD>(largestBuffer))
         return std::nullopt;
-    return Sizes{output, static_cast<std::int32_t>(source)};
+    const std::int64_t reach = bytesInReach(sourceFormat_, source);
+    if (reach > largestBuffer + largestBlock)
+        return std::nullopt;
+    return Sizes{output, static_cast<std::int32_t>(source), static_cast<std::int32_t>(reach)};
 }
 
 bool cPCM::sizeBuffers(const Sizes& sizes) {
@@ -169,7 +192,7 @@ bool cPCM::sizeBuffers(const Sizes& sizes) {
         // The last byte of an odd size may have no element, and the codec writes it all the same.
         const auto halves = static_cast<std::size_t>(sizes.output + 1) / 2;
         std::vector<std::int16_t> output(std::max(elementsOf(sizes.output), halves));
-        std::vector<std::uint8_t> source(static_cast<std::size_t>(sizes.source * timesRead_));
+        std::vector<std::uint8_t> source(static_cast<std::size_t>(sizes.sourceReach));
         outputBuffer_ = std::move(output);
         sourceBuffer_ = std::move(source);
     } catch (const std::bad_alloc&) {

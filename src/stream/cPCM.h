@@ -55,8 +55,9 @@ public:
 
 private:
     struct Sizes {
-        std::int32_t output; // bytes of PCM in half a second
-        std::int32_t source; // bytes that convert into one output buffer
+        std::int32_t output;      // bytes of PCM in half a second
+        std::int32_t source;      // bytes that convert into one output buffer
+        std::int32_t sourceReach; // bytes that a codec may read of them and behind them
     };
 
     [[nodiscard]] bool openStream(cSoundSTRM& source);
@@ -72,12 +73,12 @@ private:
     cSoundSTRM* source_ = nullptr;
     cCallback* observer_ = nullptr;
     HACMSTREAM stream_ = nullptr;
+    WAVEFORMATEX sourceFormat_{};
     WAVEFORMATEX outputFormat_{};
     std::vector<std::uint8_t> sourceBuffer_;
     std::vector<std::int16_t> outputBuffer_;
     SampleArray outputArray_;
     Sizes sizes_{};
-    std::int32_t timesRead_ = 1;  // of the source's bytes, by a codec that is led astray
     std::int32_t readOffset_ = 0; // bytes of the output buffer handed out
     std::int32_t available_ = 0;  // converted bytes in the output buffer
     std::int32_t leftover_ = 0;   // unconverted bytes at the front of the source buffer

@@ -147,6 +147,22 @@ TEST_F(HostileConverter, a_codec_may_read_a_whole_sample_for_each_block_that_is_
     EXPECT_NE(sum, 0);
 }
 
+TEST_F(HostileConverter,
+       a_codec_may_read_a_whole_block_of_compressed_sound_where_it_has_only_begun) {
+    MemorySource source(pcm(8000, 1, 8), noise(100'000));
+    source.format.wFormatTag = WAVE_FORMAT_ADPCM;
+    int sum = 0;
+    fakeAcm.conversion = [&sum](ACMSTREAMHEADER& header) -> MMRESULT {
+        for (DWORD at = 0; at < header.cbSrcLength + 65'535 + 14; ++at)
+            sum += header.pbSrc[at];
+        header.cbSrcLengthUsed = header.cbSrcLength;
+        header.cbDstLengthUsed = header.cbDstLength;
+        return 0;
+    };
+    useAll(source);
+    EXPECT_NE(sum, 0);
+}
+
 TEST_F(HostileConverter, blocks_that_are_far_too_small_are_refused) {
     MemorySource source(pcm(8000, 1, 16), {});
     source.format.nChannels = 16'000;

@@ -5,6 +5,7 @@
 
 #include "runtime/RuntimeError.h"
 #include "support/FaultyFiles.h"
+#include "support/FileBytes.h"
 #include "support/Media.h"
 #include "support/SampleObserver.h"
 #include "support/TempFolder.h"
@@ -232,6 +233,22 @@ TEST_F(WavCodecs, pcm_blocks_that_are_too_small_for_their_samples_end) {
                 }
                 wav_.CloseSource();
             }
+}
+
+// The platform's codecs believe the count, not the size of the blocks.
+TEST_F(WavCodecs, compressed_blocks_that_claim_any_number_of_samples_end) {
+    constexpr std::size_t samplesPerBlock = 38;
+    for (const wchar_t* const name : {L"clip-ms-adpcm.wav", L"clip-ima-adpcm.wav"}) {
+        Bytes bytes = fileBytes(mediaFile(name));
+        for (const int count : {0, 1, 2, 3, 1000, 32767, 32768, 65535}) {
+            bytes[samplesPerBlock] = static_cast<std::uint8_t>(count);
+            bytes[samplesPerBlock + 1] = static_cast<std::uint8_t>(count >> 8);
+            if (open(folder_.write(name, bytes))) {
+                EXPECT_LE(pullAll().size(), 2'000'000u) << count;
+            }
+            wav_.CloseSource();
+        }
+    }
 }
 
 TEST_F(WavCodecs, records_of_garbage_are_refused_or_end) {
