@@ -27,7 +27,9 @@ public:
     bool EndOfStream() override;
     bool Seekable() override { return true; }
     // The bits and the block align are those of the file's own samples, which need not be the 16
-    // bits that Read delivers: BitsPerSample and Force16Bit tell these.
+    // bits that Read delivers: BitsPerSample and Force16Bit tell these. A host reads the file's
+    // width here, so it stays; but the converter takes it for that of the bytes, and makes noise of
+    // files of 8 and 24 bits and refuses compressed ones.
     const WAVEFORMATEX* WFXPointer() override { return &format_; }
     std::int32_t OpenSource(const std::wstring& Source) override;
     std::int32_t CloseSource() override;

@@ -11,6 +11,7 @@
 #include "support/TempFolder.h"
 #include "support/WavBytes.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace corvina::test {
@@ -77,9 +78,11 @@ TEST_F(ConvertedSnd, files_of_16_bits_come_out_sample_for_sample) {
     }
 }
 
-// Each byte of a 16-bit sample is taken for a sample of 8 bits: noise, and twice as long.
-TEST_F(ConvertedSnd, files_of_8_bits_come_out_as_if_the_source_delivered_that_width) {
-    for (const File& file : {File{L"8bit.aiff", 8, stereo * 2}, File{L"tune.voc", 8, mono * 2}}) {
+// Each byte of a 16-bit sample is taken for a sample of 8 bits: noise, and twice as long. Of 24
+// bits three bytes are taken for a sample: noise, and two thirds as long.
+TEST_F(ConvertedSnd, files_of_other_widths_come_out_as_if_the_source_delivered_that_width) {
+    for (const File& file : {File{L"8bit.aiff", 8, stereo * 2}, File{L"tune.voc", 8, mono * 2},
+                             File{L"mono24.aiff", 24, mono * 2 / 3}}) {
         ASSERT_EQ(source_.OpenSource(mediaFile(file.name)), 0);
         EXPECT_EQ(source_.WFXPointer()->wBitsPerSample, file.bits);
         const Bytes heard = converted(source_);
@@ -89,16 +92,27 @@ TEST_F(ConvertedSnd, files_of_8_bits_come_out_as_if_the_source_delivered_that_wi
     }
 }
 
-// Three bytes of 16-bit samples are taken for a sample of 24 bits. What the codec leaves over of
-// the first half second is no whole frame, so the next read would begin within one, which the
-// library refuses: that counts as the end.
-TEST_F(ConvertedSnd, files_of_24_bits_end_behind_the_first_half_second) {
+TEST_F(ConvertedSnd, half_a_frame_is_not_read_which_is_taken_for_the_end) {
+    ASSERT_EQ(source_.OpenSource(mediaFile(L"tune.aiff")), 0);
+    char buffer[8];
+    std::int32_t got = 7;
+    EXPECT_EQ(source_.Read(buffer, 6, got), 5);
+    EXPECT_EQ(got, 0);
+    EXPECT_EQ(source_.Read(buffer, 8, got), 0);
+    EXPECT_EQ(got, 8);
+}
+
+// The converter asks for half a frame once a codec has left a block of 24 bits over, as Wine's does
+// each time.
+TEST_F(ConvertedSnd, a_stereo_file_of_24_bits_may_end_early) {
     ASSERT_EQ(source_.OpenSource(mediaFile(L"24bit.aiff")), 0);
-    EXPECT_EQ(source_.WFXPointer()->wBitsPerSample, 24);
-    const std::size_t halfSecond = 44'100 * 4 / 2;
-    const std::size_t heard = converted(source_).size();
-    EXPECT_GT(heard, halfSecond - 8);
-    EXPECT_LE(heard, halfSecond);
+    const Bytes heard = converted(source_);
+    ASSERT_EQ(source_.OpenSource(mediaFile(L"24bit.aiff")), 0);
+    const Bytes whole = convertedAsWav();
+    EXPECT_EQ(whole.size(), stereo * 2 / 3);
+    ASSERT_LE(heard.size(), whole.size());
+    EXPECT_GT(heard.size(), 44100u);
+    EXPECT_TRUE(std::equal(heard.begin(), heard.end(), whole.begin()));
 }
 
 // Their record tells 4 bits, of which one channel has blocks of 0 bytes.
