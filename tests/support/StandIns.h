@@ -13,6 +13,7 @@
 
 #include "platform/LibraryApi.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <map>
@@ -62,6 +63,17 @@ public:
         libraries_.at(library).erase(name);
     }
 
+    // Calls body(library, export) for each export, which is missing meanwhile.
+    template <typename Body>
+    void withoutEachExport(Body body) {
+        for (auto& [library, exports] : libraries_)
+            for (const auto& [name, function] : Exports(exports)) {
+                exports.erase(name);
+                body(library, name);
+                exports[name] = function;
+            }
+    }
+
     [[nodiscard]] static const LibraryApi& api() {
         static const LibraryApi table{.loadLibrary = &load,
                                       .loadLibraryFile = &loadFile,
@@ -74,6 +86,11 @@ public:
     std::vector<std::string> loads;
     // The functions called, in order.
     std::vector<Call> calls;
+
+    [[nodiscard]] int called(const std::string& name) const {
+        return static_cast<int>(std::count_if(
+            calls.begin(), calls.end(), [&name](const Call& call) { return call.name == name; }));
+    }
 
     // What was called since the last time.
     [[nodiscard]] std::vector<Call> taken() { return std::exchange(calls, {}); }

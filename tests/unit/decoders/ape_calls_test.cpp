@@ -2,6 +2,7 @@
 
 #include "runtime/RuntimeError.h"
 #include "sources/DecAPE.h"
+#include "support/ErrorsOfUse.h"
 #include "support/StandIns.h"
 #include "support/TempFolder.h"
 
@@ -142,6 +143,18 @@ TEST_F(ApeCalls, a_missing_export_raises_error_453_that_names_both) {
         EXPECT_EQ(error.number(), 453);
         EXPECT_THAT(error.text(), testing::HasSubstr(L"c_APEDecompress_GetInfo in MACDll.dll"));
     }
+}
+
+TEST_F(ApeCalls, any_missing_export_raises_error_453_where_it_is_needed_and_leaks_no_decoder) {
+    libraries.withoutEachExport([this](const std::string& library, const std::string& name) {
+        SCOPED_TRACE(library + " without " + name);
+        EXPECT_THAT(errorsOfUse<DecAPE>(path), testing::Contains(453));
+        EXPECT_THAT(errorsOfUse<DecAPE>(path), testing::Each(453));
+        if (name != "c_APEDecompress_Destroy") {
+            EXPECT_EQ(libraries.called("Destroy"), libraries.called("Create"));
+        }
+        libraries.calls.clear();
+    });
 }
 
 TEST_F(ApeCalls, the_decoder_of_an_open_that_raised_an_error_is_destroyed_with_the_source) {

@@ -2,6 +2,7 @@
 
 #include "OggFixture.h"
 #include "runtime/RuntimeError.h"
+#include "support/ErrorsOfUse.h"
 
 #include <cstring>
 #include <gmock/gmock.h>
@@ -144,6 +145,18 @@ TEST_F(OggCalls, a_missing_export_raises_error_1) {
         EXPECT_EQ(error.number(), 1);
         EXPECT_EQ(error.text(), L"Export missing!");
     }
+}
+
+TEST_F(OggCalls, any_missing_export_raises_error_1_where_it_is_needed_and_leaks_no_file) {
+    libraries.withoutEachExport([this](const std::string& library, const std::string& name) {
+        SCOPED_TRACE(library + " without " + name);
+        EXPECT_THAT(errorsOfUse<DecOGG>(path), testing::Contains(1));
+        EXPECT_THAT(errorsOfUse<DecOGG>(path), testing::Each(1));
+        if (name != "fclose") {
+            EXPECT_EQ(libraries.called("fclose"), libraries.called("fopen"));
+        }
+        libraries.calls.clear();
+    });
 }
 
 TEST_F(OggCalls, the_file_of_an_open_that_raised_an_error_is_closed_with_the_source) {
