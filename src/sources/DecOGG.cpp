@@ -67,6 +67,7 @@ std::int32_t DecOGG::OpenSource(const std::wstring& Source) {
     durationMs_ = roundToInt32(divide(samples, stream_.rate) * 1000);
     positionMs_ = 0;
     ended_ = false;
+    atEnd_ = false;
     readTags();
     format_ = pcmFormat(static_cast<DWORD>(stream_.rate), static_cast<WORD>(stream_.channels), 16);
     opened_ = true;

@@ -238,6 +238,11 @@ void expectEndBehindSeekToEnd(const std::wstring& name) {
     seekTo(source, 0, 0);
     EXPECT_EQ(source.Read(buffer, 400, got), 0);
     EXPECT_GT(got, 0);
+
+    seekTo(source, 100, 0);
+    EXPECT_EQ(source.CloseSource(), 0);
+    ASSERT_EQ(source.OpenSource(mediaFile(name)), 0);
+    EXPECT_EQ(source.Read(buffer, 400, got), 0) << "an opened file begins at its start";
 }
 
 TEST(ApeFiles, a_seek_to_the_end_is_followed_by_the_end) {
