@@ -20,6 +20,7 @@ struct Kind {
     const char* name;
     const wchar_t* clip; // to be damaged
     const wchar_t* tune; // to be played for a while
+    const wchar_t* longTune;
 };
 
 void PrintTo(const Kind& kind, std::ostream* stream) {
@@ -27,8 +28,8 @@ void PrintTo(const Kind& kind, std::ostream* stream) {
 }
 
 constexpr Kind kinds[] = {
-    {"mp3", L"short.mp3", L"tune.mp3"},
-    {"wma", L"short.wma", L"tune.wma"},
+    {"mp3", L"short.mp3", L"tune.mp3", L"half-minute.mp3"},
+    {"wma", L"short.wma", L"tune.wma", L"half-minute.wma"},
 };
 
 class HostileMedia : public testing::TestWithParam<Kind> {
@@ -166,6 +167,29 @@ TEST_P(HostileMedia, a_file_deleted_in_mid_play_is_survived) {
     readSome();
     EXPECT_EQ(source_.CloseSource(), 0);
     EXPECT_EQ(source_.OpenSource(path_), 1);
+}
+
+TEST_P(HostileMedia, a_file_that_is_locked_in_mid_play_ends_and_opens_again_afterwards) {
+    write(fileBytes(mediaFile(GetParam().longTune)));
+    ASSERT_EQ(source_.OpenSource(path_), 0);
+    std::int32_t got = 0;
+    (void)source_.Read(buffer_.data(), 100, got);
+    const HANDLE neighbour =
+        ::CreateFileW(path_.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
+                      OPEN_EXISTING, 0, nullptr);
+    EXPECT_TRUE(::LockFile(neighbour, 0, 0, 0x7FFFFFFF, 0));
+    useAll();
+    EXPECT_EQ(source_.CloseSource(), 0);
+    ::CloseHandle(neighbour);
+    EXPECT_EQ(source_.OpenSource(path_), 0);
+    EXPECT_EQ(source_.Read(buffer_.data(), 8000, got), 0);
+    EXPECT_EQ(source_.CloseSource(), 0);
+}
+
+TEST_P(HostileMedia, another_format_under_this_name) {
+    for (const wchar_t* name : {L"clip.wav", L"clip.ogg", L"clip.ape", L"clip.aiff", L"clip.au"})
+        EXPECT_EQ(use(fileBytes(mediaFile(name))), 1);
+    EXPECT_EQ(use(clip_), 0);
 }
 
 } // namespace

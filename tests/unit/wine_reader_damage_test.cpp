@@ -64,6 +64,12 @@ TEST_F(DamagedForWine, a_header_that_does_not_hold_together_is_refused_before_wi
     }
 }
 
+TEST_F(DamagedForWine, a_file_of_a_kind_that_windows_reader_does_not_know_is_refused) {
+    for (const wchar_t* name : {L"clip.wav", L"clip.ogg", L"clip.ape", L"clip.aiff", L"clip.au"})
+        EXPECT_EQ(open(fileBytes(mediaFile(name))), NS_E_UNRECOGNIZED_STREAM_TYPE) << name;
+    EXPECT_EQ(open(fileBytes(mediaFile(L"tune.mp3"))), S_OK);
+}
+
 TEST_F(DamagedForWine, a_file_that_ends_within_its_first_packet_is_refused) {
     for (const std::size_t length : {dataObject, firstPacket, firstPacket + 1, firstPacket + 3199})
         EXPECT_EQ(open({tune_.begin(), tune_.begin() + static_cast<int>(length)}),

@@ -17,6 +17,7 @@ public:
     // Reads the header. False for an ASF file of which the demuxer can make nothing; a file of
     // another kind is none of our business.
     [[nodiscard]] bool read(HANDLE file);
+    [[nodiscard]] bool isAsf() const { return firstPacket_ != 0; }
 
     // Replaces the claims that cannot be true in bytes that were read at this position.
     void correct(std::uint64_t position, std::uint8_t* bytes, std::size_t size) const;

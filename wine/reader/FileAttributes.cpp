@@ -11,6 +11,8 @@ namespace {
 
 using Attributes = std::vector<FileAttribute>;
 
+constexpr bool readOnly = true;
+
 void addText(Attributes& attributes, const wchar_t* name, const TagLib::String& text) {
     if (!text.isEmpty())
         attributes.push_back(textAttribute(name, text.toWString()));
@@ -77,9 +79,13 @@ FileAttribute textAttribute(const wchar_t* name, const std::wstring& text) {
     return {name, WMT_TYPE_STRING, {bytes, bytes + (text.size() + 1) * sizeof(wchar_t)}};
 }
 
+bool isMpegAudio(const std::wstring& path) {
+    TagLib::FileStream stream(path.c_str(), readOnly);
+    return stream.isOpen() && TagLib::MPEG::File::isSupported(&stream);
+}
+
 std::vector<FileAttribute> readFileAttributes(const std::wstring& path) {
     Attributes attributes;
-    constexpr bool readOnly = true;
     TagLib::FileStream stream(path.c_str(), readOnly);
     if (!stream.isOpen())
         return attributes;

@@ -26,6 +26,9 @@ template <typename Number>
     return {name, type, {bytes, bytes + sizeof number}};
 }
 
+// Whether MPEG audio begins in the file, behind its tag if it has one.
+[[nodiscard]] bool isMpegAudio(const std::wstring& path);
+
 // Bitrate and tags, as far as the file has them; empty for a file that is neither kind.
 [[nodiscard]] std::vector<FileAttribute> readFileAttributes(const std::wstring& path);
 

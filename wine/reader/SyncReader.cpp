@@ -64,6 +64,14 @@ bool handOut(const Element* from, std::size_t count, Element* buffer, Length* le
     return fits;
 }
 
+bool startsAsMpegAudio(const WCHAR* fileName) {
+    try {
+        return isMpegAudio(fileName);
+    } catch (const std::exception&) {
+        return false;
+    }
+}
+
 DWORD openLimit() {
     constexpr DWORD generous = 10'000;
     WCHAR text[16];
@@ -135,7 +143,10 @@ HRESULT SyncReader::Open(const WCHAR* fileName) {
     const HRESULT opened = InputFile::open(fileName, &file);
     if (FAILED(opened))
         return opened;
-    const HRESULT result = openStream(file, fileName);
+    // Wine's reader takes whatever GStreamer knows, Windows' only these two; and of some others
+    // Wine's never comes to an end, or ends the process.
+    const bool known = file->isAsf() || startsAsMpegAudio(fileName);
+    const HRESULT result = known ? openStream(file, fileName) : NS_E_UNRECOGNIZED_STREAM_TYPE;
     if (result == openedInVain)
         file->closeFile();
     file->Release();
