@@ -3,6 +3,7 @@
 // A small control made for tests of the control base: persisted numbers, a picture, one event, no
 // fixed size.
 
+#include "Support.h"
 #include "com/Control.h"
 
 #include "Corvina.h"
@@ -58,6 +59,28 @@ private:
     void windowResized(SIZE size) override { sizes.push_back(size); }
     void windowLost() override { ++lostWindows; }
     void propertiesChanged(int index) override { reloaded += index < 0; }
+};
+
+// A test of a meter, which nobody may keep beyond it.
+class MeterTest : public ApartmentTest {
+protected:
+    void TearDown() override {
+        meter.reset();
+        EXPECT_EQ(0, Meter::alive);
+        ApartmentTest::TearDown();
+    }
+
+    IUnknown* unknown() { return static_cast<cCallback*>(meter.get()); }
+    template <typename Interface>
+    static ComPtr<Interface> as(const ComPtr<Meter>& of) {
+        return ComPtr<IUnknown>(static_cast<cCallback*>(of.get())).template query<Interface>();
+    }
+    template <typename Interface>
+    ComPtr<Interface> as() {
+        return as<Interface>(meter);
+    }
+
+    ComPtr<Meter> meter = makeCom<Meter>();
 };
 
 } // namespace corvina::test

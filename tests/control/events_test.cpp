@@ -1,7 +1,6 @@
 // Events and property changes: who hears what, in which order, whatever handlers do.
 
 #include "Meter.h"
-#include "Support.h"
 
 using namespace corvina;
 using namespace corvina::test;
@@ -45,21 +44,11 @@ private:
     DWORD cookie_ = 0;
 };
 
-class Events : public ApartmentTest {
+class Events : public MeterTest {
 protected:
-    void TearDown() override {
-        meter.reset();
-        EXPECT_EQ(0, Meter::alive);
-        ApartmentTest::TearDown();
-    }
-
-    ComPtr<Meter> meter = makeCom<Meter>();
-    IUnknown* unknown() { return static_cast<cCallback*>(meter.get()); }
     void fire(std::int32_t value) { meter->base().events().fire(changed, {value}); }
-    ComPtr<IOleControl> control() { return ComPtr<IUnknown>(unknown()).query<IOleControl>(); }
-    ComPtr<IConnectionPointContainer> container() {
-        return ComPtr<IUnknown>(unknown()).query<IConnectionPointContainer>();
-    }
+    ComPtr<IOleControl> control() { return as<IOleControl>(); }
+    ComPtr<IConnectionPointContainer> container() { return as<IConnectionPointContainer>(); }
     ComPtr<IConnectionPoint> point(REFIID iid = DIID___cAudioGraph) {
         ComPtr<IConnectionPoint> result;
         container()->FindConnectionPoint(iid, result.put());

@@ -1,27 +1,14 @@
 // The control base in a container: one window, which comes and goes.
 
 #include "Meter.h"
-#include "Support.h"
 
 using namespace corvina;
 using namespace corvina::test;
 
 namespace {
 
-class InPlace : public ApartmentTest {
+class InPlace : public MeterTest {
 protected:
-    void TearDown() override {
-        meter.reset();
-        EXPECT_EQ(0, Meter::alive);
-        ApartmentTest::TearDown();
-    }
-
-    ComPtr<Meter> meter = makeCom<Meter>();
-    IUnknown* unknown() { return static_cast<cCallback*>(meter.get()); }
-    template <typename Interface>
-    ComPtr<Interface> as() {
-        return ComPtr<IUnknown>(unknown()).query<Interface>();
-    }
     HWND window() { return meter->base().window(); }
     HRESULT verb(LONG number) {
         const auto object = as<IOleObject>();

@@ -9,18 +9,13 @@ using namespace corvina::test;
 
 namespace {
 
-class Persistence : public ApartmentTest {
+class Persistence : public MeterTest {
 protected:
     void TearDown() override {
-        meter.reset();
         other.reset();
-        ApartmentTest::TearDown();
+        MeterTest::TearDown();
     }
 
-    template <typename Interface>
-    ComPtr<Interface> as(const ComPtr<Meter>& of) {
-        return ComPtr<IUnknown>(static_cast<cCallback*>(of.get())).template query<Interface>();
-    }
     void change() {
         meter->base().setProperty(Meter::level, 77);
         meter->base().setProperty(Meter::colour, -3);
@@ -49,7 +44,6 @@ protected:
     }
 
     static constexpr std::int32_t signature = 0x31767243; // "Crv1"
-    ComPtr<Meter> meter = makeCom<Meter>();
     ComPtr<Meter> other = makeCom<Meter>();
 };
 

@@ -1,7 +1,6 @@
 // The control as a picture: drawing, metafiles, advises, hit tests.
 
 #include "Meter.h"
-#include "Support.h"
 
 using namespace corvina;
 using namespace corvina::test;
@@ -27,22 +26,12 @@ public:
     void STDMETHODCALLTYPE OnClose() override { ++closed; }
 };
 
-class View : public ApartmentTest {
+class View : public MeterTest {
 protected:
-    void TearDown() override {
-        meter.reset();
-        ApartmentTest::TearDown();
-    }
-    template <typename Interface>
-    ComPtr<Interface> as() {
-        return ComPtr<IUnknown>(static_cast<cCallback*>(meter.get())).query<Interface>();
-    }
     HRESULT draw(HDC dc, DWORD aspect, const RECTL* bounds) {
         return as<IViewObject>()->Draw(aspect, -1, nullptr, nullptr, nullptr, dc, bounds, nullptr,
                                        nullptr, 0);
     }
-
-    ComPtr<Meter> meter = makeCom<Meter>();
 };
 
 TEST_F(View, is_drawn_inside_the_given_bounds) {

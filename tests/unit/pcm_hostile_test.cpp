@@ -9,6 +9,7 @@
 #include "support/SampleObserver.h"
 
 #include <gtest/gtest.h>
+#include <numeric>
 
 namespace corvina {
 namespace {
@@ -45,6 +46,19 @@ protected:
             heard_ += got;
         }
         EXPECT_TRUE(converter.EndOfStream());
+    }
+
+    // With a codec that reads so many bytes, of a source buffer that has this length.
+    void useWithReadsUpTo(MemorySource& source, DWORD (*end)(DWORD length)) {
+        int sum = 0;
+        fakeAcm.conversion = [&sum, end](ACMSTREAMHEADER& header) -> MMRESULT {
+            sum = std::accumulate(header.pbSrc, header.pbSrc + end(header.cbSrcLength), sum);
+            header.cbSrcLengthUsed = header.cbSrcLength;
+            header.cbDstLengthUsed = header.cbDstLength;
+            return 0;
+        };
+        useAll(source);
+        EXPECT_NE(sum, 0);
     }
 
     SampleObserver observer_;
@@ -135,32 +149,14 @@ TEST_F(HostileConverter, a_codec_that_uses_nothing_never_asks_for_less_than_no_b
 TEST_F(HostileConverter, a_codec_may_read_a_whole_sample_for_each_block_that_is_too_small_for_one) {
     MemorySource source(pcm(8000, 3, 24), noise(100'000));
     source.format.nBlockAlign = 2;
-    int sum = 0;
-    fakeAcm.conversion = [&sum](ACMSTREAMHEADER& header) -> MMRESULT {
-        for (DWORD at = 0; at < header.cbSrcLength / 2 * 9; ++at)
-            sum += header.pbSrc[at];
-        header.cbSrcLengthUsed = header.cbSrcLength;
-        header.cbDstLengthUsed = header.cbDstLength;
-        return 0;
-    };
-    useAll(source);
-    EXPECT_NE(sum, 0);
+    useWithReadsUpTo(source, [](DWORD length) { return length / 2 * 9; });
 }
 
 TEST_F(HostileConverter,
        a_codec_may_read_a_whole_block_of_compressed_sound_where_it_has_only_begun) {
     MemorySource source(pcm(8000, 1, 8), noise(100'000));
     source.format.wFormatTag = WAVE_FORMAT_ADPCM;
-    int sum = 0;
-    fakeAcm.conversion = [&sum](ACMSTREAMHEADER& header) -> MMRESULT {
-        for (DWORD at = 0; at < header.cbSrcLength + 65'535 + 14; ++at)
-            sum += header.pbSrc[at];
-        header.cbSrcLengthUsed = header.cbSrcLength;
-        header.cbDstLengthUsed = header.cbDstLength;
-        return 0;
-    };
-    useAll(source);
-    EXPECT_NE(sum, 0);
+    useWithReadsUpTo(source, [](DWORD length) { return length + 65'535 + 14; });
 }
 
 TEST_F(HostileConverter, blocks_that_are_far_too_small_are_refused) {
