@@ -211,10 +211,16 @@ static bool answered(int descriptor, unsigned long request, void* argument, int*
 DEFINE_IOCTL(ioctl)
 DEFINE_IOCTL(__ioctl_time64) /* what 32-bit programs with a 64-bit time call */
 
+/* A prefix calls the device of drive D: dosdevices/d::. */
+static bool names_device(const char* path) {
+    const size_t length = strlen(path);
+    return length > 2 && strcmp(path + length - 2, "::") == 0;
+}
+
 /* Whether the drive behind a link of a prefix lets itself be opened so. */
 static bool may_open(const char* path, int flags) {
     struct stat node;
-    if (!strstr(path, "dosdevices/") || stat(path, &node) != 0 || !S_ISCHR(node.st_mode))
+    if (!names_device(path) || stat(path, &node) != 0 || !S_ISCHR(node.st_mode))
         return true;
     pthread_mutex_lock(&lock);
     const struct drive* drive = drive_with_device(node.st_rdev);
