@@ -160,6 +160,21 @@ TEST_F(TrackSource, only_the_two_times_of_the_file_count) {
     EXPECT_EQ(source().Duration(), 240000);
 }
 
+TEST_F(TrackSource, each_single_bit_of_form_or_time_matters_and_no_other) {
+    const auto within = [](std::size_t offset, std::size_t begin, std::size_t end) {
+        return offset >= begin && offset < end;
+    };
+    for (std::size_t bit = 0; bit < track2.size() * 8; ++bit) {
+        const std::size_t offset = bit / 8;
+        auto flipped = track2;
+        flipped[offset] = static_cast<std::uint8_t>(flipped[offset] ^ (1u << bit % 8));
+        const bool form = within(offset, 0, 4) || within(offset, 8, 16);
+        const bool time = within(offset, 36, 39) || within(offset, 40, 43);
+        EXPECT_EQ(open(flipped), form ? 1 : time ? 4 : 0) << bit;
+    }
+    EXPECT_EQ(filesClosed, filesOpened);
+}
+
 TEST_F(TrackSource, without_the_disc_answers_4) {
     fakes.machine.tableReadable = [] { return false; };
     EXPECT_EQ(open(track1), 4);
