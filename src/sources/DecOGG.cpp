@@ -48,11 +48,10 @@ std::int32_t DecOGG::OpenSource(const std::wstring& Source) {
         CloseSource();
     if (!access_.exists(Source))
         return SourceResult::notOpen;
-    // Whatever fails from here on leaves the C stream for CloseSource or the next open.
     file_ = runtime_.CallFunc("fopen", toAnsi(Source).text.c_str(), "rb");
     decoder_.fill(std::byte{0});
     if (vorbisfile_.CallFunc("ov_open", file_, decoder_.data(), 0, 0) < 0) {
-        clearDecoder();
+        CloseSource();
         return SourceResult::notOpen;
     }
     const std::int32_t information = vorbisfile_.CallFunc("ov_info", decoder_.data(), wholeFile);
@@ -60,7 +59,7 @@ std::int32_t DecOGG::OpenSource(const std::wstring& Source) {
         return SourceResult::notOpen;
     std::memcpy(&stream_, std::bit_cast<const void*>(information), sizeof stream_);
     if (stream_.rate < 1 || stream_.channels > mostChannels) {
-        clearDecoder();
+        CloseSource();
         return SourceResult::notOpen;
     }
     const std::int32_t samples = vorbisfile_.CallFunc("ov_pcm_total", decoder_.data(), wholeFile);

@@ -109,6 +109,17 @@ TEST(OggFiles, six_channels_are_refused) {
     EXPECT_EQ(source.OpenSource(mediaFile(L"six.ogg")), 1);
 }
 
+TEST(OggFiles, what_is_refused_is_let_go_of) {
+    TempFolder folder;
+    const std::wstring six = folder.write(L"six.ogg", fileBytes(mediaFile(L"six.ogg")));
+    const std::wstring garbage = folder.write(L"garbage.ogg", Bytes(1000, 'g'));
+    DecOGG source;
+    for (const std::wstring& path : {six, garbage}) {
+        EXPECT_EQ(source.OpenSource(path), 1);
+        EXPECT_TRUE(::DeleteFileW(path.c_str()));
+    }
+}
+
 TEST(OggFiles, a_chain_of_links_plays_to_its_end) {
     DecOGG source;
     ASSERT_EQ(source.OpenSource(mediaFile(L"two-links.ogg")), 0);
