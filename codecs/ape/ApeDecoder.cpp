@@ -117,13 +117,12 @@ bool ApeDecoder::seek(std::int64_t block) {
     drained_ = block == totalBlocks_;
     if (drained_)
         return true;
-    // The frame that holds the block begins at or before it; what precedes the block is dropped
-    // when its packet has told where it begins.
+    // The frame that holds the block begins at or before it.
+    wantedFrom_ = block;
     if (av_seek_frame(format_.get(), 0, block, AVSEEK_FLAG_BACKWARD) < 0) {
         drained_ = true;
         return false;
     }
-    skip_ = -1;
     return true;
 }
 
@@ -147,18 +146,23 @@ bool ApeDecoder::decodeMore() {
 // Gives the decoder its next packet, or the end. A damaged one is refused here or when its frames
 // are asked for; either way the next follows.
 bool ApeDecoder::feed() {
-    if (av_read_frame(format_.get(), packet_.get()) < 0)
+    int result = av_read_frame(format_.get(), packet_.get());
+    // A frame whose place in the file is impossible is refused before it is read.
+    for (int frames = avformat_index_get_entries_count(format_->streams[0]);
+         result == AVERROR(EIO) && frames > 0; --frames)
+        result = av_read_frame(format_.get(), packet_.get());
+    if (result < 0)
         return avcodec_send_packet(codec_.get(), nullptr) == 0;
-    if (skip_ < 0)
-        skip_ = std::max<std::int64_t>(0, currentBlock_ - packet_->pts);
+    nextDecoded_ = packet_->pts;
     avcodec_send_packet(codec_.get(), packet_.get());
     av_packet_unref(packet_.get());
     return true;
 }
 
 void ApeDecoder::interleave() {
-    const int first = static_cast<int>(std::min<std::int64_t>(skip_, frame_->nb_samples));
-    skip_ -= first;
+    const int first = static_cast<int>(
+        std::clamp<std::int64_t>(wantedFrom_ - nextDecoded_, 0, frame_->nb_samples));
+    nextDecoded_ += frame_->nb_samples;
     pendingAt_ = 0;
     pending_.resize(static_cast<std::size_t>(frame_->nb_samples - first) *
                     static_cast<std::size_t>(blockAlign()));

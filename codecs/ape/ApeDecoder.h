@@ -64,6 +64,7 @@ private:
     std::int64_t currentBlock_ = 0;
     std::vector<std::uint8_t> pending_; // decoded and not yet handed out, from pendingAt_ on
     std::size_t pendingAt_ = 0;
-    std::int64_t skip_ = 0; // blocks still to drop after a seek into the middle of a frame
+    std::int64_t wantedFrom_ = 0; // blocks before it are dropped: a seek led into their frame
+    std::int64_t nextDecoded_ = 0;
     bool drained_ = false;
 };
