@@ -9,7 +9,7 @@ set(CMAKE_POSITION_INDEPENDENT_CODE OFF)
 add_library(corvina_own INTERFACE)
 target_include_directories(corvina_own INTERFACE "${CMAKE_CURRENT_SOURCE_DIR}/src")
 target_compile_definitions(corvina_own INTERFACE
-  WIN32_LEAN_AND_MEAN NOMINMAX STRICT _WIN32_WINNT=0x0600
+  WIN32_LEAN_AND_MEAN NOMINMAX STRICT _WIN32_WINNT=0x0601
   CORVINA_VERSION="${PROJECT_VERSION}")
 if(MSVC)
   target_compile_options(corvina_own INTERFACE /W4 /WX /permissive- /utf-8)

@@ -2,8 +2,8 @@
 
 // Keeps the system's audio codecs in memory while it lives. To find one that converts,
 // acmStreamOpen opens codec after codec, and each is loaded and unloaded for the question; where
-// they are loaded already the search takes about half as long. It takes place at each start and
-// each seek.
+// they are loaded already the search, which every start of a playback waits for, takes about half
+// as long.
 //
 // An aid to speed alone: a codec that cannot be opened is passed over and nothing is reported.
 // Any thread.

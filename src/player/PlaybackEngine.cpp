@@ -51,7 +51,7 @@ std::int32_t PlaybackEngine::StartPlayAudio(std::int32_t deviceIndex, WAVEFORMAT
     // The host still waits for the DonePlay of that playback: unless another one begins now, the
     // close message brings it.
     bool closesFormer = false;
-    if (deviceOpen_) {
+    if (device_) {
         closesFormer = closeDevice();
         discardMessages(CloseMessage::keep);
     }
@@ -78,9 +78,10 @@ std::int32_t PlaybackEngine::StartPlayAudio(std::int32_t deviceIndex, WAVEFORMAT
     const MMRESULT opened =
         wave_.outOpen(&device_, static_cast<UINT>(deviceIndex), &format,
                       reinterpret_cast<DWORD_PTR>(window_), 0, CALLBACK_WINDOW | mapping);
-    if (opened != MMSYSERR_NOERROR)
+    if (opened != MMSYSERR_NOERROR) {
+        device_ = nullptr;
         return static_cast<std::int32_t>(opened);
-    deviceOpen_ = true;
+    }
 
     // The host is told of a failure by the result alone: no message of this device may follow.
     const auto abandon = [this]() noexcept {
@@ -223,9 +224,9 @@ void PlaybackEngine::countDrained() {
 
 void PlaybackEngine::deviceClosed() {
     try {
-        // Done is still clear, so this resets the device that was just closed and the device layer
-        // refuses: hosts see that Err before every DonePlay. A playback started before this message
-        // was handled is stopped by it.
+        // Done is still clear, so this resets a device that is closed and the device layer refuses:
+        // hosts see that Err before every DonePlay. A playback started before this message was
+        // handled is stopped by it.
         PlayStop();
     } catch (...) {
         reportCurrentException(events_);
@@ -240,10 +241,11 @@ std::int32_t PlaybackEngine::StopPlayAudio() {
     const auto result = static_cast<std::int32_t>(wave_.outReset(device_));
     // A handler that answers this event with PlayStop comes here again: it gets its result, but not
     // the same event without end.
-    if (result != MMSYSERR_NOERROR && reportingResetOf_ != playback_) {
-        const std::uint32_t outer = std::exchange(reportingResetOf_, playback_);
+    const FailedReset failed{playback_, device_};
+    if (result != MMSYSERR_NOERROR && reported_ != failed) {
+        const FailedReset outer = std::exchange(reported_, failed);
         events_.Err(L"StopPlayAudio:waveOutReset", result, std::to_wstring(result));
-        reportingResetOf_ = outer;
+        reported_ = outer;
     }
     return result;
 }
@@ -251,7 +253,7 @@ std::int32_t PlaybackEngine::StopPlayAudio() {
 void PlaybackEngine::StopPlayProc() {
     const std::uint32_t playback = playback_;
     // A handler of Err can have closed the device.
-    const auto closed = [&] { return !deviceOpen_ || playback != playback_; };
+    const auto closed = [&] { return !device_ || playback != playback_; };
     feeding_ = false;
     for (std::size_t i = 0; i < playedBuffers; ++i) {
         // Always the spare record, which was never prepared, and not buffer i: the buffers keep
@@ -266,8 +268,9 @@ void PlaybackEngine::StopPlayProc() {
             return;
     }
     const auto result = static_cast<std::int32_t>(wave_.outClose(device_));
-    deviceOpen_ = result != MMSYSERR_NOERROR;
-    if (deviceOpen_) {
+    if (result == MMSYSERR_NOERROR) {
+        device_ = nullptr;
+    } else {
         events_.Err(L"StopPlayProc:waveOutClose", result, std::to_wstring(result));
         if (closed())
             return;
@@ -308,11 +311,11 @@ std::int32_t PlaybackEngine::PlayUnPause() noexcept {
 // Ends a playback in which something was thrown, without waiting for its buffers: the one being
 // refilled will not come back. The close message follows as at every end.
 void PlaybackEngine::failPlayback(std::uint32_t playback) {
-    if (playback != playback_ || !deviceOpen_)
+    if (playback != playback_ || !device_)
         return;
     try {
         StopPlayAudio();
-        if (playback != playback_ || !deviceOpen_)
+        if (playback != playback_ || !device_)
             return;
         discardMessages(CloseMessage::keep);
         drained_ = playedBuffers;
@@ -325,7 +328,7 @@ void PlaybackEngine::failPlayback(std::uint32_t playback) {
 }
 
 void PlaybackEngine::Disconnect() noexcept {
-    if (deviceOpen_)
+    if (device_)
         static_cast<void>(closeDevice());
     discardMessages(CloseMessage::discardAll);
     window_ = nullptr;
@@ -346,7 +349,7 @@ bool PlaybackEngine::closeDevice() noexcept {
     const bool closed = wave_.outClose(device_) == MMSYSERR_NOERROR;
     if (!closed)
         static_cast<void>(ring_.release());
-    deviceOpen_ = false;
+    device_ = nullptr;
     return closed;
 }
 

@@ -69,6 +69,11 @@ public:
 
 private:
     enum class CloseMessage { keep, discardOne, discardAll };
+    struct FailedReset {
+        std::uint32_t playback = 0;
+        HWAVEOUT device = nullptr;
+        bool operator==(const FailedReset&) const = default;
+    };
 
     [[nodiscard]] MMRESULT prepareRing();
     [[nodiscard]] BOOL primeRing() noexcept;
@@ -92,8 +97,9 @@ private:
     const AcmApi& acm_;
 
     HWND window_ = nullptr;
-    HWAVEOUT device_ = nullptr; // keeps its value after the device was closed
-    bool deviceOpen_ = false;
+    // Null while closed: the system gives a closed device's handle to the next one that opens,
+    // which may be another control's.
+    HWAVEOUT device_ = nullptr;
     bool feeding_ = false;
     bool playing_ = false;
     bool done_ = true;
@@ -106,7 +112,7 @@ private:
     // Counts the starts, so that whoever raised an event notices that its handler has begun another
     // playback.
     std::uint32_t playback_ = 0;
-    std::uint32_t reportingResetOf_ = 0;
+    FailedReset reported_; // by the Err that is being raised
     std::unique_ptr<cPCM> converter_;
     std::unique_ptr<WaveRing> ring_;
     std::vector<std::int16_t> audioData_;

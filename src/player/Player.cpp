@@ -1,5 +1,6 @@
 #include "player/Player.h"
 
+#include "platform/ErrorBoxes.h"
 #include "player/ErrorText.h"
 #include "player/TimeText.h"
 #include "runtime/Rounding.h"
@@ -117,7 +118,11 @@ std::int32_t Player::OpenAudioFile(const std::wstring& strFile) {
     source_ = sources_.FindSourceForFile(strFile);
     if (!source_)
         return failed(L"Format not supported", notSupported);
-    if (source_->OpenSource(strFile) != SourceResult::done)
+    const auto opened = [&] {
+        const NoErrorBoxes quiet;
+        return source_->OpenSource(strFile);
+    };
+    if (opened() != SourceResult::done)
         return failed(L"Could not open file", couldNotOpen);
     return 0;
 }
@@ -195,6 +200,7 @@ std::int32_t Player::PositionSet(std::int32_t lPosition) {
     // What is queued on the device, and what the converter holds, plays out first. A position out
     // of range changes nothing, and the host is not told.
     if (source_) {
+        const NoErrorBoxes quiet;
         std::int32_t mode = SeekMode::seconds;
         static_cast<void>(source_->SeekTo(lPosition, mode));
     }

@@ -1,6 +1,7 @@
 #include "stream/FileListing.h"
 
 #include "platform/AnsiText.h"
+#include "platform/ErrorBoxes.h"
 
 namespace corvina {
 
@@ -8,6 +9,7 @@ bool isFileListed(const std::wstring& name, const FileApi& files) {
     const AnsiText path = toAnsi(name);
     if (path.text.empty() || path.lossy)
         return false;
+    const NoErrorBoxes quiet;
     WIN32_FIND_DATAA entry{};
     const HANDLE listing = files.findFirstFile(path.text.c_str(), &entry);
     if (listing == INVALID_HANDLE_VALUE)

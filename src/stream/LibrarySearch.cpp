@@ -2,6 +2,7 @@
 
 #include "com/Module.h"
 #include "platform/AnsiText.h"
+#include "platform/ErrorBoxes.h"
 
 namespace corvina {
 namespace {
@@ -27,6 +28,7 @@ std::wstring moduleFolder() {
 HMODULE loadOptionalLibrary(const LibraryApi& api, const std::wstring& name) {
     const bool hasPath = name.find_first_of(L"\\/:") != std::wstring::npos;
     const std::wstring folder = hasPath ? std::wstring() : moduleFolder();
+    const NoErrorBoxes quiet;
     if (!folder.empty()) {
         // The libraries that it needs in turn are then looked for beside it as well.
         const HMODULE beside =

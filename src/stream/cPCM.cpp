@@ -1,5 +1,6 @@
 #include "stream/cPCM.h"
 
+#include "platform/ErrorBoxes.h"
 #include "runtime/Rounding.h"
 #include "stream/PcmFormat.h"
 #include "stream/cSoundSTRM.h"
@@ -251,7 +252,11 @@ bool cPCM::fill() {
     }
     const std::int32_t asked = sizes_.source - leftover_;
     std::int32_t delivered = 0;
-    if (source_->Read(sourceBuffer_.data() + leftover_, asked, delivered) != SourceResult::done)
+    const auto read = [&] {
+        const NoErrorBoxes quiet;
+        return source_->Read(sourceBuffer_.data() + leftover_, asked, delivered);
+    };
+    if (read() != SourceResult::done)
         ended_ = true;
     convert(leftover_ + std::clamp(delivered, 0, asked), ended_);
     readOffset_ = 0;

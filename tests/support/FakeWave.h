@@ -22,7 +22,8 @@ struct FakeWave {
     bool open = false;
     bool paused = false;
     HWND window = nullptr;
-    std::uintptr_t handle = 0x8000;
+    // Every device gets the handle of the one before, as Wine's do.
+    static constexpr std::uintptr_t handle = 0x8001;
     UINT device = 0;
     DWORD flags = 0;
     WAVEFORMATEX format{};
@@ -86,7 +87,7 @@ inline MMRESULT WINAPI waveOutOpen(LPHWAVEOUT result, UINT device, LPCWAVEFORMAT
     fakeWave.format = *format;
     fakeWave.prepared.clear();
     ++fakeWave.opens;
-    *result = reinterpret_cast<HWAVEOUT>(++fakeWave.handle);
+    *result = reinterpret_cast<HWAVEOUT>(FakeWave::handle);
     return 0;
 }
 

@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cstring>
 #include <functional>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -33,6 +34,8 @@ struct Script {
 
     // What the player did: "Open name", "Close", "Seek value mode".
     std::vector<std::wstring> log;
+    // Under which of the system's ways to show errors it opened, read and sought.
+    std::set<DWORD> errorModes;
     int sources = 0;
 };
 
@@ -56,6 +59,7 @@ public:
     const WAVEFORMATEX* WFXPointer() override { return &script.format; }
     std::int32_t OpenSource(const std::wstring& Source) override {
         script.log.push_back(L"Open " + Source.substr(Source.find_last_of(L'\\') + 1));
+        script.errorModes.insert(::GetThreadErrorMode());
         position_ = 0;
         open_ = script.openResult == 0;
         return script.openResult;
@@ -68,6 +72,7 @@ public:
         return 0;
     }
     std::int32_t Read(void* pBuffer, std::int32_t cBytes, std::int32_t& cBytesRead) override {
+        script.errorModes.insert(::GetThreadErrorMode());
         if (script.onRead)
             script.onRead();
         if (!open_)
@@ -82,6 +87,7 @@ public:
     }
     std::int32_t SeekTo(std::int32_t Value, std::int32_t& Mode) override {
         script.log.push_back(L"Seek " + std::to_wstring(Value) + L" " + std::to_wstring(Mode));
+        script.errorModes.insert(::GetThreadErrorMode());
         return script.seekResult;
     }
 

@@ -48,6 +48,12 @@ protected:
             dispatchWaitingMessages();
         } while (!fakeWave.queued.empty() && !fakeWave.paused);
     }
+    // Leaves the close message in the queue.
+    static void handleReturnedBuffers() {
+        MSG message;
+        while (::PeekMessageA(&message, nullptr, MM_WOM_DONE, MM_WOM_DONE, PM_REMOVE))
+            ::DispatchMessageA(&message);
+    }
     // How often a call was made of the device.
     static long callsOf(const std::string& call) {
         return std::count(fakeWave.log.begin(), fakeWave.log.end(), call);

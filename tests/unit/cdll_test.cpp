@@ -10,6 +10,7 @@
 #include <map>
 #include <new>
 #include <numeric>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -22,11 +23,13 @@ using testing::ElementsAre;
 std::vector<std::string> calls;
 std::vector<std::int32_t> received;
 std::map<std::string, FARPROC> exports;
+std::set<DWORD> errorModes; // while a library is loaded
 const HMODULE fakeModule = reinterpret_cast<HMODULE>(0x00C0DE00);
 
 // A library of the test program's own functions, found only by name.
 HMODULE WINAPI fakeLoadLibrary(const char* name) {
     calls.push_back(std::string("LoadLibraryA ") + name);
+    errorModes.insert(::GetThreadErrorMode());
     return std::strcmp(name, "none.dll") == 0 ? nullptr : fakeModule;
 }
 HMODULE WINAPI fakeLoadLibraryFile(const wchar_t* path, HANDLE, DWORD flags) {
@@ -35,6 +38,7 @@ HMODULE WINAPI fakeLoadLibraryFile(const wchar_t* path, HANDLE, DWORD flags) {
     for (const wchar_t character : wide)
         text += static_cast<char>(character);
     calls.push_back("LoadLibraryExW " + text + " " + std::to_string(flags));
+    errorModes.insert(::GetThreadErrorMode());
     return nullptr;
 }
 FARPROC WINAPI fakeGetProcAddress(HMODULE module, const char* name) {
@@ -112,6 +116,14 @@ protected:
 
     cDLL library{fakeApi};
 };
+
+TEST_F(CDll, a_library_that_is_damaged_shows_no_box_and_the_host_keeps_its_boxes) {
+    const DWORD before = ::GetThreadErrorMode();
+    errorModes.clear();
+    library.LoadDLL(L"none.dll");
+    EXPECT_THAT(errorModes, ElementsAre(before | SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX));
+    EXPECT_EQ(::GetThreadErrorMode(), before);
+}
 
 TEST_F(CDll, stdcall_exports_get_one_to_forty_four_arguments) {
     expectAllCountsToPass(false);

@@ -78,6 +78,22 @@ TEST_F(FileListing, names_of_any_length_are_safe) {
         EXPECT_FALSE(listed(std::wstring(length, L'n'))) << length;
 }
 
+DWORD errorModeOfListing = 0;
+
+HANDLE WINAPI listNoting(LPCSTR name, LPWIN32_FIND_DATAA entry) {
+    errorModeOfListing = ::GetThreadErrorMode();
+    return ::FindFirstFileA(name, entry);
+}
+
+TEST_F(FileListing, a_drive_without_a_disk_shows_no_box_and_the_host_keeps_its_boxes) {
+    FileApi api;
+    api.findFirstFile = &listNoting;
+    const DWORD before = ::GetThreadErrorMode();
+    EXPECT_FALSE(isFileListed(folder_.path() + L"\\a.wav", api));
+    EXPECT_EQ(errorModeOfListing, before | SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX);
+    EXPECT_EQ(::GetThreadErrorMode(), before);
+}
+
 TEST_F(FileListing, no_failure_leaves_a_listing_open) {
     folder_.write(L"a.wav", {1});
     forEachFault(fileFaults, [this] {

@@ -105,6 +105,31 @@ TEST_F(Playback, pausing_when_nothing_plays_answers_the_devices_refusal) {
     EXPECT_FALSE(host.player.IsPausedOut());
 }
 
+TEST_F(Playback, once_its_device_is_closed_a_player_leaves_alone_who_has_the_handle_now) {
+    startAndFill();
+    host.player.PlayStop();
+    playOut();
+    ASSERT_EQ(host.events.back(), L"DonePlay");
+    fakeWave.open = true;
+    EXPECT_EQ(host.player.PlayPause(), MMSYSERR_INVALHANDLE);
+    EXPECT_EQ(host.player.PlayUnPause(), MMSYSERR_INVALHANDLE);
+    EXPECT_FALSE(fakeWave.paused);
+    EXPECT_FALSE(host.player.IsPausedOut());
+    fakeWave.open = false;
+}
+
+TEST_F(Playback, the_reset_at_the_end_does_not_stop_who_has_the_handle_by_then) {
+    startAndFill();
+    host.player.PlayStop();
+    host.events.clear();
+    handleReturnedBuffers();
+    ASSERT_FALSE(fakeWave.open);
+    fakeWave.open = true;
+    dispatchWaitingMessages();
+    EXPECT_THAT(host.events, ElementsAre(L"StopPlayAudio:waveOutReset|5|5", L"DonePlay"));
+    fakeWave.open = false;
+}
+
 TEST_F(Playback, a_failed_pause_changes_nothing) {
     startAndFill();
     fakeWave.faults.arm("waveOutPause", 1, Faults::Lasting::once, MMSYSERR_NOTSUPPORTED);
@@ -154,10 +179,7 @@ TEST_F(Playback, AudioDataOut_stays_readable_after_the_end) {
 TEST_F(Playback, a_start_between_close_and_close_message_is_stopped_by_that_message) {
     startAndFill();
     host.player.PlayStop();
-    // Handle the returned buffers, but not the close message yet.
-    MSG message;
-    while (::PeekMessageA(&message, nullptr, MM_WOM_DONE, MM_WOM_DONE, PM_REMOVE))
-        ::DispatchMessageA(&message);
+    handleReturnedBuffers();
     ASSERT_FALSE(fakeWave.open);
     EXPECT_TRUE(host.player.IsPlaying());
     host.events.clear();

@@ -20,9 +20,7 @@ protected:
     void playUntilClosed() {
         startAndFill();
         host.player.PlayStop();
-        MSG message;
-        while (::PeekMessageA(&message, nullptr, MM_WOM_DONE, MM_WOM_DONE, PM_REMOVE))
-            ::DispatchMessageA(&message);
+        handleReturnedBuffers();
         host.events.clear();
     }
 };
@@ -166,6 +164,30 @@ TEST_F(PlaybackFaults, a_failed_reset_is_reported_with_its_number_as_text_and_is
     EXPECT_THAT(script.log, ElementsAre(L"Close")) << "the source is closed all the same";
     playOut();
     EXPECT_EQ(host.countOf(L"DonePlay"), 1) << "what was queued plays out and ends it";
+    expectTheNextPlaybackWorks();
+}
+
+TEST_F(PlaybackFaults, the_end_within_the_report_of_a_failed_reset_is_reported_like_any_other) {
+    startAndFill();
+    fakeWave.faults.arm("waveOutReset", 1, once, 11);
+    host.onErr = [this, handled = false](const std::wstring&) mutable {
+        if (!std::exchange(handled, true))
+            playOut();
+    };
+    EXPECT_EQ(host.player.PlayStop(), 11);
+    EXPECT_THAT(host.events, ElementsAre(L"StopPlayAudio:waveOutReset|11|11",
+                                         L"StopPlayAudio:waveOutReset|5|5", L"DonePlay"));
+    expectTheNextPlaybackWorks();
+}
+
+TEST_F(PlaybackFaults, a_handler_that_stops_again_at_each_failed_reset_comes_to_an_end) {
+    startAndFill();
+    fakeWave.faults.arm("waveOutReset", 1, forever, 11);
+    host.onErr = [this](const std::wstring&) { EXPECT_NE(host.player.PlayStop(), 0); };
+    EXPECT_EQ(host.player.PlayStop(), 11);
+    playOut();
+    EXPECT_EQ(host.countOf(L"StopPlayAudio:waveOutReset|11|11"), 2) << "the stop, and the end";
+    EXPECT_EQ(host.countOf(L"DonePlay"), 1);
     expectTheNextPlaybackWorks();
 }
 

@@ -29,6 +29,20 @@ TEST_F(Playback, starting_opens_the_device_and_prepares_eight_buffers) {
     EXPECT_EQ(takeLog(), Calls{"Open"} + numbered("Prepare", 8));
 }
 
+TEST_F(Playback, a_file_that_cannot_be_reached_shows_no_box_and_the_host_keeps_its_boxes) {
+    const DWORD before = ::GetThreadErrorMode();
+    startAndFill();
+    host.player.PositionSet(1);
+    EXPECT_THAT(script.errorModes,
+                ElementsAre(before | SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX));
+    DWORD inEvents = ~before;
+    host.onDonePlay = [&inEvents] { inEvents = ::GetThreadErrorMode(); };
+    host.player.PlayStop();
+    playOut();
+    EXPECT_EQ(inEvents, before);
+    EXPECT_EQ(::GetThreadErrorMode(), before);
+}
+
 TEST_F(Playback, starting_posts_eight_messages_to_fill_the_ring) {
     windowLog.clear();
     ASSERT_EQ(start(), 0);
