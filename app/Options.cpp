@@ -17,7 +17,8 @@ constexpr const char* keyHelp =
     "  space         pause, go on\n"
     "  left, right   5 seconds back, forward\n"
     "  n, p          next, previous file\n"
-    "  s, q          stop and leave\n\n"
+    "  s             stop; without a window, leave as well\n"
+    "  q             stop and leave\n\n"
     "The program ends with the control's result for the first file that "
     "could not be played, or 0.\n";
 

@@ -12,7 +12,7 @@ namespace corvina::app {
 
 struct Options {
     std::vector<std::wstring> files;
-    std::wstring infoFile; // describe this file and play nothing
+    std::wstring infoFile; // describe this file first
     bool listDevices = false;
     bool consoleOnly = false; // the terminal alone, no window
     std::wstring pictureFile; // save a picture of the window here, and leave when all is played

@@ -84,8 +84,8 @@ void PlayQueue::tick() {
         return;
     // A block that the device refused never comes back, and then no DonePlay comes either.
     report(L"The device did not finish; giving up.");
-    playing_ = false;
-    end();
+    player_.abandon();
+    onDonePlay();
 }
 
 void PlayQueue::stopThen(std::optional<std::size_t> following) {
@@ -156,8 +156,8 @@ void PlayQueue::onErr(const ErrorEvent& event) {
     if (!playing_)
         return; // a start that fails returns its result
     remember(event.number);
-    if (event.function == L"WindowProcOut:waveOutWrite" && !deadline_)
-        deadline_ = Clock::now() + stopPatience; // the block is lost, perhaps the device with it
+    if (event.function == L"WindowProcOut:waveOutWrite")
+        stopThen(following_); // the block is lost, perhaps the device with it
 }
 
 void PlayQueue::report(const std::wstring& words) const {

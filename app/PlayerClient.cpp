@@ -103,6 +103,11 @@ long PlayerClient::stop() {
     return ask(player_, &_cPlayer::PlayStop);
 }
 
+void PlayerClient::abandon() {
+    ask(player_, &_cPlayer::DeInit);
+    ask(player_, &_cPlayer::Init);
+}
+
 long PlayerClient::pause() {
     return ask(player_, &_cPlayer::PlayPause);
 }

@@ -51,6 +51,8 @@ public:
     long stop();
     long pause();
     long goOn();
+    // Ends a playback at once, also one that the device does not finish; no DonePlay comes.
+    void abandon();
     [[nodiscard]] bool isPlaying();
     [[nodiscard]] bool isPaused();
     [[nodiscard]] long positionSeconds();

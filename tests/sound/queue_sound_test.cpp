@@ -121,6 +121,26 @@ TEST_F(Queue, begins_at_the_second_it_is_told) {
     ASSERT_TRUE(waitForEnd());
 }
 
+TEST_F(Queue, gives_a_device_up_that_does_not_finish_and_goes_on) {
+    queue->add(longFile);
+    queue->add(shortFile);
+    queue->play(0);
+    queue->next();
+    // As if the device kept its blocks: the player does not hear that they came back.
+    const auto tooLong = std::chrono::steady_clock::now() + 15s;
+    while (failures.empty() && std::chrono::steady_clock::now() < tooLong) {
+        MSG lost;
+        while (::PeekMessageW(&lost, nullptr, MM_WOM_DONE, MM_WOM_DONE, PM_REMOVE))
+            ;
+        queue->tick();
+        ::Sleep(10);
+    }
+    ASSERT_EQ(failures.size(), 1u);
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_EQ(started, (Indexes{0, 1}));
+    EXPECT_EQ(failures.size(), 1u);
+}
+
 TEST_F(Queue, does_not_seek_before_the_beginning) {
     queue->add(longFile);
     queue->play(0, 2);
