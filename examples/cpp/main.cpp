@@ -6,6 +6,8 @@
 
 #include <windows.h>
 
+#include <shellapi.h>
+
 #include <Corvina.h>
 
 #include <cstdio>
@@ -26,30 +28,49 @@ void handleMessagesUntilDone(_cPlayer& player) {
     }
 }
 
-long play(_cPlayer& player, const wchar_t* file) {
+// Shows the words of an error that a member raised.
+void showError() {
+    IErrorInfo* error = nullptr;
+    BSTR words = nullptr;
+    if (GetErrorInfo(0, &error) == S_OK) {
+        error->GetDescription(&words);
+        error->Release();
+    }
+    std::printf("error: %ls\n", words ? words : L"unknown");
+    SysFreeString(words);
+}
+
+int play(_cPlayer& player, const wchar_t* file) {
     constexpr long waveMapper = -1;
     constexpr long bufferSize = 0; // without effect
+    constexpr int failed = 1;
     long result = 0;
-    player.Init(&result);
-    const BSTR name = SysAllocString(file);
-    player.PlayStart(name, waveMapper, bufferSize, &result);
-    SysFreeString(name);
-    if (result == 0)
+    HRESULT outcome = player.Init(&result);
+    if (SUCCEEDED(outcome)) {
+        const BSTR name = SysAllocString(file);
+        outcome = player.PlayStart(name, waveMapper, bufferSize, &result);
+        SysFreeString(name);
+    }
+    if (FAILED(outcome))
+        showError();
+    else if (result != 0)
+        std::printf("could not be played, result %ld\n", result);
+    else
         handleMessagesUntilDone(player);
     long ignored = 0;
     player.DeInit(&ignored);
-    return result;
+    return SUCCEEDED(outcome) && result == 0 ? 0 : failed;
 }
 
 } // namespace
 
-int main(int count, char** arguments) {
-    if (count != 2) {
+int main() {
+    int count = 0;
+    wchar_t** const arguments = CommandLineToArgvW(GetCommandLineW(), &count);
+    if (!arguments || count != 2) {
         std::puts("usage: corvina-example FILE");
         return 2;
     }
-    wchar_t file[MAX_PATH];
-    MultiByteToWideChar(CP_ACP, 0, arguments[1], -1, file, MAX_PATH);
 
     CoInitialize(nullptr);
     _cPlayer* player = nullptr;
@@ -58,10 +79,9 @@ int main(int count, char** arguments) {
         std::puts("Corvina.ocx is not registered: run regsvr32 Corvina.ocx.");
         return 1;
     }
-    const long result = play(*player, file);
+    const int result = play(*player, arguments[1]);
     player->Release();
     CoUninitialize();
-    if (result != 0)
-        std::printf("could not be played, result %ld\n", result);
-    return static_cast<int>(result);
+    LocalFree(arguments);
+    return result;
 }
