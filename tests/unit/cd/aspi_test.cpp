@@ -148,6 +148,14 @@ TEST_F(AspiBackend, lists_cd_drives_only) {
     EXPECT_EQ(backend.DeviceCount(), 2);
 }
 
+TEST_F(AspiBackend, a_type_told_by_a_query_that_failed_lists_nothing) {
+    aspi.addCdRom(0, 1, 0x82);
+    aspi.addCdRom(0, 6);
+    EXPECT_EQ(backend.InitMe(), 0);
+    ASSERT_EQ(backend.DeviceCount(), 1);
+    EXPECT_EQ(onlyCommand().SRB_Target, 6) << "the only one that was asked for its name";
+}
+
 TEST_F(AspiBackend, names_drives_by_their_inquiry_answer) {
     aspi.addCdRom(0, 3);
     aspi.answer = [](const SRB_ExecSCSICmd& block) {
