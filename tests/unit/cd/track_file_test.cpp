@@ -185,6 +185,18 @@ TEST_F(TrackSource, a_start_without_its_length_answers_4) {
     EXPECT_EQ(open(trackFile({0, 2, 1}, {1, 0, 0})), 4);
 }
 
+TEST_F(TrackSource, a_start_from_minute_90_on_lies_before_the_program_area) {
+    fakes.machine.drives[0].entries = {{1, -45150}, {170, -45150 + 4500}};
+    EXPECT_EQ(open(trackFile({90, 0, 0}, {1, 0, 0})), 0);
+    EXPECT_EQ(source().Duration(), 60000);
+}
+
+// As a plain count of sectors it would be this track's length.
+TEST_F(TrackSource, a_length_from_minute_90_on_is_negative_and_matches_no_track) {
+    fakes.machine.drives[0].entries = {{1, 0}, {170, 405000}};
+    EXPECT_EQ(open(trackFile({0, 2, 0}, {90, 0, 0})), 4);
+}
+
 TEST_F(TrackSource, a_start_with_another_length_is_passed_over_for_a_later_track) {
     fakes.machine.drives[0].entries = {{1, 0}, {2, 4500}, {3, 0}, {170, 9000}};
     EXPECT_EQ(open(trackFile({0, 2, 0}, {2, 0, 0})), 0);
