@@ -106,6 +106,11 @@ TEST_F(TrackSource, without_a_backend_answers_4_and_opens_no_file) {
     EXPECT_EQ(filesOpened, 0);
 }
 
+TEST_F(TrackSource, without_a_backend_a_deeper_path_answers_4_too) {
+    fakes.SPTI = fakes.IOCTL = fakes.ASPI = 4;
+    EXPECT_EQ(source().OpenSource(L"C:\\music\\Track01.cda"), 4);
+}
+
 TEST_F(TrackSource, a_deeper_path_answers_1_without_opening_the_file) {
     for (const wchar_t* deep :
          {L"C:\\music\\Track01.cda", L"D:\\\\Track01.cda", L"\\\\.\\D:", L"\\\\", L"a\\b\\c"})
