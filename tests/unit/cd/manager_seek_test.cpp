@@ -55,8 +55,9 @@ TEST_F(CdManager, the_very_end_in_seconds_is_accepted) {
     EXPECT_TRUE(manager.EndOfStream());
 }
 
-TEST_F(CdManager, the_bound_in_seconds_is_compared_with_its_fraction) {
-    selectTrack(3); // 180.013 s
+TEST_F(CdManager, the_bound_in_seconds_is_not_rounded) {
+    fakes.machine.drives[0].entries = {{1, 0}, {170, 13545}}; // 180.6 s
+    selectTrack(1);
     EXPECT_EQ(seek(manager, 180, SeekMode::seconds), 0);
     EXPECT_EQ(seek(manager, 181, SeekMode::seconds), 3);
 }
