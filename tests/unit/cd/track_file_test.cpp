@@ -118,9 +118,14 @@ TEST_F(TrackSource, a_deeper_path_answers_1_without_opening_the_file) {
     EXPECT_EQ(filesOpened, 0);
 }
 
-TEST_F(TrackSource, one_backslash_is_a_root) {
+TEST_F(TrackSource, one_backslash_is_taken_wherever_it_leads) {
     open(track1);
     EXPECT_EQ(source().OpenSource(L".\\Track01.cda"), 0);
+}
+
+TEST_F(TrackSource, slashes_are_not_counted) {
+    open(track1);
+    EXPECT_EQ(source().OpenSource(L"./././Track01.cda"), 0);
 }
 
 TEST_F(TrackSource, a_missing_file_answers_1) {
