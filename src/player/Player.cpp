@@ -197,8 +197,9 @@ std::int32_t Player::PositionGet() const {
 }
 
 std::int32_t Player::PositionSet(std::int32_t lPosition) {
-    // What is queued on the device, and what the converter holds, plays out first. A position out
-    // of range changes nothing, and the host is not told.
+    // What is queued on the device, and what the converter holds, plays out first; a converter that
+    // has met the end of the source asks it for nothing more. A position out of range leaves the
+    // place as it is, and the host is not told.
     if (source_) {
         const NoErrorBoxes quiet;
         std::int32_t mode = SeekMode::seconds;

@@ -39,7 +39,8 @@ DecCDA::~DecCDA() {
 std::int32_t DecCDA::OpenSource(const std::wstring& Source) {
     if (!ready_)
         return noTrack;
-    // Track files lie in the root of a drive: a deeper path is not even opened.
+    // Windows shows track files in the root of a drive, one backslash deep: a deeper path is not
+    // even opened. Slashes are not counted.
     if (std::count(Source.begin(), Source.end(), L'\\') >= 2)
         return SourceResult::notOpen;
     TrackPlace place;

@@ -4,9 +4,9 @@
 // a disc. Such a file holds no sound but a place on a disc: the first drive whose disc has a track
 // of that start and that length is played, whatever drive the file lies on.
 //
-// Results of OpenSource: 0; 1 no usable track file, or not in the root of a drive; 4 no drive, or
-// no drive with the track. Read answers 5 at the end of the track and for a drive that fails. The
-// drive operations answer what the manager answers (cd/cdManager.h).
+// Results of OpenSource: 0; 1 no usable track file, or a path with two backslashes or more; 4 no
+// drive, or no drive with the track. Read answers 5 at the end of the track and for a drive that
+// fails. The drive operations answer what the manager answers (cd/cdManager.h).
 
 #include "cd/cdManager.h"
 #include "stream/FileAccess.h"

@@ -25,12 +25,15 @@ void inquireAdapter(SRB_HAInquiry& block) {
 
 void tellType(SRB_GDEVBlock& block) {
     aspi->typeQueries.push_back(block);
-    const bool there =
-        std::ranges::find(aspi->cdRoms, std::pair(block.header.SRB_HaId, block.SRB_Target)) !=
-        aspi->cdRoms.end();
-    block.SRB_DeviceType = there ? Aspi::cdRom : 0;
+    const auto cdRom = aspi->cdRoms.find({block.header.SRB_HaId, block.SRB_Target});
+    if (cdRom != aspi->cdRoms.end()) {
+        block.SRB_DeviceType = Aspi::cdRom;
+        block.header.SRB_Status = cdRom->second;
+        return;
+    }
     // Every third place has a disk, the others nothing at all.
-    block.header.SRB_Status = there || block.SRB_Target % 3 == 0 ? Aspi::complete : 0x82;
+    block.SRB_DeviceType = 0;
+    block.header.SRB_Status = block.SRB_Target % 3 == 0 ? Aspi::complete : 0x82;
 }
 
 void runCommand(SRB_ExecSCSICmd& block) {

@@ -8,7 +8,9 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace corvina::test {
@@ -20,9 +22,10 @@ public:
 
     [[nodiscard]] static const LibraryApi& libraries();
 
-    // Puts a CD-ROM drive at a place on a bus.
-    void addCdRom(std::uint8_t adapter, std::uint8_t target) {
-        cdRoms.emplace_back(adapter, target);
+    // Puts a CD-ROM drive at a place on a bus; its type is told with that status.
+    void addCdRom(std::uint8_t adapter, std::uint8_t target,
+                  std::uint8_t typeStatus = Aspi::complete) {
+        cdRoms[{adapter, target}] = typeStatus;
     }
 
     bool loadable = true;
@@ -30,7 +33,8 @@ public:
     bool exportsSendCommand = true;
     std::uint32_t supportInfo = 0x0101; // complete, one adapter
     std::vector<std::uint8_t> deafAdapters;
-    std::vector<std::pair<std::uint8_t, std::uint8_t>> cdRoms;
+    // By adapter and target, what their type queries end with.
+    std::map<std::pair<std::uint8_t, std::uint8_t>, std::uint8_t> cdRoms;
     // What a SCSI command ends with; may write to its data.
     std::function<std::uint8_t(const SRB_ExecSCSICmd&)> answer = [](const SRB_ExecSCSICmd&) {
         return Aspi::complete;

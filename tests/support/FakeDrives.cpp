@@ -16,12 +16,13 @@ UINT WINAPI fakeDriveType(LPCSTR root) {
     return found == machine->types.end() ? DRIVE_NO_ROOT_DIR : found->second;
 }
 
-HANDLE WINAPI fakeCreateFile(LPCSTR name, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES, DWORD,
-                             DWORD, HANDLE) {
+HANDLE WINAPI fakeCreateFile(LPCSTR name, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES,
+                             DWORD disposition, DWORD, HANDLE) {
     const std::string path = name;
     machine->opened.push_back(path);
     machine->openedAccess.push_back(access);
     machine->openedShare.push_back(share);
+    machine->openedDisposition.push_back(disposition);
     const char letter = path.size() == 6 ? path[4] : '\0';
     if (!machine->types.contains(letter) || machine->refuseRead.contains(letter) ||
         ((access & GENERIC_WRITE) && machine->refuseWrite.contains(letter)))

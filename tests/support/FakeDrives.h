@@ -47,6 +47,7 @@ public:
     std::vector<std::string> opened;
     std::vector<DWORD> openedAccess;
     std::vector<DWORD> openedShare;
+    std::vector<DWORD> openedDisposition;
     std::set<HANDLE> open;
     std::vector<DriveRequest> requests;
 

@@ -280,5 +280,51 @@ TEST_F(Playback, ten_thousand_rounds_leave_handles_and_memory_as_they_were) {
     EXPECT_LT(countHeapBytes(), bytesBefore + 16 * 1024);
 }
 
+// A file of 2.7 seconds, which the converter takes in pieces of half a second. The last piece is
+// short enough to be cut, so that the converter meets the end with it.
+class Seeking : public Playback {
+protected:
+    static constexpr std::size_t second = 176400;
+
+    // Starts, and plays until the file was read up to that second, rounded half to even.
+    void playUntilRead(std::int32_t position) {
+        ASSERT_EQ(player.init(), 0);
+        ASSERT_EQ(player.player.PlayStart(song, -1, 0), 0);
+        dispatchWaitingMessages();
+        while (player.player.PositionGet() < position && fakeWave.finishOne())
+            dispatchWaitingMessages();
+        ASSERT_EQ(player.player.PositionGet(), position);
+    }
+    // Plays to the end; what was played, without what fills up the last block.
+    Bytes playToTheEnd(std::size_t expected) {
+        playOut();
+        EXPECT_EQ(player.events, endOfPlayback);
+        EXPECT_EQ(fakeWave.written.size(), (expected + buffer - 1) / buffer * buffer);
+        fakeWave.written.resize(std::min(fakeWave.written.size(), expected));
+        return fakeWave.written;
+    }
+
+    const Bytes sound = noise(second * 27 / 10);
+    const std::wstring song = folder.write(L"song.wav", plainWav(pcm(44100, 2, 16), sound));
+    BarePlayer player{{fakeWaveApi, systemWindowApi, fakeAcmApi, systemFileApi, &makeSources}};
+};
+
+TEST_F(Seeking, goes_on_at_the_new_place_behind_what_the_converter_holds) {
+    playUntilRead(2);
+    EXPECT_EQ(player.player.PositionSet(1), 0);
+    EXPECT_EQ(player.player.PositionGet(), 1);
+    Bytes expected(sound.begin(), sound.begin() + second * 3 / 2);
+    expected.insert(expected.end(), sound.begin() + second, sound.end());
+    EXPECT_TRUE(playToTheEnd(expected.size()) == expected);
+}
+
+TEST_F(Seeking, once_the_converter_has_met_the_end_is_told_but_the_file_ends_all_the_same) {
+    playUntilRead(3);
+    ASSERT_LT(fakeWave.written.size() + 2 * buffer, sound.size()) << "the end is still to be fed";
+    EXPECT_EQ(player.player.PositionSet(1), 0);
+    EXPECT_EQ(player.player.PositionGet(), 1);
+    EXPECT_TRUE(playToTheEnd(sound.size()) == sound);
+}
+
 } // namespace
 } // namespace corvina::test

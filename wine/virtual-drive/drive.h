@@ -11,8 +11,10 @@
  *   absent                    its device cannot be opened
  *   read-only                 its device cannot be opened for writing
  *   no-aspi                   ASPI does not show it
- *   gone                      every request fails
- *   delay-us N                microseconds that each request takes
+ *   gone                      every request to its device and every command through ASPI fails;
+ *                             ASPI goes on showing it
+ *   delay-us N                microseconds that each SCSI command and each read of audio takes;
+ *                             the other requests (table, tray, state) are answered at once
  *   unreadable FIRST COUNT    scratched sectors; repeatable
  *   no-lead-out               sectors of the lead-out cannot be read
  *   refuse OPCODE             requests with this command fail (hexadecimal; repeatable)

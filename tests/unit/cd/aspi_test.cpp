@@ -148,6 +148,14 @@ TEST_F(AspiBackend, lists_cd_drives_only) {
     EXPECT_EQ(backend.DeviceCount(), 2);
 }
 
+TEST_F(AspiBackend, a_type_told_by_a_query_that_failed_lists_nothing) {
+    aspi.addCdRom(0, 1, 0x82);
+    aspi.addCdRom(0, 6);
+    EXPECT_EQ(backend.InitMe(), 0);
+    ASSERT_EQ(backend.DeviceCount(), 1);
+    EXPECT_EQ(onlyCommand().SRB_Target, 6) << "the only one that was asked for its name";
+}
+
 TEST_F(AspiBackend, names_drives_by_their_inquiry_answer) {
     aspi.addCdRom(0, 3);
     aspi.answer = [](const SRB_ExecSCSICmd& block) {
@@ -176,10 +184,12 @@ TEST_F(AspiBackend, selecting_outside_the_list_answers_3) {
 
 // The letter
 
-BOOL tellAddress(const DriveRequest& request, std::uint8_t port, std::uint8_t target) {
+BOOL tellAddress(const DriveRequest& request, std::uint8_t port, std::uint8_t target,
+                 std::uint8_t lun = 0) {
     auto* bytes = static_cast<std::uint8_t*>(request.output);
     bytes[4] = port;
     bytes[6] = target;
+    bytes[7] = lun;
     return TRUE;
 }
 
@@ -193,6 +203,18 @@ TEST_F(AspiBackend, has_the_letter_whose_address_is_the_same) {
     selectOneDrive();
     EXPECT_EQ(backend.DeviceChar(0), L"D");
     EXPECT_TRUE(machine.open.empty());
+}
+
+TEST_F(AspiBackend, has_not_the_letter_of_another_unit_at_its_target) {
+    machine.addCdRom('C');
+    machine.addCdRom('D');
+    machine.answer = [](const DriveRequest& request) {
+        const char letter = FakeDrives::letterOf(request.device);
+        return tellAddress(request, 0, 3, static_cast<std::uint8_t>(letter == 'C' ? 1 : 0)) !=
+               FALSE;
+    };
+    selectOneDrive();
+    EXPECT_EQ(backend.DeviceChar(0), L"D");
 }
 
 TEST_F(AspiBackend, has_no_letter_where_none_has_its_address) {

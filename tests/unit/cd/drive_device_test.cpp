@@ -20,6 +20,15 @@ TEST(DriveDevice, uses_the_first_character_of_the_drive_text) {
     devices.close(device);
 }
 
+TEST(DriveDevice, is_opened_where_it_exists_and_never_created) {
+    FakeDrives machine;
+    machine.addCdRom('D');
+    const DriveDevice devices = fakeDevices();
+    FileRecord device = devices.OpenDriveDevice(L"D", GENERIC_READ);
+    EXPECT_THAT(machine.openedDisposition, ElementsAre(static_cast<DWORD>(OPEN_EXISTING)));
+    devices.close(device);
+}
+
 TEST(DriveDevice, of_no_text_opens_nothing) {
     FakeDrives machine;
     EXPECT_FALSE(fakeDevices().OpenDriveDevice(L"", GENERIC_READ).isOpen());

@@ -143,6 +143,18 @@ TEST_F(CdManager, bytes_left_from_the_former_track_come_first) {
     EXPECT_EQ(word(8), 0);
 }
 
+TEST_F(CdManager, the_last_block_of_a_track_read_to_its_end_comes_again_before_the_next) {
+    selectTrack(1);
+    seekToSector(4425);
+    EXPECT_EQ(read(80 * 2352), 5);
+    EXPECT_EQ(got, 76 * 2352);
+    selectTrack(3);
+    EXPECT_EQ(read(9412), 0);
+    EXPECT_EQ(word(0), 4497);
+    EXPECT_EQ(word(9404), 4500);
+    EXPECT_EQ(word(9408), 5 * minute);
+}
+
 TEST_F(CdManager, the_position_runs_ahead_by_a_block) {
     selectTrack(1);
     EXPECT_EQ(manager.Position(), 0);

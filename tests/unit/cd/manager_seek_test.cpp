@@ -55,8 +55,9 @@ TEST_F(CdManager, the_very_end_in_seconds_is_accepted) {
     EXPECT_TRUE(manager.EndOfStream());
 }
 
-TEST_F(CdManager, the_bound_in_seconds_is_compared_with_its_fraction) {
-    selectTrack(3); // 180.013 s
+TEST_F(CdManager, the_bound_in_seconds_is_not_rounded) {
+    fakes.machine.drives[0].entries = {{1, 0}, {170, 13545}}; // 180.6 s
+    selectTrack(1);
     EXPECT_EQ(seek(manager, 180, SeekMode::seconds), 0);
     EXPECT_EQ(seek(manager, 181, SeekMode::seconds), 3);
 }
@@ -79,13 +80,24 @@ TEST_F(CdManager, a_seek_makes_silence_of_what_is_left_in_the_buffer) {
     EXPECT_EQ(word(8), minute + 2250);
 }
 
-TEST_F(CdManager, a_refused_seek_makes_silence_all_the_same) {
+TEST_F(CdManager, a_seek_that_goes_nowhere_makes_silence_all_the_same) {
+    struct Seek {
+        std::int32_t value, mode, result;
+    };
+    const Seek seeks[] = {{-1, SeekMode::seconds, 3},
+                          {241, SeekMode::seconds, 3},
+                          {-1, SeekMode::percent, 3},
+                          {101, SeekMode::percent, 3},
+                          {30, 2, 0},
+                          {30, -1, 0}};
     selectTrack(2);
-    EXPECT_EQ(read(9400), 0);
-    ASSERT_EQ(seek(manager, -1, SeekMode::seconds), 3);
-    EXPECT_EQ(read(8), 0);
-    EXPECT_EQ(word(0), 0);
-    EXPECT_EQ(word(4), 0);
+    for (const auto& [value, mode, result] : seeks) {
+        EXPECT_EQ(read(9400), 0);
+        EXPECT_EQ(seek(manager, value, mode), result);
+        EXPECT_EQ(read(8), 0);
+        EXPECT_EQ(word(0), 0) << value << ", mode " << mode;
+        EXPECT_EQ(word(4), 0) << value << ", mode " << mode;
+    }
 }
 
 TEST_F(CdManager, a_seek_reads_nothing_from_the_drive) {

@@ -106,6 +106,11 @@ TEST_F(TrackSource, without_a_backend_answers_4_and_opens_no_file) {
     EXPECT_EQ(filesOpened, 0);
 }
 
+TEST_F(TrackSource, without_a_backend_a_deeper_path_answers_4_too) {
+    fakes.SPTI = fakes.IOCTL = fakes.ASPI = 4;
+    EXPECT_EQ(source().OpenSource(L"C:\\music\\Track01.cda"), 4);
+}
+
 TEST_F(TrackSource, a_deeper_path_answers_1_without_opening_the_file) {
     for (const wchar_t* deep :
          {L"C:\\music\\Track01.cda", L"D:\\\\Track01.cda", L"\\\\.\\D:", L"\\\\", L"a\\b\\c"})
@@ -113,9 +118,14 @@ TEST_F(TrackSource, a_deeper_path_answers_1_without_opening_the_file) {
     EXPECT_EQ(filesOpened, 0);
 }
 
-TEST_F(TrackSource, one_backslash_is_a_root) {
+TEST_F(TrackSource, one_backslash_is_taken_wherever_it_leads) {
     open(track1);
     EXPECT_EQ(source().OpenSource(L".\\Track01.cda"), 0);
+}
+
+TEST_F(TrackSource, slashes_are_not_counted) {
+    open(track1);
+    EXPECT_EQ(source().OpenSource(L"./././Track01.cda"), 0);
 }
 
 TEST_F(TrackSource, a_missing_file_answers_1) {
@@ -183,6 +193,18 @@ TEST_F(TrackSource, without_the_disc_answers_4) {
 TEST_F(TrackSource, a_start_without_its_length_answers_4) {
     EXPECT_EQ(open(trackFile({0, 2, 0}, {1, 0, 1})), 4);
     EXPECT_EQ(open(trackFile({0, 2, 1}, {1, 0, 0})), 4);
+}
+
+TEST_F(TrackSource, a_start_from_minute_90_on_lies_before_the_program_area) {
+    fakes.machine.drives[0].entries = {{1, -45150}, {170, -45150 + 4500}};
+    EXPECT_EQ(open(trackFile({90, 0, 0}, {1, 0, 0})), 0);
+    EXPECT_EQ(source().Duration(), 60000);
+}
+
+// As a plain count of sectors it would be this track's length.
+TEST_F(TrackSource, a_length_from_minute_90_on_is_negative_and_matches_no_track) {
+    fakes.machine.drives[0].entries = {{1, 0}, {170, 405000}};
+    EXPECT_EQ(open(trackFile({0, 2, 0}, {90, 0, 0})), 4);
 }
 
 TEST_F(TrackSource, a_start_with_another_length_is_passed_over_for_a_later_track) {
