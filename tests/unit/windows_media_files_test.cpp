@@ -67,7 +67,8 @@ protected:
     std::wstring file() const { return mediaFile(GetParam()); }
 };
 
-INSTANTIATE_TEST_SUITE_P(Kinds, WindowsMediaFile, testing::Values(L"tune.mp3", L"tune.wma"),
+INSTANTIATE_TEST_SUITE_P(Kinds, WindowsMediaFile,
+                         testing::Values(L"tune.mp3", L"tune.wma", L"tune.wmv"),
                          [](const auto& kind) {
                              const std::wstring name(kind.param);
                              const std::wstring extension = name.substr(name.find(L'.') + 1);
@@ -102,6 +103,18 @@ TEST(WindowsMediaFiles, mp3_is_byte_for_byte_what_the_bare_reader_decodes) {
     DecWMAMP3 source;
     ASSERT_EQ(source.OpenSource(mediaFile(L"tune.mp3")), 0);
     EXPECT_TRUE(readToEnd(source, 8000).bytes == bare.rest());
+}
+
+// The reader is asked for the next block of any stream, and nobody tells pictures from sound.
+TEST(WindowsMediaFiles, the_pictures_of_a_wmv_file_come_as_well) {
+    DecWMAMP3 source(recordingApi);
+    handedOut.clear();
+    ASSERT_EQ(source.OpenSource(mediaFile(L"pictures.wmv")), 0);
+    EXPECT_NEAR(source.Bitrate(), 328000, 1000);
+    const ReadToEnd all = readToEnd(source, 8000);
+    EXPECT_TRUE(all.bytes == handedOut);
+    constexpr std::size_t pictures = 30 * 160 * 120;
+    EXPECT_GT(all.bytes.size(), 3u * 44100 * 4 + pictures);
 }
 
 TEST_P(WindowsMediaFile, its_format_is_that_of_the_tune) {

@@ -162,10 +162,12 @@ bool AsfFile::read(HANDLE file) {
             object.size < sizeof object || object.size > header.start.size - position)
             return false;
         FileProperties properties;
-        if (object.id == filePropertiesId && readAt(file, position, properties))
+        if (object.id == filePropertiesId && readAt(file, position, properties)) {
             packetSize_ = properties.smallestPacket == properties.largestPacket
                               ? properties.largestPacket
                               : 0;
+            bitrate_ = properties.bitrate;
+        }
         position += object.size;
     }
     Data data;

@@ -18,6 +18,7 @@ public:
     // another kind is none of our business.
     [[nodiscard]] bool read(HANDLE file);
     [[nodiscard]] bool isAsf() const { return firstPacket_ != 0; }
+    [[nodiscard]] DWORD bitrate() const { return bitrate_; } // a second, of all streams
 
     // Replaces the claims that cannot be true in bytes that were read at this position.
     void correct(std::uint64_t position, std::uint8_t* bytes, std::size_t size) const;
@@ -26,6 +27,7 @@ private:
     std::uint64_t firstPacket_ = 0; // 0 in a file of another kind
     std::uint64_t endOfPackets_ = 0;
     std::uint32_t packetSize_ = 0;
+    std::uint32_t bitrate_ = 0;
 };
 
 } // namespace corvina::wine

@@ -18,7 +18,7 @@ void addText(Attributes& attributes, const wchar_t* name, const TagLib::String& 
         attributes.push_back(textAttribute(name, text.toWString()));
 }
 
-void addBitrate(Attributes& attributes, const TagLib::AudioProperties* properties) {
+void addBitrate(Attributes& attributes, const TagLib::MPEG::Properties* properties) {
     constexpr DWORD bitsPerKilobit = 1000;
     if (properties && properties->bitrate() > 0)
         attributes.push_back(
@@ -62,7 +62,6 @@ void addStored(Attributes& attributes, const wchar_t* name, const TagLib::ASF::T
 }
 
 void addWindowsMedia(Attributes& attributes, TagLib::ASF::File& file) {
-    addBitrate(attributes, file.audioProperties());
     addCommonTags(attributes, *file.tag());
     // The comment has a place of its own in the header, but some programs write it among the
     // others.

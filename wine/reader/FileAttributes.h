@@ -29,7 +29,8 @@ template <typename Number>
 // Whether MPEG audio begins in the file, behind its tag if it has one.
 [[nodiscard]] bool isMpegAudio(const std::wstring& path);
 
-// Bitrate and tags, as far as the file has them; empty for a file that is neither kind.
+// The tags, as far as the file has them, and the bitrate of MPEG audio; empty for a file that is
+// neither kind.
 [[nodiscard]] std::vector<FileAttribute> readFileAttributes(const std::wstring& path);
 
 } // namespace corvina::wine

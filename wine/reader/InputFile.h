@@ -17,7 +17,7 @@ public:
     // On success the caller owns one reference.
     [[nodiscard]] static HRESULT open(const WCHAR* fileName, InputFile** stream);
 
-    [[nodiscard]] bool isAsf() const { return asf_.isAsf(); }
+    [[nodiscard]] const AsfFile& asf() const { return asf_; }
 
     // Takes the file from a reader that hangs: it is closed, unless a read is under way, and from
     // now on every call fails.

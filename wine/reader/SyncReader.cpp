@@ -145,8 +145,9 @@ HRESULT SyncReader::Open(const WCHAR* fileName) {
         return opened;
     // Wine's reader takes whatever GStreamer knows, Windows' only these two; and of some others
     // Wine's never comes to an end, or ends the process.
-    const bool known = file->isAsf() || startsAsMpegAudio(fileName);
-    const HRESULT result = known ? openStream(file, fileName) : NS_E_UNRECOGNIZED_STREAM_TYPE;
+    const bool known = file->asf().isAsf() || startsAsMpegAudio(fileName);
+    const HRESULT result =
+        known ? openStream(file, fileName, file->asf().bitrate()) : NS_E_UNRECOGNIZED_STREAM_TYPE;
     if (result == openedInVain)
         file->closeFile();
     file->Release();
@@ -154,10 +155,10 @@ HRESULT SyncReader::Open(const WCHAR* fileName) {
 }
 
 HRESULT SyncReader::OpenStream(IStream* stream) {
-    return stream ? openStream(stream, nullptr) : E_INVALIDARG;
+    return stream ? openStream(stream, nullptr, 0) : E_INVALIDARG;
 }
 
-HRESULT SyncReader::openStream(IStream* stream, const WCHAR* fileName) {
+HRESULT SyncReader::openStream(IStream* stream, const WCHAR* fileName, DWORD asfBitrate) {
     const HRESULT result = openWithin(openLimit(), *ForwardedReader::inner_, *stream);
     if (result == openedInVain) {
         // Nothing of a reader that hangs may be called or released. Where there is no new one it
@@ -168,7 +169,7 @@ HRESULT SyncReader::openStream(IStream* stream, const WCHAR* fileName) {
     if (SUCCEEDED(result)) {
         open_ = true;
         atStart_ = true;
-        listAttributes(fileName);
+        listAttributes(fileName, asfBitrate);
     }
     return result;
 }
@@ -180,11 +181,13 @@ HRESULT SyncReader::Close() {
 }
 
 // What cannot be read of a file's tags is left out; the file plays all the same.
-void SyncReader::listAttributes(const WCHAR* fileName) {
+void SyncReader::listAttributes(const WCHAR* fileName, DWORD asfBitrate) {
     attributes_.clear();
     try {
         addReaderAttribute(L"Duration", WMT_TYPE_QWORD);
         addReaderAttribute(L"Seekable", WMT_TYPE_BOOL);
+        if (asfBitrate != 0)
+            attributes_.push_back(numberAttribute(L"Bitrate", WMT_TYPE_DWORD, asfBitrate));
         if (!fileName)
             return;
         std::vector<FileAttribute> fromFile = readFileAttributes(fileName);

@@ -49,10 +49,11 @@ private:
     ~SyncReader();
 
     [[nodiscard]] HRESULT aggregate();
-    // fileName: where the stream's bytes are from; null where nobody knows.
-    [[nodiscard]] HRESULT openStream(IStream* stream, const WCHAR* fileName);
+    // fileName: where the stream's bytes are from; null where nobody knows. asfBitrate: what an ASF
+    // file says of itself; 0 for another.
+    [[nodiscard]] HRESULT openStream(IStream* stream, const WCHAR* fileName, DWORD asfBitrate);
     void addReaderAttribute(const wchar_t* name, WMT_ATTR_DATATYPE type);
-    void listAttributes(const WCHAR* fileName);
+    void listAttributes(const WCHAR* fileName, DWORD asfBitrate);
 
     // The aggregated object's own IUnknown, which keeps it alive. Null where it had to be left
     // behind and there is no other.
