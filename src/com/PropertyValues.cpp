@@ -20,7 +20,10 @@ struct Header {
 };
 static_assert(sizeof(Header) == 16);
 
+// An empty list has no address, and the streams of compound files refuse none even for no bytes.
 HRESULT readAll(IStream& stream, void* data, ULONG bytes) {
+    if (bytes == 0)
+        return S_OK;
     ULONG got = 0;
     const HRESULT result = stream.Read(data, bytes, &got);
     if (FAILED(result))
@@ -29,6 +32,8 @@ HRESULT readAll(IStream& stream, void* data, ULONG bytes) {
 }
 
 HRESULT writeAll(IStream& stream, const void* data, ULONG bytes) {
+    if (bytes == 0)
+        return S_OK;
     ULONG done = 0;
     const HRESULT result = stream.Write(data, bytes, &done);
     if (FAILED(result))

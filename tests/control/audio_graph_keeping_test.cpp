@@ -97,12 +97,7 @@ TEST_F(GraphControl, a_stream_keeps_everything) {
 }
 
 TEST_F(GraphControl, a_storage_keeps_everything) {
-    ComPtr<ILockBytes> bytes;
-    ::CreateILockBytesOnHGlobal(nullptr, TRUE, bytes.put());
-    ComPtr<IStorage> storage;
-    ASSERT_EQ(S_OK, ::StgCreateDocfileOnILockBytes(
-                        bytes.get(), STGM_CREATE | STGM_READWRITE | STGM_SHARE_EXCLUSIVE, 0,
-                        storage.put()));
+    const auto storage = memoryStorage();
     changeEverything(*graph.get());
     ASSERT_EQ(S_OK, as<IPersistStorage>()->Save(storage.get(), FALSE));
     const auto other = create<_cAudioGraph>(CLSID_cAudioGraph);
