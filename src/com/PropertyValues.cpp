@@ -1,5 +1,7 @@
 #include "com/PropertyValues.h"
 
+#include "com/VariantNumber.h"
+
 #include <algorithm>
 #include <cstring>
 #include <oleauto.h>
@@ -48,9 +50,8 @@ std::optional<std::int32_t> read(IPropertyBag& bag, const wchar_t* name, IErrorL
     V_VT(&value) = VT_I4;
     V_I4(&value) = 0;
     std::optional<std::int32_t> result;
-    if (SUCCEEDED(bag.Read(name, &value, log)) &&
-        SUCCEEDED(::VariantChangeType(&value, &value, 0, VT_I4)))
-        result = static_cast<std::int32_t>(V_I4(&value));
+    if (SUCCEEDED(bag.Read(name, &value, log)))
+        result = numberOf(value);
     ::VariantClear(&value);
     return result;
 }

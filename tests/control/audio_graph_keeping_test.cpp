@@ -86,6 +86,33 @@ TEST_F(GraphControl, foreign_values_in_a_bag_are_replaced_by_the_defaults) {
     EXPECT_EQ(50, bands);
 }
 
+TEST_F(GraphControl, a_system_colour_in_a_bag_may_be_an_unsigned_number_or_its_text) {
+    Variant number;
+    V_VT(&number) = VT_UI4;
+    V_UI4(&number) = 0x80000005;
+    Bag bag;
+    bag.put(L"BackgroundColor", number);
+    bag.put(L"FreqColor", Variant(L"2147483653"));
+    bag.put(L"AmplitudeColor", Variant(L"-2147483643"));
+    ASSERT_EQ(S_OK, as<IPersistPropertyBag>()->Load(&bag, nullptr));
+    OLE_COLOR background = 0, frequency = 0, amplitude = 0;
+    graph->get_BackgroundColor(&background);
+    graph->get_FreqColor(&frequency);
+    graph->get_AmplitudeColor(&amplitude);
+    EXPECT_EQ(0x80000005U, background);
+    EXPECT_EQ(0x80000005U, frequency);
+    EXPECT_EQ(0x80000005U, amplitude);
+}
+
+TEST_F(GraphControl, a_number_of_more_than_32_bits_in_a_bag_is_replaced_by_the_default) {
+    Bag bag;
+    bag.put(L"Bands", Variant(L"4294967296"));
+    ASSERT_EQ(S_OK, as<IPersistPropertyBag>()->Load(&bag, nullptr));
+    long bands = 0;
+    graph->get_Bands(&bands);
+    EXPECT_EQ(50, bands);
+}
+
 TEST_F(GraphControl, a_stream_keeps_everything) {
     const auto stream = memoryStream();
     changeEverything(*graph.get());
