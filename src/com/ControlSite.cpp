@@ -1,5 +1,7 @@
 #include "com/ControlSite.h"
 
+#include "com/VariantNumber.h"
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -43,20 +45,20 @@ void ControlSite::set(IOleClientSite* site) noexcept {
     site_ = ComPtr<IOleClientSite>(site);
 }
 
-bool ControlSite::ambient(DISPID id, VARTYPE type, VARIANT& value) const noexcept {
+bool ControlSite::ambient(DISPID id, VARIANT& value) const noexcept {
     const auto dispatch = site_.query<IDispatch>();
     if (!dispatch)
         return false;
     DISPPARAMS none{};
     return SUCCEEDED(dispatch->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET,
-                                      &none, &value, nullptr, nullptr)) &&
-           SUCCEEDED(::VariantChangeType(&value, &value, 0, type));
+                                      &none, &value, nullptr, nullptr));
 }
 
 bool ControlSite::userMode() const noexcept {
     VARIANT value;
     ::VariantInit(&value);
-    const bool known = ambient(DISPID_AMBIENT_USERMODE, VT_BOOL, value);
+    const bool known = ambient(DISPID_AMBIENT_USERMODE, value) &&
+                       SUCCEEDED(::VariantChangeType(&value, &value, 0, VT_BOOL));
     const bool result = !known || V_BOOL(&value) != VARIANT_FALSE;
     ::VariantClear(&value);
     return result;
@@ -66,8 +68,9 @@ COLORREF ControlSite::background() const noexcept {
     VARIANT value;
     ::VariantInit(&value);
     COLORREF result = ::GetSysColor(COLOR_WINDOW);
-    if (ambient(DISPID_AMBIENT_BACKCOLOR, VT_I4, value))
-        ::OleTranslateColor(static_cast<OLE_COLOR>(V_I4(&value)), nullptr, &result);
+    if (ambient(DISPID_AMBIENT_BACKCOLOR, value))
+        if (const auto color = numberOf(value))
+            ::OleTranslateColor(static_cast<OLE_COLOR>(*color), nullptr, &result);
     ::VariantClear(&value);
     return result;
 }

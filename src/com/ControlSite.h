@@ -23,7 +23,7 @@ public:
     void tellFocus(bool focused) const noexcept;
 
 private:
-    [[nodiscard]] bool ambient(DISPID id, VARTYPE type, VARIANT& value) const noexcept;
+    [[nodiscard]] bool ambient(DISPID id, VARIANT& value) const noexcept;
 
     ComPtr<IOleClientSite> site_;
 };

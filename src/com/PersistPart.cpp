@@ -22,6 +22,7 @@ HRESULT PersistPart::IsDirty() {
 }
 
 HRESULT PersistPart::InitNew() {
+    const ComPtr<IUnknown> alive(&whole());
     return guarded(IID_IPersistStreamInit, L"", [&] {
         control_.properties().reset();
         control_.stateLoaded();
@@ -31,6 +32,7 @@ HRESULT PersistPart::InitNew() {
 HRESULT PersistPart::Load(IStream* stream) {
     if (!stream)
         return E_POINTER;
+    const ComPtr<IUnknown> alive(&whole());
     return guarded(IID_IPersistStreamInit, L"", [&] {
         const HRESULT loaded = control_.properties().load(*stream);
         control_.stateLoaded();
@@ -41,6 +43,7 @@ HRESULT PersistPart::Load(IStream* stream) {
 HRESULT PersistPart::Save(IStream* stream, BOOL clearDirty) {
     if (!stream)
         return E_POINTER;
+    const ComPtr<IUnknown> alive(&whole());
     const HRESULT saved = control_.properties().save(*stream);
     if (SUCCEEDED(saved) && clearDirty)
         control_.properties().setDirty(false);
@@ -61,6 +64,7 @@ HRESULT PersistPart::InitNew(IStorage* storage) {
 HRESULT PersistPart::Load(IStorage* storage) {
     if (!storage)
         return E_POINTER;
+    const ComPtr<IUnknown> alive(&whole());
     ComPtr<IStream> stream;
     const HRESULT opened =
         storage->OpenStream(contents, nullptr, STGM_READ | STGM_SHARE_EXCLUSIVE, 0, stream.put());
@@ -70,6 +74,7 @@ HRESULT PersistPart::Load(IStorage* storage) {
 HRESULT PersistPart::Save(IStorage* storage, BOOL sameAsLoad) {
     if (!storage)
         return E_POINTER;
+    const ComPtr<IUnknown> alive(&whole());
     ComPtr<IStream> stream;
     const HRESULT made = storage->CreateStream(
         contents, STGM_CREATE | STGM_WRITE | STGM_SHARE_EXCLUSIVE, 0, 0, stream.put());
@@ -88,6 +93,7 @@ HRESULT PersistPart::HandsOffStorage() {
 HRESULT PersistPart::Load(IPropertyBag* bag, IErrorLog* log) {
     if (!bag)
         return E_POINTER;
+    const ComPtr<IUnknown> alive(&whole());
     return guarded(IID_IPersistPropertyBag, L"", [&] {
         const HRESULT loaded = control_.properties().load(*bag, log);
         control_.stateLoaded();
@@ -98,6 +104,7 @@ HRESULT PersistPart::Load(IPropertyBag* bag, IErrorLog* log) {
 HRESULT PersistPart::Save(IPropertyBag* bag, BOOL clearDirty, BOOL everything) {
     if (!bag)
         return E_POINTER;
+    const ComPtr<IUnknown> alive(&whole());
     const HRESULT saved = control_.properties().save(*bag, everything != FALSE);
     if (SUCCEEDED(saved) && clearDirty)
         control_.properties().setDirty(false);

@@ -1,5 +1,7 @@
 #include "com/PropertyValues.h"
 
+#include "com/VariantNumber.h"
+
 #include <algorithm>
 #include <cstring>
 #include <oleauto.h>
@@ -20,7 +22,10 @@ struct Header {
 };
 static_assert(sizeof(Header) == 16);
 
+// An empty list has no address, and the streams of compound files refuse none even for no bytes.
 HRESULT readAll(IStream& stream, void* data, ULONG bytes) {
+    if (bytes == 0)
+        return S_OK;
     ULONG got = 0;
     const HRESULT result = stream.Read(data, bytes, &got);
     if (FAILED(result))
@@ -29,6 +34,8 @@ HRESULT readAll(IStream& stream, void* data, ULONG bytes) {
 }
 
 HRESULT writeAll(IStream& stream, const void* data, ULONG bytes) {
+    if (bytes == 0)
+        return S_OK;
     ULONG done = 0;
     const HRESULT result = stream.Write(data, bytes, &done);
     if (FAILED(result))
@@ -43,9 +50,8 @@ std::optional<std::int32_t> read(IPropertyBag& bag, const wchar_t* name, IErrorL
     V_VT(&value) = VT_I4;
     V_I4(&value) = 0;
     std::optional<std::int32_t> result;
-    if (SUCCEEDED(bag.Read(name, &value, log)) &&
-        SUCCEEDED(::VariantChangeType(&value, &value, 0, VT_I4)))
-        result = static_cast<std::int32_t>(V_I4(&value));
+    if (SUCCEEDED(bag.Read(name, &value, log)))
+        result = numberOf(value);
     ::VariantClear(&value);
     return result;
 }

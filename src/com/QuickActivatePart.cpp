@@ -9,6 +9,7 @@ HRESULT QuickActivatePart::QuickActivate(QACONTAINER* container, QACONTROL* cont
         return E_POINTER;
     if (container->cbSize < sizeof(QACONTAINER) || control->cbSize < sizeof(QACONTROL))
         return E_INVALIDARG;
+    const ComPtr<IUnknown> alive(&whole());
     const ULONG size = control->cbSize;
     *control = QACONTROL{};
     control->cbSize = size;

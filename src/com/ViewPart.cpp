@@ -2,6 +2,7 @@
 
 #include "com/Guard.h"
 #include "com/OleControl.h"
+#include "com/SavedContext.h"
 
 namespace corvina {
 
@@ -22,9 +23,8 @@ HRESULT ViewPart::Draw(DWORD aspect, LONG, void*, DVTARGETDEVICE*, HDC, HDC dc, 
         return E_INVALIDARG;
     const ComPtr<IUnknown> alive(&whole());
     return guarded(IID_IViewObject, L"", [&] {
-        const int saved = ::SaveDC(dc);
+        const SavedContext saved(dc);
         control_.hooks().draw(dc, {bounds->left, bounds->top, bounds->right, bounds->bottom});
-        ::RestoreDC(dc, saved);
     });
 }
 

@@ -14,8 +14,8 @@ namespace corvina {
 // the surface is empty. beforeColumn is called before each column and may change the samples, from
 // which the columns that follow are then made.
 //
-// Positive samples are drawn below the middle. The line is twice as wide as the surface, so that it
-// shows the first half of the samples; the last two corners lie beyond the right edge.
+// Positive samples are drawn below the middle. The line is twice as wide as the surface, so that
+// only the first half of the columns is seen; the last two corners lie beyond the right edge.
 [[nodiscard]] std::vector<POINT> amplitudeCurve(
     const SampleBuffer& samples, SIZE size, const std::function<void()>& beforeColumn = [] {});
 

@@ -1,5 +1,6 @@
 #include "graph/AudioGraph.h"
 
+#include "com/SavedContext.h"
 #include "graph/AmplitudeCurve.h"
 #include "graph/Painting.h"
 
@@ -108,10 +109,9 @@ void AudioGraph::paint(HDC dc, const RECT& bounds, SIZE size) {
                      SRCCOPY);
         return;
     }
-    const int saved = ::SaveDC(dc);
+    const SavedContext saved(dc);
     ::IntersectClipRect(dc, inside.left, inside.top, inside.right, inside.bottom);
     paintContent(dc, Frame(inside, picture));
-    ::RestoreDC(dc, saved);
 }
 
 // False where the visible surface cannot have that size.

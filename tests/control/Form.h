@@ -14,6 +14,8 @@ namespace corvina::test {
 class Form final : public Implements<IOleClientSite, IDispatch, IOleControlSite> {
 public:
     bool designing = false;
+    OLE_COLOR background = RGB(10, 20, 30);
+    VARTYPE backgroundType = VT_UI4; // a script's large numbers are VT_R8
 
     HRESULT STDMETHODCALLTYPE SaveObject() override { return S_OK; }
     HRESULT STDMETHODCALLTYPE GetMoniker(DWORD, DWORD, IMoniker**) override { return E_NOTIMPL; }
@@ -34,7 +36,8 @@ public:
             V_BOOL(result) = designing ? VARIANT_FALSE : VARIANT_TRUE;
         } else if (id == DISPID_AMBIENT_BACKCOLOR) {
             V_VT(result) = VT_UI4;
-            V_UI4(result) = RGB(10, 20, 30);
+            V_UI4(result) = background;
+            return ::VariantChangeType(result, result, 0, backgroundType);
         } else {
             return DISP_E_MEMBERNOTFOUND;
         }

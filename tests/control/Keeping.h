@@ -41,6 +41,17 @@ public:
     return stream;
 }
 
+// A compound file in memory.
+[[nodiscard]] inline ComPtr<IStorage> memoryStorage() {
+    ComPtr<ILockBytes> bytes;
+    ComPtr<IStorage> storage;
+    ::CreateILockBytesOnHGlobal(nullptr, TRUE, bytes.put());
+    EXPECT_EQ(S_OK, ::StgCreateDocfileOnILockBytes(
+                        bytes.get(), STGM_CREATE | STGM_READWRITE | STGM_SHARE_EXCLUSIVE, 0,
+                        storage.put()));
+    return storage;
+}
+
 inline void rewind(const ComPtr<IStream>& stream) {
     stream->Seek({}, STREAM_SEEK_SET, nullptr);
 }

@@ -34,7 +34,7 @@ protected:
     }
 
     // How many pixels are not of the form's background.
-    int drawnPixels() {
+    int drawnPixels(COLORREF background = RGB(10, 20, 30)) {
         const RECTL bounds{0, 0, side, side};
         EXPECT_EQ(S_OK,
                   object.query<IViewObject>()->Draw(DVASPECT_CONTENT, -1, nullptr, nullptr, nullptr,
@@ -42,7 +42,7 @@ protected:
         int count = 0;
         for (int y = 0; y < side; ++y)
             for (int x = 0; x < side; ++x)
-                count += ::GetPixel(dc, x, y) != RGB(10, 20, 30);
+                count += ::GetPixel(dc, x, y) != background;
         return count;
     }
 
@@ -56,6 +56,14 @@ protected:
 
 TEST_F(Ambient, at_run_time_the_player_shows_only_the_containers_background) {
     EXPECT_EQ(0, drawnPixels());
+}
+
+TEST_F(Ambient, the_containers_background_may_be_a_colour_of_the_system) {
+    form->background = 0x8000000F;
+    for (const VARTYPE type : {VT_UI4, VT_R8}) {
+        form->backgroundType = type;
+        EXPECT_EQ(0, drawnPixels(::GetSysColor(COLOR_BTNFACE))) << type;
+    }
 }
 
 TEST_F(Ambient, at_design_time_the_player_shows_a_glyph) {

@@ -2,6 +2,7 @@
 
 #include "GraphControlFixture.h"
 #include "Keeping.h"
+#include "PropertySink.h"
 
 #include <vector>
 
@@ -20,6 +21,17 @@ void changeEverything(_cAudioGraph& graph) {
     graph.put_FreqColor(blue);
     graph.put_BorderStyle(StyleFixed);
 }
+
+// The same as a property bag holds it.
+const std::pair<const wchar_t*, long> everythingChanged[] = {
+    {L"GraphStyle", AMPLITUDE_STYLE},
+    {L"Bands", 20},
+    {L"BandsSpace", 4},
+    {L"BandsWidth", 7},
+    {L"BackgroundColor", static_cast<long>(0x80000005)},
+    {L"AmplitudeColor", static_cast<long>(red)},
+    {L"FreqColor", static_cast<long>(blue)},
+    {L"BorderStyle", StyleFixed}};
 
 void expectEverythingChanged(_cAudioGraph& graph) {
     AudioGraphStyle style{};
@@ -44,17 +56,41 @@ void expectEverythingChanged(_cAudioGraph& graph) {
     EXPECT_EQ(StyleFixed, border);
 }
 
-TEST_F(GraphControl, a_property_bag_keeps_everything_under_its_name) {
-    Bag bag;
+TEST_F(GraphControl, a_property_bag_gets_every_value_under_its_name) {
     changeEverything(*graph.get());
-    ASSERT_EQ(S_OK, as<IPersistPropertyBag>()->Save(&bag, TRUE, FALSE));
-    for (const wchar_t* name :
-         {L"GraphStyle", L"Bands", L"BandsSpace", L"BandsWidth", L"BackgroundColor",
-          L"AmplitudeColor", L"FreqColor", L"BorderStyle"})
-        EXPECT_TRUE(bag.has(name)) << name;
-    const auto other = create<_cAudioGraph>(CLSID_cAudioGraph);
-    ASSERT_EQ(S_OK, other.query<IPersistPropertyBag>()->Load(&bag, nullptr));
-    expectEverythingChanged(*other.get());
+    for (const BOOL everything : {FALSE, TRUE}) {
+        Bag bag;
+        ASSERT_EQ(S_OK, as<IPersistPropertyBag>()->Save(&bag, TRUE, everything));
+        for (const auto& [name, value] : everythingChanged) {
+            ASSERT_TRUE(bag.has(name)) << name;
+            EXPECT_EQ(value, V_I4(&bag.values.at(name))) << name;
+        }
+    }
+}
+
+TEST_F(GraphControl, each_property_is_loaded_by_its_name) {
+    Bag bag;
+    for (const auto& [name, value] : everythingChanged)
+        bag.put(name, Variant(value));
+    ASSERT_EQ(S_OK, as<IPersistPropertyBag>()->Load(&bag, nullptr));
+    expectEverythingChanged(*graph.get());
+}
+
+TEST_F(GraphControl, each_property_change_is_told_by_the_number_that_the_property_has) {
+    PropertySink sink;
+    ComPtr<IConnectionPoint> point;
+    ASSERT_EQ(S_OK, as<IConnectionPointContainer>()->FindConnectionPoint(IID_IPropertyNotifySink,
+                                                                         point.put()));
+    ASSERT_EQ(S_OK, sink.connect(point));
+    changeEverything(*graph.get());
+    std::vector<DISPID> numbers;
+    for (const auto& [name, value] : everythingChanged) {
+        auto* text = const_cast<wchar_t*>(name);
+        ASSERT_EQ(S_OK, graph->GetIDsOfNames(IID_NULL, &text, 1, LOCALE_USER_DEFAULT,
+                                             &numbers.emplace_back()));
+    }
+    EXPECT_EQ((std::vector<DISPID>{1, 2, 3, 4, 5, 6, 7, 8}), numbers);
+    EXPECT_EQ(numbers, sink.heard);
 }
 
 TEST_F(GraphControl, a_bag_without_a_name_brings_the_default) {
@@ -86,6 +122,33 @@ TEST_F(GraphControl, foreign_values_in_a_bag_are_replaced_by_the_defaults) {
     EXPECT_EQ(50, bands);
 }
 
+TEST_F(GraphControl, a_system_colour_in_a_bag_may_be_an_unsigned_number_or_its_text) {
+    Variant number;
+    V_VT(&number) = VT_UI4;
+    V_UI4(&number) = 0x80000005;
+    Bag bag;
+    bag.put(L"BackgroundColor", number);
+    bag.put(L"FreqColor", Variant(L"2147483653"));
+    bag.put(L"AmplitudeColor", Variant(L"-2147483643"));
+    ASSERT_EQ(S_OK, as<IPersistPropertyBag>()->Load(&bag, nullptr));
+    OLE_COLOR background = 0, frequency = 0, amplitude = 0;
+    graph->get_BackgroundColor(&background);
+    graph->get_FreqColor(&frequency);
+    graph->get_AmplitudeColor(&amplitude);
+    EXPECT_EQ(0x80000005U, background);
+    EXPECT_EQ(0x80000005U, frequency);
+    EXPECT_EQ(0x80000005U, amplitude);
+}
+
+TEST_F(GraphControl, a_number_of_more_than_32_bits_in_a_bag_is_replaced_by_the_default) {
+    Bag bag;
+    bag.put(L"Bands", Variant(L"4294967296"));
+    ASSERT_EQ(S_OK, as<IPersistPropertyBag>()->Load(&bag, nullptr));
+    long bands = 0;
+    graph->get_Bands(&bands);
+    EXPECT_EQ(50, bands);
+}
+
 TEST_F(GraphControl, a_stream_keeps_everything) {
     const auto stream = memoryStream();
     changeEverything(*graph.get());
@@ -97,12 +160,7 @@ TEST_F(GraphControl, a_stream_keeps_everything) {
 }
 
 TEST_F(GraphControl, a_storage_keeps_everything) {
-    ComPtr<ILockBytes> bytes;
-    ::CreateILockBytesOnHGlobal(nullptr, TRUE, bytes.put());
-    ComPtr<IStorage> storage;
-    ASSERT_EQ(S_OK, ::StgCreateDocfileOnILockBytes(
-                        bytes.get(), STGM_CREATE | STGM_READWRITE | STGM_SHARE_EXCLUSIVE, 0,
-                        storage.put()));
+    const auto storage = memoryStorage();
     changeEverything(*graph.get());
     ASSERT_EQ(S_OK, as<IPersistStorage>()->Save(storage.get(), FALSE));
     const auto other = create<_cAudioGraph>(CLSID_cAudioGraph);

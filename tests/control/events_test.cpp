@@ -1,6 +1,8 @@
 // Events and property changes: who hears what, in which order, whatever handlers do.
 
+#include "Keeping.h"
 #include "Meter.h"
+#include "PropertySink.h"
 
 using namespace corvina;
 using namespace corvina::test;
@@ -8,41 +10,6 @@ using namespace corvina::test;
 namespace {
 
 constexpr DISPID changed = 1;
-
-class PropertySink final : public IPropertyNotifySink {
-public:
-    std::vector<DISPID> heard;
-    bool allows = true;
-    int asked = 0;
-
-    ~PropertySink() {
-        if (point_)
-            point_->Unadvise(cookie_);
-    }
-    HRESULT connect(const ComPtr<IConnectionPoint>& point) {
-        point_ = point;
-        return point_->Advise(this, &cookie_);
-    }
-
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** result) override {
-        *result = iid == IID_IUnknown || iid == IID_IPropertyNotifySink ? this : nullptr;
-        return *result ? S_OK : E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
-    ULONG STDMETHODCALLTYPE Release() override { return 1; }
-    HRESULT STDMETHODCALLTYPE OnChanged(DISPID id) override {
-        heard.push_back(id);
-        return S_OK;
-    }
-    HRESULT STDMETHODCALLTYPE OnRequestEdit(DISPID) override {
-        ++asked;
-        return allows ? S_OK : S_FALSE;
-    }
-
-private:
-    ComPtr<IConnectionPoint> point_;
-    DWORD cookie_ = 0;
-};
 
 class Events : public MeterTest {
 protected:
@@ -54,6 +21,37 @@ protected:
         container()->FindConnectionPoint(iid, result.put());
         return result;
     }
+
+    // Loads the control's state by a pointer that holds no reference, while a listener to its
+    // properties releases the only one.
+    template <typename Interface, typename Load>
+    void loseWhileLoading(Load&& load) {
+        Interface* const raw = as<Interface>().get();
+        PropertySink sink;
+        ASSERT_EQ(S_OK, sink.connect(point(IID_IPropertyNotifySink)));
+        sink.handler = [&] {
+            sink.disconnect();
+            meter.reset();
+            EXPECT_EQ(1, Meter::alive);
+        };
+        EXPECT_EQ(S_OK, load(*raw));
+        EXPECT_EQ(std::vector<DISPID>{DISPID_UNKNOWN}, sink.heard);
+        EXPECT_EQ(0, Meter::alive);
+    }
+};
+
+// A listener that releases the control while it is being connected.
+class LeavingSink final : public PropertySink {
+public:
+    explicit LeavingSink(ComPtr<Meter>& meter) : meter_(meter) {}
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** result) override {
+        meter_.reset();
+        EXPECT_EQ(1, Meter::alive);
+        return PropertySink::QueryInterface(iid, result);
+    }
+
+private:
+    ComPtr<Meter>& meter_;
 };
 
 std::vector<long> numbers(const EventSink& sink) {
@@ -277,6 +275,36 @@ TEST_F(Events, writing_the_same_value_is_no_change) {
     sink.connect(point(IID_IPropertyNotifySink));
     EXPECT_EQ(S_OK, meter->base().setProperty(Meter::level, 25));
     EXPECT_TRUE(sink.heard.empty());
+}
+
+TEST_F(Events, the_control_may_be_released_while_it_is_made_new) {
+    loseWhileLoading<IPersistStreamInit>([](auto& control) { return control.InitNew(); });
+}
+
+TEST_F(Events, the_control_may_be_released_while_it_is_loaded_from_a_stream) {
+    const auto stream = memoryStream();
+    ASSERT_EQ(S_OK, as<IPersistStreamInit>()->Save(stream.get(), TRUE));
+    rewind(stream);
+    loseWhileLoading<IPersistStreamInit>([&](auto& control) { return control.Load(stream.get()); });
+}
+
+TEST_F(Events, the_control_may_be_released_while_it_is_loaded_from_a_property_bag) {
+    Bag bag;
+    loseWhileLoading<IPersistPropertyBag>(
+        [&](auto& control) { return control.Load(&bag, nullptr); });
+}
+
+TEST_F(Events, the_control_may_be_released_while_it_is_activated_quickly) {
+    LeavingSink sink(meter);
+    QACONTAINER host{};
+    host.cbSize = sizeof host;
+    host.pPropertyNotifySink = &sink;
+    QACONTROL answer{};
+    answer.cbSize = sizeof answer;
+    IQuickActivate* const raw = as<IQuickActivate>().get();
+    EXPECT_EQ(S_OK, raw->QuickActivate(&host, &answer));
+    EXPECT_EQ(controlMiscStatus, answer.dwMiscStatus);
+    EXPECT_EQ(0, Meter::alive);
 }
 
 TEST_F(Events, quick_activation_connects_everything_at_once) {

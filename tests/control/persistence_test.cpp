@@ -73,12 +73,7 @@ TEST_F(Persistence, a_stream_is_as_long_as_was_said) {
 
 TEST_F(Persistence, a_storage_brings_everything_back) {
     change();
-    ComPtr<ILockBytes> bytes;
-    ComPtr<IStorage> storage;
-    ::CreateILockBytesOnHGlobal(nullptr, TRUE, bytes.put());
-    ASSERT_EQ(S_OK, ::StgCreateDocfileOnILockBytes(
-                        bytes.get(), STGM_CREATE | STGM_READWRITE | STGM_SHARE_EXCLUSIVE, 0,
-                        storage.put()));
+    const auto storage = memoryStorage();
     ASSERT_EQ(S_OK, as<IPersistStorage>(meter)->Save(storage.get(), TRUE));
     EXPECT_EQ(S_OK, as<IPersistStorage>(meter)->SaveCompleted(nullptr));
     ASSERT_EQ(S_OK, as<IPersistStorage>(other)->Load(storage.get()));

@@ -10,8 +10,15 @@ using namespace corvina::test;
 namespace {
 
 const std::wstring player = L"CLSID\\{38604A89-7915-4ACE-91A0-1EB6D82D92B3}";
+const std::wstring graph = L"CLSID\\{1BF4D8EB-FE35-495D-86F8-9A0675E9538C}";
 const std::wstring front = L"CLSID\\{2D1CFBE8-9C07-4594-B933-DDEE6C06AE18}";
 const std::wstring libraryId = L"{571663B9-3AB5-4B9A-900E-7BA18431BC3F}";
+
+struct RegisteredControl {
+    std::wstring key;
+    int bitmap;
+};
+const RegisteredControl controls[] = {{player, 101}, {graph, 102}};
 
 // A text below Software\Classes of the machine or the user; "<none>" where there is no such key.
 std::wstring read(const std::wstring& key, const wchar_t* name = nullptr,
@@ -83,12 +90,16 @@ TEST_F(Registration, the_class_names_its_type_library_and_version) {
 }
 
 TEST_F(Registration, a_control_is_marked_as_a_control) {
-    EXPECT_TRUE(exists(player + L"\\Control"));
-    EXPECT_TRUE(exists(player + L"\\Programmable"));
-    EXPECT_TRUE(
-        exists(player + L"\\Implemented Categories\\{40FC6ED4-2438-11CF-A3DB-080036F12502}"));
-    EXPECT_EQ(L"131473", read(player + L"\\MiscStatus\\1"));
-    EXPECT_EQ(libraryPath() + L", 101", read(player + L"\\ToolboxBitmap32"));
+    for (const auto& [key, bitmap] : controls) {
+        SCOPED_TRACE(bitmap);
+        EXPECT_TRUE(exists(key + L"\\Control"));
+        EXPECT_TRUE(exists(key + L"\\Programmable"));
+        EXPECT_TRUE(
+            exists(key + L"\\Implemented Categories\\{40FC6ED4-2438-11CF-A3DB-080036F12502}"));
+        EXPECT_EQ(L"131473", read(key + L"\\MiscStatus\\1"));
+        EXPECT_EQ(libraryPath() + L", " + std::to_wstring(bitmap),
+                  read(key + L"\\ToolboxBitmap32"));
+    }
 }
 
 TEST_F(Registration, the_subclassing_front_is_no_control) {
@@ -101,12 +112,15 @@ TEST_F(Registration, the_toolbox_bitmap_can_be_loaded) {
     const HMODULE library =
         ::LoadLibraryExW(libraryPath().c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
     ASSERT_NE(nullptr, library);
-    const HBITMAP bitmap = ::LoadBitmapW(library, MAKEINTRESOURCEW(101));
-    BITMAP description{};
-    EXPECT_NE(0, ::GetObjectW(bitmap, sizeof description, &description));
-    EXPECT_EQ(16, description.bmWidth);
-    EXPECT_EQ(16, description.bmHeight);
-    ::DeleteObject(bitmap);
+    for (const auto& [key, number] : controls) {
+        SCOPED_TRACE(number);
+        const HBITMAP bitmap = ::LoadBitmapW(library, MAKEINTRESOURCEW(number));
+        BITMAP description{};
+        EXPECT_NE(0, ::GetObjectW(bitmap, sizeof description, &description));
+        EXPECT_EQ(16, description.bmWidth);
+        EXPECT_EQ(16, description.bmHeight);
+        ::DeleteObject(bitmap);
+    }
     ::FreeLibrary(library);
 }
 

@@ -59,12 +59,13 @@ TEST_F(View, a_drawing_without_bounds_or_context_is_refused) {
     ::ReleaseDC(nullptr, screen);
 }
 
-TEST_F(View, a_drawing_that_throws_is_an_error_to_the_host_and_no_more) {
+TEST_F(View, a_drawing_that_throws_is_an_error_to_the_host_and_leaves_its_context_as_it_was) {
     meter->throwWhenDrawn = true;
     const RECTL bounds{0, 0, 10, 10};
-    const HDC screen = ::GetDC(nullptr);
-    EXPECT_EQ(E_OUTOFMEMORY, draw(screen, DVASPECT_CONTENT, &bounds));
-    ::ReleaseDC(nullptr, screen);
+    const HDC dc = ::CreateCompatibleDC(nullptr);
+    EXPECT_EQ(E_OUTOFMEMORY, draw(dc, DVASPECT_CONTENT, &bounds));
+    EXPECT_EQ(1, ::SaveDC(dc));
+    ::DeleteDC(dc);
 }
 
 TEST_F(View, a_new_picture_is_told_to_the_view_and_data_listeners) {

@@ -114,6 +114,15 @@ TEST(AmplitudeCurve, a_surface_with_more_columns_than_samples_shows_one_sample_a
     EXPECT_EQ(curve.size(), 2004U);
 }
 
+TEST(AmplitudeCurve, a_column_has_as_many_samples_as_the_highest_index_holds_widths) {
+    std::vector<std::int16_t> samples(511, 0);
+    samples[7] = 32767; // 1023 / 512 is 1, though there are 2 * 512 samples
+    const auto curve = amplitudeCurve(bufferOf(samples), {512, 200});
+    EXPECT_EQ(curve[1 + 6].y, 100);
+    EXPECT_EQ(curve[1 + 7].y, 198);
+    EXPECT_EQ(curve[1 + 8].y, 100);
+}
+
 TEST(AmplitudeCurve, the_widest_and_highest_surface_is_no_problem) {
     const auto curve = amplitudeCurve(constant(32767), {32767, 32767});
     EXPECT_EQ(curve[1].y, 2 * 16383 - 2);

@@ -3,6 +3,7 @@
 
 #include "GraphFixture.h"
 #include "graph/Painting.h"
+#include "support/ExhaustedMemory.h"
 #include "support/FreeGdiObjects.h"
 #include "support/Limits.h"
 
@@ -71,6 +72,34 @@ TEST_F(Graph, a_metafile_played_back_shows_the_same_picture) {
                     different += ::GetPixel(played.dc(), x, y) != pixel(x, y);
             EXPECT_EQ(different, 0);
         }
+}
+
+TEST_F(Graph, a_painting_that_finds_no_memory_leaves_the_context_as_it_was) {
+    settings_.style = GraphStyle::amplitude;
+    display();
+    // A metafile's picture is drawn, not copied.
+    const HDC recording = ::CreateEnhMetaFileW(canvas_.dc(), nullptr, nullptr, nullptr);
+    EXPECT_THROW(
+        {
+            const ExhaustedMemory exhausted;
+            graph_.paint(recording, {0, 0, 400, 200}, size_);
+        },
+        std::bad_alloc);
+    EXPECT_EQ(::SaveDC(recording), 1);
+    ::DeleteEnhMetaFile(::CloseEnhMetaFile(recording));
+}
+
+TEST_F(Graph, a_plain_metafile_played_back_leaves_the_states_that_were_saved_before) {
+    display();
+    const HDC recording = ::CreateMetaFileW(nullptr);
+    graph_.paint(recording, {0, 0, 400, 200}, size_);
+    const HMETAFILE metafile = ::CloseMetaFile(recording);
+    ASSERT_EQ(::SaveDC(canvas_.dc()), 1);
+    ASSERT_EQ(::SaveDC(canvas_.dc()), 2);
+    EXPECT_TRUE(::PlayMetaFile(canvas_.dc(), metafile));
+    EXPECT_EQ(::SaveDC(canvas_.dc()), 3);
+    ::RestoreDC(canvas_.dc(), 1);
+    ::DeleteMetaFile(metafile);
 }
 
 TEST_F(Graph, nothing_is_drawn_outside_the_frame) {

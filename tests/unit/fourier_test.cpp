@@ -271,10 +271,14 @@ TEST(Fourier, the_window_counts_when_a_sample_is_written) {
     EXPECT_EQ(fourier.RealOut(1), 4.0);
 }
 
-// A counter that ticks once a call, 1000 ticks a second.
+// A counter three ticks further at each call.
 int counterReads;
 BOOL WINAPI thousandTicks(LARGE_INTEGER* frequency) {
     frequency->QuadPart = 1000;
+    return TRUE;
+}
+BOOL WINAPI fourThousandTicks(LARGE_INTEGER* frequency) {
+    frequency->QuadPart = 4000;
     return TRUE;
 }
 BOOL WINAPI nextTick(LARGE_INTEGER* count) {
@@ -317,6 +321,15 @@ TEST(Fourier, a_refused_index_brings_no_transform) {
     fourier.NumberOfSamples(8);
     EXPECT_EQ(errorNumberOf([&] { (void)fourier.RealOut(9); }), 381);
     EXPECT_EQ(counterReads, 0);
+}
+
+TEST(Fourier, the_time_is_told_in_milliseconds_whatever_the_counters_frequency) {
+    const PerformanceCounterApi counter{&fourThousandTicks, &nextTick};
+    counterReads = 0;
+    clsFourier fourier(counter);
+    fourier.NumberOfSamples(8);
+    (void)fourier.RealOut(1);
+    EXPECT_EQ(fourier.Timing(), 0.75F);
 }
 
 TEST(Fourier, the_time_is_measured_with_the_systems_counter) {

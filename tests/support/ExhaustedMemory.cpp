@@ -1,0 +1,40 @@
+// Replaces operator new for a whole test program.
+
+#include "support/ExhaustedMemory.h"
+
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+bool exhausted = false;
+
+} // namespace
+
+namespace corvina::test {
+
+ExhaustedMemory::ExhaustedMemory() noexcept {
+    exhausted = true;
+}
+
+ExhaustedMemory::~ExhaustedMemory() {
+    exhausted = false;
+}
+
+} // namespace corvina::test
+
+// The other forms of the language's library come to these.
+void* operator new(std::size_t bytes) {
+    void* const block = exhausted ? nullptr : std::malloc(bytes > 0 ? bytes : 1);
+    if (!block)
+        throw std::bad_alloc();
+    return block;
+}
+
+void operator delete(void* block) noexcept {
+    std::free(block);
+}
+
+void operator delete(void* block, std::size_t) noexcept {
+    std::free(block);
+}
