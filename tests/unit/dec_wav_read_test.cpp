@@ -191,6 +191,8 @@ TEST_F(DecWAVTest, an_average_rate_of_0_makes_times_fail) {
     EXPECT_EQ(errorOf([&] { (void)wav_.Position(); }), 6); // 0 / 0
     EXPECT_EQ(wav_.Bitrate(), 0);
     EXPECT_EQ(seek(50, 0), 0);
+    ASSERT_EQ(open(plainWav(record, {})), 0);
+    EXPECT_EQ(errorOf([&] { (void)wav_.Duration(); }), 6); // 0 / 0
 }
 
 TEST_F(DecWAVTest, a_block_align_of_0_makes_a_seek_fail_unless_it_goes_to_0) {
