@@ -7,6 +7,7 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::Pair;
 
 TEST_F(Subclass, a_client_receives_the_message_with_its_arguments) {
     std::vector<long> seen;
@@ -76,6 +77,20 @@ TEST_F(Subclass, postprocessing_calls_the_old_procedure_after_the_client_and_its
     attach(first);
     EXPECT_EQ(send(), fromWindow);
     EXPECT_THAT(calls, ElementsAre("first", "old"));
+}
+
+TEST_F(Subclass, the_old_procedure_gets_the_messages_arguments) {
+    attach(first);
+    for (const EMsgResponse response : {emrPreprocess, emrPostProcess}) {
+        first.response = response;
+        ::SendMessageA(window.handle(), hello, 0x11, 0x22);
+    }
+    MSubclass::CallOldWindowProc(window.handle(), hello, 0x33, 0x44);
+    detach(first);
+    attach(first, other);
+    ::SendMessageA(window.handle(), hello, 0x55, 0x66); // nobody's message
+    EXPECT_THAT(greetings, ElementsAre(Pair(0x11, 0x22), Pair(0x11, 0x22), Pair(0x33, 0x44),
+                                       Pair(0x55, 0x66)));
 }
 
 TEST_F(Subclass, consuming_never_calls_the_old_procedure) {
