@@ -32,7 +32,12 @@ TEST_F(Playback, starting_opens_the_device_and_prepares_eight_buffers) {
 TEST_F(Playback, starting_posts_eight_messages_to_fill_the_ring) {
     windowLog.clear();
     ASSERT_EQ(start(), 0);
-    EXPECT_EQ(std::count(windowLog.begin(), windowLog.end(), "Post 957"), 8);
+    const auto first = std::find_if(fakeWave.prepared.begin(), fakeWave.prepared.end(),
+                                    [](const WAVEHDR* header) { return header->dwUser == 0; });
+    ASSERT_NE(first, fakeWave.prepared.end());
+    const std::string post =
+        "Post 957 0 " + std::to_string(reinterpret_cast<std::intptr_t>(*first));
+    EXPECT_EQ(windowLog, Calls(8, post));
     EXPECT_EQ(fakeWave.writes, 0);
 }
 
