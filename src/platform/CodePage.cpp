@@ -3,7 +3,6 @@
 #include "runtime/RuntimeError.h"
 
 #include <limits>
-#include <windows.h>
 
 namespace corvina {
 namespace {
@@ -16,7 +15,8 @@ int lengthForWindows(std::size_t length) {
 
 } // namespace
 
-CodePage::CodePage(unsigned number) noexcept : number_(number) {
+CodePage::CodePage(unsigned number, const TextApi& texts) noexcept
+    : number_(number), texts_(texts) {
     for (std::size_t code = 0; code < characters_.size(); ++code) {
         const char byte = static_cast<char>(code);
         ::MultiByteToWideChar(number_, 0, &byte, 1, &characters_[code], 1);
@@ -36,11 +36,11 @@ AnsiText CodePage::encode(std::wstring_view text) const {
     // conversion as a whole, and the flag and the report of the other code pages with it.
     const DWORD flags = isUtf8() ? WC_ERR_INVALID_CHARS : WC_NO_BEST_FIT_CHARS;
     BOOL replaced = FALSE;
-    const int size =
-        ::WideCharToMultiByte(number_, flags, text.data(), length, nullptr, 0, nullptr, nullptr);
+    const int size = texts_.wideCharToMultiByte(number_, flags, text.data(), length, nullptr, 0,
+                                                nullptr, nullptr);
     result.text.resize(static_cast<std::size_t>(size));
-    ::WideCharToMultiByte(number_, flags, text.data(), length, result.text.data(), size, nullptr,
-                          isUtf8() ? nullptr : &replaced);
+    texts_.wideCharToMultiByte(number_, flags, text.data(), length, result.text.data(), size,
+                               nullptr, isUtf8() ? nullptr : &replaced);
     result.lossy = size == 0 || replaced != FALSE || text.find(L'\0') != std::wstring_view::npos;
     return result;
 }

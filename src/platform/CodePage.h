@@ -2,6 +2,8 @@
 
 // A Windows code page, by its number.
 
+#include "platform/TextApi.h"
+
 #include <array>
 #include <string>
 #include <string_view>
@@ -17,7 +19,7 @@ struct AnsiText {
 
 class CodePage {
 public:
-    explicit CodePage(unsigned number) noexcept;
+    explicit CodePage(unsigned number, const TextApi& texts = systemTextApi) noexcept;
 
     [[nodiscard]] AnsiText encode(std::wstring_view text) const;
     [[nodiscard]] std::wstring decode(std::string_view text) const;
@@ -28,7 +30,8 @@ public:
 private:
     [[nodiscard]] bool isUtf8() const noexcept;
 
-    unsigned number_;
+    const unsigned number_;
+    const TextApi& texts_;
     // What each byte stands for. A tag may hold a million texts: Windows is asked once.
     std::array<wchar_t, 256> characters_{};
 };
