@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <utility>
 
 namespace corvina {
 namespace {
@@ -39,8 +40,10 @@ std::int32_t DecWAV::OpenSource(const std::wstring& Source) {
         return SourceResult::notOpen;
 
     // The file of an earlier open is replaced, not closed first; it is closed with this source.
-    if (file_.isOpen())
-        replaced_.push_back(std::move(file_));
+    if (file_.isOpen()) {
+        replaced_.emplace_back();
+        std::swap(replaced_.back(), file_);
+    }
     file_ = access_.openForReading(Source);
     if (!file_.isOpen())
         return SourceResult::notOpen;

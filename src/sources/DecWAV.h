@@ -5,7 +5,8 @@
 //
 // Positions and sizes are 32-bit signed. A position computed beyond that raises Overflow; a format
 // record with an average rate of 0 makes times, and a block align of 0 makes seeks, raise the error
-// of a division by zero. The tags are always empty.
+// of a division by zero. The time of no bytes at such a rate (the position of the first byte, the
+// duration of empty data) raises Overflow, as 0 / 0 does. The tags are always empty.
 
 #include "platform/MmioApi.h"
 #include "stream/FileAccess.h"

@@ -5,6 +5,8 @@
 #include "support/TempFolder.h"
 #include "support/WavBytes.h"
 
+#include <array>
+#include <string>
 #include <thread>
 #include <utility>
 
@@ -41,6 +43,22 @@ protected:
         long result = -1;
         EXPECT_EQ(S_OK, player->OpenAudioFile(Bstr(name).get(), &result));
         return result;
+    }
+
+    // The fields of both kinds of record have the same names.
+    template <typename Caps>
+    void expectDescribed(const Caps& caps, long direction) {
+        AudioDeviceDetails details{};
+        EXPECT_EQ(S_OK, player->GetDetailsDevice(0, direction, &details, &number));
+        EXPECT_EQ(MMSYSERR_NOERROR, static_cast<MMRESULT>(number));
+        std::array<wchar_t, MAXPNAMELEN> name{};
+        ::MultiByteToWideChar(CP_ACP, 0, caps.szPname, -1, name.data(), MAXPNAMELEN);
+        EXPECT_EQ(std::wstring(name.data()), textOf(details.DeviceName));
+        EXPECT_EQ(std::to_wstring(caps.vDriverVersion), textOf(details.DeviceDriver));
+        EXPECT_EQ(caps.wChannels, details.DeviceChannels);
+        EXPECT_EQ(caps.dwFormats, static_cast<DWORD>(details.DeviceFormat));
+        ::SysFreeString(details.DeviceName);
+        ::SysFreeString(details.DeviceDriver);
     }
 
     ComPtr<_cPlayer> player;
@@ -81,6 +99,20 @@ TEST_F(PlayerControl, null_out_pointers_are_refused_by_every_member) {
     AudioDeviceDetails details{};
     EXPECT_EQ(E_POINTER, player->GetDetailsDevice(0, 2, &details, nullptr));
     EXPECT_EQ(E_POINTER, player->GetDetailsDevice(0, 2, nullptr, &number));
+}
+
+TEST_F(PlayerControl, describes_the_first_output_device_as_the_system_does) {
+    WAVEOUTCAPSA caps{};
+    ASSERT_EQ(MMSYSERR_NOERROR, ::waveOutGetDevCapsA(0, &caps, sizeof caps));
+    expectDescribed(caps, AUDIOOUT);
+}
+
+TEST_F(PlayerControl, describes_the_first_input_device_for_any_other_direction) {
+    WAVEINCAPSA caps{};
+    if (::waveInGetDevCapsA(0, &caps, sizeof caps) != MMSYSERR_NOERROR)
+        GTEST_SKIP() << "no input device";
+    expectDescribed(caps, AUDIOIN);
+    expectDescribed(caps, 0);
 }
 
 TEST_F(PlayerControl, a_tag_text_keeps_characters_of_code_0) {

@@ -17,7 +17,8 @@ namespace corvina::test {
 
 class BarePlayer final : public PlayerEvents {
 public:
-    explicit BarePlayer(const PlayerPlatform& platform = {}) : player(*this, nullptr, platform) {}
+    explicit BarePlayer(const PlayerPlatform& platform = {}, cCallback* observer = nullptr)
+        : player(*this, observer, platform) {}
 
     // "FunctionName|number|description" for an Err, "DonePlay" for the end.
     std::vector<std::wstring> events;

@@ -18,6 +18,11 @@ struct FakeAcm {
     struct Opening {
         const WAVEFORMATEX* source;
         WAVEFORMATEX output;
+        HACMDRIVER driver;
+        const WAVEFILTER* filter;
+        DWORD_PTR callback;
+        DWORD_PTR instance;
+        DWORD flags;
     };
     struct Conversion {
         DWORD sourceLength;
@@ -50,10 +55,10 @@ inline HACMSTREAM acmHandle() {
     return reinterpret_cast<HACMSTREAM>(&fakeAcm);
 }
 
-inline MMRESULT WINAPI acmStreamOpen(LPHACMSTREAM stream, HACMDRIVER, LPWAVEFORMATEX source,
-                                     LPWAVEFORMATEX output, LPWAVEFILTER, DWORD_PTR, DWORD_PTR,
-                                     DWORD) {
-    fakeAcm.openings.push_back({source, *output});
+inline MMRESULT WINAPI acmStreamOpen(LPHACMSTREAM stream, HACMDRIVER driver, LPWAVEFORMATEX source,
+                                     LPWAVEFORMATEX output, LPWAVEFILTER filter, DWORD_PTR callback,
+                                     DWORD_PTR instance, DWORD flags) {
+    fakeAcm.openings.push_back({source, *output, driver, filter, callback, instance, flags});
     const auto& refused = fakeAcm.refusedBits;
     if (fakeAcm.faults.strikes("acmStreamOpen") ||
         std::find(refused.begin(), refused.end(), output->wBitsPerSample) != refused.end())
@@ -63,11 +68,12 @@ inline MMRESULT WINAPI acmStreamOpen(LPHACMSTREAM stream, HACMDRIVER, LPWAVEFORM
     return 0;
 }
 
-inline MMRESULT WINAPI acmStreamSize(HACMSTREAM stream, DWORD bytes, LPDWORD result, DWORD) {
+inline MMRESULT WINAPI acmStreamSize(HACMSTREAM stream, DWORD bytes, LPDWORD result, DWORD flags) {
     fakeAcm.measured.push_back(bytes);
     if (stream != acmHandle() || fakeAcm.faults.strikes("acmStreamSize"))
         return MMSYSERR_INVALHANDLE;
-    *result = fakeAcm.sourceSize ? fakeAcm.sourceSize(bytes) : bytes;
+    const bool bytesAreOutput = flags == ACM_STREAMSIZEF_DESTINATION;
+    *result = bytesAreOutput && fakeAcm.sourceSize ? fakeAcm.sourceSize(bytes) : bytes;
     return 0;
 }
 

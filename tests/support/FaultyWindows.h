@@ -12,7 +12,7 @@
 namespace corvina::test {
 
 inline Faults windowFaults;
-// "Post 957", "SetLong" and so on; for tests of orders.
+// "Post 957 0 4096" (message, wParam, lParam), "SetWindowLong" and so on; for tests of orders.
 inline std::vector<std::string> windowLog;
 
 namespace faulty {
@@ -56,7 +56,8 @@ inline LRESULT WINAPI callWindowProc(WNDPROC procedure, HWND window, UINT messag
 }
 
 inline BOOL WINAPI postMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    windowLog.push_back(std::string("Post ").append(std::to_string(message)));
+    windowLog.push_back("Post " + std::to_string(message) + " " + std::to_string(wParam) + " " +
+                        std::to_string(lParam));
     if (windowFaults.strikes("PostMessage"))
         return windowFaults.code();
     return ::PostMessageA(window, message, wParam, lParam);

@@ -13,6 +13,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace corvina::test {
@@ -21,17 +22,24 @@ inline constexpr std::int32_t hello = WM_USER + 7;
 inline constexpr std::int32_t other = WM_USER + 8;
 inline constexpr LRESULT fromWindow = 1000;
 
-inline std::vector<std::string> calls;     // in order: names of clients, "old", "destroyed"
-inline std::function<void(HWND)> atTheEnd; // what the old procedure does with WM_NCDESTROY
+inline std::vector<std::string> calls; // in order: names of clients, "old", "destroyed"
+// wParam and lParam of each hello that the old procedure got.
+inline std::vector<std::pair<WPARAM, LPARAM>> greetings;
+inline std::function<void(HWND)> atDestruction; // what the old procedure does with WM_DESTROY
+inline std::function<void(HWND)> atTheEnd;      // and with WM_NCDESTROY
 
 // The old procedure of the windows here.
 inline LRESULT CALLBACK windowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == hello)
+        greetings.emplace_back(wParam, lParam);
     if (message == hello || message == other) {
         calls.emplace_back("old");
         return fromWindow;
     }
     if (message == WM_DESTROY)
         calls.emplace_back("destroyed");
+    if (message == WM_DESTROY && atDestruction)
+        atDestruction(window);
     if (message == WM_NCDESTROY && atTheEnd)
         atTheEnd(window);
     return ::DefWindowProcA(window, message, wParam, lParam);
@@ -81,11 +89,13 @@ class Subclass : public ::testing::Test {
 protected:
     void SetUp() override {
         calls.clear();
+        greetings.clear();
         windowLog.clear();
         windowFaults.disarm();
         MSubclass::useWindowApi(&faultyWindowApi);
     }
     void TearDown() override {
+        atDestruction = nullptr;
         atTheEnd = nullptr;
         MSubclass::useWindowApi(nullptr);
         MSubclass::useTrace(nullptr);

@@ -111,6 +111,15 @@ TEST_F(DecWAVTest, half_of_an_odd_length_is_aligned_down_to_a_block) {
     EXPECT_EQ(dataPosition(data), 500'000);
 }
 
+TEST_F(DecWAVTest, half_of_an_odd_length_is_rounded_to_the_nearest_byte_ties_to_even) {
+    const std::pair<std::size_t, std::int32_t> halves[] = {{3, 2}, {5, 2}, {7, 4}};
+    for (const auto& [length, half] : halves) {
+        ASSERT_EQ(open(plainWav(pcm(1, 1, 8), noise(length))), 0);
+        EXPECT_EQ(seek(50, 0), 0);
+        EXPECT_EQ(wav_.Position(), half * 1000) << length;
+    }
+}
+
 TEST_F(DecWAVTest, seeking_to_100_percent_leaves_nothing_to_read) {
     openPlain(4000);
     EXPECT_EQ(seek(100, 0), 0);
@@ -182,6 +191,8 @@ TEST_F(DecWAVTest, an_average_rate_of_0_makes_times_fail) {
     EXPECT_EQ(errorOf([&] { (void)wav_.Position(); }), 6); // 0 / 0
     EXPECT_EQ(wav_.Bitrate(), 0);
     EXPECT_EQ(seek(50, 0), 0);
+    ASSERT_EQ(open(plainWav(record, {})), 0);
+    EXPECT_EQ(errorOf([&] { (void)wav_.Duration(); }), 6); // 0 / 0
 }
 
 TEST_F(DecWAVTest, a_block_align_of_0_makes_a_seek_fail_unless_it_goes_to_0) {

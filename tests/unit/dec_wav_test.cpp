@@ -1,7 +1,19 @@
 #include "WavFixture.h"
 
+#include <new>
+
 namespace corvina::test {
 namespace {
+
+HANDLE WINAPI outOfMemoryToOpen(LPCSTR name, DWORD access, DWORD share,
+                                LPSECURITY_ATTRIBUTES security, DWORD disposition, DWORD flags,
+                                HANDLE pattern) {
+    const HANDLE file =
+        faultyFileApi.createFile(name, access, share, security, disposition, flags, pattern);
+    if (file == INVALID_HANDLE_VALUE)
+        throw std::bad_alloc();
+    return file;
+}
 
 TEST_F(DecWAVTest, a_new_source_is_closed_and_describes_itself) {
     EXPECT_EQ(&wav_.Info(), static_cast<cSoundInf*>(&wav_));
@@ -76,9 +88,10 @@ TEST_F(DecWAVTest, a_format_chunk_of_16_bytes_is_exposed_with_zeros_behind_it) {
     EXPECT_EQ(record->cbSize, 0);
 }
 
-TEST_F(DecWAVTest, a_format_chunk_of_14_bytes_is_refused) {
-    EXPECT_EQ(open(WavBytes().format(pcm(8000, 1, 8), 14).chunk("data", noise(10)).bytes()), 1);
-    EXPECT_EQ(open(WavBytes().format(pcm(8000, 1, 8), 0).chunk("data", noise(10)).bytes()), 1);
+TEST_F(DecWAVTest, a_format_chunk_of_less_than_16_bytes_is_refused) {
+    for (const std::size_t size : {0u, 14u, 15u})
+        EXPECT_EQ(open(WavBytes().format(pcm(8000, 1, 8), size).chunk("data", noise(9)).bytes()), 1)
+            << size;
 }
 
 TEST_F(DecWAVTest, the_format_chunk_is_exposed_whole_extra_bytes_included) {
@@ -142,6 +155,20 @@ TEST_F(DecWAVTest, a_second_open_does_not_close_the_first_file_first) {
     EXPECT_EQ(openFiles, 2);
     EXPECT_EQ(wav_.SampleRate(), 8000);
     wav_.CloseSource();
+    EXPECT_EQ(openFiles, 0);
+}
+
+TEST_F(DecWAVTest, a_second_open_without_memory_leaves_the_first_file_to_be_closed_once) {
+    FileApi files = faultyFileApi;
+    files.createFile = &outOfMemoryToOpen;
+    const std::wstring path = folder_.write(L"a.wav", plainWav(pcm(8000, 1, 8), noise(100)));
+    DecWAV source(files, faultyMmioApi);
+    ASSERT_EQ(source.OpenSource(path), 0);
+    fileFaults.arm("CreateFile", 2); // the first only asks whether the file exists
+    EXPECT_THROW((void)source.OpenSource(path), std::bad_alloc);
+    fileFaults.disarm();
+    source.CloseSource();
+    EXPECT_EQ(fileFaults.calls("CloseHandle"), 1);
     EXPECT_EQ(openFiles, 0);
 }
 

@@ -14,6 +14,12 @@ namespace {
 
 constexpr long hello = WM_USER + 7;
 
+// The old procedure of a window, which answers what it was asked with.
+LRESULT CALLBACK bothArguments(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    return message == hello ? static_cast<LRESULT>(wParam) * 0x100 + lParam
+                            : ::DefWindowProcA(window, message, wParam, lParam);
+}
+
 class Front : public ::testing::Test {
 protected:
     [[nodiscard]] long hwnd() const { return reinterpret_cast<long>(window.handle()); }
@@ -41,6 +47,14 @@ TEST_F(Front, the_current_message_is_the_last_one_dispatched) {
     long message = 0;
     EXPECT_EQ(front->get_CurrentMessage(&message), S_OK);
     EXPECT_EQ(message, hello);
+}
+
+TEST_F(Front, the_old_procedure_of_a_window_gets_the_arguments) {
+    ::SetWindowLongA(window.handle(), GWL_WNDPROC, reinterpret_cast<LONG>(&bothArguments));
+    ASSERT_EQ(attach(&client, hwnd()), S_OK);
+    long result = 0;
+    EXPECT_EQ(front->CallOldWindowProc(hwnd(), hello, 0x11, 0x22, &result), S_OK);
+    EXPECT_EQ(result, 0x1122);
 }
 
 TEST_F(Front, the_old_procedure_of_a_window_without_one_answers_0) {

@@ -51,6 +51,17 @@ TEST_F(Converter, the_codec_gets_the_sources_record_where_the_source_holds_it) {
     EXPECT_EQ(fakeAcm.openings.front().source, &source.format);
 }
 
+TEST_F(Converter, any_installed_codec_may_convert_without_a_filter_a_callback_or_flags) {
+    MemorySource source(pcm(8000, 1, 8), {});
+    ASSERT_TRUE(start(source));
+    const FakeAcm::Opening& opening = fakeAcm.openings.front();
+    EXPECT_EQ(opening.driver, nullptr);
+    EXPECT_EQ(opening.filter, nullptr);
+    EXPECT_EQ(opening.callback, 0u);
+    EXPECT_EQ(opening.instance, 0u);
+    EXPECT_EQ(opening.flags, 0u);
+}
+
 TEST_F(Converter, a_refused_width_is_flipped_and_the_rest_of_the_record_stays) {
     fakeAcm.refusedBits = {8};
     MemorySource source(pcm(8000, 2, 4), {});
@@ -130,6 +141,16 @@ TEST_F(Converter, half_a_second_of_output_is_measured_ties_to_even) {
     source.format = pcm(11027, 1, 8);
     ASSERT_TRUE(start(source));
     EXPECT_EQ(fakeAcm.measured.back(), 5514u); // 5513.5
+}
+
+TEST_F(Converter, the_source_is_asked_for_what_the_codec_needs_for_half_a_second_of_output) {
+    fakeAcm.sourceSize = [](DWORD outputBytes) { return outputBytes / 2; };
+    MemorySource source(pcm(500, 1, 16), noise(3000));
+    ASSERT_TRUE(start(source));
+    pull(1);
+    EXPECT_EQ(source.asked[0], 250);
+    EXPECT_EQ(fakeAcm.conversions[0].sourceLength, 250u);
+    EXPECT_EQ(fakeAcm.conversions[0].capacity, 500u);
 }
 
 TEST_F(Converter, a_stream_that_cannot_be_measured_is_closed_and_refused) {

@@ -2,6 +2,7 @@
 // of the source.
 
 #include "PlaybackFixture.h"
+#include "support/SampleObserver.h"
 
 namespace corvina::test {
 namespace {
@@ -46,7 +47,12 @@ TEST_F(Playback, a_file_that_cannot_be_reached_shows_no_box_and_the_host_keeps_i
 TEST_F(Playback, starting_posts_eight_messages_to_fill_the_ring) {
     windowLog.clear();
     ASSERT_EQ(start(), 0);
-    EXPECT_EQ(std::count(windowLog.begin(), windowLog.end(), "Post 957"), 8);
+    const auto first = std::find_if(fakeWave.prepared.begin(), fakeWave.prepared.end(),
+                                    [](const WAVEHDR* header) { return header->dwUser == 0; });
+    ASSERT_NE(first, fakeWave.prepared.end());
+    const std::string post =
+        "Post 957 0 " + std::to_string(reinterpret_cast<std::intptr_t>(*first));
+    EXPECT_EQ(windowLog, Calls(8, post));
     EXPECT_EQ(fakeWave.writes, 0);
 }
 
@@ -80,6 +86,24 @@ TEST_F(Playback, after_the_last_buffer_the_ring_begins_again) {
     fakeWave.finishOne();
     dispatchWaitingMessages();
     EXPECT_THAT(takeLog(), ElementsAre("Unprepare 0", "Prepare 0", "Write 0"));
+}
+
+TEST_F(Playback, the_next_playback_begins_with_the_first_buffer_again) {
+    startAndFill();
+    for (int i = 0; i < 3; ++i)
+        fakeWave.finishOne();
+    dispatchWaitingMessages();
+    host.player.PlayStop();
+    dispatchWaitingMessages();
+    ASSERT_FALSE(fakeWave.open);
+    takeLog();
+    startAndFill();
+    const Calls calls = takeLog();
+    const auto firstWrite = std::find_if(calls.begin(), calls.end(), [](const std::string& call) {
+        return call.starts_with("Write");
+    });
+    ASSERT_NE(firstWrite, calls.end());
+    EXPECT_EQ(*firstWrite, "Write 0");
 }
 
 TEST_F(Playback, every_byte_of_the_source_reaches_the_device_in_order) {
@@ -119,6 +143,18 @@ TEST_F(Playback, the_last_buffer_is_written_whole_with_what_it_held_before) {
     };
     // The tenth block went into buffer 1, which held the second before.
     EXPECT_TRUE(std::equal(at(9 * buffer + 4000), at(10 * buffer), at(buffer + 4000)));
+}
+
+TEST_F(Playback, the_players_observer_is_shown_what_is_converted) {
+    SampleObserver observer;
+    BarePlayer watched{fakePlatform(), &observer};
+    ASSERT_EQ(watched.init(), 0);
+    ASSERT_EQ(watched.player.PlayStart(file, -1, 0), 0);
+    dispatchWaitingMessages();
+    ASSERT_FALSE(observer.blocks.empty());
+    const Bytes& shown = observer.blocks[0].content;
+    EXPECT_EQ(shown.size(), 88200u) << "half a second";
+    EXPECT_TRUE(std::equal(shown.begin(), shown.end(), script.data.begin()));
 }
 
 TEST_F(Playback, the_wave_mapper_is_opened_without_mapping) {
@@ -168,6 +204,18 @@ TEST_F(Playback, the_device_gets_the_converters_shape_with_the_sources_block_and
     EXPECT_EQ(fakeWave.format.nBlockAlign, 6);
     EXPECT_EQ(fakeWave.format.nAvgBytesPerSec, 6u * 22050u);
     EXPECT_EQ(fakeWave.format.cbSize, 0);
+}
+
+TEST_F(Playback, a_source_of_8_bits_is_played_in_8) {
+    script.format = pcm(8000, 1, 8);
+    ASSERT_EQ(start(), 0);
+    EXPECT_EQ(fakeWave.format.wBitsPerSample, 8);
+}
+
+TEST_F(Playback, a_source_of_16_bits_is_played_in_8_where_no_codec_makes_16) {
+    fakeAcm.refusedBits = {16};
+    ASSERT_EQ(start(), 0);
+    EXPECT_EQ(fakeWave.format.wBitsPerSample, 8);
 }
 
 TEST_F(Playback, a_playback_that_ends_raises_one_reset_failure_and_then_DonePlay) {

@@ -13,6 +13,19 @@ TEST_F(Subclass, a_destroyed_window_gets_its_procedure_back_where_nobody_takes_t
     EXPECT_THAT(calls, ElementsAre("destroyed"));
 }
 
+TEST_F(Subclass, the_old_procedure_is_back_and_no_client_counts_when_it_gets_the_destruction) {
+    bool inPlace = false;
+    std::int32_t attachments = -1;
+    atDestruction = [&](HWND hwnd) {
+        inPlace = !subclassed();
+        attachments = property(hwnd, std::string("C").append(number()));
+    };
+    attach(first);
+    window.destroy();
+    EXPECT_TRUE(inPlace);
+    EXPECT_EQ(attachments, 0);
+}
+
 TEST_F(Subclass, the_cleanup_at_the_windows_end_leaves_the_entries_of_the_messages) {
     std::int32_t attachments = -1;
     std::int32_t clients = -1;

@@ -7,6 +7,11 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::Pair;
+
+std::int32_t addressOf(ISubclass* client) {
+    return static_cast<std::int32_t>(reinterpret_cast<std::intptr_t>(client));
+}
 
 TEST_F(Subclass, a_client_receives_the_message_with_its_arguments) {
     std::vector<long> seen;
@@ -78,6 +83,20 @@ TEST_F(Subclass, postprocessing_calls_the_old_procedure_after_the_client_and_its
     EXPECT_THAT(calls, ElementsAre("first", "old"));
 }
 
+TEST_F(Subclass, the_old_procedure_gets_the_messages_arguments) {
+    attach(first);
+    for (const EMsgResponse response : {emrPreprocess, emrPostProcess}) {
+        first.response = response;
+        ::SendMessageA(window.handle(), hello, 0x11, 0x22);
+    }
+    MSubclass::CallOldWindowProc(window.handle(), hello, 0x33, 0x44);
+    detach(first);
+    attach(first, other);
+    ::SendMessageA(window.handle(), hello, 0x55, 0x66); // nobody's message
+    EXPECT_THAT(greetings, ElementsAre(Pair(0x11, 0x22), Pair(0x11, 0x22), Pair(0x33, 0x44),
+                                       Pair(0x55, 0x66)));
+}
+
 TEST_F(Subclass, consuming_never_calls_the_old_procedure) {
     first.response = emrConsume;
     attach(first);
@@ -110,16 +129,13 @@ TEST_F(Subclass, the_bookkeeping_lies_in_properties_named_by_decimal_numbers) {
     attach(first);
     attach(second);
     attach(first, other);
-    const auto address = [](ISubclass* client) {
-        return static_cast<std::int32_t>(reinterpret_cast<std::intptr_t>(client));
-    };
     const HWND hwnd = window.handle();
     EXPECT_EQ(property(hwnd, std::string("C").append(number())), 3);
     EXPECT_EQ(property(hwnd, number()), old);
     EXPECT_EQ(property(hwnd, number() + "#" + std::to_string(hello) + "C"), 2);
-    EXPECT_EQ(property(hwnd, number() + "#" + std::to_string(hello) + "#1"), address(&first));
-    EXPECT_EQ(property(hwnd, number() + "#" + std::to_string(hello) + "#2"), address(&second));
-    EXPECT_EQ(property(hwnd, number() + "#" + std::to_string(other) + "#1"), address(&first));
+    EXPECT_EQ(property(hwnd, number() + "#" + std::to_string(hello) + "#1"), addressOf(&first));
+    EXPECT_EQ(property(hwnd, number() + "#" + std::to_string(hello) + "#2"), addressOf(&second));
+    EXPECT_EQ(property(hwnd, number() + "#" + std::to_string(other) + "#1"), addressOf(&first));
     EXPECT_EQ(countProperties(hwnd), 7);
 }
 
@@ -169,7 +185,7 @@ TEST_F(Subclass, calling_the_old_procedure_of_a_window_without_one_answers_0) {
 // A window of another host has the property too, and its number is an address over there.
 TEST_F(Subclass, calling_the_old_procedure_of_another_processs_window_answers_0) {
     const HWND desktop = ::GetDesktopWindow();
-    const std::string name = std::to_string(static_cast<int>(reinterpret_cast<LONG_PTR>(desktop)));
+    const std::string name = numberOf(desktop);
     ASSERT_TRUE(::SetPropA(desktop, name.c_str(), reinterpret_cast<HANDLE>(0x1234)));
     EXPECT_EQ(MSubclass::CallOldWindowProc(desktop, hello, 0, 0), 0);
     ::RemovePropA(desktop, name.c_str());
@@ -180,13 +196,28 @@ TEST_F(Subclass, no_window_raises_13083) {
     EXPECT_EQ(attachError(&first, reinterpret_cast<HWND>(0x7FFFFFF0)), invalidWindow);
 }
 
-TEST_F(Subclass, a_window_of_another_process_raises_13084_and_is_ignored_on_detach) {
+TEST_F(Subclass, a_window_of_another_process_raises_13084) {
     const HWND desktop = ::GetDesktopWindow();
     DWORD owner = 0;
     ::GetWindowThreadProcessId(desktop, &owner);
     ASSERT_NE(owner, ::GetCurrentProcessId());
     EXPECT_EQ(attachError(&first, desktop), externalWindow);
+}
+
+// Another host that subclasses its window may have a client at the same address.
+TEST_F(Subclass, the_bookkeeping_of_another_processs_window_is_left_alone_on_detach) {
+    const HWND desktop = ::GetDesktopWindow();
+    const std::string name = numberOf(desktop);
+    const std::string message = name + "#" + std::to_string(hello);
+    const std::pair<std::string, std::int32_t> bookkeeping[] = {
+        {"C" + name, 2}, {message + "C", 1}, {message + "#1", addressOf(&first)}};
+    for (const auto& [entry, value] : bookkeeping)
+        ASSERT_TRUE(::SetPropA(desktop, entry.c_str(), reinterpret_cast<HANDLE>(value)));
     MSubclass::DetachMessage(&first, desktop, hello);
+    for (const auto& [entry, value] : bookkeeping) {
+        EXPECT_EQ(property(desktop, entry), value) << entry;
+        ::RemovePropA(desktop, entry.c_str());
+    }
 }
 
 TEST_F(Subclass, detaching_from_a_window_that_is_gone_is_ignored) {

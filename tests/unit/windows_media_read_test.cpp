@@ -86,6 +86,17 @@ TEST_F(WindowsMedia, a_block_that_does_not_give_its_bytes_ends_the_read_and_is_r
     EXPECT_EQ(library.objects, before);
 }
 
+TEST_F(WindowsMedia, a_block_that_does_not_give_its_bytes_leaves_the_end_as_it_was) {
+    DecWMAMP3 source(standInApi);
+    source.OpenSource(L"song.wma");
+    (void)readFrom(source, 100);
+    ASSERT_TRUE(source.EndOfStream());
+    library.results = {{"GetBufferAndLength", E_FAIL}};
+    seek(source, 0, 0);
+    ASSERT_EQ(library.calls.back(), "GetBufferAndLength");
+    EXPECT_TRUE(source.EndOfStream());
+}
+
 TEST_F(WindowsMedia, empty_blocks_are_passed_over) {
     layFile(second, {{0, {}}, {1, {}}, {2, counting(0, 4)}});
     DecWMAMP3 source(standInApi);

@@ -229,6 +229,17 @@ TEST_F(ApeCalls, read_asks_for_blocks_and_answers_bytes) {
     EXPECT_THAT(libraries.calls, ElementsAre(Call{"GetData", {handle, word(buffer), 2}}));
 }
 
+TEST_F(ApeCalls, the_size_of_a_block_is_that_of_the_record_whatever_the_library_says) {
+    answers.information[1007] = 6;
+    DecAPE& source = opened();
+    char buffer[12];
+    std::int32_t got = 0;
+    answers.retrieved = 2;
+    source.Read(buffer, 12, got);
+    EXPECT_EQ(got, 8);
+    EXPECT_THAT(libraries.calls, ElementsAre(Call{"GetData", {handle, word(buffer), 3}}));
+}
+
 TEST_F(ApeCalls, part_of_a_block_is_never_asked_for_because_the_buffer_has_no_room_for_the_rest) {
     DecAPE& source = opened();
     char buffer[8];

@@ -110,6 +110,15 @@ TEST_F(SndCalls, the_end_is_reached_with_the_last_frame) {
     EXPECT_TRUE(source.EndOfStream());
 }
 
+TEST_F(SndCalls, the_end_is_where_the_library_found_it_whatever_the_record_says) {
+    answers.end = 500;
+    DecSND& source = opened();
+    answers.current = 499;
+    EXPECT_FALSE(source.EndOfStream());
+    answers.current = 500;
+    EXPECT_TRUE(source.EndOfStream());
+}
+
 TEST_F(SndCalls, the_duration_of_2_to_the_31_frames_is_wrong_because_only_the_low_word_counts) {
     answers.info.framesLow = 0x80000000u;
     EXPECT_EQ(opened().Duration(), -2147483647 - 1);
