@@ -15,7 +15,7 @@ HRESULT InPlacePart::activate(bool withUi) {
         if (active_) {
             ::ShowWindow(control_.window(), SW_SHOWNA);
             if (withUi && !uiActive_)
-                beginUi();
+                return beginUi();
         }
         return S_OK;
     });
@@ -65,23 +65,26 @@ HRESULT InPlacePart::enterContainer(IOleInPlaceSite& site) {
     return S_OK;
 }
 
-void InPlacePart::beginUi() {
+HRESULT InPlacePart::beginUi() {
     const ComPtr<IOleInPlaceSite> site = site_;
+    const ComPtr<IOleInPlaceUIWindow> around[] = {ComPtr<IOleInPlaceUIWindow>(frame_.get()),
+                                                  document_};
     uiActive_ = true;
-    site->OnUIActivate();
-    if (!uiActive_)
-        return;
-    ::SetFocus(control_.window());
-    const wchar_t* name = control_.controlClass().userType;
-    if (frame_)
-        frame_->SetActiveObject(this, name);
-    if (document_)
-        document_->SetActiveObject(this, name);
+    if (const HRESULT told = site->OnUIActivate(); FAILED(told)) {
+        uiActive_ = false;
+        return told;
+    }
+    // Each of these calls may bring the container to deactivate the control.
+    if (uiActive_)
+        ::SetFocus(control_.window());
+    for (const ComPtr<IOleInPlaceUIWindow>& window : around)
+        if (window && uiActive_)
+            window->SetActiveObject(this, control_.controlClass().userType);
     // No tools of our own in the container's borders.
-    if (frame_)
-        frame_->SetBorderSpace(nullptr);
-    if (document_)
-        document_->SetBorderSpace(nullptr);
+    for (const ComPtr<IOleInPlaceUIWindow>& window : around)
+        if (window && uiActive_)
+            window->SetBorderSpace(nullptr);
+    return S_OK;
 }
 
 void InPlacePart::hide() noexcept {

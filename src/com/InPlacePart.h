@@ -52,7 +52,7 @@ public:
 private:
     HRESULT begin();
     HRESULT enterContainer(IOleInPlaceSite& site);
-    void beginUi();
+    HRESULT beginUi();
     void place(RECT position, const RECT* clip) noexcept;
     [[nodiscard]] RECT sized(RECT position) const noexcept;
 

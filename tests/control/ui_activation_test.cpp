@@ -1,0 +1,174 @@
+// What a container hears while a control becomes its active object, and what it may do meanwhile.
+
+#include "Meter.h"
+#include "support/HiddenWindow.h"
+
+#include <gmock/gmock.h>
+
+using namespace corvina;
+using namespace corvina::test;
+using testing::ElementsAre;
+
+namespace {
+
+// What the container was told, in order.
+using Log = std::vector<std::string>;
+
+class Frame final : public Implements<IOleInPlaceFrame> {
+public:
+    explicit Frame(Log& log) : log_(log) {}
+
+    std::function<void()> onActiveObject;
+
+    HRESULT STDMETHODCALLTYPE SetActiveObject(IOleInPlaceActiveObject* object, LPCOLESTR) override {
+        log_.emplace_back(object ? "SetActiveObject" : "SetActiveObject none");
+        if (object && onActiveObject)
+            onActiveObject();
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE SetBorderSpace(LPCBORDERWIDTHS) override {
+        log_.emplace_back("SetBorderSpace");
+        return S_OK;
+    }
+
+    HRESULT STDMETHODCALLTYPE GetWindow(HWND*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE ContextSensitiveHelp(BOOL) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetBorder(LPRECT) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE RequestBorderSpace(LPCBORDERWIDTHS) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE InsertMenus(HMENU, LPOLEMENUGROUPWIDTHS) override {
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE SetMenu(HMENU, HOLEMENU, HWND) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE RemoveMenus(HMENU) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE SetStatusText(LPCOLESTR) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE EnableModeless(BOOL) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE TranslateAccelerator(LPMSG, WORD) override { return E_NOTIMPL; }
+
+private:
+    Log& log_;
+};
+
+class Site final : public Implements<IOleClientSite, IOleInPlaceSite> {
+public:
+    explicit Site(Log& log) : frame(makeCom<Frame>(log)), log_(log) {}
+
+    HRESULT uiActivation = S_OK;
+    std::function<void()> onUiActivate;
+    const ComPtr<Frame> frame;
+
+    HRESULT STDMETHODCALLTYPE CanInPlaceActivate() override { return noted("CanInPlaceActivate"); }
+    HRESULT STDMETHODCALLTYPE OnInPlaceActivate() override { return noted("OnInPlaceActivate"); }
+    HRESULT STDMETHODCALLTYPE ShowObject() override { return noted("ShowObject"); }
+    HRESULT STDMETHODCALLTYPE OnUIActivate() override {
+        if (onUiActivate)
+            onUiActivate();
+        noted("OnUIActivate");
+        return uiActivation;
+    }
+    HRESULT STDMETHODCALLTYPE OnUIDeactivate(BOOL) override { return noted("OnUIDeactivate"); }
+    HRESULT STDMETHODCALLTYPE OnInPlaceDeactivate() override {
+        return noted("OnInPlaceDeactivate");
+    }
+    HRESULT STDMETHODCALLTYPE GetWindow(HWND* window) override {
+        *window = window_.handle();
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE GetWindowContext(IOleInPlaceFrame** frameResult,
+                                               IOleInPlaceUIWindow** document, LPRECT position,
+                                               LPRECT clip, LPOLEINPLACEFRAMEINFO) override {
+        *frameResult = ComPtr<IOleInPlaceFrame>(frame.get()).detach();
+        *document = nullptr;
+        *position = *clip = {0, 0, 50, 50};
+        return S_OK;
+    }
+
+    HRESULT STDMETHODCALLTYPE ContextSensitiveHelp(BOOL) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Scroll(SIZE) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE DiscardUndoState() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE DeactivateAndUndo() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE OnPosRectChange(LPCRECT) override { return S_OK; }
+    HRESULT STDMETHODCALLTYPE SaveObject() override { return S_OK; }
+    HRESULT STDMETHODCALLTYPE GetMoniker(DWORD, DWORD, IMoniker**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetContainer(IOleContainer**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE OnShowWindow(BOOL) override { return S_OK; }
+    HRESULT STDMETHODCALLTYPE RequestNewObjectLayout() override { return E_NOTIMPL; }
+
+private:
+    HRESULT noted(const char* call) {
+        log_.emplace_back(call);
+        return S_OK;
+    }
+
+    Log& log_;
+    HiddenWindow window_;
+};
+
+class UiActivation : public MeterTest {
+protected:
+    UiActivation() { as<IOleObject>()->SetClientSite(site.get()); }
+    ~UiActivation() override { site->frame->onActiveObject = site->onUiActivate = nullptr; }
+
+    // The container holds the control only while it is in place.
+    void TearDown() override {
+        if (meter) {
+            as<IOleInPlaceObject>()->InPlaceDeactivate();
+            as<IOleObject>()->SetClientSite(nullptr);
+        }
+        MeterTest::TearDown();
+    }
+
+    HRESULT activate() {
+        return as<IOleObject>()->DoVerb(OLEIVERB_UIACTIVATE, nullptr, site.get(), 0, nullptr,
+                                        nullptr);
+    }
+
+    Log log;
+    ComPtr<Site> site = makeCom<Site>(log);
+};
+
+TEST_F(UiActivation, tells_the_container_step_by_step_and_takes_it_back_in_turn) {
+    EXPECT_EQ(S_OK, activate());
+    EXPECT_THAT(log, ElementsAre("CanInPlaceActivate", "OnInPlaceActivate", "ShowObject",
+                                 "OnUIActivate", "SetActiveObject", "SetBorderSpace"));
+    log.clear();
+    EXPECT_EQ(S_OK, activate());
+    EXPECT_THAT(log, ElementsAre());
+    EXPECT_EQ(S_OK, as<IOleInPlaceObject>()->InPlaceDeactivate());
+    EXPECT_THAT(log, ElementsAre("SetActiveObject none", "OnUIDeactivate", "OnInPlaceDeactivate"));
+}
+
+TEST_F(UiActivation, of_a_container_that_refuses_it_leaves_its_frame_alone) {
+    site->uiActivation = E_FAIL;
+    EXPECT_EQ(E_FAIL, activate());
+    EXPECT_EQ("OnUIActivate", log.back());
+    log.clear();
+    EXPECT_EQ(S_OK, as<IOleInPlaceObject>()->UIDeactivate());
+    EXPECT_THAT(log, ElementsAre());
+}
+
+TEST_F(UiActivation, ends_where_the_container_deactivates_the_control_at_once) {
+    site->onUiActivate = [this] { as<IOleInPlaceObject>()->InPlaceDeactivate(); };
+    EXPECT_EQ(S_OK, activate());
+    EXPECT_EQ("OnUIActivate", log.back());
+    EXPECT_EQ(0, std::count(log.begin(), log.end(), "SetActiveObject"));
+}
+
+TEST_F(UiActivation, ends_where_the_frame_deactivates_the_control_at_once) {
+    site->frame->onActiveObject = [this] { as<IOleInPlaceObject>()->UIDeactivate(); };
+    EXPECT_EQ(S_OK, activate());
+    EXPECT_EQ("OnUIDeactivate", log.back());
+    EXPECT_EQ(0, std::count(log.begin(), log.end(), "SetBorderSpace"));
+}
+
+TEST_F(UiActivation, survives_a_container_that_lets_the_control_go_meanwhile) {
+    site->onUiActivate = [this] {
+        const auto object = as<IOleObject>();
+        as<IOleInPlaceObject>()->InPlaceDeactivate();
+        object->SetClientSite(nullptr);
+        meter.reset();
+    };
+    activate();
+    EXPECT_EQ("OnUIActivate", log.back());
+}
+
+} // namespace
