@@ -18,8 +18,8 @@ struct Options {
     std::wstring pictureFile; // save a picture of the window here, and leave when all is played
     std::optional<AudioGraphStyle> style; // what the graph shows; the one remembered if not said
     bool verbose = false;                 // also what every playback reports as a matter of course
-    long device = -1;                     // 0-based; -1 is the wave mapper
-    long startSeconds = 0;                // where the first file begins
+    std::optional<long> device; // 0-based; -1 is the wave mapper; the one remembered if not said
+    long startSeconds = 0;      // where the first file begins
 };
 
 // The result of reading a command line: options to act on, or a text that ends the program.

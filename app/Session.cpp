@@ -17,7 +17,7 @@ constexpr auto pictureAfter = std::chrono::milliseconds(2500);
 
 Session::Session(const Options& options, ConsoleScreen& screen, const Interrupt& interrupt)
     : options_(options), interrupt_(interrupt), terminal_(screen), queue_(handlers()) {
-    queue_.setDevice(options.device);
+    queue_.setDevice(options.device.value_or(-1));
     for (const std::wstring& file : options.files)
         queue_.add(file);
     if (!options.consoleOnly)

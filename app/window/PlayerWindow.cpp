@@ -300,18 +300,18 @@ void PlayerWindow::applyColors() {
     graph_->setColors(settings_.barColor, settings_.curveColor, settings_.backgroundColor);
 }
 
-// wanted: a device of the command line, which wins over the one remembered; -1 for none.
-void PlayerWindow::fillDevices(long wanted) {
+// wanted: a device of the command line, which wins over the one remembered.
+void PlayerWindow::fillDevices(std::optional<long> wanted) {
     devices_ = queue_.player().devices();
     std::vector<std::wstring> names{L"The system's choice"};
     int selected = 0;
     for (const OutputDevice& device : devices_) {
         names.push_back(device.name);
-        if (wanted == device.index || (wanted == -1 && device.name == settings_.device))
+        if (wanted ? *wanted == device.index : device.name == settings_.device)
             selected = static_cast<int>(names.size()) - 1;
     }
     controls_->setDevices(names, selected);
-    if (selected > 0 && wanted == -1)
+    if (selected > 0 && !wanted)
         queue_.setDevice(devices_[static_cast<std::size_t>(selected) - 1].index);
 }
 

@@ -12,6 +12,7 @@
 #include "window/Settings.h"
 
 #include <memory>
+#include <optional>
 #include <windows.h>
 
 namespace corvina::app {
@@ -50,7 +51,7 @@ private:
     void applyColors();
 
     [[nodiscard]] RECT firstPlace() const;
-    void fillDevices(long wanted);
+    void fillDevices(std::optional<long> wanted);
     void showFiles();
     void showPosition();
 

@@ -15,11 +15,11 @@ namespace {
 
 // ---- command line
 
-TEST(CommandLine, of_files_alone_plays_them_on_the_default_device_from_the_start) {
+TEST(CommandLine, of_files_alone_plays_them_from_the_start_and_names_no_device) {
     const ParsedOptions parsed = parseOptions({L"one.wav", L"C:\\two three.wav"});
     ASSERT_TRUE(parsed.options);
     EXPECT_EQ(parsed.options->files, (std::vector<std::wstring>{L"one.wav", L"C:\\two three.wav"}));
-    EXPECT_EQ(parsed.options->device, -1);
+    EXPECT_FALSE(parsed.options->device) << "the one remembered";
     EXPECT_EQ(parsed.options->startSeconds, 0);
     EXPECT_FALSE(parsed.options->consoleOnly);
 }
