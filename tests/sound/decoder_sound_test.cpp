@@ -68,6 +68,27 @@ INSTANTIATE_TEST_SUITE_P(
                       Decoded{"mp3", L"tone.mp3", &decodedByReader}),
     [](const auto& test) { return std::string(test.param.name); });
 
+// libsndfile takes headerless au and snd for sound, and APE's source opens whatever its library
+// says: these are refused when they are to be converted.
+TEST_F(DecodedSound, garbage_of_every_format_is_refused_with_words_and_the_next_file_plays) {
+    const LoggedEvent notOpened{L"Err", L"", 1, L"Could not open file"};
+    const LoggedEvent notConverted{L"Err", L"InitConversion", 5, L"Can't init conversion"};
+    PlayerHost host;
+    const auto refusal = [&](const std::wstring& extension) {
+        const std::size_t before = host.events().size();
+        const long result = host.start(folder.write(L"garbage." + extension, Bytes(5000, 0xA5)));
+        EXPECT_EQ(host.events().size(), before + 1);
+        return std::pair(result, host.events().back());
+    };
+    for (const wchar_t* extension :
+         {L"wav", L"ogg", L"mp3", L"wma", L"wmv", L"aiff", L"aif", L"aifc", L"voc", L"cda"})
+        EXPECT_EQ(refusal(extension), std::pair(3L, notOpened)) << extension;
+    for (const wchar_t* extension : {L"ape", L"au", L"snd"})
+        EXPECT_EQ(refusal(extension), std::pair(5L, notConverted)) << extension;
+    ASSERT_EQ(host.start(file(signal(shortLength))), 0);
+    EXPECT_TRUE(host.waitForDone());
+}
+
 // Wine's WMA decoder may leave out its first frames, and fills noise in, differently each time.
 TEST_F(DecodedSound, wma_is_heard_as_the_reader_alone_decodes_it_but_for_its_noise) {
     constexpr std::ptrdiff_t mayLack = 4096;
