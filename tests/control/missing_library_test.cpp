@@ -19,8 +19,8 @@ struct Kind {
     const char* words = "Could not open file";
 };
 
-// The functions of the APE library are imports of the control, so a missing one is a run-time
-// error.
+// The functions of the APE library are called as if they were imported, so a missing one is a
+// run-time error.
 const std::array<Kind, 6> kinds{{
     {L"tune.wav", {}},
     {L"tune.mp3", {}},
