@@ -54,7 +54,8 @@ std::int32_t DecAPE::OpenSource(const std::wstring& Source) {
 
 void DecAPE::readInformation() {
     bitsPerSample_ = narrow16(library_.getInfo(decoder_, Field::bitsPerSample));
-    blockAlign_ = library_.getInfo(decoder_, Field::blockAlign);
+    // Asked with the others, and not used: blocks are counted by the record that the converter has.
+    (void)library_.getInfo(decoder_, Field::blockAlign);
     sampleRate_ = library_.getInfo(decoder_, Field::sampleRate);
     channels_ = narrow16(library_.getInfo(decoder_, Field::channels));
     averageKilobits_ = library_.getInfo(decoder_, Field::averageKilobits);

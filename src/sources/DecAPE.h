@@ -54,7 +54,6 @@ private:
     std::int32_t sampleRate_ = 0;
     std::int16_t channels_ = 0;
     std::int16_t bitsPerSample_ = 0;
-    std::int32_t blockAlign_ = 0;      // bytes
     std::int32_t averageKilobits_ = 0; // a second
     std::int32_t lengthMs_ = 0;
     std::int32_t totalBlocks_ = 0;
