@@ -63,7 +63,7 @@ std::wstring missingLibraryWords(long result, const std::wstring& file) {
             kind.extensions.end())
             for (const wchar_t* library : kind.libraries)
                 if (!loads(library))
-                    return std::wstring(library) + L" is missing or damaged, and without it no " +
+                    return std::wstring(library) + L" is missing or damaged; without it no " +
                            extension + L" file can be played.";
     return {};
 }

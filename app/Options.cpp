@@ -14,13 +14,13 @@ namespace {
 
 constexpr const char* keyHelp =
     "Keys on the terminal:\n"
-    "  space         pause, go on\n"
-    "  left, right   5 seconds back, forward\n"
+    "  space         pause, resume\n"
+    "  left, right   seek 5 seconds back, forward\n"
     "  n, p          next, previous file\n"
-    "  s             stop; without a window, leave as well\n"
-    "  q             stop and leave\n\n"
-    "The program ends with the control's result for the first file that "
-    "could not be played, or 0.\n";
+    "  s             stop; without a window, also quit\n"
+    "  q             stop and quit\n\n"
+    "The exit code is the control's result for the first file that could "
+    "not be played, or 0.\n";
 
 } // namespace
 
@@ -35,24 +35,27 @@ ParsedOptions parseOptions(const std::vector<std::wstring>& arguments) {
         "corvina-play");
     parser.footer(keyHelp);
     parser.set_version_flag("--version", "corvina-play " CORVINA_VERSION);
-    parser.add_option("files", files, "Files to play, one after the other")->option_text("FILE...");
-    parser.add_option("--device", options.device, "Number of the output device, as in --devices")
+    parser.add_option("files", files, "Files to play, in this order")->option_text("FILE...");
+    parser
+        .add_option("--device", options.device,
+                    "Number of the output device, as listed by --devices")
         ->option_text("N")
         ->check(CLI::Range(-1L, 0x7fffffffL));
     parser.add_flag("--devices", options.listDevices, "List the output devices");
-    parser.add_option("--info", infoFile, "Show format and tags of a file")->option_text("FILE");
-    parser.add_option("--start", options.startSeconds, "Begin the first file at this time")
+    parser.add_option("--info", infoFile, "Show the format and tags of a file")
+        ->option_text("FILE");
+    parser.add_option("--start", options.startSeconds, "Start the first file at this position")
         ->option_text("SECONDS")
         ->check(CLI::Range(0L, 0x7fffffffL));
     parser.add_flag("--console", options.consoleOnly,
-                    "Play on the terminal alone, without a window");
+                    "Play on the terminal only, without a window");
     parser.add_option("--style", options.style, "What the window's graph shows")
         ->option_text("spectrum|waveform")
         ->transform(CLI::CheckedTransformer(std::map<std::string, AudioGraphStyle>{
             {"waveform", AMPLITUDE_STYLE}, {"spectrum", FREQUENCY_STYLE}}));
     parser
         .add_option("--picture", pictureFile,
-                    "Save a picture of the window while it plays (PNG), and leave at the end")
+                    "Save a picture of the window during playback (PNG), and quit at the end")
         ->option_text("FILE");
     parser.add_flag("--verbose", options.verbose, "Print every error event of the control");
 

@@ -83,7 +83,7 @@ void PlayQueue::tick() {
     if (!playing_ || !deadline_ || Clock::now() <= *deadline_)
         return;
     // A block that the device refused never comes back, and then no DonePlay comes either.
-    report(L"The device did not finish; giving up.");
+    report(L"The device did not finish playing; giving up.");
     player_.abandon();
     onDonePlay();
 }
