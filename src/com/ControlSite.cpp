@@ -87,6 +87,19 @@ SIZE ControlSite::himetricFromUnits(SIZE units) const noexcept {
     return himetricFromPixels(units);
 }
 
+bool ControlSite::translateAccelerator(const MSG& message) const noexcept {
+    enum Modifier : DWORD { shift = 1, control = 2, alt = 4 };
+    const auto site = site_.query<IOleControlSite>();
+    if (!site)
+        return false;
+    const auto held = [](int key, Modifier modifier) {
+        return ::GetKeyState(key) < 0 ? DWORD{modifier} : 0;
+    };
+    MSG copy = message;
+    return site->TranslateAccelerator(&copy, held(VK_SHIFT, shift) | held(VK_CONTROL, control) |
+                                                 held(VK_MENU, alt)) == S_OK;
+}
+
 void ControlSite::tellFocus(bool focused) const noexcept {
     if (const auto control = site_.query<IOleControlSite>())
         control->OnFocus(focused ? TRUE : FALSE);

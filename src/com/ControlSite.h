@@ -21,6 +21,8 @@ public:
     // A size in the container's own units as HIMETRIC; device pixels where it has no units.
     [[nodiscard]] SIZE himetricFromUnits(SIZE units) const noexcept;
     void tellFocus(bool focused) const noexcept;
+    // Whether the container had a use for the key.
+    [[nodiscard]] bool translateAccelerator(const MSG& message) const noexcept;
 
 private:
     [[nodiscard]] bool ambient(DISPID id, VARIANT& value) const noexcept;

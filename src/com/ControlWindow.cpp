@@ -56,9 +56,11 @@ void ControlWindow::moveInto(HWND container, const RECT& position) {
     const HWND window = ensure();
     // A child style before the parent and a popup style after it is gone, as SetParent asks.
     setStyle(window, WS_CHILD);
-    ::SetParent(window, container);
+    if (!::SetParent(window, container)) {
+        setStyle(window, WS_POPUP);
+        throw RuntimeError(5, L"The container's window takes no child");
+    }
     moveTo(position);
-    ::ShowWindow(window, SW_SHOWNA);
 }
 
 void ControlWindow::moveTo(const RECT& position) noexcept {

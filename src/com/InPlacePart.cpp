@@ -36,6 +36,8 @@ HRESULT InPlacePart::begin() {
         entered = currentExceptionToHresult(IID_IOleObject, L"");
     }
     if (FAILED(entered)) {
+        frame_.reset();
+        document_.reset();
         site->OnInPlaceDeactivate();
         return entered;
     }
@@ -105,14 +107,24 @@ RECT InPlacePart::sized(RECT position) const noexcept {
 void InPlacePart::place(RECT position, const RECT* clip) noexcept {
     position_ = sized(position);
     RECT visible = position_;
-    HRGN region = nullptr;
-    if (clip && ::IntersectRect(&visible, &position_, clip) && !::EqualRect(&visible, &position_)) {
-        ::OffsetRect(&visible, -position_.left, -position_.top);
-        region = ::CreateRectRgnIndirect(&visible);
-    }
-    const HWND window = control_.ownWindow().handle();
-    ::SetWindowRgn(window, region, TRUE); // the system owns the region now
+    if (clip && !::IntersectRect(&visible, &position_, clip))
+        visible = position_;
+    ::OffsetRect(&visible, -position_.left, -position_.top);
+    visible_ = visible;
+    showVisiblePart();
     control_.ownWindow().moveTo(position_);
+}
+
+// At run time a control without a picture covers nothing of the form and takes none of its clicks,
+// though its window is there.
+void InPlacePart::showVisiblePart() noexcept {
+    if (!active_)
+        return;
+    const RECT whole{0, 0, position_.right - position_.left, position_.bottom - position_.top};
+    const bool hidden = !control_.controlClass().hasPicture && control_.userMode();
+    const RECT shown = hidden ? RECT{} : visible_;
+    const HRGN region = ::EqualRect(&shown, &whole) ? nullptr : ::CreateRectRgnIndirect(&shown);
+    ::SetWindowRgn(control_.ownWindow().handle(), region, TRUE); // the system owns the region now
 }
 
 void InPlacePart::extentChanged() noexcept {
@@ -187,9 +199,12 @@ HRESULT InPlacePart::ReactivateAndUndo() {
     return INPLACE_E_NOTUNDOABLE;
 }
 
-// The controls have no accelerators of their own.
+// The controls have no accelerators of their own: every key is the container's.
 HRESULT InPlacePart::TranslateAccelerator(MSG* message) {
-    return message ? S_FALSE : E_POINTER;
+    if (!message)
+        return E_POINTER;
+    const ComPtr<IUnknown> alive(&whole());
+    return control_.site().translateAccelerator(*message) ? S_OK : S_FALSE;
 }
 
 HRESULT InPlacePart::OnFrameWindowActivate(BOOL) {

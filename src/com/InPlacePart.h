@@ -30,6 +30,8 @@ public:
     void hide() noexcept;
     // The extent has changed: asks the container for room, or takes it by itself.
     void extentChanged() noexcept;
+    // The container has gone from design to run time or back.
+    void userModeChanged() noexcept { showVisiblePart(); }
     // The window was destroyed under the control; the container is not called any more.
     void windowLost() noexcept;
 
@@ -54,6 +56,7 @@ private:
     HRESULT enterContainer(IOleInPlaceSite& site);
     HRESULT beginUi();
     void place(RECT position, const RECT* clip) noexcept;
+    void showVisiblePart() noexcept;
     [[nodiscard]] RECT sized(RECT position) const noexcept;
 
     OleControl& control_;
@@ -61,6 +64,7 @@ private:
     ComPtr<IOleInPlaceFrame> frame_;
     ComPtr<IOleInPlaceUIWindow> document_;
     RECT position_{};
+    RECT visible_{}; // of the window, in its own coordinates
     bool active_ = false;
     bool uiActive_ = false;
 };

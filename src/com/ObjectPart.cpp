@@ -229,6 +229,9 @@ HRESULT ObjectPart::OnMnemonic(MSG*) {
 }
 
 HRESULT ObjectPart::OnAmbientPropertyChange(DISPID property) {
+    const ComPtr<IUnknown> alive(&whole());
+    if (property == DISPID_UNKNOWN || property == DISPID_AMBIENT_USERMODE)
+        control_.inPlace().userModeChanged();
     if (property == DISPID_UNKNOWN || property == DISPID_AMBIENT_BACKCOLOR ||
         property == DISPID_AMBIENT_USERMODE)
         control_.pictureChanged();

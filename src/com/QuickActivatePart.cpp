@@ -2,12 +2,17 @@
 
 #include "com/OleControl.h"
 
+#include <cstddef>
+
 namespace corvina {
 
 HRESULT QuickActivatePart::QuickActivate(QACONTAINER* container, QACONTROL* control) {
     if (!container || !control)
         return E_POINTER;
-    if (container->cbSize < sizeof(QACONTAINER) || control->cbSize < sizeof(QACONTROL))
+    // The record of older containers, Visual Basic's and .NET's among them, ends before these
+    // fields.
+    constexpr std::size_t shortRecord = offsetof(QACONTAINER, pOleControlSite);
+    if (container->cbSize < shortRecord || control->cbSize < sizeof(QACONTROL))
         return E_INVALIDARG;
     const ComPtr<IUnknown> alive(&whole());
     const ULONG size = control->cbSize;

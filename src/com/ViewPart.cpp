@@ -107,14 +107,18 @@ HRESULT ViewPart::QueryHitRect(DWORD aspect, LPCRECT bounds, LPCRECT location, L
     return S_OK;
 }
 
-HRESULT ViewPart::GetNaturalExtent(DWORD aspect, LONG, DVTARGETDEVICE*, HDC, DVEXTENTINFO*,
+HRESULT ViewPart::GetNaturalExtent(DWORD aspect, LONG, DVTARGETDEVICE*, HDC, DVEXTENTINFO* info,
                                    SIZEL* size) {
-    if (!size)
+    if (!size || !info)
         return E_POINTER;
     *size = SIZEL{};
     if (aspect != DVASPECT_CONTENT)
         return DV_E_DVASPECT;
-    *size = control_.extent().fixed() ? control_.extent().get() : control_.extent().natural();
+    const bool fixed = control_.extent().fixed();
+    // A proposed size that the container wants adjusted: any will do.
+    if (info->dwExtentMode == DVEXTENT_INTEGRAL && !fixed)
+        return E_NOTIMPL;
+    *size = fixed ? control_.extent().get() : control_.extent().natural();
     return S_OK;
 }
 

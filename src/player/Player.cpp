@@ -47,7 +47,8 @@ Player::~Player() {
 }
 
 std::int32_t Player::Init(HWND window, ISubclass& client) {
-    if (window != window_ || &client != client_)
+    // Whatever the device told a window that is subclassed no more is lost.
+    if (window != window_ || &client != client_ || !MSubclass::IsSubclassed(window))
         Shutdown();
     window_ = window;
     client_ = &client;

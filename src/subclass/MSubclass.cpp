@@ -213,6 +213,10 @@ void DetachMessage(ISubclass* iwp, HWND hWnd, std::int32_t iMsg) noexcept {
         properties.setAttachmentCount(attachments - 1);
 }
 
+bool IsSubclassed(HWND hWnd) noexcept {
+    return propertiesOf(hWnd).oldProcedure() != nullptr;
+}
+
 std::int32_t CurrentMessage() noexcept {
     return currentMessage;
 }

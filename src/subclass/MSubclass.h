@@ -31,6 +31,9 @@ inline constexpr std::int32_t errorBase = static_cast<std::int32_t>(0x80040000);
 void AttachMessage(ISubclass* iwp, HWND hWnd, std::int32_t iMsg);
 // Does nothing where the client is not attached.
 void DetachMessage(ISubclass* iwp, HWND hWnd, std::int32_t iMsg) noexcept;
+// Whether the window's messages come here. They no longer do behind its WM_DESTROY, which a window
+// may outlive: a container can take it out of a form that goes.
+[[nodiscard]] bool IsSubclassed(HWND hWnd) noexcept;
 // The message being dispatched, or the last one that was.
 [[nodiscard]] std::int32_t CurrentMessage() noexcept;
 // Calls the window's procedure from before it was subclassed; 0 where none is stored.

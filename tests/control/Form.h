@@ -7,6 +7,7 @@
 #include <oaidl.h>
 #include <ocidl.h>
 #include <olectl.h>
+#include <vector>
 
 namespace corvina::test {
 
@@ -14,6 +15,7 @@ namespace corvina::test {
 class Form final : public Implements<IOleClientSite, IDispatch, IOleControlSite> {
 public:
     bool designing = false;
+    std::vector<WPARAM> keys; // that the control left to it, of which it uses the Tab key
     OLE_COLOR background = RGB(10, 20, 30);
     VARTYPE backgroundType = VT_UI4; // a script's large numbers are VT_R8
 
@@ -56,7 +58,10 @@ public:
         himetric->y = static_cast<LONG>(container->y * 2540 / 1440);
         return S_OK;
     }
-    HRESULT STDMETHODCALLTYPE TranslateAccelerator(MSG*, DWORD) override { return S_FALSE; }
+    HRESULT STDMETHODCALLTYPE TranslateAccelerator(MSG* message, DWORD) override {
+        keys.push_back(message->wParam);
+        return message->wParam == VK_TAB ? S_OK : S_FALSE;
+    }
     HRESULT STDMETHODCALLTYPE OnFocus(BOOL) override { return S_OK; }
     HRESULT STDMETHODCALLTYPE ShowPropertyFrame() override { return E_NOTIMPL; }
 };

@@ -78,6 +78,17 @@ TEST_F(Ambient, the_player_has_512_by_512_of_its_containers_own_units) {
     EXPECT_EQ(512 * 2540 / 1440, size.cy);
 }
 
+TEST_F(Ambient, every_key_is_left_to_the_container) {
+    const auto active = object.query<IOleInPlaceActiveObject>();
+    MSG key{nullptr, WM_KEYDOWN, VK_TAB, 0, 0, {}};
+    EXPECT_EQ(S_OK, active->TranslateAccelerator(&key));
+    key.wParam = VK_F12;
+    EXPECT_EQ(S_FALSE, active->TranslateAccelerator(&key));
+    EXPECT_EQ((std::vector<WPARAM>{VK_TAB, VK_F12}), form->keys);
+    object->SetClientSite(nullptr);
+    EXPECT_EQ(S_FALSE, active->TranslateAccelerator(&key));
+}
+
 TEST_F(Ambient, the_properties_verb_says_that_there_are_no_pages) {
     EXPECT_EQ(OLEOBJ_S_CANNOT_DOVERB_NOW,
               object->DoVerb(OLEIVERB_PROPERTIES, nullptr, form.get(), 0, nullptr, nullptr));

@@ -311,7 +311,7 @@ TEST_F(Events, quick_activation_connects_everything_at_once) {
     EventSink events(DIID___cAudioGraph);
     PropertySink properties;
     QACONTAINER host{};
-    host.cbSize = sizeof host;
+    host.cbSize = 56; // Visual Basic's and .NET's record: 14 fields
     host.pUnkEventSink = &events;
     host.pPropertyNotifySink = &properties;
     QACONTROL answer{};

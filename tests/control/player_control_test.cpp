@@ -255,7 +255,18 @@ TEST_F(PlayerControl, takes_samples_and_does_nothing_with_them) {
     EXPECT_EQ(S_OK, player.query<cCallback>()->Samples(nullptr, -1, 0));
 }
 
-TEST_F(PlayerControl, is_a_visible_child_of_its_container) {
+TEST_F(PlayerControl, at_run_time_the_window_covers_nothing_of_the_form_and_keeps_its_size) {
+    Container container;
+    ASSERT_EQ(S_OK, container.attach(player.get()));
+    RECT box{};
+    EXPECT_EQ(NULLREGION, ::GetWindowRgnBox(inPlaceWindow(), &box));
+    RECT client{};
+    ::GetClientRect(inPlaceWindow(), &client);
+    EXPECT_GT(client.right, 0);
+    EXPECT_GT(client.bottom, 0);
+}
+
+TEST_F(PlayerControl, has_a_window_that_is_a_child_of_its_container) {
     Container container;
     ASSERT_EQ(S_OK, container.attach(player.get()));
     EXPECT_EQ(container.window(), ::GetParent(inPlaceWindow()));

@@ -193,12 +193,21 @@ TEST_F(Registration, the_example_manifest_takes_the_place_of_the_registration) {
     ASSERT_TRUE(::ActivateActCtx(context, &cookie));
     ::CoInitialize(nullptr);
     for (const wchar_t* progId :
-         {L"Corvina.cPlayer", L"Corvina.cAudioGraph", L"Corvina.GSubclass"}) {
+         {L"Corvina.cPlayer", L"Corvina.cAudioGraph", L"Corvina.GSubclass", L"Corvina.cPlayer.1",
+          L"Corvina.cAudioGraph.1", L"Corvina.GSubclass.1"}) {
         CLSID clsid{};
-        EXPECT_EQ(S_OK, ::CLSIDFromProgID(progId, &clsid));
+        EXPECT_EQ(S_OK, ::CLSIDFromProgID(progId, &clsid)) << progId;
         ComPtr<IUnknown> object;
         EXPECT_EQ(S_OK, ::CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IUnknown,
                                            object.putVoid()));
+    }
+    {
+        const auto object = create<_cPlayer>(CLSID_cPlayer);
+        ComPtr<IStream> forAnotherThread;
+        EXPECT_EQ(S_OK, ::CoMarshalInterThreadInterfaceInStream(IID__cPlayer, object.get(),
+                                                                forAnotherThread.put()));
+        if (forAnotherThread)
+            ::CoReleaseMarshalData(forAnotherThread.get());
     }
     ::CoUninitialize();
     ::DeactivateActCtx(0, cookie);

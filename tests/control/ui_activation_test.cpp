@@ -53,6 +53,7 @@ public:
     explicit Site(Log& log) : frame(makeCom<Frame>(log)), log_(log) {}
 
     HRESULT uiActivation = S_OK;
+    HWND containerWindow = nullptr; // in place of its own
     std::function<void()> onUiActivate;
     const ComPtr<Frame> frame;
 
@@ -70,7 +71,7 @@ public:
         return noted("OnInPlaceDeactivate");
     }
     HRESULT STDMETHODCALLTYPE GetWindow(HWND* window) override {
-        *window = window_.handle();
+        *window = containerWindow ? containerWindow : window_.handle();
         return S_OK;
     }
     HRESULT STDMETHODCALLTYPE GetWindowContext(IOleInPlaceFrame** frameResult,
@@ -158,6 +159,16 @@ TEST_F(UiActivation, ends_where_the_frame_deactivates_the_control_at_once) {
     EXPECT_EQ(S_OK, activate());
     EXPECT_EQ("OnUIDeactivate", log.back());
     EXPECT_EQ(0, std::count(log.begin(), log.end(), "SetBorderSpace"));
+}
+
+TEST_F(UiActivation, of_a_container_whose_window_takes_no_child_fails_and_is_taken_back) {
+    site->containerWindow = meter->base().window(); // nobody's own child
+    EXPECT_TRUE(FAILED(activate()));
+    EXPECT_EQ("OnInPlaceDeactivate", log.back());
+    EXPECT_FALSE(::IsWindowVisible(meter->base().window()));
+    site->containerWindow = nullptr;
+    EXPECT_EQ(S_OK, activate());
+    EXPECT_TRUE(::GetParent(meter->base().window()));
 }
 
 TEST_F(UiActivation, survives_a_container_that_lets_the_control_go_meanwhile) {

@@ -228,4 +228,17 @@ TEST_F(View, the_control_tells_its_names) {
     EXPECT_EQ(CLSID_cAudioGraph, clsid);
 }
 
+TEST_F(View, a_container_that_adjusts_a_size_is_not_given_the_natural_one) {
+    const auto view = as<IViewObjectEx>();
+    SIZEL size{};
+    DVEXTENTINFO info{sizeof info, DVEXTENT_CONTENT, {5000, 2500}};
+    EXPECT_EQ(S_OK, view->GetNaturalExtent(DVASPECT_CONTENT, -1, nullptr, nullptr, &info, &size));
+    EXPECT_GT(size.cx, 0);
+    info.dwExtentMode = DVEXTENT_INTEGRAL;
+    EXPECT_EQ(E_NOTIMPL,
+              view->GetNaturalExtent(DVASPECT_CONTENT, -1, nullptr, nullptr, &info, &size));
+    EXPECT_EQ(E_POINTER,
+              view->GetNaturalExtent(DVASPECT_CONTENT, -1, nullptr, nullptr, nullptr, &size));
+}
+
 } // namespace

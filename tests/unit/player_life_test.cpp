@@ -100,6 +100,16 @@ TEST_F(PlayerLife, Init_on_another_window_moves_there) {
     host.player.Shutdown();
 }
 
+TEST_F(PlayerLife, Init_on_a_window_that_has_outlived_its_WM_DESTROY_plays_again) {
+    startAndFill();
+    ::SendMessageA(host.window.handle(), WM_DESTROY, 0, 0);
+    ASSERT_TRUE(fakeWave.open) << "nobody hears of its blocks any more";
+    EXPECT_EQ(host.init(), 0);
+    EXPECT_FALSE(fakeWave.open);
+    EXPECT_EQ(attachmentsOf(host.window.handle()), 4);
+    expectTheNextPlaybackWorks();
+}
+
 TEST_F(PlayerLife, DeInit_detaches_the_output_messages_and_keeps_those_of_input) {
     EXPECT_EQ(host.player.DeInit(), 0);
     const HWND window = host.window.handle();
