@@ -2,8 +2,10 @@
 
 #include "platform/AnsiText.h"
 
+#include <array>
 #include <limits>
 #include <optional>
+#include <string>
 
 namespace corvina {
 namespace {
@@ -68,13 +70,22 @@ private:
     HMMIO handle_;
 };
 
+// Of a name without a folder the platform takes the file beside the host's program, if there is
+// one; everything else that opens it goes by the current folder.
+std::string absolutePath(const std::string& path) {
+    std::array<char, MAX_PATH> whole{};
+    const DWORD length = ::GetFullPathNameA(path.c_str(), MAX_PATH, whole.data(), nullptr);
+    return length > 0 && length < MAX_PATH ? std::string(whole.data(), length) : path;
+}
+
 } // namespace
 
 RiffChunk findWaveChunk(const std::wstring& path, const char* name, const MmioApi& mmio) {
-    AnsiText ansi = toAnsi(path);
+    const AnsiText ansi = toAnsi(path);
     if (ansi.lossy)
         return {};
-    const OpenMmio file(mmio, ansi.text);
+    std::string whole = absolutePath(ansi.text);
+    const OpenMmio file(mmio, whole);
     if (!file)
         return {};
     MMCKINFO wave{};

@@ -105,6 +105,22 @@ TEST_F(RiffChunkTest, names_that_no_file_can_have_are_safe) {
         expectNone(findWaveChunk(std::wstring(length, L'n'), "data"));
 }
 
+TEST_F(RiffChunkTest, a_name_without_a_folder_is_of_the_current_folder_not_of_the_programs) {
+    const std::wstring name = L"beside-or-current.wav";
+    wchar_t program[MAX_PATH];
+    ASSERT_NE(::GetModuleFileNameW(nullptr, program, MAX_PATH), 0u);
+    const std::wstring folder(program, std::wcsrchr(program, L'\\') + 1);
+    ASSERT_TRUE(::CopyFileW(folder_.write(L"a.wav", plainWav(pcm(8000, 1, 8), noise(10))).c_str(),
+                            (folder + name).c_str(), FALSE));
+    folder_.write(name, plainWav(pcm(8000, 1, 8), noise(20)));
+    wchar_t home[MAX_PATH];
+    ::GetCurrentDirectoryW(MAX_PATH, home);
+    ASSERT_TRUE(::SetCurrentDirectoryW(folder_.path().c_str()));
+    EXPECT_EQ(findWaveChunk(name, "data").size, 20);
+    ::SetCurrentDirectoryW(home);
+    ::DeleteFileW((folder + name).c_str());
+}
+
 TEST_F(RiffChunkTest, a_plus_sign_in_a_name_is_a_character_like_any_other) {
     const std::wstring path = folder_.write(L"a.b+wav", plainWav(pcm(8000, 1, 8), noise(10)));
     EXPECT_EQ(findWaveChunk(path, "data").offset, 44);
