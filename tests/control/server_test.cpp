@@ -145,4 +145,34 @@ TEST_F(Server, two_hundred_objects_leave_nothing_behind) {
     EXPECT_LE(later, handles + 2);
 }
 
+DWORD nextTlsIndex() {
+    const DWORD index = ::TlsAlloc();
+    ::TlsFree(index);
+    return index;
+}
+
+// A process has about a thousand of them.
+TEST_F(Server, loaded_for_an_error_and_unloaded_leaves_no_index_of_thread_storage) {
+    const auto raiseAndUnload = [this] {
+        {
+            ComPtr<_cPlayer> player;
+            factory(CLSID_cPlayer)->CreateInstance(nullptr, IID__cPlayer, player.putVoid());
+            long bitrate = 0;
+            EXPECT_EQ(static_cast<HRESULT>(0x800A005B), player->get_Info_Bitrate(&bitrate));
+        }
+        ::FreeLibrary(library);
+        EXPECT_EQ(nullptr, ::GetModuleHandleW(L"Corvina.ocx"));
+    };
+    raiseAndUnload();
+    const DWORD before = nextTlsIndex();
+    for (int round = 0; round < 20; ++round) {
+        SetUp();
+        ::CoUninitialize(); // SetUp counted the apartment a second time
+        raiseAndUnload();
+    }
+    EXPECT_EQ(nextTlsIndex(), before);
+    SetUp();
+    ::CoUninitialize();
+}
+
 } // namespace
