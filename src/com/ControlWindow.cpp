@@ -32,6 +32,10 @@ private:
     HINSTANCE instance_;
 };
 
+// Where the window is without a container: no broadcast reaches it there. A broadcast waits for
+// every window, and a host that pumps no messages would hold up whoever sends one.
+const HWND nowhere = HWND_MESSAGE;
+
 void setStyle(HWND window, LONG_PTR style) noexcept {
     const LONG_PTR kept =
         ::GetWindowLongPtrW(window, GWL_STYLE) & ~static_cast<LONG_PTR>(WS_POPUP | WS_CHILD);
@@ -45,7 +49,7 @@ HWND ControlWindow::ensure() {
         return window_;
     static const WindowClass windowClass(&ControlWindow::procedure);
     window_ = ::CreateWindowExW(WS_EX_NOPARENTNOTIFY, className, L"",
-                                WS_POPUP | WS_CLIPSIBLINGS | WS_CLIPCHILDREN, 0, 0, 0, 0, nullptr,
+                                WS_POPUP | WS_CLIPSIBLINGS | WS_CLIPCHILDREN, 0, 0, 0, 0, nowhere,
                                 nullptr, windowClass.instance(), this);
     if (!window_)
         throw RuntimeError(7, L"Out of memory");
@@ -75,7 +79,7 @@ void ControlWindow::moveOut() noexcept {
         return;
     ::ShowWindow(window_, SW_HIDE);
     ::SetWindowRgn(window_, nullptr, FALSE);
-    ::SetParent(window_, nullptr);
+    ::SetParent(window_, nowhere);
     setStyle(window_, WS_POPUP);
 }
 

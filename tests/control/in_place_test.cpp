@@ -25,6 +25,25 @@ TEST_F(InPlace, without_a_container_the_window_is_hidden_and_has_no_parent) {
     EXPECT_EQ(nullptr, ::GetParent(own));
 }
 
+// Whether a broadcast goes to the window, and waits for it.
+bool isTopLevel(HWND window) {
+    for (HWND each = ::GetTopWindow(nullptr); each; each = ::GetWindow(each, GW_HWNDNEXT))
+        if (each == window)
+            return true;
+    return false;
+}
+
+TEST_F(InPlace, outside_of_containers_the_window_gets_no_broadcasts) {
+    const HWND own = window();
+    EXPECT_FALSE(isTopLevel(own));
+    {
+        Container container;
+        ASSERT_EQ(S_OK, container.attach(unknown()));
+        EXPECT_TRUE(isTopLevel(container.form()));
+    }
+    EXPECT_FALSE(isTopLevel(own));
+}
+
 TEST_F(InPlace, the_window_of_a_control_is_made_once) {
     EXPECT_EQ(window(), window());
 }
@@ -71,7 +90,7 @@ TEST_F(InPlace, deactivation_hides_the_window_and_takes_it_out_of_the_container)
     EXPECT_EQ(before, window());
     EXPECT_TRUE(::IsWindow(before));
     EXPECT_FALSE(::IsWindowVisible(before));
-    EXPECT_EQ(::GetDesktopWindow(), ::GetAncestor(before, GA_PARENT));
+    EXPECT_FALSE(::IsChild(container.form(), before));
 }
 
 TEST_F(InPlace, reactivation_brings_the_same_window_back) {

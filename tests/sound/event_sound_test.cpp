@@ -87,13 +87,13 @@ TEST_F(Events, do_not_come_from_a_device_that_does_not_exist) {
 
 // ---- the middle
 
-BOOL CALLBACK findControlWindow(HWND window, LPARAM found) {
-    wchar_t name[64] = L"";
-    ::GetClassNameW(window, name, static_cast<int>(std::size(name)));
-    if (std::wstring_view(name).find(L"Corvina") == std::wstring_view::npos)
-        return TRUE;
-    *reinterpret_cast<HWND*>(found) = window;
-    return FALSE;
+// This thread's; other programs have theirs among the message-only windows too.
+HWND findControlWindow() {
+    HWND window = nullptr;
+    do
+        window = ::FindWindowExW(HWND_MESSAGE, window, L"CorvinaControl", nullptr);
+    while (window && ::GetWindowThreadProcessId(window, nullptr) != ::GetCurrentThreadId());
+    return window;
 }
 
 // Whether a playback with a new control is heard and ends as ever.
@@ -176,9 +176,7 @@ TEST_F(HostThatMisbehaves, destroys_the_controls_window_while_it_plays) {
     {
         PlayerHost host;
         startLongFile(host);
-        HWND window = nullptr;
-        ::EnumThreadWindows(::GetCurrentThreadId(), &findControlWindow,
-                            reinterpret_cast<LPARAM>(&window));
+        const HWND window = findControlWindow();
         ASSERT_NE(window, nullptr);
         ASSERT_TRUE(::DestroyWindow(window));
         dispatchWaitingMessages();
