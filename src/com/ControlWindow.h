@@ -1,8 +1,8 @@
 #pragma once
 
-// A control's one window. It starts as a message-only window; in-place activation makes
-// the same window a child of the container's, deactivation takes it out again, so that its handle
-// stays good. It must be taken out before the container's window is destroyed.
+// A control's one window. It starts as a message-only window; in-place activation makes the same
+// window a child of the container's, deactivation takes it out again, so that its handle stays
+// good. It must be taken out before the container's window is destroyed.
 
 #include <unknwn.h>
 #include <windows.h>
