@@ -105,6 +105,7 @@ RECT InPlacePart::sized(RECT position) const noexcept {
 }
 
 void InPlacePart::place(RECT position, const RECT* clip) noexcept {
+    const ComPtr<IUnknown> alive(&whole());
     position_ = sized(position);
     RECT visible = position_;
     if (clip && !::IntersectRect(&visible, &position_, clip))
@@ -118,12 +119,13 @@ void InPlacePart::place(RECT position, const RECT* clip) noexcept {
 // At run time a control without a picture covers nothing of the form and takes none of its clicks,
 // though its window is there.
 void InPlacePart::showVisiblePart() noexcept {
+    // The container is asked, and may deactivate the control meanwhile.
+    const bool hidden = !control_.controlClass().hasPicture && control_.userMode();
     if (!active_)
         return;
-    const RECT whole{0, 0, position_.right - position_.left, position_.bottom - position_.top};
-    const bool hidden = !control_.controlClass().hasPicture && control_.userMode();
+    const RECT all{0, 0, position_.right - position_.left, position_.bottom - position_.top};
     const RECT shown = hidden ? RECT{} : visible_;
-    const HRGN region = ::EqualRect(&shown, &whole) ? nullptr : ::CreateRectRgnIndirect(&shown);
+    const HRGN region = ::EqualRect(&shown, &all) ? nullptr : ::CreateRectRgnIndirect(&shown);
     ::SetWindowRgn(control_.ownWindow().handle(), region, TRUE); // the system owns the region now
 }
 

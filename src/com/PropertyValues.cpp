@@ -22,7 +22,7 @@ struct Header {
 };
 static_assert(sizeof(Header) == 16);
 
-// An empty list has no address, and the streams of compound files refuse none even for no bytes.
+// An empty list may lie at a null address, which the streams of compound files refuse.
 HRESULT readAll(IStream& stream, void* data, ULONG bytes) {
     if (bytes == 0)
         return S_OK;

@@ -27,11 +27,20 @@ inline const ControlClass meterClass{CLSID_cAudioGraph,
                                      true,
                                      meterProperties};
 
+// The same without a picture, as the player is.
+inline const ControlClass blankMeterClass = [] {
+    ControlClass result = meterClass;
+    result.hasPicture = false;
+    return result;
+}();
+
 class Meter final : public Control<cCallback> {
 public:
     enum { level, colour, ticks };
 
-    Meter() : Control(meterClass) { ++alive; }
+    explicit Meter(const ControlClass& controlClass = meterClass) : Control(controlClass) {
+        ++alive;
+    }
     ~Meter() override {
         ole().disconnect();
         --alive;

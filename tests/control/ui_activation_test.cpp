@@ -48,10 +48,12 @@ private:
     Log& log_;
 };
 
-class Site final : public Implements<IOleClientSite, IOleInPlaceSite> {
+class Site final : public Implements<IOleClientSite, IOleInPlaceSite, IDispatch> {
 public:
     explicit Site(Log& log) : frame(makeCom<Frame>(log)), log_(log) {}
 
+    bool designing = false;
+    std::function<void()> onUserMode;
     HRESULT uiActivation = S_OK;
     HWND containerWindow = nullptr; // in place of its own
     std::function<void()> onUiActivate;
@@ -83,6 +85,22 @@ public:
         return S_OK;
     }
 
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS*, VARIANT* result,
+                                     EXCEPINFO*, UINT*) override {
+        if (id != DISPID_AMBIENT_USERMODE)
+            return DISP_E_MEMBERNOTFOUND;
+        if (onUserMode)
+            onUserMode();
+        V_VT(result) = VT_BOOL;
+        V_BOOL(result) = designing ? VARIANT_FALSE : VARIANT_TRUE;
+        return S_OK;
+    }
+
+    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
+        return E_NOTIMPL;
+    }
     HRESULT STDMETHODCALLTYPE ContextSensitiveHelp(BOOL) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE Scroll(SIZE) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE DiscardUndoState() override { return E_NOTIMPL; }
@@ -180,6 +198,45 @@ TEST_F(UiActivation, survives_a_container_that_lets_the_control_go_meanwhile) {
     };
     activate();
     EXPECT_EQ("OnUIActivate", log.back());
+}
+
+class WithoutPicture : public UiActivation {
+protected:
+    WithoutPicture() {
+        as<IOleObject>()->SetClientSite(nullptr);
+        meter = makeCom<Meter>(blankMeterClass);
+        as<IOleObject>()->SetClientSite(site.get());
+    }
+    ~WithoutPicture() override { site->onUserMode = nullptr; }
+
+    // The kind of the window's region; ERROR where it has none.
+    int regionKind() {
+        RECT box{};
+        return ::GetWindowRgnBox(meter->base().window(), &box);
+    }
+    void goOver(bool designing) {
+        site->designing = designing;
+        as<IOleControl>()->OnAmbientPropertyChange(DISPID_AMBIENT_USERMODE);
+    }
+};
+
+TEST_F(WithoutPicture, a_control_is_seen_at_design_time_alone) {
+    EXPECT_EQ(S_OK, activate());
+    EXPECT_EQ(NULLREGION, regionKind());
+    goOver(true);
+    EXPECT_EQ(ERROR, regionKind());
+    goOver(false);
+    EXPECT_EQ(NULLREGION, regionKind());
+    as<IOleInPlaceObject>()->InPlaceDeactivate();
+    EXPECT_EQ(ERROR, regionKind());
+}
+
+TEST_F(WithoutPicture, a_control_may_be_taken_away_while_it_asks_whether_it_is_seen) {
+    ASSERT_EQ(S_OK, activate());
+    const auto inPlace = as<IOleInPlaceObject>();
+    site->onUserMode = [&inPlace] { inPlace->InPlaceDeactivate(); };
+    goOver(false);
+    EXPECT_EQ(ERROR, regionKind());
 }
 
 } // namespace
