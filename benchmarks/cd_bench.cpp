@@ -152,7 +152,7 @@ void measureSlow(const Way& way, VirtualDrive& drive) {
 int main() {
     using namespace corvina::bench;
     if (!VirtualDrive::exists('d'))
-        giveUp("the stage has no virtual CD drive: tools/stage --empty-drive");
+        giveUp("the test environment has no virtual CD drive: tools/test-environment --empty-drive");
     VirtualDrive drive('d');
     // Only that drive is to be found.
     std::list<VirtualDrive> others;

@@ -58,7 +58,7 @@ int main() {
     using namespace corvina::bench;
     const test::Recording recording;
     if (!recording.available())
-        giveUp("no recording of what is heard (run this on the stage)");
+        giveUp("no recording of what is heard (run this in the test environment)");
     test::TempFolder folder;
     const test::Frames signal = test::signal(frames);
     const std::wstring path = folder.write(L"signal.wav", test::stereoWav(signal));

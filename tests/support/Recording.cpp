@@ -21,7 +21,7 @@ Recording::Recording() {
     const wchar_t* const path = ::_wgetenv(L"CORVINA_HEARD");
     if (!path)
         return;
-    // The stage speaks of it as Unix does, whose root is drive Z.
+    // The test environment speaks of it as Unix does, whose root is drive Z.
     path_ = (path[0] == L'/' ? L"Z:" : L"") + std::wstring(path);
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-// What the sound server of the stage has heard: a file that grows by 44100 16-bit stereo frames a
+// What the sound server of the test environment has heard: a file that grows by 44100 16-bit stereo frames a
 // second, silence included, whether or not anything plays. Environment variable CORVINA_HEARD names
 // it; without one (a run on real hardware) there is no recording.
 

@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::int32_t sectorBytes = 2352;
 
-// The stage speaks of it as Unix does, whose root is drive Z.
+// The test environment speaks of it as Unix does, whose root is drive Z.
 std::string unixFolder() {
     const char* const folder = std::getenv("CORVINA_DRIVES");
     return folder ? folder : "";

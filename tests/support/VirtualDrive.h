@@ -1,6 +1,6 @@
 #pragma once
 
-// The virtual CD drives of the stage, as a test program puts discs into them and breaks them
+// The virtual CD drives of the test environment, as a test program puts discs into them and breaks them
 // (wine/virtual-drive/drive.h has the words), and discs made of deterministic sectors.
 
 #include "support/WavBytes.h"
@@ -43,7 +43,7 @@ private:
 
 class VirtualDrive {
 public:
-    // The stage has that drive.
+    // The test environment has that drive.
     [[nodiscard]] static bool exists(char letter);
 
     // Takes the drive over, empty, and leaves it so.

@@ -1,6 +1,6 @@
 #pragma once
 
-// Tests of the registered control over the two virtual drives of the stage, D: and E:, empty at the
+// Tests of the registered control over the two virtual drives of the test environment, D: and E:, empty at the
 // beginning.
 
 #include "sound/SoundTest.h"
@@ -18,7 +18,7 @@ protected:
         if (IsSkipped())
             return;
         if (!VirtualDrive::exists('d') || !VirtualDrive::exists('e'))
-            GTEST_SKIP() << "the stage has no two virtual CD drives";
+            GTEST_SKIP() << "the test environment has no two virtual CD drives";
         d.emplace('d');
         e.emplace('e');
     }

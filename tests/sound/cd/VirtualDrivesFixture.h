@@ -1,6 +1,6 @@
 #pragma once
 
-// The two virtual drives of the stage, and what is heard from a track in them.
+// The two virtual drives of the test environment, and what is heard from a track in them.
 
 #include "sources/DecCDA.h"
 #include "support/VirtualDrive.h"
@@ -24,7 +24,7 @@ class VirtualDrives : public testing::Test {
 protected:
     void SetUp() override {
         if (!VirtualDrive::exists('d') || !VirtualDrive::exists('e'))
-            GTEST_SKIP() << "the stage has no two virtual CD drives";
+            GTEST_SKIP() << "the test environment has no two virtual CD drives";
         d.emplace('d');
         e.emplace('e');
     }

@@ -1,5 +1,5 @@
 #include "sources/DecWMAMP3.h"
-#include "unit/StandInReader.h"
+#include "StandInReader.h"
 
 #include <algorithm>
 #include <gmock/gmock.h>

@@ -1,5 +1,5 @@
 #include "sources/DecWMAMP3.h"
-#include "unit/StandInReader.h"
+#include "StandInReader.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-# Every folder below src/ is one room: a static library that names the rooms it knows.
+# Every folder below src/ is one module: a static library that names the modules it uses.
 
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
@@ -21,9 +21,9 @@ else()
   target_compile_options(corvina_own INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-faligned-new=8>)
 endif()
 
-# corvina_room(name SOURCES file... [KNOWS room-or-library...])
-function(corvina_room name)
-  cmake_parse_arguments(ROOM "" "" "SOURCES;KNOWS" ${ARGN})
-  add_library(corvina_${name} STATIC ${ROOM_SOURCES})
-  target_link_libraries(corvina_${name} PUBLIC corvina_own ${ROOM_KNOWS})
+# corvina_module(name SOURCES file... [USES module-or-library...])
+function(corvina_module name)
+  cmake_parse_arguments(MODULE "" "" "SOURCES;USES" ${ARGN})
+  add_library(corvina_${name} STATIC ${MODULE_SOURCES})
+  target_link_libraries(corvina_${name} PUBLIC corvina_own ${MODULE_USES})
 endfunction()

@@ -1,4 +1,4 @@
-#include "unit/StandInReader.h"
+#include "StandInReader.h"
 
 #include <algorithm>
 #include <cstring>
