@@ -73,7 +73,7 @@ TEST_F(Front, the_errors_are_those_of_the_mechanism_with_text_and_source) {
     information->GetDescription(&text);
     information->GetSource(&source);
     EXPECT_STREQ(text, L"Invalid window");
-    EXPECT_STREQ(source, L"gsubclass_test.WindowProc");
+    EXPECT_STREQ(source, L"g_subclass_test.WindowProc");
     ::SysFreeString(text);
     ::SysFreeString(source);
 }

@@ -236,7 +236,7 @@ TEST_F(Subclass, the_errors_name_the_host_program_and_say_what_is_wrong) {
         try {
             MSubclass::AttachMessage(client, hwnd, hello);
         } catch (const RuntimeError& error) {
-            EXPECT_EQ(error.source(), L"subclass_test.WindowProc");
+            EXPECT_EQ(error.source(), L"m_subclass_test.WindowProc");
             return error.text();
         }
         return std::wstring();
