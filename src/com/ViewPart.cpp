@@ -2,7 +2,7 @@
 
 #include "com/Guard.h"
 #include "com/OleControl.h"
-#include "com/SavedContext.h"
+#include "platform/SavedContext.h"
 
 namespace corvina {
 

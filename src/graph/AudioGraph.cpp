@@ -1,6 +1,6 @@
 #include "graph/AudioGraph.h"
 
-#include "com/SavedContext.h"
+#include "platform/SavedContext.h"
 #include "graph/AmplitudeCurve.h"
 #include "graph/Painting.h"
 
