@@ -9,8 +9,8 @@
 //   };
 //   using RegistryKey = UniqueHandle<KeyTraits>;
 //
-// A handle that is opened through a table of functions, so that tests can make it fail, has an owner
-// of its own beside that table.
+// A handle that is opened through a table of functions, so that tests can make it fail, has an
+// owner of its own beside that table.
 
 #include <utility>
 
