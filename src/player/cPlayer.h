@@ -3,7 +3,7 @@
 // The player control as its hosts see it: texts, results and events translated, everything else
 // forwarded to Player. The control is made by the class table of the library.
 
-#include "com/Control.h"
+#include "control/Control.h"
 #include "player/Player.h"
 #include "player/PlayerEvents.h"
 
