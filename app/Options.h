@@ -29,7 +29,11 @@ struct ParsedOptions {
     int exitCode = 0;  // 0 for help and version
 };
 
-// arguments: the command line without the program's name.
-[[nodiscard]] ParsedOptions parseOptions(const std::vector<std::wstring>& arguments);
+enum class PathStyle { windows, unix };
+
+// arguments: the command line without the program's name. With PathStyle::unix a name that begins
+// with a slash is a file of Unix (UnixPaths.h).
+[[nodiscard]] ParsedOptions parseOptions(const std::vector<std::wstring>& arguments,
+                                         PathStyle paths = PathStyle::windows);
 
 } // namespace corvina::app

@@ -63,7 +63,11 @@ long Session::run() {
         queue_.tick();
         savePictureInTime();
     }
-    return interrupt_.requested() ? interruptedExit : queue_.result();
+    if (interrupt_.requested())
+        return interruptedExit;
+    if (window_ && !options_.pictureFile.empty() && !pictureSaved_ && queue_.result() == 0)
+        terminal_.onRemarked(L"Too short for a picture of the window.");
+    return queue_.result();
 }
 
 bool Session::leaving() const {

@@ -9,6 +9,7 @@
 #include "Options.h"
 #include "PlayerClient.h"
 #include "Session.h"
+#include "UnixPaths.h"
 
 #include <shellapi.h>
 
@@ -76,7 +77,8 @@ long showInfo(ConsoleScreen& screen, const std::wstring& file) {
 }
 
 int run(ConsoleScreen& screen) {
-    const ParsedOptions parsed = parseOptions(commandLine());
+    const ParsedOptions parsed =
+        parseOptions(commandLine(), runsUnderWine() ? PathStyle::unix : PathStyle::windows);
     if (!parsed.options) {
         const std::wstring text = parsed.text.substr(0, parsed.text.find_last_not_of(L'\n') + 1);
         parsed.exitCode == 0 ? screen.line(text) : screen.errorLine(text);

@@ -69,5 +69,42 @@ TEST(CommandLine, names_the_styles_of_the_graph) {
     EXPECT_FALSE(parseOptions({L"--style", L"cube"}).options);
 }
 
+TEST(CommandLine, names_files_as_unix_does_for_a_user_of_wine) {
+    const ParsedOptions parsed =
+        parseOptions({L"--picture", L"/tmp/a b.png", L"--info=/music/one.wav", L"/music/two.wav",
+                      L"near/three.wav", L"D:\\Track01.cda"},
+                     PathStyle::unix);
+    ASSERT_TRUE(parsed.options);
+    EXPECT_EQ(parsed.options->pictureFile, L"Z:\\tmp\\a b.png");
+    EXPECT_EQ(parsed.options->infoFile, L"Z:\\music\\one.wav");
+    EXPECT_EQ(
+        parsed.options->files,
+        (std::vector<std::wstring>{L"Z:\\music\\two.wav", L"near/three.wav", L"D:\\Track01.cda"}));
+}
+
+TEST(CommandLine, leaves_a_slash_to_windows_elsewhere) {
+    const ParsedOptions parsed = parseOptions({L"--", L"/music/one.wav"});
+    ASSERT_TRUE(parsed.options);
+    EXPECT_EQ(parsed.options->files, std::vector<std::wstring>{L"/music/one.wav"});
+}
+
+TEST(CommandLine, plays_the_default_file_if_it_names_nothing_to_do) {
+    const auto files = [](std::vector<std::wstring> arguments) {
+        arguments.insert(arguments.begin(), L"--default-file=tune.wav");
+        return parseOptions(arguments).options->files;
+    };
+    const std::vector<std::wstring> none, tune{L"tune.wav"}, own{L"own.wav"};
+    EXPECT_EQ(files({}), tune);
+    EXPECT_EQ(files({L"--console"}), tune);
+    EXPECT_EQ(files({L"own.wav"}), own);
+    EXPECT_EQ(files({L"--devices"}), none);
+    EXPECT_EQ(files({L"--info=own.wav"}), none);
+}
+
+TEST(CommandLine, takes_the_last_of_several_pictures) {
+    EXPECT_EQ(parseOptions({L"--picture=a.png", L"--picture", L"b.png"}).options->pictureFile,
+              L"b.png");
+}
+
 } // namespace
 } // namespace corvina::app
