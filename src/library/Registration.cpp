@@ -165,9 +165,10 @@ private:
 };
 
 HRESULT registerTypeLibrary(const Library& library, RegistrationScope scope, Text path) {
-    const auto enter =
-        scope == RegistrationScope::machine ? &::RegisterTypeLib : &::RegisterTypeLibForUser;
-    return enter(library.library.get(), path.data(), nullptr);
+    // Headers differ in the constness that each of the two declares.
+    return scope == RegistrationScope::machine
+               ? ::RegisterTypeLib(library.library.get(), path.data(), nullptr)
+               : ::RegisterTypeLibForUser(library.library.get(), path.data(), nullptr);
 }
 
 HRESULT unregisterTypeLibrary(const Library& library, RegistrationScope scope) {

@@ -37,7 +37,7 @@ std::wstring libraryPath() {
     wchar_t program[MAX_PATH]{}, path[MAX_PATH]{};
     ::GetModuleFileNameW(nullptr, program, MAX_PATH);
     const std::wstring folder(program, std::wstring_view(program).rfind(L'\\'));
-    ::GetFullPathNameW((folder + L"\\..\\..\\..\\dist\\Corvina.ocx").c_str(), MAX_PATH, path,
+    ::GetFullPathNameW((folder + L"/" CORVINA_DIST L"/Corvina.ocx").c_str(), MAX_PATH, path,
                        nullptr);
     return path;
 }
