@@ -1,9 +1,10 @@
 #include "platform/CodeMemory.h"
 
+#include "runtime/OutOfMemory.h"
+
 #include <algorithm>
 #include <array>
 #include <atomic>
-#include <new>
 #include <windows.h>
 
 namespace corvina {
@@ -18,13 +19,13 @@ public:
         const HANDLE section = ::CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr,
                                                     PAGE_EXECUTE_READWRITE, 0, bytes, nullptr);
         if (!section)
-            throw std::bad_alloc();
+            throwOutOfMemory();
         writable_ = ::MapViewOfFile(section, FILE_MAP_WRITE, 0, 0, bytes);
         executable_ = ::MapViewOfFile(section, FILE_MAP_READ | FILE_MAP_EXECUTE, 0, 0, bytes);
         ::CloseHandle(section);
         if (!writable_ || !executable_) {
             unmap();
-            throw std::bad_alloc();
+            throwOutOfMemory();
         }
     }
     ~Pool() { unmap(); }
@@ -38,7 +39,7 @@ public:
             if (!busy_[index].test_and_set(std::memory_order_acquire))
                 return index;
         }
-        throw std::bad_alloc();
+        throwOutOfMemory();
     }
     void giveBack(std::size_t index) noexcept { busy_[index].clear(std::memory_order_release); }
 
