@@ -45,7 +45,7 @@ constexpr Property properties[] = {
     {L"BorderStyle", 8, initial.border, &isZeroOrOne},
 };
 
-// A colour as hosts give it, which may stand for one of the system's.
+// A host's colour may be a number that stands for one of the system's colours.
 COLORREF translated(std::int32_t color) noexcept {
     COLORREF result = 0;
     const auto value = static_cast<OLE_COLOR>(color);
@@ -168,8 +168,7 @@ HRESULT cAudioGraph::ClearGraph(LONG* result) {
     });
 }
 
-// Hosts call these two around the control's use, as they do with the player's; there is nothing to
-// prepare or to give back.
+// Deliberately empty: hosts call these two on every control, as on the player.
 HRESULT cAudioGraph::Init(LONG* result) {
     return answer(result, [] { return 0; });
 }
@@ -179,14 +178,14 @@ HRESULT cAudioGraph::DeInit(LONG* result) {
 }
 
 GraphSettings cAudioGraph::settings() const {
-    return {static_cast<GraphStyle>(ole().property(graphStyle)),
-            ole().property(bands),
-            ole().property(bandsSpace),
-            ole().property(bandsWidth),
-            translated(ole().property(backgroundColor)),
-            translated(ole().property(amplitudeColor)),
-            translated(ole().property(freqColor)),
-            ole().property(borderStyle) != StyleNone};
+    return {.style = static_cast<GraphStyle>(ole().property(graphStyle)),
+            .bands = ole().property(bands),
+            .bandsSpace = ole().property(bandsSpace),
+            .bandsWidth = ole().property(bandsWidth),
+            .backgroundColor = translated(ole().property(backgroundColor)),
+            .amplitudeColor = translated(ole().property(amplitudeColor)),
+            .freqColor = translated(ole().property(freqColor)),
+            .border = ole().property(borderStyle) != StyleNone};
 }
 
 // At once, not when the host next waits for messages: hosts draw from within long loops too.
@@ -206,9 +205,9 @@ void cAudioGraph::draw(HDC dc, const RECT& bounds) {
 
 void cAudioGraph::propertiesChanged(int index) {
     if (index < 0)
-        graph_.clear(settings()); // a newly loaded control shows its own background
+        graph_.clear(settings()); // properties were loaded: show their background
     else if (!ole().userMode())
-        ole().pictureChanged(); // whoever designs a form sees the effect at once
+        ole().pictureChanged(); // on a form that is being designed the effect shows at once
 }
 
 } // namespace corvina

@@ -16,8 +16,7 @@ class Picture {
 public:
     explicit Picture(SIZE size) : size_(size) {
         surface_->resize(size);
-        surface_->BackColor(white);
-        surface_->Cls();
+        surface_->clear(white);
     }
     [[nodiscard]] HDC dc() const { return surface_->dc(); }
     [[nodiscard]] COLORREF at(int x, int y) const { return ::GetPixel(dc(), x, y); }

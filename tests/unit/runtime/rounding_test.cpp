@@ -1,10 +1,8 @@
-#include "runtime/BitReversal.h"
-#include "runtime/Checked.h"
 #include "runtime/Rounding.h"
-#include "runtime/Text.h"
 #include "support/ErrorNumber.h"
 
 #include <cmath>
+#include <cstdint>
 #include <gtest/gtest.h>
 #include <limits>
 
@@ -59,59 +57,6 @@ TEST(Rounding, a_quotient_by_zero_raises_division_by_zero_and_zero_by_zero_overf
     EXPECT_EQ(errorNumberOf([] { (void)divide(1.0, 0.0); }), 11);
     EXPECT_EQ(errorNumberOf([] { (void)divide(0.0, 0.0); }), 6);
     EXPECT_EQ(divide(1.0, 4.0), 0.25);
-}
-
-TEST(Checked, results_beyond_32_bits_raise_overflow) {
-    constexpr auto highest = std::numeric_limits<std::int32_t>::max();
-    constexpr auto lowest = std::numeric_limits<std::int32_t>::min();
-    EXPECT_EQ(errorNumberOf([] { (void)add32(highest, 1); }), 6);
-    EXPECT_EQ(errorNumberOf([] { (void)subtract32(lowest, 1); }), 6);
-    EXPECT_EQ(errorNumberOf([] { (void)multiply32(65536, 32768); }), 6);
-    EXPECT_EQ(multiply32(-65536, 32768), lowest);
-}
-
-TEST(Checked, a_remainder_has_the_sign_of_its_dividend) {
-    EXPECT_EQ(remainder32(-7, 4), -3);
-    EXPECT_EQ(remainder32(7, -4), 3);
-    EXPECT_EQ(remainder32(std::numeric_limits<std::int32_t>::min(), -1), 0);
-    EXPECT_EQ(errorNumberOf([] { (void)remainder32(1, 0); }), 11);
-}
-
-TEST(BitReversal, the_lowest_bits_come_back_in_reverse_order) {
-    EXPECT_EQ(reverseBits(0b0000000001U, 10), 0b1000000000U);
-    EXPECT_EQ(reverseBits(0b1101U, 4), 0b1011U);
-    EXPECT_EQ(reverseBits(0x80000000U, 32), 1U);
-    EXPECT_EQ(reverseBits(7, 0), 0U);
-}
-
-TEST(BitReversal, the_shared_table_holds_each_index_with_its_ten_bits_reversed) {
-    fillBitReversalTable();
-    ASSERT_EQ(bitReversalTable().size(), 1024U);
-    for (std::int32_t i = 0; i < 1024; ++i) {
-        std::int32_t reversed = 0;
-        for (std::int32_t k = 0, rest = i; k < 10; ++k, rest /= 2)
-            reversed = 2 * reversed + rest % 2;
-        EXPECT_EQ(bitReversalTable()[static_cast<std::size_t>(i)], reversed);
-    }
-}
-
-TEST(Text, a_part_is_found_in_any_case_and_an_empty_part_always) {
-    EXPECT_TRUE(containsIgnoringCase(L"wma;mp3;wmv", L"MP3"));
-    EXPECT_TRUE(containsIgnoringCase(L"wav", L"wa"));
-    EXPECT_TRUE(containsIgnoringCase(L"ape", L""));
-    EXPECT_FALSE(containsIgnoringCase(L"ape", L"apes"));
-}
-
-TEST(Text, join_and_split_are_inverse) {
-    const std::vector<std::wstring> parts = {L"au", L"snd", L"aiff"};
-    EXPECT_EQ(join(parts, L";"), L"au;snd;aiff");
-    EXPECT_EQ(split(L"au;snd;aiff", L';'), parts);
-    EXPECT_TRUE(split(L"", L';').empty());
-}
-
-TEST(Text, trim_removes_blanks_at_both_ends_only) {
-    EXPECT_EQ(trim(L"  a b "), L"a b");
-    EXPECT_EQ(trim(L"   "), L"");
 }
 
 } // namespace

@@ -1,6 +1,4 @@
-#include "BareRing.h"
-
-#include "support/MessagePump.h"
+#include "MinimalWavPlayer.h"
 
 #include "Figure.h"
 #include "support/MessagePump.h"
@@ -13,25 +11,26 @@ constexpr LONG headerBytes = 44;
 
 } // namespace
 
-BareRing::BareRing() {
+MinimalWavPlayer::MinimalWavPlayer() {
     ::SetWindowLongPtrA(window_.handle(), GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
     ::SetWindowLongPtrA(window_.handle(), GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&windowProc));
 }
 
-BareRing::~BareRing() {
+MinimalWavPlayer::~MinimalWavPlayer() {
     stop();
 }
 
-void BareRing::start(const std::wstring& path) {
-    file_ = ::CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0,
-                          nullptr);
-    if (file_ == INVALID_HANDLE_VALUE)
-        giveUp("the bare ring cannot open its file");
-    ::SetFilePointer(file_, headerBytes, nullptr, FILE_BEGIN);
+void MinimalWavPlayer::start(const std::wstring& path) {
+    const HANDLE file = ::CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                      OPEN_EXISTING, 0, nullptr);
+    if (file == INVALID_HANDLE_VALUE)
+        giveUp("the minimal player cannot open its file");
+    file_.reset(file);
+    ::SetFilePointer(file, headerBytes, nullptr, FILE_BEGIN);
     const WAVEFORMATEX format = test::pcm(44100, 2, 16);
     if (::waveOutOpen(&device_, WAVE_MAPPER, &format, reinterpret_cast<DWORD_PTR>(window_.handle()),
                       0, CALLBACK_WINDOW) != 0)
-        giveUp("the bare ring cannot open the wave mapper");
+        giveUp("the minimal player cannot open the wave mapper");
     firstWrite_ = {};
     for (Slot& slot : slots_) {
         slot.header = {};
@@ -42,9 +41,9 @@ void BareRing::start(const std::wstring& path) {
     }
 }
 
-void BareRing::refill(WAVEHDR& header) {
+void MinimalWavPlayer::refill(WAVEHDR& header) {
     DWORD got = 0;
-    ::ReadFile(file_, header.lpData, header.dwBufferLength, &got, nullptr);
+    ::ReadFile(file_.get(), header.lpData, header.dwBufferLength, &got, nullptr);
     if (got == 0)
         return;
     if (firstWrite_ == Moment{})
@@ -53,7 +52,7 @@ void BareRing::refill(WAVEHDR& header) {
         ++queued_;
 }
 
-void BareRing::stop() {
+void MinimalWavPlayer::stop() {
     if (!device_)
         return;
     ::waveOutReset(device_);
@@ -61,18 +60,20 @@ void BareRing::stop() {
         ::waveOutUnprepareHeader(device_, &slot.header, sizeof slot.header);
     ::waveOutClose(device_);
     device_ = nullptr;
-    ::CloseHandle(file_);
+    file_.reset();
     test::dispatchWaitingMessages();
     queued_ = 0;
 }
 
-LRESULT CALLBACK BareRing::windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+LRESULT CALLBACK MinimalWavPlayer::windowProc(HWND window, UINT message, WPARAM wParam,
+                                              LPARAM lParam) {
     if (message != MM_WOM_DONE)
         return ::DefWindowProcA(window, message, wParam, lParam);
-    auto* const ring = reinterpret_cast<BareRing*>(::GetWindowLongPtrA(window, GWLP_USERDATA));
-    if (ring->device_) {
-        --ring->queued_;
-        ring->refill(*reinterpret_cast<WAVEHDR*>(lParam));
+    auto* const player =
+        reinterpret_cast<MinimalWavPlayer*>(::GetWindowLongPtrA(window, GWLP_USERDATA));
+    if (player->device_) {
+        --player->queued_;
+        player->refill(*reinterpret_cast<WAVEHDR*>(lParam));
     }
     return 0;
 }

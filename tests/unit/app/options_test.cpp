@@ -1,19 +1,11 @@
-// What the host program understands and says.
-
-#include "ErrorWords.h"
 #include "Options.h"
-#include "ProgressBar.h"
-
-#include <windows.h>
-
-#include <mmsystem.h>
 
 #include <gtest/gtest.h>
+#include <string>
+#include <vector>
 
 namespace corvina::app {
 namespace {
-
-// ---- command line
 
 TEST(CommandLine, of_files_alone_plays_them_from_the_start_and_names_no_device) {
     const ParsedOptions parsed = parseOptions({L"one.wav", L"C:\\two three.wav"});
@@ -77,49 +69,41 @@ TEST(CommandLine, names_the_styles_of_the_graph) {
     EXPECT_FALSE(parseOptions({L"--style", L"cube"}).options);
 }
 
-// ---- progress
-
-TEST(ProgressLine, fills_the_part_of_the_bar_that_was_played) {
-    EXPECT_EQ(progressLine(0.5, L"0:00:01", L"0:00:02", L"", 31),
-              L"[#####.....]  0:00:01 / 0:00:02");
+TEST(CommandLine, names_files_as_unix_does_for_a_user_of_wine) {
+    const ParsedOptions parsed =
+        parseOptions({L"--picture", L"/tmp/a b.png", L"--info=/music/one.wav", L"/music/two.wav",
+                      L"near/three.wav", L"D:\\Track01.cda"},
+                     PathStyle::unix);
+    ASSERT_TRUE(parsed.options);
+    EXPECT_EQ(parsed.options->pictureFile, L"Z:\\tmp\\a b.png");
+    EXPECT_EQ(parsed.options->infoFile, L"Z:\\music\\one.wav");
+    EXPECT_EQ(
+        parsed.options->files,
+        (std::vector<std::wstring>{L"Z:\\music\\two.wav", L"near/three.wav", L"D:\\Track01.cda"}));
 }
 
-TEST(ProgressLine, holds_a_fraction_beyond_the_end_at_the_end) {
-    EXPECT_EQ(progressLine(7, L"a", L"b", L"", 19), L"[##########]  a / b");
-    EXPECT_EQ(progressLine(-7, L"a", L"b", L"", 19), L"[..........]  a / b");
+TEST(CommandLine, leaves_a_slash_to_windows_elsewhere) {
+    const ParsedOptions parsed = parseOptions({L"--", L"/music/one.wav"});
+    ASSERT_TRUE(parsed.options);
+    EXPECT_EQ(parsed.options->files, std::vector<std::wstring>{L"/music/one.wav"});
 }
 
-TEST(ProgressLine, leaves_the_bar_out_where_there_is_no_room) {
-    EXPECT_EQ(progressLine(0.5, L"0:00:01", L"0:00:02", L"paused", 20), L"0:00:01 / 0:00:02  p");
+TEST(CommandLine, plays_the_default_file_if_it_names_nothing_to_do) {
+    const auto files = [](std::vector<std::wstring> arguments) {
+        arguments.insert(arguments.begin(), L"--default-file=tune.wav");
+        return parseOptions(arguments).options->files;
+    };
+    const std::vector<std::wstring> none, tune{L"tune.wav"}, own{L"own.wav"};
+    EXPECT_EQ(files({}), tune);
+    EXPECT_EQ(files({L"--console"}), tune);
+    EXPECT_EQ(files({L"own.wav"}), own);
+    EXPECT_EQ(files({L"--devices"}), none);
+    EXPECT_EQ(files({L"--info=own.wav"}), none);
 }
 
-TEST(ProgressLine, is_never_wider_than_it_may_be) {
-    for (std::size_t columns = 0; columns < 120; ++columns)
-        EXPECT_LE(progressLine(0.3, L"0:00:01", L"0:00:02", L"paused", columns).size(), columns);
-}
-
-// ---- errors
-
-TEST(ErrorWords, are_the_controls_own_for_its_own_failures) {
-    EXPECT_EQ(describe({L"", 1, L"Format not supported"}), L"Format not supported (1)");
-    EXPECT_EQ(describe({L"InitConversion", 5, L"Can't init conversion"}),
-              L"InitConversion: Can't init conversion (5)");
-}
-
-TEST(ErrorWords, are_the_devices_for_a_failure_of_the_device) {
-    const std::wstring words = describe({L"WindowProcOut:waveOutWrite", MMSYSERR_NODRIVER, L""});
-    EXPECT_EQ(words.find(L"waveOutWrite: "), 0u);
-    EXPECT_GT(words.size(), std::wstring(L"waveOutWrite: error 6").size());
-}
-
-TEST(ErrorWords, fall_back_to_the_number) {
-    EXPECT_EQ(describeResult(-4711, L""), L"error -4711");
-}
-
-TEST(ErrorWords, know_the_one_event_that_every_playback_ends_with) {
-    EXPECT_TRUE(isMatterOfCourse({L"StopPlayAudio:waveOutReset", 5, L"5"}));
-    EXPECT_FALSE(isMatterOfCourse({L"StopPlayAudio:waveOutReset", 2, L"2"}));
-    EXPECT_FALSE(isMatterOfCourse({L"StopPlayProc:waveOutClose", 5, L"5"}));
+TEST(CommandLine, takes_the_last_of_several_pictures) {
+    EXPECT_EQ(parseOptions({L"--picture=a.png", L"--picture", L"b.png"}).options->pictureFile,
+              L"b.png");
 }
 
 } // namespace

@@ -1,8 +1,9 @@
 #pragma once
 
-// The least that plays a WAV file of CD quality: eight buffers of 8000 bytes, refilled with
-// ReadFile from window messages. What the player is measured against.
+// The smallest program that plays a WAV file of CD quality: eight buffers of 8000 bytes, refilled
+// with ReadFile when the device's window messages return them. The player is measured against it.
 
+#include "platform/UniqueHandle.h"
 #include "support/HiddenWindow.h"
 
 #include <array>
@@ -16,18 +17,18 @@ namespace corvina::bench {
 
 using Moment = std::chrono::steady_clock::time_point;
 
-class BareRing {
+class MinimalWavPlayer {
 public:
-    BareRing();
-    BareRing(const BareRing&) = delete;
-    BareRing& operator=(const BareRing&) = delete;
-    ~BareRing();
+    MinimalWavPlayer();
+    MinimalWavPlayer(const MinimalWavPlayer&) = delete;
+    MinimalWavPlayer& operator=(const MinimalWavPlayer&) = delete;
+    ~MinimalWavPlayer();
 
     // Opens the file and the device and queues all eight buffers.
     void start(const std::wstring& path);
     // Closes the device and the file.
     void stop();
-    // All has been played.
+    // True when everything has been played.
     [[nodiscard]] bool done() const noexcept { return queued_ == 0; }
     // When the first buffer of this start was handed to the device.
     [[nodiscard]] Moment firstWrite() const noexcept { return firstWrite_; }
@@ -38,11 +39,18 @@ private:
         std::array<char, 8000> data;
     };
 
+    struct FileTraits {
+        using Handle = HANDLE;
+        static constexpr Handle none = nullptr;
+        static void close(Handle file) noexcept { ::CloseHandle(file); }
+    };
+    using File = UniqueHandle<FileTraits>;
+
     static LRESULT CALLBACK windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     void refill(WAVEHDR& header);
 
     test::HiddenWindow window_;
-    HANDLE file_ = INVALID_HANDLE_VALUE;
+    File file_;
     HWAVEOUT device_ = nullptr;
     std::array<Slot, 8> slots_{};
     int queued_ = 0;
