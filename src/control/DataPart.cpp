@@ -1,8 +1,8 @@
 #include "control/DataPart.h"
 
 #include "com/Enumerator.h"
-#include "com/OutOfMemory.h"
 #include "platform/UniqueHandle.h"
+#include "runtime/OutOfMemory.h"
 
 #include <ole2.h>
 

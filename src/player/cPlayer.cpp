@@ -27,21 +27,21 @@ constinit const ControlClass playerClass{.clsid = CLSID_cPlayer,
                                          .hasPicture = false};
 
 cPlayer::cPlayer() : Control(playerClass), player_(*this, this) {
-    // The player is what comes first in a host, so it makes ready what the graph's spectrum needs.
+    // A host creates the player first, so the player prepares the table of the graph's spectrum.
     fillBitReversalTable();
 }
 
 cPlayer::~cPlayer() {
     ole().disconnect();
-    player_.Shutdown();
+    player_.shutdown();
 }
 
 HRESULT cPlayer::getTag(TagText tag, BSTR* result) noexcept {
-    return enterReturning(result, [&] { return Bstr(player_.Tags().*tag).detach(); });
+    return enterReturning(result, [&] { return Bstr(player_.tagTexts().*tag).detach(); });
 }
 
 HRESULT cPlayer::putTag(TagText tag, BSTR value) noexcept {
-    return enter([&] { player_.Tags().*tag = textOf(value); });
+    return enter([&] { player_.tagTexts().*tag = textOf(value); });
 }
 
 HRESULT cPlayer::get_Tag_Title(BSTR* result) {
@@ -207,10 +207,10 @@ HRESULT cPlayer::put_MsgResponse(EMsgResponse) {
     return S_OK;
 }
 
-HRESULT cPlayer::WindowProc(long hWnd, long iMsg, long wParam, long lParam, long* result) {
+HRESULT cPlayer::WindowProc(long, long iMsg, long, long, long* result) {
     return enterReturning(result, [&] {
-        return player_.HandleMessage(reinterpret_cast<HWND>(static_cast<LONG_PTR>(hWnd)),
-                                     static_cast<UINT>(iMsg), static_cast<WPARAM>(wParam), lParam);
+        player_.handleMessage(static_cast<UINT>(iMsg));
+        return 0L;
     });
 }
 
@@ -238,7 +238,7 @@ void cPlayer::draw(HDC dc, const RECT& bounds) {
 }
 
 void cPlayer::windowLost() {
-    player_.WindowDestroyed();
+    player_.windowDestroyed();
 }
 
 } // namespace corvina

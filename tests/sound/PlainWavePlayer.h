@@ -1,7 +1,7 @@
 #pragma once
 
 // Plays frames on the wave mapper without the library: eight buffers of 8000 bytes, each written
-// again when it comes back. What the recording makes of it shows what the recording is worth.
+// again when it comes back. It shows how exact the recording is, and what this machine can do.
 
 #include "support/MessagePump.h"
 #include "support/SoundSignal.h"
@@ -13,11 +13,11 @@
 
 namespace corvina::test {
 
-class BareRing {
+class PlainWavePlayer {
 public:
     // Wine hands the last buffer back while the sound server still holds some milliseconds of it,
     // which closing the device would cut off: a block of silence is played behind the frames.
-    explicit BareRing(Frames frames) : frames_(std::move(frames)) {
+    explicit PlainWavePlayer(Frames frames) : frames_(std::move(frames)) {
         frames_.resize((frames_.size() / blockFrames + 2) * blockFrames);
         WAVEFORMATEX format = pcm(44100, 2, 16);
         if (::waveOutOpen(&device_, WAVE_MAPPER, &format, 0, 0, CALLBACK_NULL) != MMSYSERR_NOERROR)
@@ -25,9 +25,9 @@ public:
         for (Slot& slot : slots_)
             fillAndWrite(slot);
     }
-    BareRing(const BareRing&) = delete;
-    BareRing& operator=(const BareRing&) = delete;
-    ~BareRing() {
+    PlainWavePlayer(const PlainWavePlayer&) = delete;
+    PlainWavePlayer& operator=(const PlainWavePlayer&) = delete;
+    ~PlainWavePlayer() {
         for (Slot& slot : slots_)
             ::waveOutUnprepareHeader(device_, &slot.header, sizeof slot.header);
         ::waveOutClose(device_);

@@ -1,8 +1,8 @@
 #pragma once
 
-// Expects that a playback is heard whole. Fails at once where a sample is wrong and nothing but the
-// player can be the reason; where the playback was interrupted by silence (Comparison.h says why),
-// asks for another one, three in all.
+// Expects that a playback is recorded whole. A wrong sample fails at once, because only the player
+// can be the reason. After an interruption by silence (Comparison.h says why) it plays again, three
+// times in all.
 
 #include "support/Comparison.h"
 
@@ -12,7 +12,7 @@ namespace corvina::test {
 
 // play: a function that plays once and compares what was heard.
 template <typename Play>
-void expectExact(Play play) {
+void expectExactPlayback(Play play) {
     constexpr int attempts = 3;
     for (int attempt = 1; attempt <= attempts; ++attempt) {
         const Comparison result = play();
@@ -26,8 +26,8 @@ void expectExact(Play play) {
 
 // play: a function that plays once and returns what was heard, from its first sound on.
 template <typename Play>
-void expectHeard(const Frames& expected, Play play) {
-    expectExact([&] { return compare(expected, play()); });
+void expectRecorded(const Frames& expected, Play play) {
+    expectExactPlayback([&] { return compare(expected, play()); });
 }
 
 } // namespace corvina::test
