@@ -56,7 +56,7 @@ long Session::run() {
     while (!leaving() || queue_.isActive()) {
         if (leaving())
             queue_.stop();
-        // Once the end was asked for, its event stays signalled: only the messages matter then.
+        // Once an end was requested its event stays signalled, and would end every wait at once.
         const HANDLE ending = interrupt_.requested() ? nullptr : interrupt_.waitable();
         pumpMessages(std::array{terminal_.waitable(), ending}, tickMs, handled);
         terminal_.tick(queue_);

@@ -39,8 +39,8 @@ public:
     Apartment& operator=(const Apartment&) = delete;
 };
 
-// Started from the desktop the program gets a console window of its own, which nobody asked for. A
-// terminal that somebody sits at has no such window, or another program in it.
+// A program started from the desktop gets a console window of its own, which nobody wants. A
+// terminal that a person uses has no such window, or another program in it.
 void leaveOwnConsole() {
     DWORD processes[2];
     if (GetConsoleProcessList(processes, 2) == 1 && IsWindowVisible(GetConsoleWindow()))
