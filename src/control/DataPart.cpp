@@ -131,7 +131,7 @@ HRESULT DataPart::EnumFormatEtc(DWORD direction, IEnumFORMATETC** result) {
             return E_NOTIMPL;
         return giveEnumerator<IEnumFORMATETC, FORMATETC, FORMATETC>(
             {std::begin(formats), std::end(formats)},
-            +[](const FORMATETC& from, FORMATETC& to) noexcept {
+            [](const FORMATETC& from, FORMATETC& to) noexcept {
                 to = from;
                 return true;
             },

@@ -1,0 +1,31 @@
+# Cross build for 32-bit Windows with clang over the headers and libraries of Debian's mingw-w64: a second
+# opinion on the sources. What is delivered is built with mingw-i686.cmake.
+set(CMAKE_SYSTEM_NAME Windows)
+set(CMAKE_SYSTEM_PROCESSOR i686)
+
+set(CMAKE_C_COMPILER clang)
+set(CMAKE_CXX_COMPILER clang++)
+set(CMAKE_RC_COMPILER i686-w64-mingw32-windres)
+set(CMAKE_C_COMPILER_TARGET i686-w64-mingw32)
+set(CMAKE_CXX_COMPILER_TARGET i686-w64-mingw32)
+
+# Debian has two mingw-w64 side by side; clang would take either.
+execute_process(COMMAND i686-w64-mingw32-g++-posix -print-libgcc-file-name
+  OUTPUT_VARIABLE gcc OUTPUT_STRIP_TRAILING_WHITESPACE)
+cmake_path(GET gcc PARENT_PATH gcc)
+
+set(CMAKE_FIND_ROOT_PATH /usr/i686-w64-mingw32)
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+set(CMAKE_CROSSCOMPILING_EMULATOR wine)
+
+set(CMAKE_C_FLAGS_INIT "-march=pentium4 -mfpmath=sse -mstackrealign")
+set(CMAKE_CXX_FLAGS_INIT "-march=pentium4 -mfpmath=sse -mstackrealign -isystem ${gcc}/include/c++ -isystem ${gcc}/include/c++/i686-w64-mingw32")
+
+set(corvina_link_flags "-static -L${gcc}")
+set(CMAKE_EXE_LINKER_FLAGS_INIT "${corvina_link_flags}")
+set(CMAKE_SHARED_LINKER_FLAGS_INIT "${corvina_link_flags}")
+# libgcc's exceptions need the thread library, which comes before it on the line.
+set(CMAKE_C_STANDARD_LIBRARIES_INIT "-lgcc_eh -lgcc -lpthread -lmingwex -lmsvcrt -lkernel32 -luser32 -lgdi32 -lole32 -loleaut32 -luuid -ladvapi32")
+set(CMAKE_CXX_STANDARD_LIBRARIES_INIT "${CMAKE_C_STANDARD_LIBRARIES_INIT}")
