@@ -11,6 +11,14 @@ namespace corvina {
     throw std::bad_alloc();
 }
 
+// pointer, which must not be null: const HGLOBAL memory = allocated(::GlobalAlloc(flags, bytes));
+template <typename Pointer>
+[[nodiscard]] Pointer allocated(Pointer pointer) {
+    if (!pointer)
+        throwOutOfMemory();
+    return pointer;
+}
+
 // Runs body; false, and nothing thrown, if memory does not reach for it.
 template <typename Body>
 [[nodiscard]] bool memoryReaches(Body body) {
