@@ -20,12 +20,15 @@ set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_CROSSCOMPILING_EMULATOR wine)
 
-set(CMAKE_C_FLAGS_INIT "-march=pentium4 -mfpmath=sse -mstackrealign")
-set(CMAKE_CXX_FLAGS_INIT "-march=pentium4 -mfpmath=sse -mstackrealign -isystem ${gcc}/include/c++ -isystem ${gcc}/include/c++/i686-w64-mingw32")
+# Of the system's headers only those of the target count.
+set(flags "-march=pentium4 -mfpmath=sse -mstackrealign -nostdlibinc")
+set(headers "-isystem /usr/i686-w64-mingw32/include")
+set(CMAKE_C_FLAGS_INIT "${flags} ${headers}")
+set(CMAKE_CXX_FLAGS_INIT "${flags} -isystem ${gcc}/include/c++ -isystem ${gcc}/include/c++/i686-w64-mingw32 ${headers}")
 
+# The whole thread library: clang names the libraries that need it only after all others.
 set(corvina_link_flags "-static -L${gcc}")
 set(CMAKE_EXE_LINKER_FLAGS_INIT "${corvina_link_flags}")
 set(CMAKE_SHARED_LINKER_FLAGS_INIT "${corvina_link_flags}")
-# libgcc's exceptions need the thread library, which comes before it on the line.
-set(CMAKE_C_STANDARD_LIBRARIES_INIT "-lgcc_eh -lgcc -lpthread -lmingwex -lmsvcrt -lkernel32 -luser32 -lgdi32 -lole32 -loleaut32 -luuid -ladvapi32")
+set(CMAKE_C_STANDARD_LIBRARIES_INIT "-Wl,--whole-archive -lpthread -Wl,--no-whole-archive -luser32 -lgdi32 -lole32 -loleaut32 -luuid -ladvapi32")
 set(CMAKE_CXX_STANDARD_LIBRARIES_INIT "${CMAKE_C_STANDARD_LIBRARIES_INIT}")
