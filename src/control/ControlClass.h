@@ -32,6 +32,8 @@ struct ControlClass {
     SIZE fixedUnits = {};
     // There is a picture worth printing: the control offers a metafile of itself.
     bool hasPicture = true;
+    // The control can be UI active, which gives it the focus.
+    bool takesFocus = true;
     // Persisted in this order; append only.
     std::span<const Property> properties = {};
 };
