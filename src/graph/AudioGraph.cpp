@@ -33,18 +33,6 @@ bool isMetafile(HDC dc) noexcept {
     return kind == OBJ_METADC || kind == OBJ_ENHMETADC;
 }
 
-// A flag that is set until the end of a scope.
-class ScopedFlag {
-public:
-    explicit ScopedFlag(bool& flag) noexcept : flag_(flag) { flag_ = true; }
-    ScopedFlag(const ScopedFlag&) = delete;
-    ScopedFlag& operator=(const ScopedFlag&) = delete;
-    ~ScopedFlag() { flag_ = false; }
-
-private:
-    bool& flag_;
-};
-
 void drawBars(Surface& surface, const BandLevels& bands, const GraphSettings& settings, SIZE size) {
     if (!surface.resize(size))
         return;
@@ -65,9 +53,9 @@ void drawCurve(Surface& surface, const std::vector<POINT>& corners, const GraphS
 
 void AudioGraph::display(const GraphSettings& settings, SIZE size,
                          const std::function<void()>& betweenColumns) {
-    if (displaying_)
+    if (displaying_.underWay())
         return;
-    const ScopedFlag displaying(displaying_);
+    const Nesting::Scope displaying(displaying_);
     const SIZE picture = pictureSize(settings, size);
     if (settings.style == GraphStyle::amplitude) {
         drawCurve(visible_, amplitudeCurve(samples_, picture, betweenColumns), settings, picture);
