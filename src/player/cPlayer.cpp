@@ -24,9 +24,9 @@ constinit const ControlClass playerClass{.clsid = CLSID_cPlayer,
                                          .description = L"Corvina audio player",
                                          .naturalPixels = {512, 512},
                                          .fixedUnits = {512, 512},
-                                         .hasPicture = false};
+                                         .visibleAtRunTime = false};
 
-cPlayer::cPlayer() : Control(playerClass), player_(*this, this) {
+cPlayer::cPlayer(IUnknown* outer) : Control(playerClass, outer), player_(*this, this) {
     // The player is what comes first in a host, so it makes ready what the graph's spectrum needs.
     fillBitReversalTable();
 }
