@@ -28,7 +28,7 @@ HRESULT InPlacePart::activate(bool withUi) {
         // From here on the container may have taken the control away again.
         if (active())
             ::ShowWindow(window_.handle(), SW_SHOWNA);
-        if (!uiFollows || !class_.takesFocus)
+        if (!uiFollows || !class_.visibleAtRunTime)
             return S_OK;
         if (state_ == State::active)
             return beginUi();
@@ -159,11 +159,11 @@ void InPlacePart::place(RECT position, const RECT* clip) noexcept {
         window_.moveTo(position_);
 }
 
-// At run time a control without a picture covers nothing of the form and takes none of its clicks,
+// At run time an invisible control covers nothing of the form and takes none of its clicks,
 // though its window is there.
 void InPlacePart::showVisiblePart() noexcept {
     // The container is asked, and may deactivate the control meanwhile.
-    const bool hidden = !class_.hasPicture && clientSite_.userMode();
+    const bool hidden = !class_.visibleAtRunTime && clientSite_.userMode();
     if (!active())
         return;
     const RECT all{0, 0, position_.right - position_.left, position_.bottom - position_.top};
@@ -251,6 +251,11 @@ HRESULT InPlacePart::SetObjectRects(LPCRECT position, LPCRECT clip) {
         if (!active())
             return E_UNEXPECTED;
         place(*position, clip);
+        const bool refused = !::EqualRect(position, &position_);
+        if (refused && extent_.fixed() && !std::exchange(askingForSize_, true)) {
+            extentChanged();
+            askingForSize_ = false;
+        }
         return S_OK;
     });
 }

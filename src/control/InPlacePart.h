@@ -90,6 +90,9 @@ private:
     unsigned changes_ = 0;
     bool announced_ = false; // the container was notified of the activation, and expects its end
     bool uiWanted_ = false;  // while activating: the UI is to follow
+    // The container is being asked for a rectangle of the fixed size. What it sets meanwhile is its
+    // decision, after which it is not asked again.
+    bool askingForSize_ = false;
     ComPtr<IOleInPlaceSite> site_;
     ComPtr<IOleInPlaceFrame> frame_;
     ComPtr<IOleInPlaceUIWindow> document_;
