@@ -86,7 +86,10 @@ void AudioGraph::paint(HDC dc, const RECT& bounds, SIZE size) {
     if (border > 0)
         paintBorder(dc, control);
     const SIZE picture = pictureSize(shown_, size);
-    const RECT inside = control.at(RECT{border, border, border + picture.cx, border + picture.cy});
+    // Not in order: bounds that run upwards keep their direction, and the picture stays upright.
+    const POINT first = control.at(border, border);
+    const POINT last = control.at(border + picture.cx, border + picture.cy);
+    const RECT inside{first.x, first.y, last.x, last.y};
     if (!isMetafile(dc) && showAtSize(picture)) {
         ::StretchBlt(dc, inside.left, inside.top, inside.right - inside.left,
                      inside.bottom - inside.top, visible_.dc(), 0, 0, picture.cx, picture.cy,
@@ -109,7 +112,7 @@ bool AudioGraph::showAtSize(SIZE picture) {
 }
 
 void AudioGraph::paintContent(HDC dc, const Frame& frame) const {
-    fill(dc, frame.bounds(), shown_.backgroundColor);
+    fill(dc, frame.at(RECT{0, 0, frame.picture().cx, frame.picture().cy}), shown_.backgroundColor);
     if (content_ == Content::waveform)
         paintCurve(dc, frame, amplitudeCurve(shownSamples_, frame.picture()),
                    shown_.amplitudeColor);
