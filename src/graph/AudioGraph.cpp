@@ -33,18 +33,6 @@ bool isMetafile(HDC dc) noexcept {
     return kind == OBJ_METADC || kind == OBJ_ENHMETADC;
 }
 
-// A flag that is set until the end of a scope.
-class ScopedFlag {
-public:
-    explicit ScopedFlag(bool& flag) noexcept : flag_(flag) { flag_ = true; }
-    ScopedFlag(const ScopedFlag&) = delete;
-    ScopedFlag& operator=(const ScopedFlag&) = delete;
-    ~ScopedFlag() { flag_ = false; }
-
-private:
-    bool& flag_;
-};
-
 void drawBars(Surface& surface, const BandLevels& bands, const GraphSettings& settings, SIZE size) {
     if (!surface.resize(size))
         return;
@@ -65,9 +53,9 @@ void drawCurve(Surface& surface, const std::vector<POINT>& corners, const GraphS
 
 void AudioGraph::display(const GraphSettings& settings, SIZE size,
                          const std::function<void()>& betweenColumns) {
-    if (displaying_)
+    if (displaying_.underWay())
         return;
-    const ScopedFlag displaying(displaying_);
+    const Nesting::Scope displaying(displaying_);
     const SIZE picture = pictureSize(settings, size);
     if (settings.style == GraphStyle::amplitude) {
         drawCurve(visible_, amplitudeCurve(samples_, picture, betweenColumns), settings, picture);
@@ -98,7 +86,10 @@ void AudioGraph::paint(HDC dc, const RECT& bounds, SIZE size) {
     if (border > 0)
         paintBorder(dc, control);
     const SIZE picture = pictureSize(shown_, size);
-    const RECT inside = control.at(RECT{border, border, border + picture.cx, border + picture.cy});
+    // Not in order: bounds that run upwards keep their direction, and the picture stays upright.
+    const POINT first = control.at(border, border);
+    const POINT last = control.at(border + picture.cx, border + picture.cy);
+    const RECT inside{first.x, first.y, last.x, last.y};
     if (!isMetafile(dc) && showAtSize(picture)) {
         ::StretchBlt(dc, inside.left, inside.top, inside.right - inside.left,
                      inside.bottom - inside.top, visible_.dc(), 0, 0, picture.cx, picture.cy,
@@ -121,7 +112,7 @@ bool AudioGraph::showAtSize(SIZE picture) {
 }
 
 void AudioGraph::paintContent(HDC dc, const Frame& frame) const {
-    fill(dc, frame.bounds(), shown_.backgroundColor);
+    fill(dc, frame.at(RECT{0, 0, frame.picture().cx, frame.picture().cy}), shown_.backgroundColor);
     if (content_ == Content::waveform)
         paintCurve(dc, frame, amplitudeCurve(shownSamples_, frame.picture()),
                    shown_.amplitudeColor);

@@ -10,6 +10,7 @@
 #include "graph/GraphSettings.h"
 #include "graph/SampleBuffer.h"
 #include "graph/Surface.h"
+#include "platform/Nesting.h"
 
 #include <functional>
 #include <windows.h>
@@ -46,7 +47,7 @@ private:
     SampleBuffer samples_;
     BandLevels bands_;
     std::int32_t level_ = 0;
-    bool displaying_ = false;
+    Nesting displaying_;
 
     // What the visible surface shows, to draw it again at another size.
     Content content_ = Content::nothing;

@@ -75,7 +75,7 @@ constinit const ControlClass audioGraphClass{.clsid = CLSID_cAudioGraph,
                                              .naturalPixels = {200, 100},
                                              .properties = properties};
 
-cAudioGraph::cAudioGraph() : Control(audioGraphClass) {}
+cAudioGraph::cAudioGraph(IUnknown* outer) : Control(audioGraphClass, outer) {}
 
 cAudioGraph::~cAudioGraph() {
     ole().disconnect();

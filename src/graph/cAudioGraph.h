@@ -14,7 +14,7 @@ extern const ControlClass audioGraphClass;
 
 class cAudioGraph final : public Control<_cAudioGraph> {
 public:
-    cAudioGraph();
+    explicit cAudioGraph(IUnknown* outer = nullptr);
     ~cAudioGraph() override;
 
     HRESULT STDMETHODCALLTYPE get_GraphStyle(AudioGraphStyle* result) override;

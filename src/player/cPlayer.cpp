@@ -24,9 +24,9 @@ constinit const ControlClass playerClass{.clsid = CLSID_cPlayer,
                                          .description = L"Corvina audio player",
                                          .naturalPixels = {512, 512},
                                          .fixedUnits = {512, 512},
-                                         .hasPicture = false};
+                                         .visibleAtRunTime = false};
 
-cPlayer::cPlayer() : Control(playerClass), player_(*this, this) {
+cPlayer::cPlayer(IUnknown* outer) : Control(playerClass, outer), player_(*this, this) {
     // A host creates the player first, so the player prepares the table of the graph's spectrum.
     fillBitReversalTable();
 }

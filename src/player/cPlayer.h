@@ -15,7 +15,7 @@ extern const ControlClass playerClass;
 
 class cPlayer final : public Control<_cPlayer, ISubclass, cCallback>, private PlayerEvents {
 public:
-    cPlayer();
+    explicit cPlayer(IUnknown* outer = nullptr);
     ~cPlayer() override;
 
     // _cPlayer
