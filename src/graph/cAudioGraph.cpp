@@ -2,9 +2,11 @@
 
 #include "graph/PendingMessages.h"
 #include "graph/SamplePicture.h"
-#include "platform/MemoryProbe.h"
+#include "platform/GuardedCopy.h"
 #include "runtime/RuntimeError.h"
 
+#include <array>
+#include <cstdint>
 #include <olectl.h>
 
 namespace corvina {
@@ -55,10 +57,14 @@ COLORREF translated(std::int32_t color) noexcept {
     return SUCCEEDED(::OleTranslateColor(value, nullptr, &result)) ? result : value & 0xFFFFFF;
 }
 
-const void* samplesAt(LONG address) {
-    const void* samples = reinterpret_cast<const void*>(address);
+using HostSamples = std::array<std::uint8_t, SampleBuffer::blockBytes>;
+
+// A copy, because another thread of the host may free the memory meanwhile.
+HostSamples samplesAt(LONG address) {
+    HostSamples samples;
     // No block of 16-bit samples begins at an odd address.
-    if (address % 2 != 0 || !isReadable(samples, SampleBuffer::blockBytes))
+    if (address % 2 != 0 ||
+        !copyIfReadable(samples.data(), reinterpret_cast<const void*>(address), samples.size()))
         throw RuntimeError(5, L"Invalid procedure call or argument: no samples can be read at the "
                               L"address that was passed to SetAudioData");
     return samples;
@@ -146,7 +152,7 @@ HRESULT cAudioGraph::get_hWnd(LONG* result) {
 
 HRESULT cAudioGraph::SetAudioData(LONG pAudioData, LONG* result) {
     return enterReturning(result, [&] {
-        graph_.takeSamples(samplesAt(pAudioData));
+        graph_.takeSamples(samplesAt(pAudioData).data());
         ole().events().fire(levelChangedEvent, {graph_.level()},
                             EventSource::WhenFrozen::keepLatest);
         return 0;
