@@ -10,9 +10,9 @@
 #include "graph/GraphSettings.h"
 #include "graph/PeakMarks.h"
 #include "graph/SampleBuffer.h"
-#include "graph/SampleFeed.h"
 #include "graph/SpectrumBars.h"
 #include "graph/Surface.h"
+#include "stream/SampleFeed.h"
 
 #include <functional>
 #include <span>

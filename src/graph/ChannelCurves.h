@@ -2,7 +2,7 @@
 
 // The waveform of each channel by itself, one below the other.
 
-#include "graph/SampleFeed.h"
+#include "stream/SampleFeed.h"
 
 #include <vector>
 #include <windows.h>

@@ -11,7 +11,7 @@
 #include "graph/GraphSettings.h"
 #include "graph/RadixTwoTransform.h"
 #include "graph/SampleBuffer.h"
-#include "graph/SampleFeed.h"
+#include "stream/SampleFeed.h"
 
 #include <cstddef>
 #include <optional>

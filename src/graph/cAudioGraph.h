@@ -5,7 +5,7 @@
 
 #include "control/Control.h"
 #include "graph/AudioGraph.h"
-#include "graph/SampleFeed.h"
+#include "stream/SampleFeed.h"
 
 #include "Corvina.h"
 

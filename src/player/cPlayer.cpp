@@ -26,14 +26,20 @@ constinit const ControlClass playerClass{.clsid = CLSID_cPlayer,
                                          .fixedUnits = {512, 512},
                                          .hasPicture = false};
 
-cPlayer::cPlayer() : Control(playerClass), player_(*this, this) {
+cPlayer::cPlayer() : Control(playerClass), player_(*this, this), followed_(object(), *this) {
     // A host creates the player first, so the player prepares the table of the graph's spectrum.
     fillBitReversalTable();
 }
 
 cPlayer::~cPlayer() {
+    followed_.disconnect();
     ole().disconnect();
     player_.shutdown();
+}
+
+void* cPlayer::findInterface(REFIID iid) noexcept {
+    void* found = Control::findInterface(iid);
+    return found ? found : followed_.find(iid);
 }
 
 HRESULT cPlayer::getTag(TagText tag, BSTR* result) noexcept {
