@@ -5,6 +5,8 @@
 #include "player/PlayerEvents.h"
 #include "stream/cSoundSTRM.h"
 
+#include <cstddef>
+#include <span>
 #include <string>
 #include <utility>
 
@@ -126,6 +128,7 @@ MMRESULT PlaybackEngine::openDevice(std::int32_t deviceIndex, WAVEFORMATEX forma
     format.nSamplesPerSec = static_cast<DWORD>(converter_->OutputSamplerate());
     format.nChannels = static_cast<WORD>(converter_->OutputChannels());
     format.wBitsPerSample = static_cast<WORD>(converter_->OutputBitsPerSample());
+    playedFormat_ = format;
     const DWORD mapping = deviceIndex == -1 ? 0 : WAVE_MAPPED;
     HWAVEOUT opened = nullptr;
     const MMRESULT result = wave_.outOpen(&opened, static_cast<UINT>(deviceIndex), &format,
@@ -341,6 +344,22 @@ bool PlaybackEngine::closeAtOnce() noexcept {
     device_ = nullptr;
     enter(PlaybackState::closed);
     return closed;
+}
+
+bool PlaybackEngine::latestSamples(SampleBlock& block) const {
+    // Before the first refill audioData is a stand-in of silence.
+    if (!playing() || audioData_.size() <= samplesBeforeFirstRefill)
+        return false;
+    block.channels = playedFormat_.nChannels;
+    block.sampleRate = static_cast<std::int32_t>(playedFormat_.nSamplesPerSec);
+    block.samples = audioData_;
+    if (playedFormat_.wBitsPerSample == 8) {
+        block.samples.clear();
+        for (const std::byte sample : std::as_bytes(std::span(audioData_)))
+            block.samples.push_back(
+                static_cast<std::int16_t>((std::to_integer<int>(sample) - 128) * 256));
+    }
+    return true;
 }
 
 } // namespace corvina

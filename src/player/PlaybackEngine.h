@@ -17,6 +17,7 @@
 #include "player/PlayerPlatform.h"
 #include "player/WaveMessages.h"
 #include "player/WaveRing.h"
+#include "stream/SampleFeed.h"
 #include "stream/cPCM.h"
 
 #include <cstdint>
@@ -59,6 +60,9 @@ public:
     // A copy of the samples last sent to the device, at a new address after every refill; null
     // before the first playback.
     [[nodiscard]] const std::int16_t* audioData() const noexcept { return audioData_.data(); }
+    // The same samples with their format, 8 bits widened to 16. False if nothing plays,
+    // or nothing was sent yet.
+    [[nodiscard]] bool latestSamples(SampleBlock& block) const;
 
 private:
     struct FailedReset {
@@ -109,6 +113,7 @@ private:
     std::unique_ptr<cPCM> converter_;
     std::unique_ptr<WaveRing> ring_;
     std::vector<std::int16_t> audioData_;
+    WAVEFORMATEX playedFormat_{}; // of the device that was opened last
 };
 
 } // namespace corvina

@@ -65,6 +65,10 @@ public:
     [[nodiscard]] bool IsPlaying() const noexcept;
     // Address of the samples last sent to the device; 0 before the first playback.
     [[nodiscard]] std::int32_t AudioDataOut() const noexcept;
+    // For graphs that follow the player. False if nothing plays.
+    [[nodiscard]] bool latestSamples(SampleBlock& block) const {
+        return engine_.latestSamples(block);
+    }
 
     std::int32_t GetID3Tags(const std::wstring& file);
     // The seven texts behind the Tag_ properties, to read and to write.

@@ -26,14 +26,21 @@ constinit const ControlClass playerClass{.clsid = CLSID_cPlayer,
                                          .fixedUnits = {512, 512},
                                          .visibleAtRunTime = false};
 
-cPlayer::cPlayer(IUnknown* outer) : Control(playerClass, outer), player_(*this, this) {
+cPlayer::cPlayer(IUnknown* outer)
+    : Control(playerClass, outer), player_(*this, this), followed_(object(), *this) {
     // A host creates the player first, so the player prepares the table of the graph's spectrum.
     fillBitReversalTable();
 }
 
 cPlayer::~cPlayer() {
+    followed_.disconnect();
     ole().disconnect();
     player_.shutdown();
+}
+
+void* cPlayer::findInterface(REFIID iid) noexcept {
+    void* found = Control::findInterface(iid);
+    return found ? found : followed_.find(iid);
 }
 
 HRESULT cPlayer::getTag(TagText tag, BSTR* result) noexcept {

@@ -6,6 +6,7 @@
 #include "control/Control.h"
 #include "player/Player.h"
 #include "player/PlayerEvents.h"
+#include "stream/SampleFeed.h"
 
 #include "Corvina.h"
 
@@ -13,7 +14,9 @@ namespace corvina {
 
 extern const ControlClass playerClass;
 
-class cPlayer final : public Control<_cPlayer, ISubclass, cCallback>, private PlayerEvents {
+class cPlayer final : public Control<_cPlayer, ISubclass, cCallback>,
+                      private PlayerEvents,
+                      private SampleProvider {
 public:
     explicit cPlayer(IUnknown* outer = nullptr);
     ~cPlayer() override;
@@ -81,11 +84,17 @@ private:
              const std::wstring& description) noexcept override;
     void DonePlay() noexcept override;
 
+    // SampleProvider
+    bool latestSamples(SampleBlock& block) override { return player_.latestSamples(block); }
+
+    void* findInterface(REFIID iid) noexcept override;
+
     // ControlHooks
     void draw(HDC dc, const RECT& bounds) override;
     void windowLost() override;
 
     Player player_;
+    FollowedPlayerPart followed_;
 };
 
 } // namespace corvina

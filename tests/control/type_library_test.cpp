@@ -104,6 +104,19 @@ TEST_F(TypeLibrary, the_graph_has_its_members_in_their_published_order) {
         L"12 ClearGraph(-> long)",
         L"13 Init(-> long)",
         L"14 DeInit(-> long)",
+        L"15 get Player(-> object)",
+        L"15 put Player(object)",
+        L"15 putref Player(object)",
+        L"16 get FramesPerSecond(-> long)",
+        L"16 put FramesPerSecond(long)",
+        L"17 get LevelScale(-> AudioGraphLevelScale)",
+        L"17 put LevelScale(AudioGraphLevelScale)",
+        L"18 get FrequencyAxis(-> AudioGraphFrequencyAxis)",
+        L"18 put FrequencyAxis(AudioGraphFrequencyAxis)",
+        L"19 get PeakHold(-> bool)",
+        L"19 put PeakHold(bool)",
+        L"20 get ChannelWaveforms(-> bool)",
+        L"20 put ChannelWaveforms(bool)",
     };
     EXPECT_EQ(expected, functions(vtable(L"_cAudioGraph").get()));
 }
@@ -172,6 +185,8 @@ TEST_F(TypeLibrary, the_enumerations_have_their_published_values) {
     EXPECT_EQ((Lines{L"emrConsume = 0", L"emrPostProcess = 1", L"emrPreprocess = 2"}),
               members(L"EMsgResponse"));
     EXPECT_EQ((Lines{L"AMPLITUDE_STYLE = 0", L"FREQUENCY_STYLE = 1"}), members(L"AudioGraphStyle"));
+    EXPECT_EQ((Lines{L"LINEAR_SCALE = 0", L"DECIBEL_SCALE = 1"}), members(L"AudioGraphLevelScale"));
+    EXPECT_EQ((Lines{L"BAND_AXIS = 0", L"OCTAVE_AXIS = 1"}), members(L"AudioGraphFrequencyAxis"));
     EXPECT_EQ((Lines{L"StyleNone = 0", L"StyleFixed = 1"}), members(L"BorderStyle"));
 }
 
