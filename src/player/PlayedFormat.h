@@ -17,8 +17,9 @@ struct PlayedFormat {
     [[nodiscard]] std::int64_t framesOf(std::int64_t milliseconds) const noexcept {
         return milliseconds * sampleRate / 1000;
     }
+    // The nearest number: of framesOf(n) it is n.
     [[nodiscard]] std::int64_t millisecondsOf(std::int64_t frames) const noexcept {
-        return sampleRate > 0 ? frames * 1000 / sampleRate : 0;
+        return sampleRate > 0 ? (frames * 1000 + sampleRate / 2) / sampleRate : 0;
     }
     bool operator==(const PlayedFormat&) const = default;
 };

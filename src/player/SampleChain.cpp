@@ -83,7 +83,9 @@ void SampleChain::process(std::span<std::uint8_t> bytes) noexcept {
     std::size_t frames = bytes.size() / frameBytes;
     std::uint8_t* at = bytes.data();
     while (frames > 0) {
-        const std::size_t step = std::min(frames, stepFrames);
+        // A step does not cross the end of a ramp.
+        const std::size_t ramp = rampFrames_ - rampDone_;
+        const std::size_t step = std::min({frames, stepFrames, ramp > 0 ? ramp : stepFrames});
         processStep(at, step);
         rampDone_ = std::min(rampDone_ + step, rampFrames_);
         at += step * frameBytes;

@@ -261,6 +261,7 @@ TEST_F(Playback, ten_thousand_rounds_leave_handles_and_memory_as_they_were) {
         fakeWave.log.clear();
         script.log.clear();
         host.events.clear();
+        host.progress.clear();
         windowLog.clear();
         stateLog.clear();
         fakeAcm.openings.clear();

@@ -16,6 +16,10 @@ std::ptrdiff_t byteAt(std::int64_t milliseconds) {
     return static_cast<std::ptrdiff_t>(milliseconds * 44100 / 1000 * 4);
 }
 
+std::int64_t msOfFrames(std::int64_t frames) {
+    return (frames * 1000 + 22050) / 44100;
+}
+
 class PlayerPosition : public PlaybackFaults {
 protected:
     PlayerPosition() {
@@ -45,7 +49,7 @@ TEST_F(PlayerPosition, is_what_the_device_has_played_and_not_what_was_read) {
     EXPECT_EQ(host.player.PositionMs(), 0);
     playFrames(20000);
     fakeWave.framesBeyond = 441;
-    EXPECT_EQ(host.player.PositionMs(), (20000 + 441) * 1000 / 44100);
+    EXPECT_EQ(host.player.PositionMs(), msOfFrames(fakeWave.finishedFrames + 441));
 }
 
 TEST_F(PlayerPosition, set_drops_what_is_queued_and_goes_on_at_that_millisecond) {
@@ -147,7 +151,7 @@ TEST_F(PlayerPosition, of_a_loop_begins_again_without_a_gap) {
     for (std::size_t i = 0; i < fakeWave.written.size(); ++i)
         ASSERT_EQ(fakeWave.written[i], script.data[i % length]) << i;
     const auto frames = static_cast<std::int64_t>(length / 4);
-    EXPECT_EQ(host.player.PositionMs(), fakeWave.finishedFrames % frames * 1000 / 44100);
+    EXPECT_EQ(host.player.PositionMs(), msOfFrames(fakeWave.finishedFrames % frames));
     options().loops = false;
     playOut();
     EXPECT_EQ(host.events, endOfPlayback);
@@ -188,7 +192,7 @@ TEST_F(PlayerPosition, of_a_next_file_is_taken_over_when_it_is_heard) {
     EXPECT_NEAR(host.player.PositionMs(), 907, 46);
     playFrames(48000);
     EXPECT_EQ(host.player.NextFile(), L"");
-    EXPECT_EQ(host.player.PositionMs(), (fakeWave.finishedFrames - 44100) * 1000 / 44100);
+    EXPECT_EQ(host.player.PositionMs(), msOfFrames(fakeWave.finishedFrames - 44100));
 }
 
 TEST_F(PlayerPosition, set_back_before_the_next_file_is_heard_leaves_it_the_next) {
