@@ -37,11 +37,10 @@ std::int64_t countedByWriter(const std::wstring& file) {
     if (fact.offset == 0 || fact.size < static_cast<std::int32_t>(sizeof frames))
         return 0;
     const FileAccess access;
-    FileRecord record = access.openForReading(file);
+    const FileRecord record = access.openForReading(file);
     const bool read =
         access.setPosition(record, fact.offset, MoveMethod::fromBeginning) == fact.offset &&
         access.read(record, &frames, sizeof frames) == static_cast<std::int32_t>(sizeof frames);
-    access.close(record);
     return read ? frames : 0;
 }
 

@@ -3,7 +3,7 @@
 // The COM layer of the player control: translates texts, results and events, and forwards
 // everything to Player. The library's class table creates the control.
 
-#include "com/Control.h"
+#include "control/Control.h"
 #include "player/Player.h"
 #include "player/PlayerEvents.h"
 

@@ -24,7 +24,7 @@ VARIANT_BOOL boolean(bool value) {
 } // namespace
 
 HRESULT cPlayer::get_Volume(long* result) {
-    return answer(result, [&] { return player_.settings().options().sound.volume; });
+    return enterReturning(result, [&] { return player_.settings().options().sound.volume; });
 }
 
 HRESULT cPlayer::put_Volume(long value) {
@@ -35,7 +35,7 @@ HRESULT cPlayer::put_Volume(long value) {
 }
 
 HRESULT cPlayer::get_Mute(VARIANT_BOOL* result) {
-    return answer(result, [&] { return boolean(player_.settings().options().sound.mute); });
+    return enterReturning(result, [&] { return boolean(player_.settings().options().sound.mute); });
 }
 
 HRESULT cPlayer::put_Mute(VARIANT_BOOL value) {
@@ -46,7 +46,7 @@ HRESULT cPlayer::put_Mute(VARIANT_BOOL value) {
 }
 
 HRESULT cPlayer::get_Balance(long* result) {
-    return answer(result, [&] { return player_.settings().options().sound.balance; });
+    return enterReturning(result, [&] { return player_.settings().options().sound.balance; });
 }
 
 HRESULT cPlayer::put_Balance(long value) {
@@ -57,7 +57,7 @@ HRESULT cPlayer::put_Balance(long value) {
 }
 
 HRESULT cPlayer::get_EqualizerGain(long Band, float* result) {
-    return answer(result, [&] { return player_.settings().bandGain(Band); });
+    return enterReturning(result, [&] { return player_.settings().bandGain(Band); });
 }
 
 HRESULT cPlayer::put_EqualizerGain(long Band, float value) {
@@ -68,7 +68,7 @@ HRESULT cPlayer::put_EqualizerGain(long Band, float value) {
 }
 
 HRESULT cPlayer::get_Looping(VARIANT_BOOL* result) {
-    return answer(result, [&] { return boolean(player_.settings().options().loops); });
+    return enterReturning(result, [&] { return boolean(player_.settings().options().loops); });
 }
 
 HRESULT cPlayer::put_Looping(VARIANT_BOOL value) {
@@ -76,7 +76,7 @@ HRESULT cPlayer::put_Looping(VARIANT_BOOL value) {
 }
 
 HRESULT cPlayer::get_NextFile(BSTR* result) {
-    return answer(result, [&] { return Bstr(player_.NextFile()).detach(); });
+    return enterReturning(result, [&] { return Bstr(player_.NextFile()).detach(); });
 }
 
 HRESULT cPlayer::put_NextFile(BSTR value) {
@@ -84,7 +84,7 @@ HRESULT cPlayer::put_NextFile(BSTR value) {
 }
 
 HRESULT cPlayer::get_PositionMs(long* result) {
-    return answer(result, [&] { return player_.PositionMs(); });
+    return enterReturning(result, [&] { return player_.PositionMs(); });
 }
 
 HRESULT cPlayer::put_PositionMs(long value) {
@@ -92,15 +92,15 @@ HRESULT cPlayer::put_PositionMs(long value) {
 }
 
 HRESULT cPlayer::get_DurationMs(long* result) {
-    return answer(result, [&] { return player_.DurationMs(); });
+    return enterReturning(result, [&] { return player_.DurationMs(); });
 }
 
 HRESULT cPlayer::get_State(PlayState* result) {
-    return answer(result, [&] { return player_.State(); });
+    return enterReturning(result, [&] { return player_.State(); });
 }
 
 HRESULT cPlayer::get_PositionInterval(long* result) {
-    return answer(result, [&] { return player_.settings().options().positionInterval; });
+    return enterReturning(result, [&] { return player_.settings().options().positionInterval; });
 }
 
 HRESULT cPlayer::put_PositionInterval(long value) {
@@ -111,7 +111,8 @@ HRESULT cPlayer::put_PositionInterval(long value) {
 }
 
 HRESULT cPlayer::get_Device(BSTR* result) {
-    return answer(result, [&] { return Bstr(player_.settings().options().device).detach(); });
+    return enterReturning(result,
+                          [&] { return Bstr(player_.settings().options().device).detach(); });
 }
 
 HRESULT cPlayer::put_Device(BSTR value) {
@@ -119,7 +120,7 @@ HRESULT cPlayer::put_Device(BSTR value) {
 }
 
 HRESULT cPlayer::get_Recover(VARIANT_BOOL* result) {
-    return answer(result, [&] { return boolean(player_.settings().options().recovers); });
+    return enterReturning(result, [&] { return boolean(player_.settings().options().recovers); });
 }
 
 HRESULT cPlayer::put_Recover(VARIANT_BOOL value) {
@@ -127,7 +128,7 @@ HRESULT cPlayer::put_Recover(VARIANT_BOOL value) {
 }
 
 HRESULT cPlayer::get_CleanEnd(VARIANT_BOOL* result) {
-    return answer(result, [&] { return boolean(player_.settings().options().cleanEnd); });
+    return enterReturning(result, [&] { return boolean(player_.settings().options().cleanEnd); });
 }
 
 HRESULT cPlayer::put_CleanEnd(VARIANT_BOOL value) {
@@ -135,15 +136,15 @@ HRESULT cPlayer::put_CleanEnd(VARIANT_BOOL value) {
 }
 
 HRESULT cPlayer::get_Level(long Channel, long* result) {
-    return answer(result, [&] { return player_.Level(Channel); });
+    return enterReturning(result, [&] { return player_.Level(Channel); });
 }
 
 HRESULT cPlayer::get_FormatName(BSTR* result) {
-    return answer(result, [&] { return Bstr(player_.FormatName()).detach(); });
+    return enterReturning(result, [&] { return Bstr(player_.FormatName()).detach(); });
 }
 
 HRESULT cPlayer::get_Extensions(BSTR* result) {
-    return answer(result, [&] { return Bstr(player_.Extensions()).detach(); });
+    return enterReturning(result, [&] { return Bstr(player_.Extensions()).detach(); });
 }
 
 void cPlayer::Err(const std::wstring& functionName, std::int32_t number,

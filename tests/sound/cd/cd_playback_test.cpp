@@ -110,7 +110,7 @@ TEST_F(CdPlayback, a_position_set_in_the_middle_is_heard_behind_what_was_queued)
     });
 }
 
-TEST_F(CdPlayback, the_control_tells_a_tracks_format_and_length) {
+TEST_F(CdPlayback, the_control_reports_a_tracks_format_and_length) {
     const DiscImage minute({{true, 60 * 75}});
     d->load(minute);
     PlayerHost host;
