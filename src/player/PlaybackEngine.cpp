@@ -50,7 +50,7 @@ void PlaybackEngine::stopFeeding() noexcept {
 }
 
 bool PlaybackEngine::uses(const cSoundSTRM* source) const noexcept {
-    return tracks_.uses(source);
+    return (playing() || !done_) && tracks_.uses(source);
 }
 
 bool PlaybackEngine::playing() const noexcept {

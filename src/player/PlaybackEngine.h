@@ -18,6 +18,7 @@
 #include "player/PlaybackState.h"
 #include "player/PlayerPlatform.h"
 #include "player/TrackQueue.h"
+#include "player/TrackSupply.h"
 #include "player/WaveDevice.h"
 #include "player/WaveMessages.h"
 #include "player/WaveRing.h"
@@ -28,22 +29,6 @@
 #include <vector>
 
 namespace corvina {
-
-// Where the engine gets what follows a track. The functions raise no events.
-class TrackSupply {
-public:
-    // The next track, begun; null if there is none.
-    virtual TrackQueue::Track takeNext() = 0;
-    // It will not be heard after all.
-    virtual void giveBack(const TrackQueue::Track& track) = 0;
-    // It is heard from now on.
-    virtual void nextHeard(const TrackQueue::Track& track) = 0;
-    // Reports what takeNext could not; raises events.
-    virtual void reportFailures() = 0;
-
-protected:
-    ~TrackSupply() = default;
-};
 
 class PlaybackEngine {
 public:
@@ -75,10 +60,12 @@ public:
     // Drops what is queued and goes on at that time of the track that is heard. Does nothing if
     // nothing plays; raises error 5 if the source cannot be moved.
     void jump(std::int32_t milliseconds);
-    // What is heard now; no track if nothing plays.
+    // What is heard now; no track if nothing plays. The last place until the host is notified of
+    // the end.
     [[nodiscard]] TrackQueue::Place heard();
     // The peak of what is heard now, in parts of full scale. Mono sound has it in every channel.
     [[nodiscard]] double level(std::int32_t channel);
+    // A playback that has not ended has this source.
     [[nodiscard]] bool uses(const cSoundSTRM* source) const noexcept;
 
     // A device plays, or has still to return its buffers.

@@ -27,7 +27,8 @@ std::int64_t PlaybackEngine::heardFrame() noexcept {
 }
 
 TrackQueue::Place PlaybackEngine::heard() {
-    return tracks_.current() ? tracks_.placeAt(heardFrame()) : TrackQueue::Place{};
+    const bool runs = (playing() || !done_) && tracks_.current();
+    return runs ? tracks_.placeAt(heardFrame()) : TrackQueue::Place{};
 }
 
 double PlaybackEngine::level(std::int32_t channel) {
