@@ -8,8 +8,6 @@
 namespace corvina {
 namespace {
 
-enum Event : DISPID { donePlayEvent = 1, errEvent = 2 };
-
 VARIANT_BOOL boolean(bool value) {
     return value ? VARIANT_TRUE : VARIANT_FALSE;
 }
@@ -224,20 +222,6 @@ HRESULT cPlayer::WindowProc(long, long iMsg, long, long, long* result) {
 // The player is its converter's observer only because the converter asks for one.
 HRESULT cPlayer::Samples(SAFEARRAY**, long, short) {
     return S_OK;
-}
-
-void cPlayer::Err(const std::wstring& functionName, std::int32_t number,
-                  const std::wstring& description) noexcept {
-    try {
-        ole().events().fire(errEvent,
-                            {functionName, EventSource::ByReference{number}, description});
-    } catch (const std::bad_alloc&) {
-        // Without memory for its arguments the event is lost.
-    }
-}
-
-void cPlayer::DonePlay() noexcept {
-    ole().events().fire(donePlayEvent, {});
 }
 
 void cPlayer::draw(HDC dc, const RECT& bounds) {

@@ -26,7 +26,7 @@ protected:
 
     template <typename Source>
     [[nodiscard]] bool serves(const std::wstring& file) const {
-        return dynamic_cast<Source*>(list.findForFile(file)) != nullptr;
+        return dynamic_cast<Source*>(list.findForFile(file).get()) != nullptr;
     }
 
     SourceList list;
