@@ -72,16 +72,16 @@ WaveChunks DecWAV::findChunks(const std::wstring& path) const {
     if (!file.isOpen())
         return {};
     const std::optional<WaveChunks> read = readWaveChunks(access_, file);
-    // Where the system's functions could look, they have the last word about a RIFF file.
-    return read && (read->is64 || !fitsAnsi) ? *read : chunks;
+    // About a RIFF file with a length the system's functions have the last word, if they take its
+    // name.
+    return read && (read->is64 || read->isOpenEnded || !fitsAnsi) ? *read : chunks;
 }
 
 // The data's length. A writer that could not go back to the header has left a length there that no
 // file reaches: then the data ends with the file.
 std::int32_t DecWAV::lengthInFile(const RiffChunk& data) const noexcept {
-    constexpr std::uint32_t leastUnknown = 0x7FFFF000;
     const auto size = static_cast<std::uint32_t>(data.size);
-    if (size < leastUnknown)
+    if (size < leastUnknownLength)
         return data.size;
     const std::int32_t position = access_.setPosition(file_, 0, MoveMethod::fromEnd);
     // Beyond 2 GB the position does not fit and comes out negative.

@@ -56,6 +56,7 @@ std::optional<WaveChunks> readWaveChunks(const FileAccess& access, const FileRec
     WaveChunks chunks{.is64 = riff.header.is("RF64") || riff.header.is("BW64")};
     if (!chunks.is64 && !riff.header.is("RIFF"))
         return std::nullopt;
+    chunks.isOpenEnded = riff.header.size >= leastUnknownLength;
 
     LongLengths lengths{};
     std::int64_t position = sizeof riff;

@@ -27,9 +27,9 @@ constexpr std::int32_t largestBuffer = 64 * 1024 * 1024;
 // sound the stream counts as ended.
 constexpr int mostFillsWithoutOutput = 64;
 
-// What is left at the end of the data normally fills less than one output buffer. A codec that
-// takes it in drops would keep the host waiting.
-constexpr int mostFillsAtEnd = 64;
+// A codec may hold back what it has decoded, up to as much again as it has returned by the end of
+// the data. One that goes on beyond that would keep the host waiting.
+constexpr std::int64_t mostFillsAtEnd = 64;
 
 // The 16-bit elements of an output buffer of that many bytes. Half an element rounds to even and
 // may be rounded away.
@@ -38,6 +38,10 @@ std::size_t elementsOf(std::int32_t outputBytes) {
 }
 
 } // namespace
+
+bool cPCM::Exhausted() const noexcept {
+    return ended_ && !blocksLeft_ && readOffset_ >= available_;
+}
 
 std::int32_t cPCM::OutputSamplerate() const noexcept {
     return static_cast<std::int32_t>(outputFormat_.nSamplesPerSec);
@@ -217,9 +221,13 @@ void cPCM::convert(std::int32_t length) noexcept {
     std::memmove(sourceBuffer_.data(), sourceBuffer_.data() + used,
                  static_cast<std::size_t>(leftover_));
     available_ = static_cast<std::int32_t>(converted->produced);
-    // A codec may have filled the output before it came to the end of a compressed stream.
-    blocksLeft_ = ended_ && used > 0 && leftover_ >= sourceFormat_.nBlockAlign &&
-                  ++fillsAtEnd_ < mostFillsAtEnd;
+    // The output may have been full before the codec came to the end of a compressed stream: then
+    // blocks are left here, or decoded samples in the codec.
+    const bool full = available_ > sizes_.output - outputFormat_.nBlockAlign;
+    const bool heldBack = full && sourceFormat_.wFormatTag != WAVE_FORMAT_PCM && managed_;
+    const bool left = used > 0 && leftover_ >= sourceFormat_.nBlockAlign;
+    fillsAtEnd_ += ended_ ? 1 : -1;
+    blocksLeft_ = ended_ && (heldBack || left) && fillsAtEnd_ < mostFillsAtEnd;
 }
 
 // The bytes to read so that the source buffer then ends with a block. So the source is always

@@ -34,9 +34,7 @@ public:
     // The source has reported the end of its data. Converted samples may still be left.
     [[nodiscard]] bool EndOfStream() const noexcept { return ended_; }
     // The source has reported the end of its data, and no converted samples are left.
-    [[nodiscard]] bool Exhausted() const noexcept {
-        return ended_ && !blocksLeft_ && readOffset_ >= available_;
-    }
+    [[nodiscard]] bool Exhausted() const noexcept;
     [[nodiscard]] std::int32_t OutputSamplerate() const noexcept;
     [[nodiscard]] std::int16_t OutputChannels() const noexcept;
     [[nodiscard]] std::int16_t OutputBitsPerSample() const noexcept;
@@ -46,8 +44,7 @@ public:
     bool GetSamples(void* buffer, std::int32_t bytes, std::int32_t& bytesReturned);
     // For a source that was repositioned. What was converted before becomes silence.
     void ResetACM();
-    // Always true.
-    bool CloseConverter() noexcept;
+    bool CloseConverter() noexcept; // always true
     // False if the source's format cannot be converted. The observer may be null; it is called with
     // each converted block of 16-bit samples.
     bool InitConversion(cSoundSTRM& source, cCallback* observer, bool force16Bit);
@@ -93,8 +90,8 @@ private:
     std::int32_t available_ = 0;  // converted bytes in the output buffer
     std::int32_t leftover_ = 0;   // unconverted bytes at the front of the source buffer
     int fillsWithoutOutput_ = 0;
-    int fillsAtEnd_ = 0;
-    bool blocksLeft_ = false; // the leftover holds the end of the stream
+    std::int64_t fillsAtEnd_ = 0; // less those before the end
+    bool blocksLeft_ = false;     // the end of the stream is still to be converted
     bool ended_ = false;
     bool first_ = true;
 };

@@ -30,12 +30,22 @@ class SndCalls : public testing::Test {
 protected:
     SndCalls() {
         results = {};
-        libraries.add("libsndfile.dll", {{"sf_open", standIn(&sfOpen)},
-                                         {"sf_wchar_open", standIn(&sfWcharOpen)},
-                                         {"sf_seek", standIn(&sfSeek)},
-                                         {"sf_read_short", standIn(&sfReadShort)},
-                                         {"sf_read_float", standIn(&sfReadFloat)},
-                                         {"sf_close", standIn(&sfClose)}});
+        libraries.add("libsndfile.dll", usual());
+    }
+
+    // The functions that every use calls.
+    static StandIns::Exports usual() {
+        return {{"sf_open", standIn(&sfOpen)},
+                {"sf_seek", standIn(&sfSeek)},
+                {"sf_read_short", standIn(&sfReadShort)},
+                {"sf_close", standIn(&sfClose)}};
+    }
+    // Adds one that only some files need.
+    template <typename Function>
+    void addExport(const char* name, Function* function) {
+        StandIns::Exports exports = usual();
+        exports[name] = standIn(function);
+        libraries.add("libsndfile.dll", exports);
     }
 
     DecSND& opened() {
@@ -47,6 +57,23 @@ protected:
 
     static std::int32_t seek(DecSND& source, std::int32_t value, std::int32_t mode) {
         return source.SeekTo(value, mode);
+    }
+
+    static std::int32_t __cdecl sfWcharOpen(const wchar_t* path, std::int32_t mode,
+                                            SndfileInfo* info) {
+        openedName = path;
+        StandIns::record("sf_wchar_open", {mode});
+        if (results.open != 0)
+            *info = results.info;
+        return results.open;
+    }
+
+    static std::int32_t __cdecl sfReadFloat(std::int32_t file, float* buffer, std::int32_t low,
+                                            std::int32_t high) {
+        StandIns::record("sf_read_float", {file, low, high});
+        const std::int32_t items = std::min(low, static_cast<std::int32_t>(results.floats.size()));
+        std::copy_n(results.floats.begin(), items, buffer);
+        return items;
     }
 
     static inline SndResults results;
@@ -62,14 +89,6 @@ private:
             *info = results.info;
         return results.open;
     }
-    static std::int32_t __cdecl sfWcharOpen(const wchar_t* path, std::int32_t mode,
-                                            SndfileInfo* info) {
-        openedName = path;
-        StandIns::record("sf_wchar_open", {mode});
-        if (results.open != 0)
-            *info = results.info;
-        return results.open;
-    }
     static std::int32_t __cdecl sfSeek(std::int32_t file, std::int32_t low, std::int32_t high,
                                        std::int32_t whence) {
         StandIns::record("sf_seek", {file, low, high, whence});
@@ -79,13 +98,6 @@ private:
                                             std::int32_t low, std::int32_t high) {
         StandIns::record("sf_read_short", {file, buffer, low, high});
         return results.readItems;
-    }
-    static std::int32_t __cdecl sfReadFloat(std::int32_t file, float* buffer, std::int32_t low,
-                                            std::int32_t high) {
-        StandIns::record("sf_read_float", {file, low, high});
-        const std::int32_t items = std::min(low, static_cast<std::int32_t>(results.floats.size()));
-        std::copy_n(results.floats.begin(), items, buffer);
-        return items;
     }
     static std::int32_t __cdecl sfClose(std::int32_t file) {
         StandIns::record("sf_close", {file});

@@ -17,10 +17,11 @@ namespace {
 
 // All that a source delivers.
 Bytes delivered(cSoundSTRM& source) {
+    constexpr std::int32_t piece = 9600; // whole frames of six channels too
     Bytes all;
-    Bytes buffer(8000);
+    Bytes buffer(piece);
     std::int32_t got = 0;
-    while (source.Read(buffer.data(), 8000, got) == 0)
+    while (source.Read(buffer.data(), piece, got) == 0)
         all.insert(all.end(), buffer.begin(), buffer.begin() + got);
     all.insert(all.end(), buffer.begin(), buffer.begin() + got);
     return all;

@@ -133,6 +133,7 @@ TEST_F(SndCalls, a_rate_of_0_makes_times_a_division_by_zero) {
 }
 
 TEST_F(SndCalls, floating_point_files_are_read_as_such_and_keep_their_level) {
+    addExport("sf_read_float", &sfReadFloat);
     for (const std::int32_t subtype : {6, 7}) {
         results.info.format = 0x030000 | subtype;
         results.floats = {0.0F, 0.5F, -0.5F, 1.0F, -1.0F, 7.5F, -7.5F, 1.0F / 32768};

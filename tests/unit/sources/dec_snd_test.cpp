@@ -66,6 +66,7 @@ TEST_F(SndCalls, a_name_that_no_file_has_returns_1_and_is_not_opened) {
 }
 
 TEST_F(SndCalls, a_name_that_the_code_page_lacks_is_opened_by_its_characters) {
+    addExport("sf_wchar_open", &sfWcharOpen);
     DecSND source(StandIns::api());
     EXPECT_EQ(source.OpenSource(L"\x4E00.au"), 0);
     EXPECT_EQ(libraries.calls.front(), (Call{"sf_wchar_open", {16}}));
