@@ -48,12 +48,13 @@ std::int32_t DecWAV::OpenSource(const std::wstring& source) {
         return SourceResult::notOpen;
 
     std::vector<std::uint8_t> bytes;
-    if (!readFormat(format, bytes) || !goTo(data.offset)) {
+    const bool formatRead = readFormat(format, bytes);
+    const std::int32_t length = lengthInFile(data);
+    if (!formatRead || !goTo(data.offset)) {
         file_.close();
         return SourceResult::notOpen;
     }
-    data_ = {.offset = data.offset, .size = lengthInFile(data)};
-    goTo(data.offset);
+    data_ = {.offset = data.offset, .size = length};
     formatBytes_ = std::move(bytes);
     std::memcpy(&format_, formatBytes_.data(), sizeof format_);
     return SourceResult::done;
@@ -78,7 +79,7 @@ WaveChunks DecWAV::findChunks(const std::wstring& path) const {
 }
 
 // The data's length. A writer that could not go back to the header has left a length there that no
-// file reaches: then the data ends with the file.
+// file reaches: then the data ends with the file. Moves the position.
 std::int32_t DecWAV::lengthInFile(const RiffChunk& data) const noexcept {
     const auto size = static_cast<std::uint32_t>(data.size);
     if (size < leastUnknownLength)
