@@ -3,7 +3,6 @@
 #include "player/ErrorText.h"
 #include "player/ExceptionReport.h"
 #include "player/PlayerEvents.h"
-#include "stream/PcmFormat.h"
 #include "stream/cSoundSTRM.h"
 
 #include <string>
@@ -69,8 +68,7 @@ std::int32_t PlaybackEngine::start(std::int32_t deviceIndex, WAVEFORMATEX format
         return conversionImpossible;
     }
     // Everything that needs memory comes before the device is opened.
-    ring_ =
-        std::make_unique<WaveRing>(converter_->OutputBitsPerSample(), converter_->OutputChannels());
+    ring_ = std::make_unique<WaveRing>();
     std::vector<std::int16_t> silence(samplesBeforeFirstRefill);
     // Without a window that listens nothing would ever fill the ring, so the device is not opened.
     if (!messages_.window())
@@ -121,31 +119,13 @@ bool PlaybackEngine::beginConversion() {
     return source_ && converter_->InitConversion(*source_, observer_, false);
 }
 
-MMRESULT PlaybackEngine::openDevice(std::int32_t deviceIndex, const WAVEFORMATEX& format) {
+MMRESULT PlaybackEngine::openDevice(std::int32_t deviceIndex, WAVEFORMATEX format) noexcept {
     // Block align and average rate stay the source's even if the converter changes the width. This
     // mixed record is on purpose: it is what devices have always been opened with here. They go by
     // the width and accept it.
-    WAVEFORMATEX mixed = format;
-    mixed.nSamplesPerSec = static_cast<DWORD>(converter_->OutputSamplerate());
-    mixed.nChannels = static_cast<WORD>(converter_->OutputChannels());
-    mixed.wBitsPerSample = static_cast<WORD>(converter_->OutputBitsPerSample());
-    MMRESULT result = openDeviceAs(deviceIndex, mixed);
-    // A device that goes by the other fields too gets a record whose fields agree, and one without
-    // so many speakers gets two channels.
-    const auto agreeing = [this] {
-        return pcmFormat(static_cast<DWORD>(converter_->OutputSamplerate()),
-                         static_cast<WORD>(converter_->OutputChannels()),
-                         static_cast<WORD>(converter_->OutputBitsPerSample()));
-    };
-    if (result == WAVERR_BADFORMAT)
-        result = openDeviceAs(deviceIndex, agreeing());
-    if (result == WAVERR_BADFORMAT && converter_->mixToStereo())
-        result = openDeviceAs(deviceIndex, agreeing());
-    return result;
-}
-
-MMRESULT PlaybackEngine::openDeviceAs(std::int32_t deviceIndex,
-                                      const WAVEFORMATEX& format) noexcept {
+    format.nSamplesPerSec = static_cast<DWORD>(converter_->OutputSamplerate());
+    format.nChannels = static_cast<WORD>(converter_->OutputChannels());
+    format.wBitsPerSample = static_cast<WORD>(converter_->OutputBitsPerSample());
     const DWORD mapping = deviceIndex == -1 ? 0 : WAVE_MAPPED;
     HWAVEOUT opened = nullptr;
     const MMRESULT result = wave_.outOpen(&opened, static_cast<UINT>(deviceIndex), &format,
@@ -210,7 +190,7 @@ bool PlaybackEngine::refill() {
     // delivered bytes, from the buffer's former use, is heard too. Devices have always been given
     // whole blocks here.
     std::int32_t delivered = 0;
-    converter_->GetSamples(buffer.data.data(), ring_->playedBytes(), delivered);
+    converter_->GetSamples(buffer.data.data(), WaveRing::bufferBytes, delivered);
     // The converter meets the end of the source up to half a second before its last sample has its
     // turn, so EndOfStream alone would cut the file short.
     if (converter_->Exhausted())

@@ -72,9 +72,7 @@ private:
 
     [[nodiscard]] bool closeFormerDevice() noexcept;
     [[nodiscard]] bool beginConversion();
-    [[nodiscard]] MMRESULT openDevice(std::int32_t deviceIndex, const WAVEFORMATEX& format);
-    [[nodiscard]] MMRESULT openDeviceAs(std::int32_t deviceIndex,
-                                        const WAVEFORMATEX& format) noexcept;
+    [[nodiscard]] MMRESULT openDevice(std::int32_t deviceIndex, WAVEFORMATEX format) noexcept;
     void abandonStart() noexcept;
 
     void bufferReturned();

@@ -1,7 +1,5 @@
 #include "player/WaveRing.h"
 
-#include <algorithm>
-
 namespace corvina {
 namespace {
 
@@ -10,18 +8,14 @@ static_assert(headerBytes == 32);
 
 } // namespace
 
-WaveRing::WaveRing(std::int32_t sampleBits, std::int32_t channels) {
-    const std::int32_t blockBytes = std::max(1, sampleBits / 8 * channels);
-    playedBytes_ = bufferBytes > blockBytes ? bufferBytes / blockBytes * blockBytes : bufferBytes;
-    // Silence is 0x80 in samples of 8 bits.
-    const std::int16_t silent = sampleBits == 8 ? static_cast<std::int16_t>(0x8080) : 0;
+WaveRing::WaveRing() {
     for (std::size_t i = 0; i < playedBuffers; ++i) {
         WaveBuffer& buffer = buffers_[i];
-        buffer.data.assign(bufferBytes / sizeof(std::int16_t), silent);
+        buffer.data.assign(bufferBytes / sizeof(std::int16_t), 0);
         buffer.dataAddress =
             static_cast<std::int32_t>(reinterpret_cast<std::intptr_t>(buffer.data.data()));
         buffer.header.lpData = reinterpret_cast<LPSTR>(buffer.data.data());
-        buffer.header.dwBufferLength = static_cast<DWORD>(playedBytes_);
+        buffer.header.dwBufferLength = static_cast<DWORD>(bufferBytes);
         buffer.header.dwUser = i;
     }
 }

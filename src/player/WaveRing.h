@@ -28,14 +28,10 @@ public:
     static constexpr std::size_t playedBuffers = 8;
     static constexpr std::int32_t bufferBytes = 8000;
 
-    // All buffers hold silence for samples of that width. If 8000 bytes are not whole blocks, as of
-    // 3 channels, each buffer is as many bytes shorter: devices drop the rest of a block.
-    explicit WaveRing(std::int32_t sampleBits = 16, std::int32_t channels = 2);
+    // All buffers hold silence.
+    WaveRing();
     WaveRing(const WaveRing&) = delete;
     WaveRing& operator=(const WaveRing&) = delete;
-
-    // The bytes of a buffer that are played.
-    [[nodiscard]] std::int32_t playedBytes() const noexcept { return playedBytes_; }
 
     // Prepares the buffers for the device, up to the first that fails; its result.
     [[nodiscard]] MMRESULT prepare(const WaveApi& wave, HWAVEOUT device) noexcept;
@@ -50,7 +46,6 @@ public:
 
 private:
     std::array<WaveBuffer, playedBuffers + 1> buffers_;
-    std::int32_t playedBytes_;
     std::size_t current_ = playedBuffers - 1;
 };
 
