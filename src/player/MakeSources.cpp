@@ -6,6 +6,8 @@
 #include "sources/DecSND.h"
 #include "sources/DecWAV.h"
 #include "sources/DecWMAMP3.h"
+#include "sources/MediaFoundationSource.h"
+#include "sources/SndfileSource.h"
 
 namespace corvina {
 namespace {
@@ -19,12 +21,14 @@ std::unique_ptr<cSoundSTRM> make() {
 
 // The order in which the sources are tried for a file.
 constexpr SourceFactory sourceFactories[] = {
-    &make<DecAPE>,    // Monkey's Audio
-    &make<DecOGG>,    // Ogg Vorbis
-    &make<DecWAV>,    // RIFF/WAVE
-    &make<DecSND>,    // what libsndfile reads
-    &make<DecWMAMP3>, // what Windows Media reads
-    &make<DecCDA>,    // audio CD tracks
+    &make<DecAPE>,                // Monkey's Audio
+    &make<DecOGG>,                // Ogg Vorbis
+    &make<DecWAV>,                // RIFF/WAVE
+    &make<DecSND>,                // what libsndfile reads
+    &make<DecWMAMP3>,             // what Windows Media reads
+    &make<DecCDA>,                // audio CD tracks
+    &make<SndfileSource>,         // FLAC, Opus and more of what libsndfile reads
+    &make<MediaFoundationSource>, // MP4 and AAC
 };
 
 } // namespace

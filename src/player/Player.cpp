@@ -119,13 +119,18 @@ std::int32_t Player::OpenAudioFile(const std::wstring& strFile) {
     source_ = sources_.FindSourceForFile(strFile);
     if (!source_)
         return failed(L"Format not supported", notSupported);
-    const auto opened = [&] {
+    const auto opens = [&](cSoundSTRM& source) {
         const NoErrorBoxes quiet;
-        return source_->OpenSource(strFile);
+        return source.OpenSource(strFile) == SourceResult::done;
     };
-    if (opened() != SourceResult::done)
-        return failed(L"Could not open file", couldNotOpen);
-    return 0;
+    if (opens(*source_))
+        return 0;
+    for (cSoundSTRM* next = source_; (next = sources_.findNextForFile(strFile, next));)
+        if (opens(*next)) {
+            source_ = next;
+            return 0;
+        }
+    return failed(L"Could not open file", couldNotOpen);
 }
 
 std::int32_t Player::PlayStart(const std::wstring& sAudioFile, std::int32_t DeviceIndex,

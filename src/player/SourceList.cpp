@@ -2,6 +2,7 @@
 
 #include "runtime/Text.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace corvina {
@@ -21,6 +22,19 @@ cSoundSTRM* SourceList::FindSourceForFile(const std::wstring& file) const {
         if (containsIgnoringCase(join(source->Extensions(), L";"), extension))
             return source.get();
     return nullptr;
+}
+
+cSoundSTRM* SourceList::findNextForFile(const std::wstring& file, const cSoundSTRM* refused) const {
+    const std::wstring extension = lowerCase(GetFileExtension(file));
+    const auto isRefused = [=](const auto& source) { return source.get() == refused; };
+    const auto reads = [&](const auto& source) {
+        const std::vector<std::wstring> extensions = source->Extensions();
+        return std::find(extensions.begin(), extensions.end(), extension) != extensions.end();
+    };
+    auto next = std::find_if(sources_.begin(), sources_.end(), isRefused);
+    if (next != sources_.end())
+        next = std::find_if(next + 1, sources_.end(), reads);
+    return next == sources_.end() ? nullptr : next->get();
 }
 
 std::vector<std::wstring> SourceList::AllSupportedExtensions() const {

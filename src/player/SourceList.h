@@ -24,6 +24,11 @@ public:
     // belongs to the first source: hosts have come to rely on both.
     [[nodiscard]] cSoundSTRM* FindSourceForFile(const std::wstring& file) const;
 
+    // The next source behind this one in whose list the file's whole extension is, without regard to
+    // case; null if there is none. It may read what the sources before it refuse.
+    [[nodiscard]] cSoundSTRM* findNextForFile(const std::wstring& file,
+                                              const cSoundSTRM* refused) const;
+
     // Every extension in order, without those that occur, whole or as a part, among the ones
     // before.
     [[nodiscard]] std::vector<std::wstring> AllSupportedExtensions() const;

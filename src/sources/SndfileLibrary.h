@@ -34,6 +34,9 @@ public:
     std::int32_t open(const std::string& ansiPath, std::int32_t mode, SndfileInfo& info) {
         return library_.CallFunc("sf_open", ansiPath.c_str(), mode, &info);
     }
+    std::int32_t openWide(const std::wstring& path, std::int32_t mode, SndfileInfo& info) {
+        return library_.CallFunc("sf_wchar_open", path.c_str(), mode, &info);
+    }
     std::int32_t error(std::int32_t file) { return library_.CallFunc("sf_error", file); }
     std::int32_t strerror(std::int32_t file) { return library_.CallFunc("sf_strerror", file); }
     std::int32_t errorNumber(std::int32_t number) {
