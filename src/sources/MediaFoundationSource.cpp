@@ -5,6 +5,7 @@
 #include "sources/MediaTime.h"
 #include "sources/Mp4Tags.h"
 #include "stream/PcmFormat.h"
+#include "stream/SeekTarget.h"
 
 #include <algorithm>
 #include <cstring>
@@ -205,17 +206,10 @@ bool MediaFoundationSource::takeSample(IMFSample& sample, LONGLONG time) {
 std::int32_t MediaFoundationSource::SeekTo(std::int32_t value, std::int32_t& mode) {
     // Not to 100: at the very end there is nothing to deliver.
     constexpr std::int32_t lastPercent = 99;
-    LONGLONG time = 0;
-    if (mode == SeekMode::percent) {
-        if (value < 0 || value > lastPercent)
-            return seekRefused;
-        time = duration_ / 100 * value;
-    } else if (mode == SeekMode::seconds) {
-        time = value * second;
-        if (value < 0 || time > duration_)
-            return seekRefused;
-    }
-    return seekTime(time) ? SourceResult::done : seekRefused;
+    const std::optional<LONGLONG> time = seekTarget(
+        *this, value, mode, [&] { return duration_ / 100 * value; }, [&] { return value * second; },
+        lastPercent);
+    return time && seekTime(*time) ? SourceResult::done : seekRefused;
 }
 
 // The reader goes to the start of some sample before the place; what comes before the place is

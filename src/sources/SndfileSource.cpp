@@ -1,16 +1,15 @@
 #include "sources/SndfileSource.h"
 
-#include "platform/CodePage.h"
-#include "runtime/Checked.h"
 #include "runtime/Rounding.h"
+#include "runtime/RuntimeError.h"
 #include "runtime/Text.h"
 #include "sources/MediaFileSize.h"
 #include "sources/Utf8Text.h"
 #include "stream/PcmFormat.h"
+#include "stream/SeekTarget.h"
 
 #include <algorithm>
 #include <bit>
-#include <cmath>
 #include <limits>
 #include <mmreg.h>
 
@@ -32,9 +31,6 @@ constexpr std::int32_t setClipping = 0x10C0;
 // Parts of its format number.
 constexpr std::int32_t containerMask = 0x0FFF0000;
 constexpr std::int32_t mpegContainer = 0x00230000;
-constexpr std::int32_t subtypeMask = 0xFFFF;
-constexpr std::int32_t floatSubtype = 6;
-constexpr std::int32_t doubleSubtype = 7;
 
 // A frame of MPEG audio is decoded with what is left from those before it.
 constexpr std::int64_t mpegPreRoll = 8 * 1152;
@@ -113,8 +109,8 @@ bool SndfileSource::prepare(const std::wstring& path) {
         return false;
     format_ = pcmFormat(static_cast<DWORD>(info_.sampleRate),
                         static_cast<WORD>(std::min(info_.channels, 2)), 16);
-    const std::int32_t subtype = info_.format & subtypeMask;
-    asFloat_ = subtype == floatSubtype || subtype == doubleSubtype;
+    const std::int32_t subtype = info_.format & SndfileSubtype::mask;
+    asFloat_ = subtype == SndfileSubtype::float32 || subtype == SndfileSubtype::float64;
     std::int32_t on = 1;
     library_.command(file_, setClipping, nullptr, on);
     if (info_.channels > 2)
@@ -216,17 +212,11 @@ std::int32_t SndfileSource::SeekTo(std::int32_t value, std::int32_t& mode) {
         return SourceResult::notOpen;
     // Not to 100: at the very end there is nothing to deliver.
     constexpr std::int32_t lastPercent = 99;
-    std::int64_t frame = 0;
-    if (mode == SeekMode::percent) {
-        if (value < 0 || value > lastPercent)
-            return seekRefused;
-        frame = totalFrames_ / 100 * value + totalFrames_ % 100 * value / 100;
-    } else if (mode == SeekMode::seconds) {
-        frame = std::int64_t{info_.sampleRate} * value;
-        if (value < 0 || frame > totalFrames_)
-            return seekRefused;
-    }
-    return seekFrame(frame) ? SourceResult::done : seekRefused;
+    const std::optional<std::int64_t> frame = seekTarget(
+        *this, value, mode,
+        [&] { return totalFrames_ / 100 * value + totalFrames_ % 100 * value / 100; },
+        [&] { return std::int64_t{info_.sampleRate} * value; }, lastPercent);
+    return frame && seekFrame(*frame) ? SourceResult::done : seekRefused;
 }
 
 bool SndfileSource::seekFrame(std::int64_t frame) {

@@ -176,14 +176,14 @@ TEST_F(Subclass, the_old_procedure_can_be_called_by_a_client) {
     EXPECT_THAT(calls, ElementsAre("old"));
 }
 
-TEST_F(Subclass, calling_the_old_procedure_of_a_window_without_one_answers_0) {
+TEST_F(Subclass, calling_the_old_procedure_of_a_window_without_one_returns_0) {
     EXPECT_EQ(MSubclass::CallOldWindowProc(window.handle(), hello, 0, 0), 0);
     EXPECT_EQ(MSubclass::CallOldWindowProc(nullptr, hello, 0, 0), 0);
     EXPECT_THAT(calls, IsEmpty());
 }
 
 // A window of another host has the property too, and its number is an address over there.
-TEST_F(Subclass, calling_the_old_procedure_of_another_processs_window_answers_0) {
+TEST_F(Subclass, calling_the_old_procedure_of_another_processs_window_returns_0) {
     const HWND desktop = ::GetDesktopWindow();
     const std::string name = numberOf(desktop);
     ASSERT_TRUE(::SetPropA(desktop, name.c_str(), reinterpret_cast<HANDLE>(0x1234)));
