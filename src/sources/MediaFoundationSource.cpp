@@ -72,6 +72,7 @@ std::vector<std::wstring> MediaFoundationSource::Extensions() {
 
 std::int32_t MediaFoundationSource::OpenSource(const std::wstring& source) {
     CloseSource();
+    forget();
     if (!library_.start())
         return noLibrary;
     reader_ = library_.openFile(source);
@@ -80,7 +81,20 @@ std::int32_t MediaFoundationSource::OpenSource(const std::wstring& source) {
     if (prepare(source))
         return SourceResult::done;
     CloseSource();
+    forget();
     return unusable;
+}
+
+void MediaFoundationSource::forget() {
+    format_ = {};
+    sample_.clear();
+    offset_ = 0;
+    sampleTime_ = 0;
+    startTime_ = 0;
+    duration_ = 0;
+    bitrate_ = 0;
+    ended_ = false;
+    tags_.ClearTags();
 }
 
 bool MediaFoundationSource::prepare(const std::wstring& path) {
@@ -89,6 +103,9 @@ bool MediaFoundationSource::prepare(const std::wstring& path) {
     duration_ = durationOf(*reader_.get());
     bitrate_ = averageBitrate(path, static_cast<double>(duration_) / second);
     readMp4Tags(path, tags_);
+    // The times of some files do not begin with 0.
+    if (fetchSample())
+        startTime_ = sampleTime_;
     return true;
 }
 
@@ -126,14 +143,6 @@ std::int32_t MediaFoundationSource::CloseSource() {
     if (!reader_)
         return SourceResult::notOpen;
     reader_.reset();
-    format_ = {};
-    sample_.clear();
-    offset_ = 0;
-    sampleTime_ = 0;
-    duration_ = 0;
-    bitrate_ = 0;
-    ended_ = false;
-    tags_.ClearTags();
     return SourceResult::done;
 }
 
@@ -220,6 +229,7 @@ bool MediaFoundationSource::seekTime(LONGLONG time) {
     PROPVARIANT position;
     ::PropVariantInit(&position);
     position.vt = VT_I8;
+    time += startTime_;
     position.hVal.QuadPart = std::max(time - preRoll, LONGLONG{0});
     if (FAILED(reader_->SetCurrentPosition(GUID_NULL, position)))
         return false;
@@ -251,7 +261,8 @@ std::int32_t MediaFoundationSource::SampleRate() {
 }
 
 std::int32_t MediaFoundationSource::Position() {
-    return mediaMilliseconds(static_cast<std::uint64_t>(sampleTime_ + timeOfBytes(offset_)));
+    return mediaMilliseconds(static_cast<std::uint64_t>(
+        std::max(sampleTime_ - startTime_ + timeOfBytes(offset_), LONGLONG{0})));
 }
 
 std::int32_t MediaFoundationSource::Duration() {

@@ -49,6 +49,7 @@ public:
 
 private:
     [[nodiscard]] bool prepare(const std::wstring& path);
+    void forget();
     [[nodiscard]] bool selectSound();
     [[nodiscard]] bool readFormat();
     [[nodiscard]] bool fetchSample();
@@ -64,6 +65,7 @@ private:
     std::vector<std::uint8_t> sample_; // from offset_ on not yet delivered
     std::size_t offset_ = 0;
     LONGLONG sampleTime_ = 0; // of its start, in units of 100 nanoseconds
+    LONGLONG startTime_ = 0;  // of the first sample
     LONGLONG duration_ = 0;
     std::int32_t bitrate_ = 0;
     bool ended_ = false;

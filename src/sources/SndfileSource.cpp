@@ -9,6 +9,7 @@
 #include "stream/SeekTarget.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <limits>
 #include <mmreg.h>
@@ -31,6 +32,7 @@ constexpr std::int32_t setClipping = 0x10C0;
 // Parts of its format number.
 constexpr std::int32_t containerMask = 0x0FFF0000;
 constexpr std::int32_t mpegContainer = 0x00230000;
+constexpr std::int32_t oggContainer = 0x00200000;
 
 // A frame of MPEG audio is decoded with what is left from those before it.
 constexpr std::int64_t mpegPreRoll = 8 * 1152;
@@ -69,6 +71,26 @@ constexpr DWORD mapSpeakers[] = {0, // none
                                  SPEAKER_TOP_BACK_RIGHT,
                                  SPEAKER_TOP_BACK_CENTER};
 
+// The order of Vorbis and Opus, for each number of channels.
+constexpr DWORD left = SPEAKER_FRONT_LEFT;
+constexpr DWORD right = SPEAKER_FRONT_RIGHT;
+constexpr DWORD center = SPEAKER_FRONT_CENTER;
+constexpr DWORD low = SPEAKER_LOW_FREQUENCY;
+constexpr DWORD backLeft = SPEAKER_BACK_LEFT;
+constexpr DWORD backRight = SPEAKER_BACK_RIGHT;
+constexpr DWORD sideLeft = SPEAKER_SIDE_LEFT;
+constexpr DWORD sideRight = SPEAKER_SIDE_RIGHT;
+constexpr std::array<DWORD, 8> oggSpeakers[] = {
+    {center},
+    {left, right},
+    {left, center, right},
+    {left, right, backLeft, backRight},
+    {left, center, right, backLeft, backRight},
+    {left, center, right, backLeft, backRight, low},
+    {left, center, right, sideLeft, sideRight, SPEAKER_BACK_CENTER, low},
+    {left, center, right, sideLeft, sideRight, backLeft, backRight, low},
+};
+
 std::int16_t toSample(float value) {
     constexpr float fullScale = 32768.0F;
     if (!(value >= -1.0F)) // also no number at all
@@ -95,13 +117,25 @@ std::int32_t SndfileSource::OpenSource(const std::wstring& source) {
     if (!library_.loaded())
         return noLibrary;
     CloseSource();
+    forget();
     file_ = library_.openWide(source, forReading, info_);
     if (file_ == 0)
         return SourceResult::notOpen;
     if (prepare(source))
         return SourceResult::done;
     CloseSource();
+    forget();
     return unusable;
+}
+
+void SndfileSource::forget() {
+    info_ = {};
+    format_ = {};
+    totalFrames_ = 0;
+    nextFrame_ = 0;
+    bitrate_ = 0;
+    ended_ = false;
+    tags_.ClearTags();
 }
 
 bool SndfileSource::prepare(const std::wstring& path) {
@@ -128,6 +162,10 @@ bool SndfileSource::prepare(const std::wstring& path) {
 
 std::vector<DWORD> SndfileSource::speakers() {
     const auto channels = static_cast<std::size_t>(info_.channels);
+    if ((info_.format & containerMask) == oggContainer && channels <= std::size(oggSpeakers)) {
+        const auto& speakers = oggSpeakers[channels - 1];
+        return {speakers.begin(), speakers.begin() + info_.channels};
+    }
     std::vector<std::int32_t> map(channels);
     if (library_.command(file_, getChannelMap, map.data(),
                          static_cast<std::int32_t>(channels * sizeof map[0])) == 0)
@@ -158,13 +196,6 @@ std::int32_t SndfileSource::CloseSource() {
         return SourceResult::notOpen;
     library_.close(file_);
     file_ = 0;
-    info_ = {};
-    format_ = {};
-    totalFrames_ = 0;
-    nextFrame_ = 0;
-    bitrate_ = 0;
-    ended_ = false;
-    tags_.ClearTags();
     return SourceResult::done;
 }
 

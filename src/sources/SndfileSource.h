@@ -6,7 +6,8 @@
 // MPEG have tags.
 //
 // Without the library OpenSource, CloseSource, Read and SeekTo return 3; without an open file the
-// last three return 1. A seek out of range, or one that the library refuses, returns 4.
+// last three return 1. A seek out of range, or one that the library refuses, returns 4. What a
+// closed file was, its format, times and tags, is known until the next open.
 
 #include "sources/SndfileLibrary.h"
 #include "sources/StereoMix.h"
@@ -48,6 +49,7 @@ public:
 
 private:
     [[nodiscard]] bool prepare(const std::wstring& path);
+    void forget();
     void readTags();
     [[nodiscard]] std::vector<DWORD> speakers();
     [[nodiscard]] std::int32_t readFrames(std::int16_t* to, std::int32_t frames);
