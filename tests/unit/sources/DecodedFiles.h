@@ -2,6 +2,7 @@
 
 // The sources over the real libraries and files of public tools: what is read and sought in them.
 
+#include "stream/cSoundSTRM.h"
 #include "support/BareDecoders.h"
 #include "support/FileBytes.h"
 #include "support/Media.h"
@@ -25,7 +26,7 @@ struct Reading {
 };
 
 // Reads to the end, in pieces of that many bytes.
-inline Reading readRest(cSoundSTRM& source, std::int32_t piece = 8000) {
+inline Reading readToEnd(cSoundSTRM& source, std::int32_t piece = 8000) {
     Reading reading;
     Bytes buffer(static_cast<std::size_t>(piece));
     for (int reads = 0; reading.result == 0 && reads < 100'000; ++reads) {
@@ -50,19 +51,19 @@ void expectSameAsBare(const std::wstring& name) {
     Source source;
     ASSERT_EQ(source.OpenSource(path), 0);
     Bare bare(path);
-    const Reading whole = readRest(source);
+    const Reading whole = readToEnd(source);
     EXPECT_EQ(whole.result, 5);
     EXPECT_TRUE(source.EndOfStream());
     EXPECT_GT(whole.bytes.size(), 1000u);
-    EXPECT_TRUE(whole.bytes == test::readRest(bare)) << toAnsi(name).text;
+    EXPECT_TRUE(whole.bytes == readRest(bare)) << toAnsi(name).text;
     for (const std::int32_t seconds : {2, 0, 1}) {
         seekTo(source, seconds, 1);
         EXPECT_EQ(source.Position(), seconds * 1000);
         bare.seekSeconds(seconds);
-        EXPECT_TRUE(readRest(source).bytes == test::readRest(bare)) << seconds;
+        EXPECT_TRUE(readToEnd(source).bytes == readRest(bare)) << seconds;
     }
     seekTo(source, 50, 0);
-    const Bytes half = readRest(source).bytes;
+    const Bytes half = readToEnd(source).bytes;
     EXPECT_EQ(half.size(), whole.bytes.size() / 2);
     EXPECT_TRUE(std::equal(half.rbegin(), half.rend(), whole.bytes.rbegin()));
 }

@@ -12,7 +12,7 @@ TEST(ApeFiles, every_level_decodes_to_the_very_samples_that_were_encoded) {
          {L"level-1.ape", L"level-2.ape", L"level-3.ape", L"level-4.ape", L"level-5.ape"}) {
         DecAPE source;
         ASSERT_EQ(source.OpenSource(mediaFile(name)), 0);
-        const Reading whole = readRest(source);
+        const Reading whole = readToEnd(source);
         EXPECT_EQ(whole.result, 5);
         EXPECT_TRUE(whole.bytes == samples) << name;
     }
@@ -22,7 +22,7 @@ TEST(ApeFiles, other_widths_and_channels_decode_to_the_samples_that_were_encoded
     for (const wchar_t* name : {L"mono", L"8bit", L"24bit"}) {
         DecAPE source;
         ASSERT_EQ(source.OpenSource(mediaFile(std::wstring(name) + L".ape")), 0);
-        EXPECT_TRUE(readRest(source, 6 * 1000).bytes == samplesOf(std::wstring(name) + L".wav"))
+        EXPECT_TRUE(readToEnd(source, 6 * 1000).bytes == samplesOf(std::wstring(name) + L".wav"))
             << name;
     }
 }

@@ -60,7 +60,7 @@ TEST(OggFiles, a_chain_of_links_plays_to_its_end) {
     ASSERT_EQ(source.OpenSource(mediaFile(L"two-links.ogg")), 0);
     EXPECT_EQ(source.Duration(), 6000);
     EXPECT_EQ(source.Channels(), 2);
-    const Reading whole = readRest(source);
+    const Reading whole = readToEnd(source);
     EXPECT_EQ(whole.result, 5);
     EXPECT_THAT(whole.bytes, SizeIs(132'300 * 4 + 132'300 * 2));
 }
@@ -69,7 +69,7 @@ TEST(OggFiles, vorbis_beside_another_stream_is_found) {
     DecOGG source;
     ASSERT_EQ(source.OpenSource(mediaFile(L"beside.ogg")), 0);
     EXPECT_EQ(source.Channels(), 1);
-    EXPECT_EQ(readRest(source).result, 5);
+    EXPECT_EQ(readToEnd(source).result, 5);
 }
 
 TEST(OggFiles, a_hole_is_reported_and_what_follows_still_plays) {
@@ -79,7 +79,7 @@ TEST(OggFiles, a_hole_is_reported_and_what_follows_still_plays) {
     TempFolder folder;
     DecOGG source;
     ASSERT_EQ(source.OpenSource(folder.write(L"hole.ogg", bytes)), 0);
-    const Reading whole = readRest(source);
+    const Reading whole = readToEnd(source);
     EXPECT_EQ(whole.result, 5);
     EXPECT_GT(whole.holes, 0);
     EXPECT_GT(whole.bytes.size(), 132'300u);

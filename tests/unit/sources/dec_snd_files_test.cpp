@@ -18,7 +18,7 @@ TEST(SndFiles, sixteen_bit_files_decode_to_the_very_samples_they_hold) {
     for (const wchar_t* name : {L"tune.au", L"tune.snd", L"tune.aiff", L"tune.aifc"}) {
         DecSND source;
         ASSERT_EQ(source.OpenSource(mediaFile(name)), 0);
-        EXPECT_TRUE(readRest(source).bytes == samplesOf(L"tune.wav")) << name;
+        EXPECT_TRUE(readToEnd(source).bytes == samplesOf(L"tune.wav")) << name;
     }
 }
 
@@ -29,7 +29,7 @@ TEST(SndFiles, eight_and_24_bit_files_say_16_bits_over_a_record_that_says_8_and_
         EXPECT_EQ(source.BitsPerSample(), 16);
         EXPECT_EQ(source.WFXPointer()->wBitsPerSample, bits);
         EXPECT_EQ(source.WFXPointer()->nBlockAlign, bits / 8 * 2);
-        EXPECT_THAT(readRest(source).bytes, SizeIs(132'300 * 4));
+        EXPECT_THAT(readToEnd(source).bytes, SizeIs(132'300 * 4));
     }
 }
 
@@ -39,7 +39,7 @@ TEST(SndFiles, a_vox_file_opens_by_its_extension_as_8000_hz_mono) {
     EXPECT_EQ(source.SampleRate(), 8000);
     EXPECT_EQ(source.Channels(), 1);
     BareSnd bare(mediaFile(L"tune.vox"));
-    EXPECT_TRUE(readRest(source).bytes == test::readRest(bare));
+    EXPECT_TRUE(readToEnd(source).bytes == readRest(bare));
 }
 
 TEST(SndFiles, a_file_that_the_library_does_not_know_returns_1) {
@@ -55,7 +55,7 @@ TEST(SndFiles, au_and_snd_files_without_a_header_open_as_8000_hz_mono) {
         DecSND source;
         ASSERT_EQ(source.OpenSource(folder.write(name, Bytes(100, 'x'))), 0);
         EXPECT_EQ(source.SampleRate(), 8000);
-        EXPECT_THAT(readRest(source).bytes, SizeIs(200));
+        EXPECT_THAT(readToEnd(source).bytes, SizeIs(200));
         source.CloseSource();
     }
 }
