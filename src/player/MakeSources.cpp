@@ -6,6 +6,8 @@
 #include "sources/DecSND.h"
 #include "sources/DecWAV.h"
 #include "sources/DecWMAMP3.h"
+#include "sources/MediaFoundationSource.h"
+#include "sources/SndfileSource.h"
 #include "sources/SourceAlias.h"
 
 namespace corvina {
@@ -29,14 +31,16 @@ std::unique_ptr<cSoundSTRM> makeMediaAlias() {
 
 // The order in which the sources are tried for a file.
 constexpr SourceFactory sourceFactories[] = {
-    &make<DecAPE>,    // Monkey's Audio
-    &make<DecOGG>,    // Ogg Vorbis
-    &make<DecWAV>,    // RIFF/WAVE
-    &make<DecSND>,    // what libsndfile reads
-    &make<DecWMAMP3>, // what Windows Media reads
-    &make<DecCDA>,    // audio CD tracks
-    &makeWaveAlias,   // further names of RIFF/WAVE files
-    &makeMediaAlias,  // and of what Windows Media reads
+    &make<DecAPE>,                // Monkey's Audio
+    &make<DecOGG>,                // Ogg Vorbis
+    &make<DecWAV>,                // RIFF/WAVE
+    &make<DecSND>,                // what libsndfile reads
+    &make<DecWMAMP3>,             // what Windows Media reads
+    &make<DecCDA>,                // audio CD tracks
+    &makeWaveAlias,               // further names of RIFF/WAVE files
+    &makeMediaAlias,              // and of what Windows Media reads
+    &make<SndfileSource>,         // FLAC, Opus and more of what libsndfile reads
+    &make<MediaFoundationSource>, // MP4 and AAC
 };
 
 } // namespace

@@ -122,16 +122,21 @@ std::int32_t Player::OpenAudioFile(const std::wstring& file) {
     source_ = sources_.findForFile(file);
     if (!source_)
         return failed(L"Format not supported", notSupported);
-    if (engine_.uses(source_.get()))
-        source_ = freshSource(source_);
     file_ = file;
-    const auto opened = [&] {
+    const auto opens = [&](SourceList::Source& source) {
+        if (engine_.uses(source.get()))
+            source = freshSource(source);
         const NoErrorBoxes quiet;
-        return source_->OpenSource(file);
+        return source->OpenSource(file) == SourceResult::done;
     };
-    if (opened() != SourceResult::done)
-        return failed(L"Could not open file", couldNotOpen);
-    return 0;
+    if (opens(source_))
+        return 0;
+    for (auto next = source_; (next = sources_.findNextForFile(file, next));)
+        if (opens(next)) {
+            source_ = next;
+            return 0;
+        }
+    return failed(L"Could not open file", couldNotOpen);
 }
 
 // A playback keeps its source and closes it itself.

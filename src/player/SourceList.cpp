@@ -33,6 +33,19 @@ SourceList::Source SourceList::findForFile(const std::wstring& file) const {
     return nullptr;
 }
 
+SourceList::Source SourceList::findNextForFile(const std::wstring& file,
+                                               const Source& refused) const {
+    const std::wstring extension = lowerCase(fileExtension(file));
+    const auto reads = [&](const Source& source) {
+        const std::vector<std::wstring> extensions = source->Extensions();
+        return std::find(extensions.begin(), extensions.end(), extension) != extensions.end();
+    };
+    auto next = std::find(sources_.begin(), sources_.end(), refused);
+    if (next != sources_.end())
+        next = std::find_if(next + 1, sources_.end(), reads);
+    return next == sources_.end() ? nullptr : *next;
+}
+
 std::vector<std::wstring> SourceList::allExtensions() const {
     std::wstring all;
     for (const auto& source : sources_)

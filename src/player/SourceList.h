@@ -31,6 +31,10 @@ public:
     // belongs to the first source. Both are on purpose: hosts rely on them.
     [[nodiscard]] Source findForFile(const std::wstring& file) const;
 
+    // The next source behind this one in whose list the file's whole extension is, without regard
+    // to case; null if there is none. It may read what the sources before it refuse.
+    [[nodiscard]] Source findNextForFile(const std::wstring& file, const Source& refused) const;
+
     // Every extension in order, without those that occur, whole or as a part, among the ones
     // before.
     [[nodiscard]] std::vector<std::wstring> allExtensions() const;

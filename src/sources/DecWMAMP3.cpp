@@ -82,9 +82,13 @@ bool DecWMAMP3::prepareReader() {
     // The range by frames is the whole stream and changes nothing; it is set all the same, and a
     // file for which it cannot be set is not played.
     constexpr WORD firstStream = 1;
-    return selectPcmOutput(*reader_.get(), format_) &&
-           reader_->SetRangeByFrame(firstStream, 0, 0) == S_OK &&
-           readMediaAttributes(*reader_.get(), attributes_, tags_);
+    const std::optional<MediaOutput> output = selectPcmOutput(*reader_.get(), format_);
+    if (!output || reader_->SetRangeByFrame(firstStream, 0, 0) != S_OK ||
+        !readMediaAttributes(*reader_.get(), attributes_, tags_))
+        return false;
+    if (output->outputs > 1)
+        playOnly(*reader_.get(), *output);
+    return true;
 }
 
 // After a failed open nothing is open, whatever was before.
