@@ -1,6 +1,7 @@
 #include "runtime/BitReversal.h"
 #include "runtime/Checked.h"
 #include "runtime/Rounding.h"
+#include "runtime/RuntimeError.h"
 #include "runtime/Text.h"
 #include "support/ErrorNumber.h"
 
@@ -109,9 +110,40 @@ TEST(Text, join_and_split_are_inverse) {
     EXPECT_TRUE(split(L"", L';').empty());
 }
 
+TEST(Text, what_is_behind_a_character_of_code_0_is_cut_off) {
+    EXPECT_EQ(upToNul(std::wstring(L"ab\0cd", 5)), L"ab");
+    EXPECT_EQ(upToNul(L"ab"), L"ab");
+    EXPECT_EQ(upToNul(std::wstring(2, L'\0')), L"");
+}
+
 TEST(Text, trim_removes_blanks_at_both_ends_only) {
     EXPECT_EQ(trim(L"  a b "), L"a b");
     EXPECT_EQ(trim(L"   "), L"");
+}
+
+TEST(RuntimeErrors, each_has_its_number_and_its_text) {
+    struct Expected {
+        void (*raise)();
+        std::int32_t number;
+        const wchar_t* text;
+    };
+    const Expected all[] = {
+        {&throwInvalidCall, 5, L"Invalid procedure call or argument"},
+        {&throwOverflow, 6, L"Overflow"},
+        {&throwSubscript, 9, L"Subscript out of range"},
+        {&throwDivisionByZero, 11, L"Division by zero"},
+        {[] { throwCannotLoadLibrary(L"a.dll"); }, 53, L"File not found: a.dll"},
+        {&throwObjectNotSet, 91, L"Object variable or With block variable not set"},
+    };
+    for (const Expected& expected : all) {
+        try {
+            expected.raise();
+            ADD_FAILURE() << expected.number << " was not raised";
+        } catch (const RuntimeError& error) {
+            EXPECT_EQ(error.number(), expected.number);
+            EXPECT_EQ(error.text(), expected.text);
+        }
+    }
 }
 
 } // namespace
