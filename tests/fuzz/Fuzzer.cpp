@@ -17,6 +17,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr DWORD longestRunMs = 5000; // on a busy machine
+constexpr std::chrono::milliseconds slow{20};
 
 const FuzzTarget* currentTarget = nullptr;
 const Bytes* currentInput = nullptr;
@@ -33,6 +34,27 @@ std::atomic<DWORD> runningSince{0}; // 0 between runs
     }
 }
 
+// What the stack holds that may be a return address into this program, for addr2line.
+void printPlaces(const CONTEXT& context) {
+    const auto* const module = reinterpret_cast<const std::uint8_t*>(::GetModuleHandleW(nullptr));
+    const auto* const headers = reinterpret_cast<const IMAGE_NT_HEADERS*>(
+        module + reinterpret_cast<const IMAGE_DOS_HEADER*>(module)->e_lfanew);
+    const auto code = reinterpret_cast<std::uintptr_t>(module);
+    const auto* const stack = reinterpret_cast<const std::uintptr_t*>(context.Esp);
+    MEMORY_BASIC_INFORMATION region{};
+    ::VirtualQuery(stack, &region, sizeof region);
+    const auto* const end = reinterpret_cast<const std::uintptr_t*>(
+        static_cast<const std::uint8_t*>(region.BaseAddress) + region.RegionSize);
+    int left = 24;
+    for (const std::uintptr_t* word = stack; word < end && left > 0; ++word)
+        if (*word - code <
+            headers->OptionalHeader.BaseOfCode + headers->OptionalHeader.SizeOfCode) {
+            std::fprintf(stderr, "%08zx ", static_cast<std::size_t>(*word));
+            --left;
+        }
+    std::fputs("\n", stderr);
+}
+
 LONG WINAPI onException(EXCEPTION_POINTERS* pointers) {
     const EXCEPTION_RECORD& record = *pointers->ExceptionRecord;
     // Only what ends a program: others are messages, and C++ does not come this way.
@@ -44,8 +66,10 @@ LONG WINAPI onException(EXCEPTION_POINTERS* pointers) {
     case EXCEPTION_STACK_OVERFLOW:
     case EXCEPTION_PRIV_INSTRUCTION:
     case EXCEPTION_DATATYPE_MISALIGNMENT:
-        std::fprintf(stderr, "fuzz: exception %08lx at %p\n", record.ExceptionCode,
-                     record.ExceptionAddress);
+        std::fprintf(stderr, "fuzz: exception %08lx at %p, of address %08zx\n",
+                     record.ExceptionCode, record.ExceptionAddress,
+                     static_cast<std::size_t>(record.ExceptionInformation[1]));
+        printPlaces(*pointers->ContextRecord);
         endWith("crash");
     default:
         return EXCEPTION_CONTINUE_SEARCH;
@@ -89,8 +113,10 @@ FuzzReport fuzz(const FuzzTarget& target, const FuzzOptions& options) {
     FuzzReport report;
     const auto attempt = [&](Bytes input) {
         ++report.runs;
+        const auto start = Clock::now();
         runOnce(target, input);
-        if (coverage::learn() > 0)
+        // What is slow would make all that grows out of it slow.
+        if (coverage::learn() > 0 && Clock::now() - start < slow)
             report.corpus.push_back(std::move(input));
     };
     for (const std::vector<Bytes>& given : {target.seeds(), options.corpus})

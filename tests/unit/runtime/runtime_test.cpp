@@ -110,6 +110,11 @@ TEST(Text, join_and_split_are_inverse) {
     EXPECT_TRUE(split(L"", L';').empty());
 }
 
+TEST(Text, letters_change_their_case_and_nothing_else_does) {
+    EXPECT_EQ(upperCase(L"aZ1. "), L"AZ1. ");
+    EXPECT_EQ(lowerCase(L"aZ1. "), L"az1. ");
+}
+
 TEST(Text, what_is_behind_a_character_of_code_0_is_cut_off) {
     EXPECT_EQ(upToNul(std::wstring(L"ab\0cd", 5)), L"ab");
     EXPECT_EQ(upToNul(L"ab"), L"ab");
