@@ -2,7 +2,7 @@
 
 // The keys pressed on the terminal, when standard input is one; otherwise there are none.
 //
-// While it lives, the terminal neither echoes nor waits for a whole line; Ctrl+C stays a signal.
+// While it lives, the terminal neither echoes nor collects lines; Ctrl+C stays a signal.
 
 #include <windows.h>
 
@@ -19,7 +19,7 @@ public:
     ConsoleKeys(const ConsoleKeys&) = delete;
     ConsoleKeys& operator=(const ConsoleKeys&) = delete;
 
-    // The next key that means something and was pressed already; does not wait.
+    // The next key pressed that has a meaning here; none if there is no further one. Does not wait.
     [[nodiscard]] std::optional<Key> next();
 
     // Signalled while there is input to read; null without a terminal.

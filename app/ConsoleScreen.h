@@ -20,12 +20,12 @@ public:
     ConsoleScreen& operator=(const ConsoleScreen&) = delete;
 
     void line(std::wstring_view text);
-    // A line that tells what went wrong goes to standard error.
+    // A line about what went wrong goes to standard error.
     void errorLine(std::wstring_view text);
 
     void status(std::wstring_view text);
     void clearStatus();
-    // Room for a status line; 0 when there is none to be seen.
+    // Columns that a status line may have; 0 if none is shown.
     [[nodiscard]] std::size_t statusColumns() const;
 
 private:

@@ -1,19 +1,19 @@
 #include "DecoderLibraries.h"
 
 #include "ErrorWords.h"
+#include "Owners.h"
 
 #include <algorithm>
 #include <array>
 #include <cwctype>
 #include <initializer_list>
-#include <memory>
 #include <windows.h>
 
 namespace corvina::app {
 
 namespace {
 
-constexpr long couldNotOpen = 3; // what PlayStart and OpenAudioFile answer
+constexpr long couldNotOpen = 3; // a result of PlayStart and OpenAudioFile
 
 struct Kind {
     std::initializer_list<const wchar_t*> extensions;
@@ -26,11 +26,6 @@ const std::array<Kind, 4> kinds{{
     {{L"au", L"snd", L"aif", L"aiff", L"aifc", L"voc", L"vox"}, {L"libsndfile.dll"}},
     {{L"mp3", L"wma", L"wmv"}, {L"wmvcore.dll"}},
 }};
-
-struct LibraryCloser {
-    void operator()(HMODULE library) const noexcept { FreeLibrary(library); }
-};
-using Library = std::unique_ptr<std::remove_pointer_t<HMODULE>, LibraryCloser>;
 
 std::wstring extensionOf(const std::wstring& file) {
     const std::size_t dot = file.find_last_of(L'.');

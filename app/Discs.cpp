@@ -1,16 +1,13 @@
 #include "Discs.h"
 
+#include "Owners.h"
+
 #include <algorithm>
-#include <memory>
 #include <windows.h>
 
 namespace corvina::app {
 
 namespace {
-
-struct FindCloser {
-    void operator()(HANDLE search) const noexcept { FindClose(search); }
-};
 
 std::vector<std::wstring> tracksIn(const std::wstring& root) {
     std::vector<std::wstring> tracks;
@@ -18,7 +15,7 @@ std::vector<std::wstring> tracksIn(const std::wstring& root) {
     const HANDLE first = FindFirstFileW((root + L"*.cda").c_str(), &found);
     if (first == INVALID_HANDLE_VALUE)
         return tracks;
-    const std::unique_ptr<void, FindCloser> search(first);
+    const FileSearch search(first);
     do
         tracks.push_back(root + found.cFileName);
     while (FindNextFileW(search.get(), &found));

@@ -12,8 +12,8 @@ struct DiscDrive {
     std::vector<std::wstring> tracks; // paths in the order of the disc; none without an audio disc
 };
 
-// Every CD drive, in the order of the letters. Asks the drives, which may take their time over it;
-// the system shows no message about an empty one.
+// Every CD drive, in the order of the letters. A drive may take seconds to reply. The system shows
+// no message about an empty one.
 [[nodiscard]] std::vector<DiscDrive> listDiscDrives();
 
 } // namespace corvina::app

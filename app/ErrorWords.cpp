@@ -21,14 +21,15 @@ std::wstring withNumber(const std::wstring& words, long number) {
 } // namespace
 
 std::wstring describe(const ErrorEvent& event) {
-    // The device's failures carry the name of the platform function behind the colon, and no words.
+    // A failure of the device has the platform function's name behind the colon, and no words.
     const std::size_t colon = event.function.find(L':');
     std::wstring words =
         colon == std::wstring::npos ? event.description : deviceWords(event.number);
     if (words.empty())
         words = event.description;
-    const std::wstring where = event.function.substr(colon == std::wstring::npos ? 0 : colon + 1);
-    return (where.empty() ? L"" : where + L": ") + withNumber(words, event.number);
+    const std::wstring function =
+        event.function.substr(colon == std::wstring::npos ? 0 : colon + 1);
+    return (function.empty() ? L"" : function + L": ") + withNumber(words, event.number);
 }
 
 std::wstring describe(const _com_error& error) {
@@ -47,7 +48,7 @@ std::wstring describeResult(long result, const std::wstring& controlText) {
     return withNumber(controlText.empty() ? deviceWords(result) : controlText, result);
 }
 
-bool isMatterOfCourse(const ErrorEvent& event) {
+bool isExpectedAtEnd(const ErrorEvent& event) {
     return event.function == L"StopPlayAudio:waveOutReset" && event.number == MMSYSERR_INVALHANDLE;
 }
 

@@ -10,7 +10,7 @@
 
 namespace corvina::app {
 
-// What stands for the control's result where it raised an error instead.
+// Stands for the control's result if the control raised an error instead.
 constexpr long comFailure = 99;
 
 [[nodiscard]] std::wstring describe(const _com_error& error);
@@ -22,7 +22,7 @@ constexpr long comFailure = 99;
 [[nodiscard]] std::wstring describeResult(long result, const std::wstring& controlText);
 
 // Every playback ends with this one event before DonePlay: the control resets the device once more
-// after it was closed and reports the answer. It tells nothing about the file.
-[[nodiscard]] bool isMatterOfCourse(const ErrorEvent& event);
+// after closing it and reports the failure of that. It says nothing about the file.
+[[nodiscard]] bool isExpectedAtEnd(const ErrorEvent& event);
 
 } // namespace corvina::app

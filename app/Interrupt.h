@@ -1,7 +1,8 @@
 #pragma once
 
 // Turns Ctrl+C, a closing terminal and the end of the session into an event that the program's loop
-// waits for, so that it ends by itself: playback stopped, control released. One object a program.
+// waits for. So the program ends in order: playback stopped, control released. Make one in a
+// program.
 
 #include <windows.h>
 
@@ -15,7 +16,7 @@ public:
     Interrupt& operator=(const Interrupt&) = delete;
 
     [[nodiscard]] bool requested() const noexcept;
-    // Signalled for good once an end was asked for.
+    // Stays signalled once an end was requested.
     [[nodiscard]] HANDLE waitable() const noexcept;
 };
 

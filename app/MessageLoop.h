@@ -1,6 +1,6 @@
 #pragma once
 
-// Waiting on a thread that owns windows: the control lives by the messages of this thread.
+// Waits on a thread that owns windows: the control works by the messages of this thread.
 
 #include <windows.h>
 
@@ -9,9 +9,9 @@
 
 namespace corvina::app {
 
-// Waits until a message arrives, one of the handles is signalled or the time is over, then
-// dispatches every message there is, but for those that handled takes. Null handles are passed
-// over.
+// Waits until a message arrives, one of the handles is signalled or the time is over. Then it
+// dispatches every message there is, except those for which handled returns true. Null handles are
+// ignored.
 void pumpMessages(std::span<const HANDLE> handles, DWORD timeoutMs,
                   const std::function<bool(MSG&)>& handled = {});
 

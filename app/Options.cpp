@@ -1,6 +1,7 @@
 #include "Options.h"
 
 #include "Unicode.h"
+#include "UnixPaths.h"
 
 #include <CLI/CLI.hpp>
 
@@ -24,9 +25,10 @@ constexpr const char* keyHelp =
 
 } // namespace
 
-ParsedOptions parseOptions(const std::vector<std::wstring>& arguments) {
+ParsedOptions parseOptions(const std::vector<std::wstring>& arguments, PathStyle paths) {
     Options options;
     std::vector<std::string> files;
+    std::string defaultFile;
     std::string infoFile;
     std::string pictureFile;
 
@@ -34,6 +36,8 @@ ParsedOptions parseOptions(const std::vector<std::wstring>& arguments) {
         "Plays audio files through the Corvina controls, in a window or on the terminal.",
         "corvina-play");
     parser.footer(keyHelp);
+    // A slash begins an option on Windows, but a file on Unix.
+    parser.allow_windows_style_options(paths == PathStyle::windows);
     parser.set_version_flag("--version", "corvina-play " CORVINA_VERSION);
     parser.add_option("files", files, "Files to play, in this order")->option_text("FILE...");
     parser
@@ -56,7 +60,10 @@ ParsedOptions parseOptions(const std::vector<std::wstring>& arguments) {
     parser
         .add_option("--picture", pictureFile,
                     "Save a picture of the window during playback (PNG), and quit at the end")
-        ->option_text("FILE");
+        ->option_text("FILE")
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+    // For scripts that have a file to play if the user names none.
+    parser.add_option("--default-file", defaultFile)->group("");
     parser.add_flag("--verbose", options.verbose, "Print every error event of the control");
 
     // The parser takes its arguments from the back.
@@ -64,6 +71,8 @@ ParsedOptions parseOptions(const std::vector<std::wstring>& arguments) {
     std::transform(arguments.rbegin(), arguments.rend(), utf8.begin(), toUtf8);
     try {
         parser.parse(std::move(utf8));
+        if (files.empty() && !defaultFile.empty() && !options.listDevices && infoFile.empty())
+            files.push_back(defaultFile);
         if (files.empty() && options.consoleOnly)
             throw CLI::RequiredError("A file to play");
     } catch (const CLI::ParseError& error) {
@@ -71,9 +80,12 @@ ParsedOptions parseOptions(const std::vector<std::wstring>& arguments) {
         const int code = parser.exit(error, text, text);
         return {std::nullopt, fromUtf8(text.str()), code};
     }
-    std::transform(files.begin(), files.end(), std::back_inserter(options.files), fromUtf8);
-    options.infoFile = fromUtf8(infoFile);
-    options.pictureFile = fromUtf8(pictureFile);
+    const auto toPath = [paths](const std::string& name) {
+        return paths == PathStyle::unix ? windowsPath(fromUtf8(name)) : fromUtf8(name);
+    };
+    std::transform(files.begin(), files.end(), std::back_inserter(options.files), toPath);
+    options.infoFile = toPath(infoFile);
+    options.pictureFile = toPath(pictureFile);
     return {std::move(options), {}, 0};
 }
 

@@ -118,7 +118,7 @@ bool PlayQueue::start(const std::wstring& file) {
         result = comFailure;
     }
     if (result != 0) {
-        // The control has told its own failures through Err; a device's come as a result alone.
+        // The control has reported its own failures by Err; a device's come as a result alone.
         if (!errSeen_)
             report(describeResult(result, player_.errorText(result)));
         if (const std::wstring words = missingLibraryWords(result, file); !words.empty())
@@ -127,7 +127,7 @@ bool PlayQueue::start(const std::wstring& file) {
         return false;
     }
     playing_ = true;
-    // Nothing has been read yet, so this is where the first sound comes from.
+    // Nothing has been read yet, so the first sound comes from there.
     if (second > 0)
         player_.seek(second);
     if (handlers_.started)
@@ -146,7 +146,7 @@ void PlayQueue::onDonePlay() {
 }
 
 void PlayQueue::onErr(const ErrorEvent& event) {
-    if (isMatterOfCourse(event)) {
+    if (isExpectedAtEnd(event)) {
         if (handlers_.remarked)
             handlers_.remarked(describe(event));
         return;

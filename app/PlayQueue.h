@@ -2,8 +2,8 @@
 
 // A list of files, played one after the other through one player control.
 //
-// Driven by the messages of the thread it lives on: the control's events move it on, tick() sees to
-// it that a device which never finishes does not hold it up. Handlers may call the queue.
+// The control's events, which come with the messages of this thread, start the next file. tick()
+// gives up on a device that never finishes. Handlers may call the queue.
 
 #include "PlayerClient.h"
 
@@ -16,10 +16,10 @@
 namespace corvina::app {
 
 struct QueueHandlers {
-    std::function<void()> started; // the current file sounds from now on
+    std::function<void()> started; // the current file plays from now on
     std::function<void()> ended;   // nothing plays any more, and nothing follows
     std::function<void(const std::wstring& words)> failed;
-    std::function<void(const std::wstring& words)> remarked; // of no consequence
+    std::function<void(const std::wstring& words)> remarked; // has no consequence
 };
 
 class PlayQueue {
@@ -27,7 +27,7 @@ public:
     explicit PlayQueue(QueueHandlers handlers);
 
     [[nodiscard]] const std::vector<std::wstring>& files() const noexcept { return files_; }
-    // The file that plays, or would be played next; files().size() behind the last.
+    // The file that plays, or would be played next; files().size() after the last.
     [[nodiscard]] std::size_t current() const noexcept { return current_; }
     void add(std::wstring file) { files_.push_back(std::move(file)); }
     void remove(std::size_t index);
@@ -36,7 +36,7 @@ public:
     // Takes effect at the next start. 0-based; -1 is the system's choice.
     void setDevice(long device) noexcept { device_ = device; }
 
-    // Plays that file and those behind it; what plays is stopped first. At a time in seconds.
+    // Plays that file, from a time in seconds on, and those after it. What plays is stopped first.
     void play(std::size_t index, long atSecond = 0);
     void stop();
     void next();
@@ -45,15 +45,15 @@ public:
     void seekTo(long second);
     void seekBy(long seconds);
 
-    // To be called now and then while isActive().
+    // Call it several times a second while isActive().
     void tick();
 
     // From play() until ended was called.
     [[nodiscard]] bool isActive() const noexcept { return active_; }
-    // While a file sounds or is paused; not while it is being stopped.
+    // While a file plays or is paused; not while it is being stopped.
     [[nodiscard]] bool isPlaying() const noexcept { return playing_ && !deadline_; }
 
-    // The control's result for the first file that could not be played whole, else 0.
+    // The control's result for the first file that could not be played to its end, else 0.
     [[nodiscard]] long result() const noexcept { return result_; }
 
     [[nodiscard]] PlayerClient& player() noexcept { return player_; }
@@ -79,7 +79,7 @@ private:
     bool active_ = false;
     bool playing_ = false;                      // from a successful start to DonePlay
     std::optional<std::size_t> following_;      // what to play after DonePlay
-    std::optional<Clock::time_point> deadline_; // for DonePlay, once a stop was asked for
+    std::optional<Clock::time_point> deadline_; // for DonePlay, once a stop was requested
     bool errSeen_ = false;                      // since the latest start
     long result_ = 0;
 

@@ -10,7 +10,7 @@ namespace {
 
 _COM_SMARTPTR_TYPEDEF(IConnectionPointContainer, __uuidof(IConnectionPointContainer));
 
-// An interface member whose last parameter is where its result goes.
+// An interface member whose last parameter receives its result.
 template <typename... Parameters>
 using Member = HRESULT (STDMETHODCALLTYPE _cPlayer::*)(Parameters...);
 
@@ -28,8 +28,8 @@ using ResultOf = std::remove_pointer_t<
 // Calls a member of the control and returns its result; a failed call throws with the control's own
 // error information.
 template <typename... Parameters, typename... Arguments>
-ResultOf<Parameters...> ask(const _cPlayerPtr& player, Member<Parameters...> member,
-                            Arguments&&... arguments) {
+ResultOf<Parameters...> call(const _cPlayerPtr& player, Member<Parameters...> member,
+                             Arguments&&... arguments) {
     _cPlayer* const control = player.GetInterfacePtr();
     ResultOf<Parameters...> result{};
     const HRESULT code = (control->*member)(std::forward<Arguments>(arguments)..., &result);
@@ -63,23 +63,19 @@ private:
 
 } // namespace
 
-PlayerClient::PlayerClient(PlayerHandlers handlers) : sink_(new PlayerEvents(std::move(handlers))) {
-    try {
-        HRESULT code = player_.CreateInstance(__uuidof(cPlayer), nullptr, CLSCTX_INPROC_SERVER);
-        if (FAILED(code))
-            _com_issue_error(code);
-        const IConnectionPointContainerPtr container(player_.GetInterfacePtr());
-        code = container ? container->FindConnectionPoint(__uuidof(__cPlayer), &events_)
-                         : E_NOINTERFACE;
-        if (SUCCEEDED(code))
-            code = events_->Advise(sink_, &connection_);
-        if (FAILED(code))
-            _com_issue_error(code);
-        ask(player_, &_cPlayer::Init);
-    } catch (...) {
-        sink_->Release();
-        throw;
-    }
+PlayerClient::PlayerClient(PlayerHandlers handlers)
+    : sink_(new PlayerEvents(std::move(handlers)), false) {
+    HRESULT code = player_.CreateInstance(__uuidof(cPlayer), nullptr, CLSCTX_INPROC_SERVER);
+    if (FAILED(code))
+        _com_issue_error(code);
+    const IConnectionPointContainerPtr container(player_.GetInterfacePtr());
+    code =
+        container ? container->FindConnectionPoint(__uuidof(__cPlayer), &events_) : E_NOINTERFACE;
+    if (SUCCEEDED(code))
+        code = events_->Advise(sink_, &connection_);
+    if (FAILED(code))
+        _com_issue_error(code);
+    call(player_, &_cPlayer::Init);
 }
 
 PlayerClient::~PlayerClient() {
@@ -87,53 +83,52 @@ PlayerClient::~PlayerClient() {
     long ignored = 0;
     player_->DeInit(&ignored);
     events_->Unadvise(connection_);
-    sink_->Release();
 }
 
 long PlayerClient::open(const std::wstring& file) {
-    return ask(player_, &_cPlayer::OpenAudioFile, TextArgument(file));
+    return call(player_, &_cPlayer::OpenAudioFile, TextArgument(file));
 }
 
 long PlayerClient::start(const std::wstring& file, long device) {
     constexpr long bufferSize = 0; // without effect
-    return ask(player_, &_cPlayer::PlayStart, TextArgument(file), device, bufferSize);
+    return call(player_, &_cPlayer::PlayStart, TextArgument(file), device, bufferSize);
 }
 
 long PlayerClient::stop() {
-    return ask(player_, &_cPlayer::PlayStop);
+    return call(player_, &_cPlayer::PlayStop);
 }
 
 void PlayerClient::abandon() {
-    ask(player_, &_cPlayer::DeInit);
-    ask(player_, &_cPlayer::Init);
+    call(player_, &_cPlayer::DeInit);
+    call(player_, &_cPlayer::Init);
 }
 
 long PlayerClient::pause() {
-    return ask(player_, &_cPlayer::PlayPause);
+    return call(player_, &_cPlayer::PlayPause);
 }
 
 long PlayerClient::goOn() {
-    return ask(player_, &_cPlayer::PlayUnPause);
+    return call(player_, &_cPlayer::PlayUnPause);
 }
 
 bool PlayerClient::isPlaying() {
-    return ask(player_, &_cPlayer::IsPlaying) != VARIANT_FALSE;
+    return call(player_, &_cPlayer::IsPlaying) != VARIANT_FALSE;
 }
 
 bool PlayerClient::isPaused() {
-    return ask(player_, &_cPlayer::IsPausedOut) != VARIANT_FALSE;
+    return call(player_, &_cPlayer::IsPausedOut) != VARIANT_FALSE;
 }
 
 long PlayerClient::positionSeconds() {
-    return ask(player_, &_cPlayer::PositionGet);
+    return call(player_, &_cPlayer::PositionGet);
 }
 
 void PlayerClient::seek(long seconds) {
-    ask(player_, &_cPlayer::PositionSet, seconds);
+    call(player_, &_cPlayer::PositionSet, seconds);
 }
 
 long PlayerClient::audioData() {
-    return ask(player_, &_cPlayer::get_AudioDataOut);
+    return call(player_, &_cPlayer::get_AudioDataOut);
 }
 
 void PlayerClient::showAbout() {
@@ -141,10 +136,11 @@ void PlayerClient::showAbout() {
 }
 
 FileFormat PlayerClient::format() {
-    return {
-        ask(player_, &_cPlayer::get_Info_Bitrate), ask(player_, &_cPlayer::get_Info_BitsPerSample),
-        ask(player_, &_cPlayer::get_Info_Channels), ask(player_, &_cPlayer::get_Info_Samplerate),
-        ask(player_, &_cPlayer::get_Info_Duration)};
+    return {call(player_, &_cPlayer::get_Info_Bitrate),
+            call(player_, &_cPlayer::get_Info_BitsPerSample),
+            call(player_, &_cPlayer::get_Info_Channels),
+            call(player_, &_cPlayer::get_Info_Samplerate),
+            call(player_, &_cPlayer::get_Info_Duration)};
 }
 
 std::vector<FileTag> PlayerClient::tags(const std::wstring& file) {
@@ -154,21 +150,21 @@ std::vector<FileTag> PlayerClient::tags(const std::wstring& file) {
         {L"Year", &_cPlayer::get_Tag_SongYear},   {L"Genre", &_cPlayer::get_Tag_Genre},
         {L"Comment", &_cPlayer::get_Tag_Comment},
     };
-    ask(player_, &_cPlayer::GetID3Tags, TextArgument(file));
+    call(player_, &_cPlayer::GetID3Tags, TextArgument(file));
     std::vector<FileTag> result;
     for (const auto& [name, member] : members)
-        if (std::wstring value = takeText(ask(player_, member)); !value.empty())
+        if (std::wstring value = takeText(call(player_, member)); !value.empty())
             result.push_back({name, std::move(value)});
     return result;
 }
 
 std::vector<OutputDevice> PlayerClient::devices() {
     std::vector<OutputDevice> result;
-    const long count = ask(player_, &_cPlayer::NumOfAudioDevices, static_cast<long>(AUDIOOUT));
+    const long count = call(player_, &_cPlayer::NumOfAudioDevices, static_cast<long>(AUDIOOUT));
     for (long index = 0; index < count; ++index) {
         AudioDeviceDetails details{};
-        const long failed =
-            ask(player_, &_cPlayer::GetDetailsDevice, index, static_cast<long>(AUDIOOUT), &details);
+        const long failed = call(player_, &_cPlayer::GetDetailsDevice, index,
+                                 static_cast<long>(AUDIOOUT), &details);
         OutputDevice device{index, takeText(details.DeviceName), details.DeviceChannels};
         SysFreeString(details.DeviceDriver);
         if (!failed)
@@ -178,11 +174,11 @@ std::vector<OutputDevice> PlayerClient::devices() {
 }
 
 std::wstring PlayerClient::timeText(long seconds) {
-    return takeText(ask(player_, &_cPlayer::GetSecondsAsTimeString, seconds));
+    return takeText(call(player_, &_cPlayer::GetSecondsAsTimeString, seconds));
 }
 
 std::wstring PlayerClient::errorText(long result) {
-    return takeText(ask(player_, &_cPlayer::ErrorTextOut, result));
+    return takeText(call(player_, &_cPlayer::ErrorTextOut, result));
 }
 
 } // namespace corvina::app

@@ -1,7 +1,7 @@
 #pragma once
 
 // The registered cPlayer control, as a C++ host uses it: created through COM, called through its
-// published interface, its events received. One thread, an apartment of its own (CoInitialize),
+// published interface, its events received. Use it on one thread, in an apartment (CoInitialize),
 // which pumps messages while something plays.
 //
 // Members that return long return the control's result, 0 for success. A failure of COM itself
@@ -64,7 +64,7 @@ public:
 
     // Of the file opened or started last.
     [[nodiscard]] FileFormat format();
-    [[nodiscard]] std::vector<FileTag> tags(const std::wstring& file); // those with a text
+    [[nodiscard]] std::vector<FileTag> tags(const std::wstring& file); // those that are not empty
     [[nodiscard]] std::vector<OutputDevice> devices();
 
     [[nodiscard]] std::wstring timeText(long seconds);
@@ -73,8 +73,7 @@ public:
 private:
     _cPlayerPtr player_;
     IConnectionPointPtr events_;
-    // The one reference of ours; the connection point holds its own.
-    PlayerEvents* sink_;
+    PlayerEventsPtr sink_;
     DWORD connection_ = 0;
 };
 

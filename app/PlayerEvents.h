@@ -4,6 +4,7 @@
 // pumps the control's messages.
 
 #include <Corvina.h>
+#include <comdef.h>
 #include <ocidl.h>
 
 #include <atomic>
@@ -13,7 +14,7 @@
 namespace corvina::app {
 
 struct ErrorEvent {
-    std::wstring function; // where, often with the failing platform function; may be empty
+    std::wstring function; // that failed, often with the platform function; may be empty
     long number = 0;
     std::wstring description; // may be empty
 };
@@ -23,12 +24,12 @@ struct PlayerHandlers {
     std::function<void(const ErrorEvent&)> err;
 };
 
-// The sink that the control calls. Counted: the connection point and the client share it.
+// The sink that the control calls. The connection point and the client share it by counting.
 class PlayerEvents final : public IDispatch {
 public:
     explicit PlayerEvents(PlayerHandlers handlers);
 
-    // No handler is called from here on.
+    // No handler is called any more.
     void silence() { handlers_ = {}; }
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** result) override;
@@ -49,5 +50,7 @@ private:
     PlayerHandlers handlers_;
     std::atomic<ULONG> references_{1};
 };
+
+using PlayerEventsPtr = _com_ptr_t<_com_IIID<PlayerEvents, &IID_IDispatch>>;
 
 } // namespace corvina::app

@@ -1,6 +1,6 @@
 #pragma once
 
-// One line that shows how far a playback is. Pure text; who prints it decides where.
+// One line of text that shows how far a playback is.
 
 #include <string>
 #include <string_view>

@@ -56,14 +56,18 @@ long Session::run() {
     while (!leaving() || queue_.isActive()) {
         if (leaving())
             queue_.stop();
-        // Once the end was asked for, its event stays signalled: only the messages matter then.
+        // Once an end was requested its event stays signalled, and would end every wait at once.
         const HANDLE ending = interrupt_.requested() ? nullptr : interrupt_.waitable();
         pumpMessages(std::array{terminal_.waitable(), ending}, tickMs, handled);
         terminal_.tick(queue_);
         queue_.tick();
         savePictureInTime();
     }
-    return interrupt_.requested() ? interruptedExit : queue_.result();
+    if (interrupt_.requested())
+        return interruptedExit;
+    if (window_ && !options_.pictureFile.empty() && !pictureSaved_ && queue_.result() == 0)
+        terminal_.onRemarked(L"Too short for a picture of the window.");
+    return queue_.result();
 }
 
 bool Session::leaving() const {

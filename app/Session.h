@@ -19,7 +19,7 @@ class Session {
 public:
     Session(const Options& options, ConsoleScreen& screen, const Interrupt& interrupt);
 
-    // Returns the control's result for the first file that could not be played whole, else 0;
+    // Returns the control's result for the first file that could not be played to its end, else 0;
     // interruptedExit after Ctrl+C.
     long run();
 

@@ -30,11 +30,11 @@ void TerminalFront::onFailed(const PlayQueue& queue, const std::wstring& words) 
 
 void TerminalFront::tick(PlayQueue& queue) {
     while (const std::optional<Key> key = keys_.next())
-        obey(queue, *key);
+        carryOut(queue, *key);
     showProgress(queue);
 }
 
-void TerminalFront::obey(PlayQueue& queue, Key key) {
+void TerminalFront::carryOut(PlayQueue& queue, Key key) {
     switch (key) {
     case Key::pause:
         queue.togglePause();

@@ -1,6 +1,6 @@
 #pragma once
 
-// The player on the terminal: tells what plays and how far it is, and obeys the keys.
+// The player on the terminal: shows what plays and how far it is, and carries out the keys.
 
 #include "ConsoleKeys.h"
 #include "ConsoleScreen.h"
@@ -19,14 +19,14 @@ public:
     void onFailed(const PlayQueue& queue, const std::wstring& words);
     void onRemarked(const std::wstring& words) { screen_.errorLine(words); }
 
-    // Obeys the keys pressed so far and shows the progress; to be called several times a second.
+    // Carries out the keys pressed so far and shows the progress. Call it several times a second.
     void tick(PlayQueue& queue);
 
     [[nodiscard]] bool leaveRequested() const noexcept { return leaveRequested_; }
     [[nodiscard]] HANDLE waitable() const noexcept { return keys_.waitable(); }
 
 private:
-    void obey(PlayQueue& queue, Key key);
+    void carryOut(PlayQueue& queue, Key key);
     void showProgress(PlayQueue& queue);
 
     ConsoleScreen& screen_;

@@ -1,6 +1,6 @@
 #pragma once
 
-// Text between UTF-16, which Windows and COM speak, and UTF-8, which CLI11 and pipes speak.
+// Converts text between UTF-16, for Windows and COM, and UTF-8, for the option parser and pipes.
 
 #include <string>
 #include <string_view>

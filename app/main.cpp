@@ -9,6 +9,7 @@
 #include "Options.h"
 #include "PlayerClient.h"
 #include "Session.h"
+#include "UnixPaths.h"
 
 #include <shellapi.h>
 
@@ -38,8 +39,8 @@ public:
     Apartment& operator=(const Apartment&) = delete;
 };
 
-// Started from the desktop the program gets a console window of its own, which nobody asked for. A
-// terminal that somebody sits at has no such window, or another program in it.
+// A program started from the desktop gets a console window of its own, which nobody wants. A
+// terminal that a person uses has no such window, or another program in it.
 void leaveOwnConsole() {
     DWORD processes[2];
     if (GetConsoleProcessList(processes, 2) == 1 && IsWindowVisible(GetConsoleWindow()))
@@ -76,7 +77,8 @@ long showInfo(ConsoleScreen& screen, const std::wstring& file) {
 }
 
 int run(ConsoleScreen& screen) {
-    const ParsedOptions parsed = parseOptions(commandLine());
+    const ParsedOptions parsed =
+        parseOptions(commandLine(), runsUnderWine() ? PathStyle::unix : PathStyle::windows);
     if (!parsed.options) {
         const std::wstring text = parsed.text.substr(0, parsed.text.find_last_not_of(L'\n') + 1);
         parsed.exitCode == 0 ? screen.line(text) : screen.errorLine(text);

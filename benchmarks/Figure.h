@@ -1,7 +1,7 @@
 #pragma once
 
-// What a benchmark measures and how it reports it: a figure beside a reference that was measured in
-// the same run, turn by turn with it, so that a slow or busy machine slows both.
+// How a benchmark measures and reports. A figure is compared with a reference that was measured in
+// the same run, in turns with it, so that a slow or busy machine slows both.
 
 #include <algorithm>
 #include <chrono>
@@ -11,7 +11,7 @@
 
 namespace corvina::bench {
 
-// What of a figure is compared with its goal.
+// The number that is compared with the goal, and in which direction.
 enum class Judged { ratioAtLeast, ratioAtMost, excessAtMost, valueAtMost };
 
 // One line of JSON on standard output. The ratio is value to reference; the excess is their
@@ -27,7 +27,7 @@ struct Pair {
     double ratio; // median of the single turns' ratios
 };
 
-// Measures both once unseen, then so many times in turn; the medians.
+// Measures both once without counting it, then so many times in turns; returns the medians.
 template <typename Measure, typename MeasureReference>
 [[nodiscard]] Pair interleaved(int turns, Measure measure, MeasureReference measureReference) {
     (void)measureReference();
@@ -49,7 +49,7 @@ template <typename Body>
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-// Ends the program with a message on standard error: a figure that cannot be measured is no figure.
+// Ends the program with a message on standard error. For a benchmark that cannot measure.
 [[noreturn]] void giveUp(const std::string& why);
 
 } // namespace corvina::bench

@@ -42,7 +42,7 @@ Form::Form(IUnknown* control, SIZE size) {
                                 size.cy, nullptr, nullptr, nullptr, nullptr);
     const HWND container = ::CreateWindowExW(0, L"AtlAxWin", nullptr, WS_CHILD | WS_VISIBLE, 0, 0,
                                              size.cx, size.cy, window_, nullptr, nullptr, nullptr);
-    // Without activation: where no window manager runs the system waits seconds for one.
+    // Without activation, for which the system waits seconds if no window manager runs.
     ::ShowWindow(window_, SW_SHOWNOACTIVATE);
     if (FAILED((function<HRESULT WINAPI(IUnknown*, HWND, IUnknown**)>(atl, "AtlAxAttachControl")(
             control, container, host_.put()))))

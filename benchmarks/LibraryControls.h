@@ -1,6 +1,6 @@
 #pragma once
 
-// The controls of the library that was built, registered or not, and a form to place them on.
+// The controls of the library that was built, whether registered or not, and a form for them.
 
 #include "Figure.h"
 #include "com/ComPtr.h"
@@ -11,7 +11,7 @@ namespace corvina::bench {
 
 [[nodiscard]] ComPtr<IUnknown> createUnknown(REFCLSID clsid);
 
-// Ends the program where there is no such class or interface.
+// Ends the program if there is no such class or interface.
 template <typename Interface>
 [[nodiscard]] ComPtr<Interface> createControl(REFCLSID clsid) {
     auto control = createUnknown(clsid).query<Interface>();
@@ -20,7 +20,7 @@ template <typename Interface>
     return control;
 }
 
-// A visible window of that size, filled by the control in a container of the system's.
+// A visible window of that size, filled by the control in the system's own container.
 class Form {
 public:
     Form(IUnknown* control, SIZE size);

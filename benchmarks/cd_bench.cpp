@@ -1,5 +1,5 @@
-// How fast a track streams from a virtual drive, beside a bare loop of the same requests: from a
-// drive that answers at once, and from one that takes as long as a drive of 8x speed does.
+// How fast a track streams from a virtual drive, compared with a bare loop of the same requests:
+// from a drive without delay, and from one with the delay of an 8x drive.
 
 #include "Figure.h"
 #include "cd/IoControlCodes.h"
@@ -98,7 +98,7 @@ double bareDeviceIoControl(std::int32_t sectors) {
     });
 }
 
-// The whole track in the pieces that the converter asks for.
+// Reads the track in the pieces that the converter asks for.
 double throughManager() {
     cdManager manager;
     if (!manager.InitManager() || !manager.SelectDevice(0) || manager.SelectTrack(1) != 0)
@@ -131,7 +131,7 @@ void measure(const Way& way, VirtualDrive& drive) {
            seconds.ratio, Judged::ratioAtMost, 1.5);
 }
 
-// 6.9 ms for four sectors: somewhat under eight times the speed at which they sound.
+// 6.9 ms for four sectors: a little less than eight times the speed of playing them.
 void measureSlow(const Way& way, VirtualDrive& drive) {
     constexpr std::int32_t sectors = 300;
     const DiscImage disc({{true, sectors}});
@@ -152,7 +152,8 @@ void measureSlow(const Way& way, VirtualDrive& drive) {
 int main() {
     using namespace corvina::bench;
     if (!VirtualDrive::exists('d'))
-        giveUp("the test environment has no virtual CD drive: tools/test-environment --empty-drive");
+        giveUp(
+            "the test environment has no virtual CD drive: tools/test-environment --empty-drive");
     VirtualDrive drive('d');
     // Only that drive is to be found.
     std::list<VirtualDrive> others;

@@ -1,5 +1,5 @@
-// How fast files come through the WAV source and the converter, beside the bare functions that the
-// work cannot do without.
+// How fast the WAV source and the converter deliver files, compared with the bare system functions
+// that the work needs in any case.
 
 #include "Figure.h"
 #include "platform/AcmApi.h"
@@ -46,7 +46,7 @@ private:
     HANDLE handle_;
 };
 
-// Seconds for the whole file in blocks, opening not counted.
+// Seconds for reading the file in blocks, without opening it.
 double throughConverter(const std::wstring& path) {
     DecWAV source;
     cPCM converter;
@@ -77,7 +77,8 @@ void pcmBesideReadFile(TempFolder& folder) {
            Judged::ratioAtLeast, 0.8);
 }
 
-// The file of another program, its data many times over: blocks of ADPCM follow one another freely.
+// A file made by another program, with its data repeated: blocks of ADPCM do not depend on each
+// other.
 Bytes longAdpcm(const std::wstring& path, int times) {
     DecWAV source;
     if (source.OpenSource(path) != 0)
@@ -103,7 +104,7 @@ double bareAcmLoop(const std::wstring& path) {
     if (source.OpenSource(path) != 0)
         giveUp("the ADPCM file of the benchmark cannot be opened");
     auto* const from = const_cast<WAVEFORMATEX*>(source.WFXPointer());
-    // 8 bits where the codec makes them, as the converter has it for 4-bit sources.
+    // 8 bits if the codec can make them, as the converter does for 4-bit sources.
     WAVEFORMATEX to = pcm(from->nSamplesPerSec, from->nChannels, 8);
     HACMSTREAM stream = nullptr;
     if (::acmStreamOpen(&stream, nullptr, from, &to, nullptr, 0, 0, 0) != 0) {

@@ -1,5 +1,6 @@
-// How fast Ogg Vorbis, APE and AU files open, seek and come through the converter, beside bare
-// loops over the same libraries; and the Vorbis library itself beside the system's native one.
+// How fast Ogg Vorbis, APE and AU files are opened, sought and converted, compared with bare loops
+// over the same libraries; and our build of the Vorbis library compared with the system's native
+// one.
 
 #include "Figure.h"
 #include "sources/DecAPE.h"
@@ -21,7 +22,7 @@ constexpr int turns = 9;
 constexpr double soundSeconds = 60;
 constexpr std::int32_t blockBytes = 8000;
 char block[blockBytes];
-// What the converter asks for first: half a second.
+// The first request of the converter: half a second.
 constexpr std::int32_t fillBytes = 88'200;
 char fill[fillBytes];
 
@@ -115,8 +116,8 @@ void measure(const std::string& format, const wchar_t* file, double throughGoal)
            seeking.reference, seeking.ratio, Judged::ratioAtMost, 1.5);
 }
 
-// Runs the native program, which writes its seconds to a file when it is done. The system has no
-// handle to wait for on a program that is none of Windows.
+// Runs the native program, which writes its seconds to a file when it is done: Wine gives no handle
+// to wait for on a native program.
 double nativeLoop() {
     constexpr const char* result = "native_ov_read.seconds";
     std::remove(result);
@@ -133,10 +134,10 @@ double nativeLoop() {
     while (::GetTickCount64() < deadline) {
         double seconds = 0;
         if (FILE* const file = std::fopen(result, "r")) {
-            const bool whole =
+            const bool complete =
                 std::fscanf(file, "%lf s", &seconds) == 1 && std::fgetc(file) == '\n';
             std::fclose(file);
-            if (whole)
+            if (complete)
                 return seconds;
         }
         ::Sleep(10);

@@ -1,4 +1,5 @@
-// The 1024-point transform beside KissFFT's double-precision complex one, same flags, same run.
+// The 1024-point transform compared with KissFFT's double-precision complex one, built with the
+// same flags and run in turns with it.
 
 #include "Figure.h"
 #include "graph/RadixTwoTransform.h"
@@ -30,12 +31,12 @@ int main() {
         samples[reverseBits(static_cast<std::uint32_t>(i), 10)] = {in[i].r, 0.0};
     }
 
-    double sum = 0.0; // of what was read, so that nothing is left out
+    double sum = 0.0; // of the results, so that the compiler leaves nothing out
     const auto kiss = [&] {
         kiss_fft(plan, in.data(), out.data());
         sum += out[1].r;
     };
-    // In place, so its input is copied for each run: that is counted.
+    // It works in place, so its input is copied for each run; the copy counts.
     const auto ours = [&] {
         spectrum = samples;
         transform.run(spectrum);

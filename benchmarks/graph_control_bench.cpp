@@ -1,5 +1,5 @@
-// The graph control in a container: what a Display costs, what it leaves behind, and what judging
-// an address costs.
+// The graph control in a container: the time of a Display, what it leaves behind, and the time of
+// checking an address.
 
 #include "Figure.h"
 #include "LibraryControls.h"
@@ -20,7 +20,7 @@ namespace {
 
 using namespace corvina;
 
-// What a process can still make shows what it has not given back.
+// The number of objects that the process can still make; those not given back are missing from it.
 std::size_t freeUserObjects() {
     std::vector<HMENU> menus;
     while (const HMENU menu = ::CreateMenu())
@@ -36,9 +36,10 @@ SIZE_T committedBytes() {
     return counters.PagefileUsage;
 }
 
-// The quickest of many turns of so many calls, so that other work of the machine does not count.
+// Seconds for one call: the fastest of many turns, so that other work of the machine does not
+// count.
 template <typename Body>
-double secondsOf(int calls, Body body) {
+double fastestCall(int calls, Body body) {
     std::vector<double> times;
     for (int turn = 0; turn < 51; ++turn)
         times.push_back(bench::secondsFor([&] {
@@ -53,10 +54,10 @@ void reportLimit(const char* name, const char* unit, double value, double goal) 
     bench::report(name, unit, value, goal, value / goal, bench::Judged::valueAtMost, goal);
 }
 
-double millisecondsOfDisplay(_cAudioGraph& graph, AudioGraphStyle style) {
+double millifastestCallDisplay(_cAudioGraph& graph, AudioGraphStyle style) {
     graph.put_GraphStyle(style);
     test::dispatchWaitingMessages();
-    return 1e3 * secondsOf(20, [&] { graph.Display(); });
+    return 1e3 * fastestCall(20, [&] { graph.Display(); });
 }
 
 } // namespace
@@ -73,11 +74,11 @@ int main() {
     graph->SetAudioData(reinterpret_cast<LONG>(samples.data()), &zero);
 
     reportLimit("Display of 50 bands at 400 x 200", "ms",
-                millisecondsOfDisplay(*graph.get(), FREQUENCY_STYLE), 1.0);
+                millifastestCallDisplay(*graph.get(), FREQUENCY_STYLE), 1.0);
     reportLimit("Display of the waveform at 400 x 200", "ms",
-                millisecondsOfDisplay(*graph.get(), AMPLITUDE_STYLE), 2.0);
-    reportLimit("judging an address", "us",
-                1e6 * secondsOf(1000, [&] { (void)isReadable(samples.data(), 1023); }), 1.0);
+                millifastestCallDisplay(*graph.get(), AMPLITUDE_STYLE), 2.0);
+    reportLimit("checking an address", "us",
+                1e6 * fastestCall(1000, [&] { (void)isReadable(samples.data(), 1023); }), 1.0);
 
     const auto displayBothStyles = [&](int times) {
         for (int i = 0; i < times; ++i) {

@@ -1,4 +1,5 @@
-// Processor time of a host that plays a file and shows it 30 times a second, beside playing alone.
+// Processor time of a host that plays a file and draws it 30 times a second, compared with playing
+// alone.
 
 #include "LibraryControls.h"
 #include "ProcessorTime.h"

@@ -1,4 +1,4 @@
-// A pass of the filter beside the same arithmetic written as a plain loop.
+// A pass of the filter compared with the same arithmetic written as a plain loop.
 
 #include "Figure.h"
 #include "graph/cIIRFilter.h"
@@ -35,7 +35,7 @@ struct PlainFilter {
 } // namespace
 
 int main() {
-    // Feedback without loss, so that the signal neither dies away nor grows from pass to pass.
+    // An all-pass: the signal neither fades nor grows from pass to pass.
     constexpr BiquadCoefficients allPass{0.4128F, -1.143F, 1.0F, -1.143F, 0.4128F};
     std::vector<std::int16_t> samples(4000);
     for (std::size_t i = 0; i < samples.size(); ++i)

@@ -1,4 +1,4 @@
-// What a call through cDLL costs above a direct one.
+// How much longer a call through cDLL takes than a direct one.
 
 #include "Figure.h"
 #include "stream/cDLL.h"

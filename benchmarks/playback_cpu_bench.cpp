@@ -1,7 +1,7 @@
-// Processor time of this process while a file plays, beside a bare ring.
+// Processor time of this process while a file plays, compared with the minimal player.
 
-#include "BareRing.h"
 #include "Figure.h"
+#include "MinimalWavPlayer.h"
 #include "ProcessorTime.h"
 #include "support/BarePlayer.h"
 #include "support/Media.h"
@@ -32,10 +32,10 @@ double player(test::BarePlayer& host, const std::wstring& path) {
     return result;
 }
 
-double bare(BareRing& ring, const std::wstring& path) {
-    ring.start(path);
-    const double result = whilePlaying([&ring] { return ring.done(); });
-    ring.stop();
+double bare(MinimalWavPlayer& minimal, const std::wstring& path) {
+    minimal.start(path);
+    const double result = whilePlaying([&minimal] { return minimal.done(); });
+    minimal.stop();
     return result;
 }
 
@@ -46,10 +46,10 @@ int main() {
     using namespace corvina::bench;
     corvina::test::BarePlayer host;
     host.init();
-    BareRing ring;
+    MinimalWavPlayer minimal;
     const std::wstring path = corvina::test::mediaFile(L"half-minute.wav");
     const Pair time = interleaved(
-        turns, [&] { return player(host, path); }, [&] { return bare(ring, path); });
-    report("Processor time for a second of sound, beside a bare ring", "ms", time.value,
+        turns, [&] { return player(host, path); }, [&] { return bare(minimal, path); });
+    report("Processor time for a second of sound, beside the minimal player", "ms", time.value,
            time.reference, time.value / time.reference, Judged::ratioAtMost, 1.15);
 }

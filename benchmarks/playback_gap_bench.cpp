@@ -1,7 +1,7 @@
 // Whether the sound goes on while the host handles no messages for 300 ms, a hundred times over.
 
-#include "BareRing.h"
 #include "Figure.h"
+#include "MinimalWavPlayer.h"
 #include "support/BarePlayer.h"
 #include "support/Comparison.h"
 #include "support/Recording.h"
@@ -16,8 +16,8 @@ constexpr auto between = std::chrono::milliseconds(100);
 constexpr std::size_t frames = 44100 * 45;
 constexpr auto deadline = std::chrono::seconds(60);
 
-// Silent stretches in a recording of a signal that is never silent; something missing without a
-// silence in its place counts as one. Behind the signal comes what is left in the last block.
+// Silent stretches in a recording of a signal that is never silent. Something missing without a
+// silence in its place counts as one. After the signal comes the rest of the last block.
 int gapsIn(const test::Frames& signal, const test::Frames& heard) {
     int gaps = 0;
     bool silent = false;
@@ -29,7 +29,7 @@ int gapsIn(const test::Frames& signal, const test::Frames& heard) {
     return gaps == 0 && test::compare(signal, heard).difference ? 1 : gaps;
 }
 
-// Gaps of what start() begins to play, heard to its end.
+// Gaps in the sound that start() begins, recorded to its end.
 template <typename Start, typename Done>
 int gapsWhileBlocked(const test::Recording& recording, const test::Frames& signal, Start start,
                      Done done) {
@@ -63,10 +63,10 @@ int main() {
     const test::Frames signal = test::signal(frames);
     const std::wstring path = folder.write(L"signal.wav", test::stereoWav(signal));
 
-    BareRing ring;
+    MinimalWavPlayer minimal;
     const int bare = gapsWhileBlocked(
-        recording, signal, [&] { ring.start(path); }, [&ring] { return ring.done(); });
-    ring.stop();
+        recording, signal, [&] { minimal.start(path); }, [&minimal] { return minimal.done(); });
+    minimal.stop();
 
     test::BarePlayer host;
     host.init();
@@ -77,7 +77,8 @@ int main() {
                 giveUp("the player does not start");
         },
         [&host] { return host.player.DonePlay(); });
-    report("Gaps with the message loop blocked for 300 ms a hundred times, beside a bare ring",
-           "gaps", gaps, bare, bare == 0 ? 0 : static_cast<double>(gaps) / bare,
-           Judged::valueAtMost, 0);
+    report(
+        "Gaps with the message loop blocked for 300 ms a hundred times, beside the minimal player",
+        "gaps", gaps, bare, bare == 0 ? 0 : static_cast<double>(gaps) / bare, Judged::valueAtMost,
+        0);
 }

@@ -1,4 +1,4 @@
-// Memory of this process while a file of two hours plays, beside one of two seconds.
+// Memory of this process while a file of two hours plays, compared with one of two seconds.
 
 #include "Figure.h"
 #include "support/BarePlayer.h"
@@ -15,7 +15,7 @@ constexpr DWORD bytesPerSecond = 44100 * 4;
 constexpr auto playTime = std::chrono::milliseconds(1500);
 constexpr auto deadline = std::chrono::seconds(10);
 
-// Silence that takes no room on the disk.
+// Silence, in a file that takes no space on the disk.
 std::wstring makeFile(test::TempFolder& folder, const wchar_t* name, DWORD seconds) {
     const DWORD bytes = seconds * bytesPerSecond;
     const std::wstring path = folder.write(name, test::WavBytes()

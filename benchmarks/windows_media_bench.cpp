@@ -1,5 +1,5 @@
-// How fast MP3 and WMA come through the Windows Media source and the converter, beside a bare loop
-// over the same reader.
+// How fast the Windows Media source and the converter deliver MP3 and WMA, compared with a bare
+// loop over the same reader.
 
 #include "Figure.h"
 #include "sources/DecWMAMP3.h"

@@ -22,8 +22,57 @@ else()
 endif()
 
 # corvina_module(name SOURCES file... [USES module-or-library...])
+# Modules are added from the ground up, so one can use only those that were added before it.
 function(corvina_module name)
   cmake_parse_arguments(MODULE "" "" "SOURCES;USES" ${ARGN})
   add_library(corvina_${name} STATIC ${MODULE_SOURCES})
+  corvina_is_module(${name} corvina_${name} ${MODULE_USES})
   target_link_libraries(corvina_${name} PUBLIC corvina_own ${MODULE_USES})
+endfunction()
+
+# corvina_is_module(name target USES...): what corvina_module does for a target that it cannot make.
+function(corvina_is_module name target)
+  set_property(GLOBAL APPEND PROPERTY CORVINA_MODULES ${name})
+  set(reachable ${name})
+  foreach(used IN LISTS ARGN)
+    if(used MATCHES "^corvina_" AND NOT TARGET ${used})
+      message(FATAL_ERROR "The module ${name} uses ${used}, which is not below it in src/CMakeLists.txt.")
+    endif()
+    if(TARGET ${used})
+      get_property(further TARGET ${used} PROPERTY CORVINA_REACHABLE)
+      list(APPEND reachable ${further})
+    endif()
+  endforeach()
+  list(REMOVE_DUPLICATES reachable)
+  set_target_properties(${target} PROPERTIES
+    CORVINA_REACHABLE "${reachable}" CORVINA_FOLDER "${CMAKE_CURRENT_SOURCE_DIR}")
+endfunction()
+
+# corvina_check_includes(target folder [module...]): the target is built only if the sources below the
+# folder include from no other modules than these.
+function(corvina_check_includes target folder)
+  get_property(modules GLOBAL PROPERTY CORVINA_MODULES)
+  file(GLOB_RECURSE files CONFIGURE_DEPENDS "${folder}/*.h" "${folder}/*.cpp")
+  set(stamp "${PROJECT_BINARY_DIR}/includes/${target}")
+  set(script "${PROJECT_SOURCE_DIR}/cmake/CheckIncludes.cmake")
+  list(JOIN modules "|" modules)
+  list(JOIN ARGN "|" allowed)
+  add_custom_command(OUTPUT "${stamp}"
+    COMMAND "${CMAKE_COMMAND}" "-DFOLDER=${folder}" "-DMODULES=${modules}" "-DALLOWED=${allowed}"
+            "-DSTAMP=${stamp}" -P "${script}"
+    DEPENDS ${files} "${script}"
+    COMMENT "Checking what ${target} includes"
+    VERBATIM)
+  add_custom_target(${target}_includes DEPENDS "${stamp}")
+  add_dependencies(${target} ${target}_includes)
+endfunction()
+
+# Checks every module against the modules that it names as used, with those that they use.
+function(corvina_check_modules)
+  get_property(modules GLOBAL PROPERTY CORVINA_MODULES)
+  foreach(name IN LISTS modules)
+    get_target_property(folder corvina_${name} CORVINA_FOLDER)
+    get_target_property(reachable corvina_${name} CORVINA_REACHABLE)
+    corvina_check_includes(corvina_${name} "${folder}" ${reachable})
+  endforeach()
 endfunction()

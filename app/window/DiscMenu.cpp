@@ -6,7 +6,7 @@ namespace corvina::app {
 
 namespace {
 
-// Each drive has a hundred commands: the whole disc, then its tracks, of which a disc has 99.
+// Each drive has a hundred commands: one for all tracks, then one for each track, at most 99.
 constexpr int commandsOfDrive = 100;
 
 int commandOf(std::size_t drive, std::size_t entry) {

@@ -1,6 +1,6 @@
 #pragma once
 
-// The menu of CD drives and their tracks. It is filled afresh each time it opens, for discs come
+// The menu of CD drives and their tracks. It is filled anew each time it opens, because discs come
 // and go.
 
 #include "Discs.h"

@@ -7,7 +7,7 @@ namespace corvina::app {
 namespace {
 
 constexpr int gapPixels = 1;
-constexpr int mostBands = 50; // beyond half the spectrum little is to be seen
+constexpr int mostBands = 50; // the upper half of the spectrum shows little
 
 void check(HRESULT code) {
     if (FAILED(code))
@@ -30,7 +30,7 @@ using AxAttachControl = HRESULT(STDAPICALLTYPE*)(IUnknown*, HWND, IUnknown**);
 } // namespace
 
 GraphView::GraphView(HWND parent) {
-    // Once in a program: a second call may say no.
+    // Once in a program: a second call may fail.
     static const BOOL ready = atlFunction<AxWinInit>("AtlAxWinInit")();
     if (!ready)
         _com_issue_error(E_FAIL);
@@ -45,7 +45,7 @@ GraphView::GraphView(HWND parent) {
     check(graph_->Init(&ignored));
 }
 
-// The window first: its procedure uses the container.
+// The window goes first: its procedure uses the container.
 GraphView::~GraphView() {
     DestroyWindow(window_);
 }

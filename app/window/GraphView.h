@@ -14,7 +14,7 @@ _COM_SMARTPTR_TYPEDEF(IUnknown, __uuidof(IUnknown));
 
 class GraphView {
 public:
-    // Throws _com_error where the control or the container is missing.
+    // Throws _com_error if the control or the container is missing.
     explicit GraphView(HWND parent);
     ~GraphView();
     GraphView(const GraphView&) = delete;
@@ -24,19 +24,19 @@ public:
     void setStyle(AudioGraphStyle style);
     void setColors(COLORREF bars, COLORREF curve, COLORREF background);
 
-    // Draws the samples at that address. Handles pending messages meanwhile: the window may be
-    // asked to close, files may end and begin.
+    // Draws the samples at that address. Pending messages are dispatched meanwhile: the window may
+    // be asked to close, files may end and begin.
     void show(long samples);
     void clear();
     [[nodiscard]] bool isDrawing() const noexcept { return drawing_; }
 
 private:
-    // As many bars as the width has room for.
+    // Sets as many bars as fit into the width.
     void fitBands(int width);
 
     HWND window_;
     _cAudioGraphPtr graph_;
-    IUnknownPtr container_; // lives no longer than somebody holds it
+    IUnknownPtr container_; // kept alive by this reference
     bool drawing_ = false;
 };
 

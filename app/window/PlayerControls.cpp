@@ -24,23 +24,21 @@ void setText(HWND control, const std::wstring& text) {
 } // namespace
 
 PlayerControls::PlayerControls(HWND parent) : parent_(parent) {
-    const HDC screen = GetDC(nullptr);
-    dpi_ = GetDeviceCaps(screen, LOGPIXELSX);
-    ReleaseDC(nullptr, screen);
+    dpi_ = GetDeviceCaps(ScreenContext(GetDC(nullptr)).get(), LOGPIXELSX);
 
     NONCLIENTMETRICSW metrics{};
     metrics.cbSize = sizeof metrics;
     SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0);
-    font_ = CreateFontIndirectW(&metrics.lfMessageFont);
+    font_.reset(CreateFontIndirectW(&metrics.lfMessageFont));
     metrics.lfMessageFont.lfWeight = FW_BOLD;
     metrics.lfMessageFont.lfHeight = MulDiv(metrics.lfMessageFont.lfHeight, 5, 4);
-    boldFont_ = CreateFontIndirectW(&metrics.lfMessageFont);
+    boldFont_.reset(CreateFontIndirectW(&metrics.lfMessageFont));
 
     const INITCOMMONCONTROLSEX wanted{sizeof wanted, ICC_BAR_CLASSES};
     InitCommonControlsEx(&wanted);
 
     title_ = add(0, L"STATIC", L"Corvina", SS_LEFT | SS_NOPREFIX | SS_ENDELLIPSIS, 0);
-    SendMessageW(title_, WM_SETFONT, reinterpret_cast<WPARAM>(boldFont_), FALSE);
+    SendMessageW(title_, WM_SETFONT, reinterpret_cast<WPARAM>(boldFont_.get()), FALSE);
     details_ = add(0, L"STATIC", L"", SS_LEFT | SS_NOPREFIX | SS_ENDELLIPSIS, 0);
     time_ = add(0, L"STATIC", L"", SS_RIGHT | SS_NOPREFIX, 0);
     seek_ = add(0, TRACKBAR_CLASSW, L"", TBS_HORZ | TBS_NOTICKS | TBS_BOTH | WS_TABSTOP, CTL_SEEK);
@@ -55,17 +53,12 @@ PlayerControls::PlayerControls(HWND parent) : parent_(parent) {
     message_ = add(0, STATUSCLASSNAMEW, L"", SBARS_SIZEGRIP, 0);
 }
 
-PlayerControls::~PlayerControls() {
-    DeleteObject(font_);
-    DeleteObject(boldFont_);
-}
-
 HWND PlayerControls::add(DWORD extendedStyle, const wchar_t* kind, const wchar_t* text, DWORD style,
                          int id) {
     const HWND control = CreateWindowExW(
         extendedStyle, kind, text, WS_CHILD | WS_VISIBLE | style, 0, 0, 0, 0, parent_,
         reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), GetModuleHandleW(nullptr), nullptr);
-    SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(font_), FALSE);
+    SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(font_.get()), FALSE);
     return control;
 }
 

@@ -1,7 +1,9 @@
 #pragma once
 
-// The child controls of the player window, where they stand and what they show. What they do is the
-// window's affair (PlayerWindow.h).
+// The child controls of the player window: their places and contents. What they do is decided in
+// PlayerWindow.h.
+
+#include "Owners.h"
 
 #include <string>
 #include <vector>
@@ -12,7 +14,6 @@ namespace corvina::app {
 class PlayerControls {
 public:
     explicit PlayerControls(HWND parent);
-    ~PlayerControls();
     PlayerControls(const PlayerControls&) = delete;
     PlayerControls& operator=(const PlayerControls&) = delete;
 
@@ -33,7 +34,7 @@ public:
 
     void setDevices(const std::vector<std::wstring>& names, int selected);
     [[nodiscard]] int selectedDevice() const;
-    // Where letters choose an entry instead of being commands.
+    // Then letters choose an entry instead of being commands.
     [[nodiscard]] bool deviceHasFocus() const;
 
     void setSeekRange(long seconds);
@@ -47,8 +48,8 @@ private:
 
     HWND parent_;
     int dpi_;
-    HFONT font_;
-    HFONT boldFont_;
+    Font font_;
+    Font boldFont_;
     HWND title_, details_, time_, seek_, previous_, play_, stop_, next_, device_, list_, message_;
 };
 

@@ -1,11 +1,9 @@
 #include "window/PlayerWindow.h"
 
-#include "FileReport.h"
 #include "window/Commands.h"
 #include "window/FileChoice.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include <commctrl.h>
 #include <shellapi.h>
@@ -19,14 +17,10 @@ constexpr UINT_PTR graphTimer = 1;
 constexpr UINT pictureMs = 33; // 30 pictures a second
 constexpr long seekSeconds = 5;
 
-std::wstring nameOf(const std::wstring& path) {
-    return path.substr(path.find_last_of(L"\\/") + 1);
-}
-
 } // namespace
 
 PlayerWindow::PlayerWindow(PlayQueue& queue, const Options& options)
-    : queue_(queue), settings_(Settings::load()), posing_(!options.pictureFile.empty()) {
+    : queue_(queue), settings_(Settings::load()), forPicture_(!options.pictureFile.empty()) {
     const HINSTANCE instance = GetModuleHandleW(nullptr);
     keys_ = LoadAcceleratorsW(instance, MAKEINTRESOURCEW(IDR_KEYS));
     WNDCLASSEXW kind{};
@@ -40,33 +34,35 @@ PlayerWindow::PlayerWindow(PlayQueue& queue, const Options& options)
     kind.lpszClassName = className;
     RegisterClassExW(&kind);
 
-    // Nobody sits before a window that is there to have its picture taken. On a display without a
-    // window manager one with a frame, or an active one, would cost seconds of waiting for it.
+    // A window for a picture has no user. On a display without a window manager, a window with a
+    // frame or an active one would wait seconds for a manager.
     window_ = CreateWindowExW(WS_EX_ACCEPTFILES, className, L"Corvina",
-                              (posing_ ? WS_POPUP : WS_OVERLAPPEDWINDOW) | WS_CLIPCHILDREN,
+                              (forPicture_ ? WS_POPUP : WS_OVERLAPPEDWINDOW) | WS_CLIPCHILDREN,
                               CW_USEDEFAULT, CW_USEDEFAULT, 0, 0, nullptr, nullptr, instance, this);
     if (!window_)
         _com_issue_error(HRESULT_FROM_WIN32(GetLastError()));
     discs_ = DiscMenu(GetSubMenu(GetMenu(window_), POS_DISCS));
     controls_ = std::make_unique<PlayerControls>(window_);
     graph_ = std::make_unique<GraphView>(window_);
+    devices_ = std::make_unique<DeviceChoice>(queue_, *controls_, settings_);
+    view_ = std::make_unique<QueueView>(queue_, *controls_, window_);
     applyColors();
     setGraphStyle(options.style.value_or(static_cast<AudioGraphStyle>(settings_.graphStyle)));
-    fillDevices(options.device);
+    devices_->fill(options.device);
     controls_->setSeekRange(0);
-    showFiles();
+    view_->showFiles();
 
     RECT place = settings_.place;
     if (IsRectEmpty(&place) || !MonitorFromRect(&place, MONITOR_DEFAULTTONULL))
         place = firstPlace();
     SetWindowPos(window_, nullptr, place.left, place.top, place.right - place.left,
                  place.bottom - place.top, SWP_NOZORDER | SWP_NOACTIVATE);
-    ShowWindow(window_, posing_ ? SW_SHOWNOACTIVATE : SW_SHOW);
+    ShowWindow(window_, forPicture_ ? SW_SHOWNOACTIVATE : SW_SHOW);
     UpdateWindow(window_);
     SetTimer(window_, graphTimer, pictureMs, nullptr);
 }
 
-// Where nothing is remembered: as large as looks good, and as the screen allows.
+// The place if none is remembered: a good size, if the screen is large enough for it.
 RECT PlayerWindow::firstPlace() const {
     RECT screen{};
     SystemParametersInfoW(SPI_GETWORKAREA, 0, &screen, 0);
@@ -78,6 +74,7 @@ RECT PlayerWindow::firstPlace() const {
 }
 
 PlayerWindow::~PlayerWindow() {
+    view_.reset(); // no message is handled from here on
     graph_.reset();
     DestroyWindow(window_);
     UnregisterClassW(className, GetModuleHandleW(nullptr));
@@ -89,7 +86,7 @@ LRESULT CALLBACK PlayerWindow::procedure(HWND window, UINT message, WPARAM wPara
             window, GWLP_USERDATA,
             reinterpret_cast<LONG_PTR>(reinterpret_cast<CREATESTRUCTW*>(lParam)->lpCreateParams));
     auto* const self = reinterpret_cast<PlayerWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
-    if (!self || !self->graph_) // not yet, or no longer, whole
+    if (!self || !self->view_) // still being made
         return DefWindowProcW(window, message, wParam, lParam);
     try {
         return self->handle(message, wParam, lParam);
@@ -156,11 +153,11 @@ void PlayerWindow::onCommand(int command, int notification) {
     case CMD_REMOVE:
         if (const int selected = controls_->selectedFile(); selected >= 0)
             queue_.remove(static_cast<std::size_t>(selected));
-        showFiles();
+        view_->showFiles();
         break;
     case CMD_CLEAR:
         queue_.clear();
-        showFiles();
+        view_->showFiles();
         break;
     case CMD_EXIT:
         close();
@@ -210,7 +207,7 @@ void PlayerWindow::onCommand(int command, int notification) {
         break;
     case CTL_DEVICE:
         if (notification == CBN_SELCHANGE)
-            chooseDevice();
+            devices_->takeSelected();
         break;
     default:
         addFiles(discs_.tracksOf(command), true);
@@ -218,14 +215,14 @@ void PlayerWindow::onCommand(int command, int notification) {
     }
 }
 
-// While the graph draws it handles messages of ours, this one among them.
+// May come while the graph draws, which dispatches pending messages.
 void PlayerWindow::onTimer() {
     if (graph_->isDrawing())
         return;
     if (queue_.isPlaying()) {
         if (!queue_.player().isPaused())
             graph_->show(queue_.player().audioData());
-        showPosition();
+        view_->showPosition();
     }
     controls_->setPlaying(queue_.isPlaying() && !queue_.player().isPaused());
     if (closeWanted_)
@@ -238,7 +235,7 @@ void PlayerWindow::close() {
         return;
     open_ = false;
     KillTimer(window_, graphTimer);
-    if (!posing_) {
+    if (!forPicture_) {
         if (!IsIconic(window_))
             GetWindowRect(window_, &settings_.place);
         settings_.save();
@@ -257,7 +254,7 @@ void PlayerWindow::addFiles(std::vector<std::wstring> files, bool replace) {
         queue_.add(std::move(file));
     if (!queue_.isPlaying())
         queue_.play(first);
-    showFiles();
+    view_->showFiles();
 }
 
 void PlayerWindow::playSelected() {
@@ -270,16 +267,6 @@ void PlayerWindow::playOrPause() {
         queue_.togglePause();
     else if (!queue_.files().empty())
         queue_.play(queue_.current() < queue_.files().size() ? queue_.current() : 0);
-}
-
-void PlayerWindow::chooseDevice() {
-    const int selected = controls_->selectedDevice();
-    const bool systemsChoice = selected <= 0;
-    const auto index = static_cast<std::size_t>(selected) - 1;
-    settings_.device = systemsChoice ? L"" : devices_[index].name;
-    queue_.setDevice(systemsChoice ? -1 : devices_[index].index);
-    if (queue_.isPlaying()) // what plays goes on there
-        queue_.play(queue_.current(), queue_.player().positionSeconds());
 }
 
 void PlayerWindow::setGraphStyle(AudioGraphStyle style) {
@@ -300,75 +287,17 @@ void PlayerWindow::applyColors() {
     graph_->setColors(settings_.barColor, settings_.curveColor, settings_.backgroundColor);
 }
 
-// wanted: a device of the command line, which wins over the one remembered.
-void PlayerWindow::fillDevices(std::optional<long> wanted) {
-    devices_ = queue_.player().devices();
-    std::vector<std::wstring> names{L"The system's choice"};
-    int selected = 0;
-    for (const OutputDevice& device : devices_) {
-        names.push_back(device.name);
-        if (wanted ? *wanted == device.index : device.name == settings_.device)
-            selected = static_cast<int>(names.size()) - 1;
-    }
-    controls_->setDevices(names, selected);
-    if (selected > 0 && !wanted)
-        queue_.setDevice(devices_[static_cast<std::size_t>(selected) - 1].index);
-}
-
-void PlayerWindow::showFiles() {
-    std::vector<std::wstring> names;
-    for (const std::wstring& file : queue_.files())
-        names.push_back(nameOf(file));
-    controls_->setFiles(names, queue_.isActive() ? queue_.current() : names.size());
-}
-
-void PlayerWindow::showPosition() {
-    const long position = queue_.player().positionSeconds();
-    controls_->setSeekPosition(position);
-    controls_->setTime(queue_.player().timeText(position) + L" / " + durationText_);
-}
-
 void PlayerWindow::onStarted() {
-    PlayerClient& player = queue_.player();
-    const std::wstring& file = queue_.files()[queue_.current()];
-    std::wstring title;
-    std::wstring artist;
-    for (const FileTag& tag : player.tags(file)) {
-        if (std::wstring_view(tag.name) == L"Title")
-            title = tag.value;
-        if (std::wstring_view(tag.name) == L"Artist")
-            artist = tag.value;
-    }
-    if (title.empty())
-        title = nameOf(file);
-    else if (!artist.empty())
-        title = artist + L" \x2013 " + title;
-    controls_->setHeadline(title, formatLine(player));
-    SetWindowTextW(window_, (title + L" \x2013 Corvina").c_str());
-
-    durationSeconds_ = std::lround(player.format().seconds);
-    durationText_ = player.timeText(durationSeconds_);
-    controls_->setSeekRange(durationSeconds_);
-    controls_->setMessage({});
-    showFiles();
-    controls_->selectFile(queue_.current());
+    view_->showStarted();
 }
 
 void PlayerWindow::onEnded() {
     graph_->clear();
-    SetWindowTextW(window_, L"Corvina");
-    controls_->setHeadline(L"Corvina", {});
-    controls_->setTime({});
-    controls_->setSeekPosition(0);
-    controls_->setSeekRange(0);
-    showFiles();
+    view_->showEnded();
 }
 
 void PlayerWindow::onFailed(const std::wstring& words) {
-    const std::wstring file = queue_.current() < queue_.files().size()
-                                  ? nameOf(queue_.files()[queue_.current()]) + L": "
-                                  : L"";
-    controls_->setMessage(file + words);
+    view_->showFailure(words);
 }
 
 } // namespace corvina::app

@@ -6,13 +6,16 @@
 
 #include "Options.h"
 #include "PlayQueue.h"
+#include "window/DeviceChoice.h"
 #include "window/DiscMenu.h"
 #include "window/GraphView.h"
 #include "window/PlayerControls.h"
+#include "window/QueueView.h"
 #include "window/Settings.h"
 
 #include <memory>
-#include <optional>
+#include <string>
+#include <vector>
 #include <windows.h>
 
 namespace corvina::app {
@@ -30,7 +33,7 @@ public:
     // Whether the message was a key for this window.
     [[nodiscard]] bool translate(MSG& message);
 
-    // What the queue tells.
+    // To be called from the queue's handlers.
     void onStarted();
     void onEnded();
     void onFailed(const std::wstring& words);
@@ -45,27 +48,22 @@ private:
     void addFiles(std::vector<std::wstring> files, bool replace);
     void playSelected();
     void playOrPause();
-    void chooseDevice();
     void setGraphStyle(AudioGraphStyle style);
     void changeColor(DWORD Settings::*color);
     void applyColors();
 
     [[nodiscard]] RECT firstPlace() const;
-    void fillDevices(std::optional<long> wanted);
-    void showFiles();
-    void showPosition();
 
     PlayQueue& queue_;
     Settings settings_;
-    const bool posing_; // for a picture: nobody uses it, and it remembers nothing
+    const bool forPicture_; // nobody uses the window, and it saves no settings
     HWND window_ = nullptr;
     HACCEL keys_;
     DiscMenu discs_{nullptr};
     std::unique_ptr<PlayerControls> controls_;
     std::unique_ptr<GraphView> graph_;
-    std::vector<OutputDevice> devices_;
-    long durationSeconds_ = 0;
-    std::wstring durationText_;
+    std::unique_ptr<DeviceChoice> devices_;
+    std::unique_ptr<QueueView> view_;
     bool open_ = true;
     bool closeWanted_ = false; // while the graph draws
 };

@@ -1,5 +1,7 @@
 #include "window/Settings.h"
 
+#include "Owners.h"
+
 namespace corvina::app {
 
 namespace {
@@ -43,10 +45,12 @@ Settings Settings::load() {
 }
 
 void Settings::save() const {
-    HKEY key = nullptr;
-    if (RegCreateKeyExW(HKEY_CURRENT_USER, path, 0, nullptr, 0, KEY_SET_VALUE, nullptr, &key,
+    HKEY created = nullptr;
+    if (RegCreateKeyExW(HKEY_CURRENT_USER, path, 0, nullptr, 0, KEY_SET_VALUE, nullptr, &created,
                         nullptr) != ERROR_SUCCESS)
         return;
+    const RegistryKey owner(created);
+    const HKEY key = owner.get();
     RegSetValueExW(key, L"Device", 0, REG_SZ, reinterpret_cast<const BYTE*>(device.c_str()),
                    static_cast<DWORD>((device.size() + 1) * sizeof(wchar_t)));
     writeNumber(key, L"GraphStyle", graphStyle);
@@ -55,7 +59,6 @@ void Settings::save() const {
     writeNumber(key, L"BackgroundColor", backgroundColor);
     RegSetValueExW(key, L"Place", 0, REG_BINARY, reinterpret_cast<const BYTE*>(&place),
                    sizeof place);
-    RegCloseKey(key);
 }
 
 } // namespace corvina::app

@@ -13,7 +13,7 @@ struct Settings {
     DWORD barColor = RGB(86, 196, 120);
     DWORD curveColor = RGB(102, 178, 255);
     DWORD backgroundColor = RGB(18, 20, 26);
-    RECT place{}; // of the window on the screen; empty where there is none yet
+    RECT place{}; // of the window on the screen; empty if none is known yet
 
     [[nodiscard]] static Settings load();
     void save() const;

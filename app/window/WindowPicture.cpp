@@ -1,5 +1,7 @@
 #include "window/WindowPicture.h"
 
+#include "Owners.h"
+
 #include <algorithm>
 
 #include <objidl.h>
@@ -14,19 +16,39 @@ namespace {
 constexpr CLSID pngEncoder = {
     0x557cf406, 0x1a04, 0x11d3, {0x9a, 0x73, 0x00, 0x00, 0xf8, 0x1e, 0xf3, 0x2e}};
 
-HBITMAP copyOfScreen(const RECT& area) {
+// Null if there is no memory for it.
+Bitmap copyOfScreen(const RECT& area) {
     const int width = area.right - area.left;
     const int height = area.bottom - area.top;
-    const HDC screen = GetDC(nullptr);
-    const HDC memory = CreateCompatibleDC(screen);
-    const HBITMAP bitmap = CreateCompatibleBitmap(screen, width, height);
-    const HGDIOBJ before = SelectObject(memory, bitmap);
-    BitBlt(memory, 0, 0, width, height, screen, area.left, area.top, SRCCOPY);
-    SelectObject(memory, before);
-    DeleteDC(memory);
-    ReleaseDC(nullptr, screen);
+    const ScreenContext screen(GetDC(nullptr));
+    Bitmap bitmap(CreateCompatibleBitmap(screen.get(), width, height));
+    const MemoryContext memory(CreateCompatibleDC(screen.get()));
+    if (!bitmap || !memory)
+        return nullptr;
+    SelectObject(memory.get(), bitmap.get()); // until the context goes
+    BitBlt(memory.get(), 0, 0, width, height, screen.get(), area.left, area.top, SRCCOPY);
     return bitmap;
 }
+
+// Windows' library for picture files, between its start and its end.
+class PictureLibrary {
+public:
+    PictureLibrary() {
+        const Gdiplus::GdiplusStartupInput input;
+        started_ = Gdiplus::GdiplusStartup(&token_, &input, nullptr) == Gdiplus::Ok;
+    }
+    ~PictureLibrary() {
+        if (started_)
+            Gdiplus::GdiplusShutdown(token_);
+    }
+    PictureLibrary(const PictureLibrary&) = delete;
+    PictureLibrary& operator=(const PictureLibrary&) = delete;
+    [[nodiscard]] bool started() const noexcept { return started_; }
+
+private:
+    ULONG_PTR token_ = 0;
+    bool started_ = false;
+};
 
 } // namespace
 
@@ -34,19 +56,12 @@ bool saveWindowPicture(HWND window, const std::wstring& file) {
     RECT area{};
     if (!GetWindowRect(window, &area))
         return false;
-    ULONG_PTR token = 0;
-    const Gdiplus::GdiplusStartupInput input;
-    if (Gdiplus::GdiplusStartup(&token, &input, nullptr) != Gdiplus::Ok)
+    const PictureLibrary library;
+    const Bitmap copy = copyOfScreen(area);
+    if (!library.started() || !copy)
         return false;
-    const HBITMAP copy = copyOfScreen(area);
-    bool saved = false;
-    {
-        Gdiplus::Bitmap picture(copy, nullptr);
-        saved = picture.Save(file.c_str(), &pngEncoder, nullptr) == Gdiplus::Ok;
-    }
-    DeleteObject(copy);
-    Gdiplus::GdiplusShutdown(token);
-    return saved;
+    Gdiplus::Bitmap picture(copy.get(), nullptr);
+    return picture.Save(file.c_str(), &pngEncoder, nullptr) == Gdiplus::Ok;
 }
 
 } // namespace corvina::app

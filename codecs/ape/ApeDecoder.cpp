@@ -47,13 +47,17 @@ void store(std::uint8_t* target, const std::uint8_t* plane, int index, int forma
 } // namespace
 
 ApeDecoder::ApeDecoder(const std::string& pathUtf8) {
-    // The protocol is named so that no part of the path can be taken for one.
+    // The protocol is named so that no part of the path can be taken for one. The format is named
+    // because a guess from the first bytes does not reach behind a large tag.
     AVFormatContext* format = nullptr;
-    require(avformat_open_input(&format, ("file:" + pathUtf8).c_str(), nullptr, nullptr) == 0,
+    require(avformat_open_input(&format, ("file:" + pathUtf8).c_str(), av_find_input_format("ape"),
+                                nullptr) == 0,
             "not an APE file");
     format_.reset(format);
-    require(format->nb_streams == 1, "not one stream");
-    const AVStream& stream = *format->streams[0];
+    // Pictures in the tags are streams of their own.
+    streamIndex_ = av_find_best_stream(format, AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0);
+    require(streamIndex_ >= 0, "no sound");
+    const AVStream& stream = *format->streams[streamIndex_];
     const AVCodecParameters& parameters = *stream.codecpar;
 
     const AVCodec* const codec = avcodec_find_decoder(parameters.codec_id);
@@ -119,7 +123,7 @@ bool ApeDecoder::seek(std::int64_t block) {
         return true;
     // The frame that holds the block begins at or before it.
     wantedFrom_ = block;
-    if (av_seek_frame(format_.get(), 0, block, AVSEEK_FLAG_BACKWARD) < 0) {
+    if (av_seek_frame(format_.get(), streamIndex_, block, AVSEEK_FLAG_BACKWARD) < 0) {
         drained_ = true;
         return false;
     }
@@ -143,15 +147,25 @@ bool ApeDecoder::decodeMore() {
     return false;
 }
 
+// Reads the next packet of the sound; false at the end.
+bool ApeDecoder::readPacket() {
+    // A frame whose place in the file is impossible is refused before it is read.
+    int refusals = avformat_index_get_entries_count(format_->streams[streamIndex_]);
+    for (;;) {
+        const int result = av_read_frame(format_.get(), packet_.get());
+        if (result == 0 && packet_->stream_index == streamIndex_)
+            return true;
+        if (result == 0)
+            av_packet_unref(packet_.get()); // a picture
+        else if (result != AVERROR(EIO) || refusals-- <= 0)
+            return false;
+    }
+}
+
 // Gives the decoder its next packet, or the end. A damaged one is refused here or when its frames
 // are asked for; either way the next follows.
 bool ApeDecoder::feed() {
-    int result = av_read_frame(format_.get(), packet_.get());
-    // A frame whose place in the file is impossible is refused before it is read.
-    for (int frames = avformat_index_get_entries_count(format_->streams[0]);
-         result == AVERROR(EIO) && frames > 0; --frames)
-        result = av_read_frame(format_.get(), packet_.get());
-    if (result < 0)
+    if (!readPacket())
         return avcodec_send_packet(codec_.get(), nullptr) == 0;
     nextDecoded_ = packet_->pts;
     avcodec_send_packet(codec_.get(), packet_.get());

@@ -1,6 +1,7 @@
 #pragma once
 
-// Decodes one APE file with ffmpeg, block by block: a block is one sample of every channel.
+// Decodes one APE file with ffmpeg, block by block: a block is one sample of every channel. Tags
+// and pictures in front of the sound or behind it are passed over.
 //
 // Constructing it opens the file and throws std::runtime_error if it is no APE file that can be
 // decoded. Used by one thread at a time.
@@ -36,7 +37,7 @@ public:
     // the end. A damaged frame is left out, as if the file went on behind it.
     std::int64_t read(std::uint8_t* buffer, std::int64_t blocks);
 
-    // False where the block lies outside 0..totalBlocks or the file cannot be positioned.
+    // False if the block lies outside 0..totalBlocks or the file cannot be positioned.
     bool seek(std::int64_t block);
 
 private:
@@ -50,12 +51,14 @@ private:
     // Brings the next decoded samples into pending_; false at the end.
     bool decodeMore();
     bool feed();
+    bool readPacket();
     void interleave();
 
     std::unique_ptr<AVFormatContext, Free> format_;
     std::unique_ptr<AVCodecContext, Free> codec_;
     std::unique_ptr<AVFrame, Free> frame_;
     std::unique_ptr<AVPacket, Free> packet_;
+    int streamIndex_ = 0; // of the sound
     int sampleRate_ = 0;
     int bitsPerSample_ = 0;
     int channels_ = 0;

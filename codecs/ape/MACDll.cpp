@@ -1,8 +1,8 @@
 // The C interface of the Monkey's Audio decoder library, as far as a player of files needs it.
 //
 // A handle is a number that is never given out twice, so that one that was closed, or never
-// existed, is known as such. Every function takes any argument: what is asked of no decoder, or
-// with an impossible buffer, count or field, answers 0 or fails.
+// existed, is recognised. Every function takes any argument: a call for a handle that is none, or
+// with an impossible buffer, count or field, returns 0 or fails.
 
 #include "ApeDecoder.h"
 
@@ -65,15 +65,19 @@ Decoders& decoders() {
     return instance;
 }
 
-// Path as the file layer of the decoder reads it, from the system's ANSI code page.
-std::string utf8Path(const char* path) {
-    const int length = MultiByteToWideChar(CP_ACP, 0, path, -1, nullptr, 0);
-    std::wstring wide(static_cast<std::size_t>(std::max(length, 0)), L'\0');
-    MultiByteToWideChar(CP_ACP, 0, path, -1, wide.data(), length);
-    const int size =
-        WideCharToMultiByte(CP_UTF8, 0, wide.c_str(), -1, nullptr, 0, nullptr, nullptr);
+std::wstring widePath(const char* ansiPath) {
+    const int length = MultiByteToWideChar(CP_ACP, 0, ansiPath, -1, nullptr, 0);
+    std::wstring wide(static_cast<std::size_t>(std::max(length, 1)), L'\0');
+    MultiByteToWideChar(CP_ACP, 0, ansiPath, -1, wide.data(), length);
+    wide.pop_back();
+    return wide;
+}
+
+// The path in the encoding that the decoder opens files by.
+std::string utf8Path(const wchar_t* path) {
+    const int size = WideCharToMultiByte(CP_UTF8, 0, path, -1, nullptr, 0, nullptr, nullptr);
     std::string result(static_cast<std::size_t>(std::max(size, 1)), '\0');
-    WideCharToMultiByte(CP_UTF8, 0, wide.c_str(), -1, result.data(), size, nullptr, nullptr);
+    WideCharToMultiByte(CP_UTF8, 0, path, -1, result.data(), size, nullptr, nullptr);
     result.pop_back();
     return result;
 }
@@ -112,22 +116,30 @@ int info(const ApeDecoder& decoder, int field) {
     }
 }
 
-} // namespace
-
-extern "C" {
-
-int __stdcall c_APEDecompress_Create(const char* path, int* error) {
+// path() is called where what it throws is caught.
+template <typename Path>
+int create(const Path& path, int* error) {
     int handle = 0;
     try {
-        if (path) {
-            quietDecoder();
-            handle = decoders().add(std::make_shared<ApeDecoder>(utf8Path(path)));
-        }
+        quietDecoder();
+        handle = decoders().add(std::make_shared<ApeDecoder>(path()));
     } catch (const std::exception&) {
     }
     if (error)
         *error = handle ? succeeded : failed;
     return handle;
+}
+
+} // namespace
+
+extern "C" {
+
+int __stdcall c_APEDecompress_Create(const char* path, int* error) {
+    return create([=] { return utf8Path(path ? widePath(path).c_str() : L""); }, error);
+}
+
+int __stdcall c_APEDecompress_CreateW(const wchar_t* path, int* error) {
+    return create([=] { return utf8Path(path ? path : L""); }, error);
 }
 
 int __stdcall c_APEDecompress_GetInfo(int handle, int field, int, int) {

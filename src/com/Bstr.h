@@ -3,7 +3,8 @@
 // Texts at the COM boundary. A BSTR may be null, which means empty, and may hold characters of code
 // 0.
 
-#include <new>
+#include "runtime/OutOfMemory.h"
+
 #include <string>
 #include <string_view>
 #include <utility>
@@ -26,10 +27,7 @@ class Bstr {
 public:
     Bstr() noexcept = default;
     explicit Bstr(std::wstring_view text)
-        : text_(::SysAllocStringLen(text.data(), static_cast<UINT>(text.size()))) {
-        if (!text_)
-            throw std::bad_alloc();
-    }
+        : text_(allocated(::SysAllocStringLen(text.data(), static_cast<UINT>(text.size())))) {}
     Bstr(Bstr&& other) noexcept : text_(other.detach()) {}
     Bstr& operator=(Bstr other) noexcept {
         std::swap(text_, other.text_);

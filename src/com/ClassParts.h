@@ -1,6 +1,6 @@
 #pragma once
 
-// What a COM object tells about its class and its errors.
+// What a COM object says about its class and its errors.
 
 #include "com/Part.h"
 
@@ -11,16 +11,16 @@
 namespace corvina {
 
 template <>
-struct AnswersTo<IProvideClassInfo2> {
-    static bool matches(REFIID iid) noexcept {
+struct InterfaceIds<IProvideClassInfo2> {
+    static bool contain(REFIID iid) noexcept {
         return iid == IID_IProvideClassInfo2 || iid == IID_IProvideClassInfo;
     }
 };
 
 class ClassInfoPart final : public Part<IProvideClassInfo2> {
 public:
-    ClassInfoPart(IUnknown& whole, REFCLSID clsid, REFIID events) noexcept
-        : Part(whole), clsid_(clsid), events_(events) {}
+    ClassInfoPart(IUnknown& outer, REFCLSID clsid, REFIID events) noexcept
+        : Part(outer), clsid_(clsid), events_(events) {}
 
     HRESULT STDMETHODCALLTYPE GetClassInfo(ITypeInfo** result) override;
     HRESULT STDMETHODCALLTYPE GetGUID(DWORD kind, GUID* result) override;
@@ -33,8 +33,8 @@ private:
 // Every run-time error of the given interfaces comes with error information.
 class ErrorInfoPart final : public Part<ISupportErrorInfo> {
 public:
-    ErrorInfoPart(IUnknown& whole, std::initializer_list<IID> interfaces)
-        : Part(whole), interfaces_(interfaces) {}
+    ErrorInfoPart(IUnknown& outer, std::initializer_list<IID> interfaces)
+        : Part(outer), interfaces_(interfaces) {}
 
     HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID iid) override;
 

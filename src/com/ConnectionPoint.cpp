@@ -1,7 +1,6 @@
 #include "com/ConnectionPoint.h"
 
 #include "com/Enumerator.h"
-#include "com/Guard.h"
 
 #include <algorithm>
 
@@ -33,16 +32,13 @@ HRESULT ConnectionPoint::QueryInterface(REFIID iid, void** result) {
 }
 
 HRESULT ConnectionPoint::GetConnectionInterface(IID* result) {
-    if (!result)
-        return E_POINTER;
-    *result = iid_;
-    return S_OK;
+    return enterReturning(result, [&] { return iid_; });
 }
 
 HRESULT ConnectionPoint::GetConnectionPointContainer(IConnectionPointContainer** result) {
     if (!result)
         return E_POINTER;
-    return whole_.QueryInterface(IID_IConnectionPointContainer, reinterpret_cast<void**>(result));
+    return object().QueryInterface(IID_IConnectionPointContainer, reinterpret_cast<void**>(result));
 }
 
 HRESULT ConnectionPoint::Advise(IUnknown* sink, DWORD* cookie) {
@@ -50,7 +46,7 @@ HRESULT ConnectionPoint::Advise(IUnknown* sink, DWORD* cookie) {
         *cookie = 0;
     if (!sink || !cookie)
         return E_POINTER;
-    return guarded(IID_IConnectionPoint, L"", [&]() -> HRESULT {
+    return enter([&]() -> HRESULT {
         ComPtr<IUnknown> listener;
         if (FAILED(sink->QueryInterface(iid_, listener.putVoid())) &&
             (!events_ || FAILED(sink->QueryInterface(IID_IDispatch, listener.putVoid()))))
@@ -76,10 +72,7 @@ HRESULT ConnectionPoint::Unadvise(DWORD cookie) {
 }
 
 HRESULT ConnectionPoint::EnumConnections(IEnumConnections** result) {
-    if (!result)
-        return E_POINTER;
-    *result = nullptr;
-    return guarded(IID_IConnectionPoint, L"", [&] {
+    return enterFilling(result, [&] {
         return giveEnumerator<IEnumConnections, CONNECTDATA, Connection>(
             connections_,
             +[](const Connection& from, CONNECTDATA& to) noexcept {

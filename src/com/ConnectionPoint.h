@@ -3,9 +3,10 @@
 // One outgoing interface of a COM object: who listens to it.
 //
 // Listeners may come and go while they are being called: whoever calls them walks a snapshot. The
-// point has an identity of its own, as hosts expect, and lives as long as the whole.
+// point has an identity of its own, as hosts expect, and lives as long as the object.
 
 #include "com/ComPtr.h"
+#include "com/EntryPoints.h"
 #include "com/Implements.h"
 
 #include <ocidl.h>
@@ -14,12 +15,12 @@
 
 namespace corvina {
 
-class ConnectionPoint final : public IConnectionPoint {
+class ConnectionPoint final : public IConnectionPoint, private EntryPoints {
 public:
-    // iid: the outgoing interface. events: it is an event interface, so that a listener which
-    // answers for nothing but IDispatch is accepted too.
-    ConnectionPoint(IUnknown& whole, REFIID iid, bool events) noexcept
-        : whole_(whole), iid_(iid), events_(events) {}
+    // iid: the outgoing interface. events: it is an event interface, so that a listener which has
+    // nothing but IDispatch is accepted too.
+    ConnectionPoint(IUnknown& outer, REFIID iid, bool events) noexcept
+        : EntryPoints(outer, IID_IConnectionPoint, L""), iid_(iid), events_(events) {}
 
     [[nodiscard]] REFIID outgoing() const noexcept { return iid_; }
 
@@ -28,8 +29,8 @@ public:
     void disconnectAll() noexcept;
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** result) override;
-    ULONG STDMETHODCALLTYPE AddRef() override { return whole_.AddRef(); }
-    ULONG STDMETHODCALLTYPE Release() override { return whole_.Release(); }
+    ULONG STDMETHODCALLTYPE AddRef() override { return object().AddRef(); }
+    ULONG STDMETHODCALLTYPE Release() override { return object().Release(); }
 
     HRESULT STDMETHODCALLTYPE GetConnectionInterface(IID* result) override;
     HRESULT STDMETHODCALLTYPE
@@ -44,7 +45,6 @@ private:
         ComPtr<IUnknown> listener;
     };
 
-    IUnknown& whole_;
     const IID& iid_;
     bool events_;
     DWORD lastCookie_ = 0;

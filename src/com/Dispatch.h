@@ -5,7 +5,7 @@
 //   class Clock final : public Implements<Dispatch<IClock>> { ... };
 //
 // A class with several dual interfaces dispatches each by its own description; the first one in its
-// list answers for IDispatch.
+// list is the one that a query for IDispatch returns.
 
 #include "com/ComPtr.h"
 #include "com/Implements.h"
@@ -60,8 +60,8 @@ private:
 };
 
 template <typename Interface>
-struct AnswersTo<Dispatch<Interface>> {
-    static bool matches(REFIID iid) noexcept {
+struct InterfaceIds<Dispatch<Interface>> {
+    static bool contain(REFIID iid) noexcept {
         return iid == __uuidof(Interface) || iid == IID_IDispatch;
     }
 };

@@ -5,8 +5,9 @@
 //   makeEnumerator<IEnumConnections, CONNECTDATA>(items, copy)
 //
 // copy(from, to) fills a caller's item, with references or memory that the caller then owns, and
-// answers whether it could; the snapshot holds the items' own owners.
+// returns whether it could; the snapshot holds the items' own owners.
 
+#include "com/Guard.h"
 #include "com/Implements.h"
 
 #include <algorithm>
@@ -51,12 +52,8 @@ public:
         if (!result)
             return E_POINTER;
         *result = nullptr;
-        try {
-            *result = makeCom<Enumerator>(items_, copy_, position_).detach();
-            return S_OK;
-        } catch (const std::bad_alloc&) {
-            return E_OUTOFMEMORY;
-        }
+        return guarded(__uuidof(Interface), L"",
+                       [&] { *result = makeCom<Enumerator>(items_, copy_, position_).detach(); });
     }
 
 private:

@@ -57,7 +57,7 @@ void EventSource::fire(DISPID id, Arguments arguments, WhenFrozen whenFrozen) no
 void EventSource::thaw() noexcept {
     if (frozen_ == 0 || --frozen_ > 0)
         return;
-    const ComPtr<IUnknown> alive(&whole_);
+    const ComPtr<IUnknown> alive(&outer_);
     std::vector<Event> due;
     due.swap(kept_);
     for (Event& event : due)
@@ -71,7 +71,7 @@ void EventSource::keep(Event event, WhenFrozen whenFrozen) {
 }
 
 void EventSource::raise(Event& event) {
-    const ComPtr<IUnknown> alive(&whole_);
+    const ComPtr<IUnknown> alive(&outer_);
     for (const ComPtr<IUnknown>& listener : point_.listeners()) {
         // What one listener writes through a reference does not reach the next.
         Arguments arguments = event.arguments;

@@ -26,7 +26,7 @@ public:
     // What happens to an event that is raised while events are frozen.
     enum class WhenFrozen { keepAll, keepLatest };
 
-    EventSource(IUnknown& whole, ConnectionPoint& point) noexcept : whole_(whole), point_(point) {}
+    EventSource(IUnknown& outer, ConnectionPoint& point) noexcept : outer_(outer), point_(point) {}
 
     // Nothing is thrown; an event that finds no memory is lost.
     void fire(DISPID event, Arguments arguments,
@@ -44,7 +44,7 @@ private:
     void keep(Event event, WhenFrozen whenFrozen);
     void raise(Event& event);
 
-    IUnknown& whole_;
+    IUnknown& outer_;
     ConnectionPoint& point_;
     unsigned frozen_ = 0;
     std::vector<Event> kept_;

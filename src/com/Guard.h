@@ -9,7 +9,7 @@ namespace corvina {
 
 // Turns the exception being handled into an HRESULT and, for a run-time error, sets the thread's
 // error information: the framework's own numbers become 0x800A0000 + number, complete HRESULTs
-// stay, bad_alloc becomes E_OUTOFMEMORY, anything else E_UNEXPECTED. source is used where the error
+// stay, bad_alloc becomes E_OUTOFMEMORY, anything else E_UNEXPECTED. source is used if the error
 // names none. Call it inside a catch block only.
 [[nodiscard]] HRESULT currentExceptionToHresult(REFIID iid, const wchar_t* source) noexcept;
 

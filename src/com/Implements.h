@@ -18,10 +18,12 @@
 
 namespace corvina {
 
-// An interface answers also for the interfaces it derives from; specialise for deep ones.
+// The identifiers under which an interface is found: its own alone, because C++ cannot list what an
+// interface derives from. IUnknown is the object's matter. An interface that derives from others
+// which hosts ask for (IViewObjectEx from IViewObject) has a specialisation that names them.
 template <typename Interface>
-struct AnswersTo {
-    static bool matches(REFIID iid) noexcept { return iid == __uuidof(Interface); }
+struct InterfaceIds {
+    static bool contain(REFIID iid) noexcept { return iid == __uuidof(Interface); }
 };
 
 template <typename First, typename... Rest>
@@ -56,10 +58,11 @@ protected:
     Implements() noexcept { thisModule().lock(); }
     virtual ~Implements() { thisModule().unlock(); }
 
-    // The interface of that identifier, without a new reference; null where there is none.
+    // The interface of that identifier, without a new reference; null if there is none.
     virtual void* findInterface(REFIID iid) noexcept {
-        void* found = AnswersTo<First>::matches(iid) ? static_cast<First*>(this) : nullptr;
-        ((found = !found && AnswersTo<Rest>::matches(iid) ? static_cast<Rest*>(this) : found), ...);
+        void* found = InterfaceIds<First>::contain(iid) ? static_cast<First*>(this) : nullptr;
+        ((found = !found && InterfaceIds<Rest>::contain(iid) ? static_cast<Rest*>(this) : found),
+         ...);
         return found;
     }
 

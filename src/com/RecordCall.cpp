@@ -2,6 +2,7 @@
 
 #include "com/ComPtr.h"
 #include "com/Guard.h"
+#include "com/Variant.h"
 
 #include <oleauto.h>
 #include <vector>
@@ -43,14 +44,6 @@ private:
     FUNCDESC* function_ = nullptr;
 };
 
-// Owns a VARIANT.
-struct Value : VARIANT {
-    Value() noexcept : VARIANT{} { ::VariantInit(this); }
-    Value(const Value&) = delete;
-    Value& operator=(const Value&) = delete;
-    ~Value() { ::VariantClear(this); }
-};
-
 // The record that a parameter points to; false for any other parameter.
 bool isRecord(ITypeInfo& info, const TYPEDESC& parameter, GUID& guid) {
     if (parameter.vt != VT_PTR || parameter.lptdesc->vt != VT_USERDEFINED)
@@ -73,7 +66,7 @@ VARIANT& plain(VARIANT& argument) {
                : argument;
 }
 
-HRESULT recordAddress(const VARIANT& argument, REFGUID guid, Value& value) {
+HRESULT recordAddress(const VARIANT& argument, REFGUID guid, Variant& value) {
     if ((V_VT(&argument) & ~VT_BYREF) != VT_RECORD)
         return DISP_E_TYPEMISMATCH;
     if (!V_RECORDINFO(&argument) || !V_RECORD(&argument))
@@ -99,61 +92,77 @@ HRESULT describeFailure(HRESULT failure, EXCEPINFO* exception) {
     return DISP_E_EXCEPTION;
 }
 
-HRESULT call(ITypeInfo& info, IUnknown* object, const Method& method, const DISPPARAMS& arguments,
-             VARIANT* result, EXCEPINFO* exception, UINT* badArgument) {
-    const auto parameters = static_cast<UINT>(method->cParams);
-    const bool answers =
-        parameters > 0 &&
-        (method->lprgelemdescParam[parameters - 1].paramdesc.wParamFlags & PARAMFLAG_FRETVAL);
-    const UINT inputs = answers ? parameters - 1 : parameters;
-    if (arguments.cNamedArgs > 0)
-        return DISP_E_NONAMEDARGS;
-    if (arguments.cArgs != inputs)
-        return DISP_E_BADPARAMCOUNT;
+// The arguments of one call, in the order of the declaration, as DispCallFunc takes them.
+struct Arguments {
+    explicit Arguments(std::size_t count) : values(count), types(count), pointers(count) {}
 
-    std::vector<Value> values(parameters);
-    std::vector<VARTYPE> types(parameters);
-    std::vector<VARIANT*> pointers(parameters);
+    void add(std::size_t index) {
+        types[index] = V_VT(&values[index]);
+        pointers[index] = &values[index];
+    }
+
+    std::vector<Variant> values;
+    std::vector<VARTYPE> types;
+    std::vector<VARIANT*> pointers;
+};
+
+// E_NOTIMPL if none of the parameters is a record.
+HRESULT convert(ITypeInfo& info, const Method& method, UINT inputs, const DISPPARAMS& given,
+                Arguments& arguments, UINT* badArgument) {
     bool anyRecord = false;
     for (UINT i = 0; i < inputs; ++i) {
         const UINT place = inputs - 1 - i; // arguments come last first
-        VARIANT& argument = plain(arguments.rgvarg[place]);
+        VARIANT& argument = plain(given.rgvarg[place]);
         const TYPEDESC& type = method->lprgelemdescParam[i].tdesc;
         GUID record;
-        HRESULT ready;
-        if (isRecord(info, type, record)) {
-            anyRecord = true;
-            ready = recordAddress(argument, record, values[i]);
-        } else {
-            ready = ::VariantChangeType(&values[i], &argument, 0, type.vt);
-        }
+        const bool takesRecord = isRecord(info, type, record);
+        anyRecord = anyRecord || takesRecord;
+        const HRESULT ready =
+            takesRecord ? recordAddress(argument, record, arguments.values[i])
+                        : ::VariantChangeType(&arguments.values[i], &argument, 0, type.vt);
         if (FAILED(ready)) {
             if (badArgument)
                 *badArgument = place;
             return ready;
         }
-        types[i] = V_VT(&values[i]);
-        pointers[i] = &values[i];
+        arguments.add(i);
     }
-    if (!anyRecord)
-        return E_NOTIMPL;
+    return anyRecord ? S_OK : E_NOTIMPL;
+}
 
-    Value answer;
-    if (answers) {
-        V_VT(&answer) = method->lprgelemdescParam[inputs].tdesc.lptdesc->vt;
-        V_VT(&values[inputs]) = types[inputs] = static_cast<VARTYPE>(VT_BYREF | V_VT(&answer));
-        V_BYREF(&values[inputs]) = &V_BYREF(&answer);
-        pointers[inputs] = &values[inputs];
+HRESULT call(ITypeInfo& info, IUnknown* object, const Method& method, const DISPPARAMS& given,
+             VARIANT* result, EXCEPINFO* exception, UINT* badArgument) {
+    const auto parameters = static_cast<UINT>(method->cParams);
+    const bool returns =
+        parameters > 0 &&
+        (method->lprgelemdescParam[parameters - 1].paramdesc.wParamFlags & PARAMFLAG_FRETVAL);
+    const UINT inputs = returns ? parameters - 1 : parameters;
+    if (given.cNamedArgs > 0)
+        return DISP_E_NONAMEDARGS;
+    if (given.cArgs != inputs)
+        return DISP_E_BADPARAMCOUNT;
+
+    Arguments arguments(parameters);
+    if (const HRESULT ready = convert(info, method, inputs, given, arguments, badArgument);
+        FAILED(ready))
+        return ready;
+    Variant returned;
+    if (returns) {
+        VARIANT& last = arguments.values[inputs];
+        V_VT(&returned) = method->lprgelemdescParam[inputs].tdesc.lptdesc->vt;
+        V_VT(&last) = static_cast<VARTYPE>(VT_BYREF | V_VT(&returned));
+        V_BYREF(&last) = &V_BYREF(&returned);
+        arguments.add(inputs);
     }
-    Value status;
+    Variant status;
     const HRESULT called =
         ::DispCallFunc(object, static_cast<ULONG_PTR>(method->oVft), CC_STDCALL, VT_ERROR,
-                       parameters, types.data(), pointers.data(), &status);
+                       parameters, arguments.types.data(), arguments.pointers.data(), &status);
     if (FAILED(called))
         return called;
     if (FAILED(V_ERROR(&status)))
         return describeFailure(V_ERROR(&status), exception);
-    return result ? ::VariantCopy(result, &answer) : S_OK;
+    return result ? ::VariantCopy(result, &returned) : S_OK;
 }
 
 } // namespace

@@ -9,7 +9,7 @@
 
 namespace corvina {
 
-// Null, with the reason in the result, where the module holds no such library or description.
+// Null, with the reason in the result, if the module holds no such library or description.
 [[nodiscard]] HRESULT loadModuleTypeLibrary(ComPtr<ITypeLib>& library) noexcept;
 [[nodiscard]] HRESULT loadModuleTypeInfo(REFGUID guid, ComPtr<ITypeInfo>& info) noexcept;
 

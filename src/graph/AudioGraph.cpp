@@ -1,8 +1,8 @@
 #include "graph/AudioGraph.h"
 
-#include "platform/SavedContext.h"
 #include "graph/AmplitudeCurve.h"
 #include "graph/Painting.h"
+#include "platform/SavedContext.h"
 
 #include <algorithm>
 
@@ -33,12 +33,13 @@ bool isMetafile(HDC dc) noexcept {
     return kind == OBJ_METADC || kind == OBJ_ENHMETADC;
 }
 
-class Raised {
+// A flag that is set until the end of a scope.
+class ScopedFlag {
 public:
-    explicit Raised(bool& flag) noexcept : flag_(flag) { flag_ = true; }
-    Raised(const Raised&) = delete;
-    Raised& operator=(const Raised&) = delete;
-    ~Raised() { flag_ = false; }
+    explicit ScopedFlag(bool& flag) noexcept : flag_(flag) { flag_ = true; }
+    ScopedFlag(const ScopedFlag&) = delete;
+    ScopedFlag& operator=(const ScopedFlag&) = delete;
+    ~ScopedFlag() { flag_ = false; }
 
 private:
     bool& flag_;
@@ -47,20 +48,17 @@ private:
 void drawBars(Surface& surface, const BandLevels& bands, const GraphSettings& settings, SIZE size) {
     if (!surface.resize(size))
         return;
-    surface.BackColor(settings.backgroundColor);
-    surface.Cls();
+    surface.clear(settings.backgroundColor);
     paintBars(surface.dc(), Frame(size), usedLevels(bands, settings.bands), settings);
 }
 
-// The whole line at once: a picture that is painted meanwhile is the one before, never half of one.
+// Draws the line in one go, after it was computed: until then the picture before is painted.
 void drawCurve(Surface& surface, const std::vector<POINT>& corners, const GraphSettings& settings,
                SIZE size) {
     if (!surface.resize(size))
         return;
-    surface.ForeColor(settings.amplitudeColor);
-    surface.BackColor(settings.backgroundColor);
-    surface.Cls();
-    paintCurve(surface.dc(), Frame(size), corners, surface.ForeColor());
+    surface.clear(settings.backgroundColor);
+    paintCurve(surface.dc(), Frame(size), corners, settings.amplitudeColor);
 }
 
 } // namespace
@@ -69,7 +67,7 @@ void AudioGraph::display(const GraphSettings& settings, SIZE size,
                          const std::function<void()>& betweenColumns) {
     if (displaying_)
         return;
-    const Raised displaying(displaying_);
+    const ScopedFlag displaying(displaying_);
     const SIZE picture = pictureSize(settings, size);
     if (settings.style == GraphStyle::amplitude) {
         drawCurve(visible_, amplitudeCurve(samples_, picture, betweenColumns), settings, picture);
@@ -80,7 +78,7 @@ void AudioGraph::display(const GraphSettings& settings, SIZE size,
     }
     shown_ = settings;
 
-    // The level follows the spectrum in both styles.
+    // The level comes from the spectrum in both styles, so the spectrum is always computed.
     bands_.update(samples_, settings.bands);
     level_ = bands_.loudness();
     drawBars(settings.style == GraphStyle::amplitude ? hidden_ : visible_, bands_, settings,
@@ -90,19 +88,17 @@ void AudioGraph::display(const GraphSettings& settings, SIZE size,
 void AudioGraph::clear(const GraphSettings& settings) {
     content_ = Content::nothing;
     shown_ = settings;
-    for (Surface* surface : {&visible_, &hidden_}) {
-        surface->BackColor(settings.backgroundColor);
-        surface->Cls();
-    }
+    for (Surface* surface : {&visible_, &hidden_})
+        surface->clear(settings.backgroundColor);
 }
 
 void AudioGraph::paint(HDC dc, const RECT& bounds, SIZE size) {
     const LONG border = borderOf(shown_);
-    const Frame whole(bounds, size);
+    const Frame control(bounds, size);
     if (border > 0)
-        paintBorder(dc, whole);
+        paintBorder(dc, control);
     const SIZE picture = pictureSize(shown_, size);
-    const RECT inside = whole.at(RECT{border, border, border + picture.cx, border + picture.cy});
+    const RECT inside = control.at(RECT{border, border, border + picture.cx, border + picture.cy});
     if (!isMetafile(dc) && showAtSize(picture)) {
         ::StretchBlt(dc, inside.left, inside.top, inside.right - inside.left,
                      inside.bottom - inside.top, visible_.dc(), 0, 0, picture.cx, picture.cy,
@@ -114,9 +110,9 @@ void AudioGraph::paint(HDC dc, const RECT& bounds, SIZE size) {
     paintContent(dc, Frame(inside, picture));
 }
 
-// False where the visible surface cannot have that size.
+// False if the visible surface cannot have that size.
 bool AudioGraph::showAtSize(SIZE picture) {
-    if (visible_.ScaleWidth() == picture.cx && visible_.ScaleHeight() == picture.cy)
+    if (visible_.width() == picture.cx && visible_.height() == picture.cy)
         return !visible_.empty();
     if (!visible_.resize(picture))
         return false;

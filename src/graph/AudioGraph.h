@@ -26,15 +26,15 @@ public:
     // 0 ... 100, as of the last display().
     [[nodiscard]] std::int32_t level() const noexcept { return level_; }
 
-    // size: of the whole control in pixels, the border included. betweenColumns is called many
-    // times while a waveform is drawn.
+    // size: of the control in pixels, border included. betweenColumns is called many times while a
+    // waveform is drawn.
     void display(const GraphSettings& settings, SIZE size,
                  const std::function<void()>& betweenColumns);
 
-    // Takes everything from the picture but its background and border.
+    // Leaves only background and border in the picture.
     void clear(const GraphSettings& settings);
 
-    // bounds: logical units; size: of the whole control in pixels.
+    // bounds: logical units; size: of the control in pixels, border included.
     void paint(HDC dc, const RECT& bounds, SIZE size);
 
 private:
@@ -54,7 +54,7 @@ private:
     SampleBuffer shownSamples_;
 
     Surface visible_;
-    Surface hidden_; // where the bars go while the waveform is what is seen
+    Surface hidden_; // gets the bars while the waveform is shown
 };
 
 } // namespace corvina

@@ -11,12 +11,13 @@ namespace {
 
 constexpr std::int32_t transformSize = 1024;
 constexpr double fallPerPicture = 0.07;
-// A tenth of full scale already fills a bar: music seldom has more in one bin.
+// A tenth of full scale in one bin fills a bar: music seldom has more.
 constexpr double fullBar = 0.1;
 constexpr std::int32_t binsPerBand = 4;
 constexpr std::int32_t loudnessBands = 9;
 
-// Small at both ends of the spectrum and near 1 in its middle; all steps in 32-bit floating point.
+// Small at both ends of the spectrum and near 1 in its middle. Every step but the cosine is rounded
+// to 32-bit floating point.
 float bandWeight(std::int32_t band, std::int32_t bands) noexcept {
     constexpr float twoPi = 6.2831855F;
     const float angle = twoPi * static_cast<float>(band + 3) / static_cast<float>(bands + 3);
@@ -58,8 +59,8 @@ void BandLevels::lift(std::int32_t used, std::int32_t bands) noexcept {
     // With so many bands that their number plus 3 overflows, the weight is never computed.
     const bool weighted = bands <= std::numeric_limits<std::int32_t>::max() - 3;
     std::size_t bin = 1;
-    // Deliberately never reset: each band carries a third (or more) of the one before, which gives
-    // the bars their smooth outline.
+    // Deliberately not reset for each band: a band takes a third (or more) of the one before with
+    // it, which gives the bars a smooth outline.
     float sum = 0.0F;
     for (std::int32_t band = 0; band < used; ++band) {
         for (std::int32_t i = 0; i < binsPerBand; ++i, ++bin)
@@ -69,14 +70,16 @@ void BandLevels::lift(std::int32_t used, std::int32_t bands) noexcept {
         sum = (weight + 1.0F) * sum / 3.0F;
         double& level = levels_[static_cast<std::size_t>(band)];
         level = std::min(std::max(level, static_cast<double>(sum)), 1.0);
-        ++bin; // one bin between two bands belongs to neither
+        ++bin; // deliberate: one bin between two bands belongs to neither
     }
 }
 
 std::int32_t BandLevels::loudness() const {
     std::int32_t total = 0;
-    for (std::int32_t band = 0; band < loudnessBands; ++band)
+    for (std::int32_t band = 0; band < loudnessBands; ++band) {
+        // Deliberate: the running total is rounded after each band, not once at the end.
         total = roundToInt32(levels_[static_cast<std::size_t>(band)] * 100.0 + total);
+    }
     return roundToInt32(static_cast<double>(total) / loudnessBands);
 }
 

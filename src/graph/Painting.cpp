@@ -1,31 +1,23 @@
 #include "graph/Painting.h"
 
+#include "platform/GdiHandles.h"
 #include "runtime/Rounding.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <limits>
-#include <memory>
-#include <type_traits>
-#include <utility>
 #include <vector>
 
 namespace corvina {
 namespace {
 
-struct DeleteGdiObject {
-    void operator()(HGDIOBJ object) const noexcept { ::DeleteObject(object); }
-};
-using Brush = std::unique_ptr<std::remove_pointer_t<HBRUSH>, DeleteGdiObject>;
-using Pen = std::unique_ptr<std::remove_pointer_t<HPEN>, DeleteGdiObject>;
-
 LONG scaled(LONG value, LONG from, LONG to) noexcept {
     return from == to || from <= 0 ? value : ::MulDiv(value, to, from);
 }
 
-// The corners up to the first that leaves the picture at its right edge, from where the curve never
-// comes back. Metafiles with 16-bit coordinates could not hold the rest.
+// The corners up to and including the first beyond the picture's right edge; the curve runs from
+// left to right. Metafiles with 16-bit coordinates could not hold the rest.
 std::span<const POINT> visiblePart(std::span<const POINT> corners, LONG width) noexcept {
     const auto out = std::ranges::find_if(corners, [&](POINT corner) { return corner.x >= width; });
     const auto count = static_cast<std::size_t>(out - corners.begin());
@@ -92,14 +84,13 @@ void paintCurve(HDC dc, const Frame& frame, std::span<const POINT> corners, COLO
     std::vector<POINT> placed;
     for (const POINT corner : visiblePart(corners, frame.picture().cx))
         placed.push_back(frame.at(corner.x, corner.y));
-    const HGDIOBJ before = ::SelectObject(dc, pen.get());
+    const SelectedObject selected(dc, pen.get());
     ::Polyline(dc, placed.data(), static_cast<int>(placed.size()));
-    ::SelectObject(dc, before);
 }
 
 void paintBorder(HDC dc, const Frame& frame) noexcept {
     const auto [width, height] = frame.picture();
-    // A shade that can be told from a dark picture as well as from a light form.
+    // A shade that stands out from a dark picture as well as from a light form.
     const COLORREF color = ::GetSysColor(COLOR_3DSHADOW);
     constexpr LONG line = borderPixels;
     for (const RECT& side : {RECT{0, 0, width, line}, RECT{0, height - line, width, height},

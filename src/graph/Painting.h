@@ -2,9 +2,9 @@
 
 // Drawing the graph's elements onto any device context: a surface, a window, a printer, a metafile.
 //
-// Everything is measured in pixels of a picture; a Frame says where that picture lies in the device
-// context's logical units, so that a printer's finer dots do not make the bars thinner. What GDI
-// refuses is left out.
+// Everything is measured in pixels of a picture. A Frame says which logical units of the device
+// context that picture covers, so bars are as wide on paper as on the screen although a printer's
+// dots are finer. What GDI refuses to draw is left out.
 
 #include "graph/GraphSettings.h"
 
@@ -35,7 +35,7 @@ private:
 void fill(HDC dc, const RECT& area, COLORREF color) noexcept;
 
 // The rectangle of a bar in a picture of that height: bottom at the lower edge, top by its level,
-// 0 ... 1. Empty where the width is not above 0 or the coordinates overflow.
+// 0 ... 1. Empty if the width is not above 0 or the coordinates overflow.
 [[nodiscard]] RECT barRectangle(int band, double level, const GraphSettings& settings, LONG height);
 
 // The bars of the bands, one level each, on what is already there.

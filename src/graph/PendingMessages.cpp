@@ -12,16 +12,16 @@ PendingMessages::PendingMessages(const PerformanceCounterApi& counter) noexcept
     LARGE_INTEGER frequency{};
     counter_.frequency(&frequency);
     ticksPerMillisecond_ = frequency.QuadPart / 1000;
-    nextAsked_ = now();
+    nextQuery_ = now();
 }
 
 void PendingMessages::handle() noexcept {
-    if (quitting_ || now() < nextAsked_)
+    if (quitting_ || now() < nextQuery_)
         return;
     MSG message;
     for (int i = 0; i < mostAtOnce; ++i) {
         if (!::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-            nextAsked_ = now() + ticksPerMillisecond_;
+            nextQuery_ = now() + ticksPerMillisecond_;
             return;
         }
         if (message.message == WM_QUIT) {

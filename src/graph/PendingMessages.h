@@ -1,8 +1,8 @@
 #pragma once
 
-// Lets the system handle what waits in the thread's message queue while something long is drawn.
-// Anything may happen meanwhile: the caller must expect every one of its own members to be called,
-// and its window to be destroyed. One object serves one drawing.
+// Dispatches the messages that wait in the thread's queue while something long is drawn. Anything
+// may happen meanwhile: any of the caller's members may be called, and its window destroyed. One
+// object serves one drawing.
 
 #include "platform/PerformanceCounter.h"
 
@@ -13,11 +13,12 @@ public:
     explicit PendingMessages(
         const PerformanceCounterApi& counter = systemPerformanceCounter) noexcept;
 
-    // Handles the messages that wait now, up to a number that a busy timer cannot exceed. A message
-    // to quit is put back for the host's own loop and ends the handling for good.
+    // Dispatches the messages that wait now, a hundred at most: a busy timer must not hold up the
+    // drawing for ever. WM_QUIT is posted again for the host's own loop, and nothing is dispatched
+    // after it.
     //
-    // Meant to be called hundreds of times in a millisecond. Asking a queue can cost a round trip
-    // to another process, so one that was empty is not asked again within the same millisecond.
+    // It may be called hundreds of times in a millisecond. Querying the queue can cost a round trip
+    // to another process, so an empty queue is not queried again within the same millisecond.
     void handle() noexcept;
 
 private:
@@ -25,7 +26,7 @@ private:
 
     const PerformanceCounterApi& counter_;
     LONGLONG ticksPerMillisecond_ = 0;
-    LONGLONG nextAsked_ = 0;
+    LONGLONG nextQuery_ = 0;
     bool quitting_ = false;
 };
 

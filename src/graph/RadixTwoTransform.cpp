@@ -25,7 +25,7 @@ inline void butterfly(Complex& low, Complex& high, __m128d twiddleRe, __m128d tw
 }
 
 // Joins neighbouring blocks of half values. The block is the inner loop, so each twiddle factor is
-// computed once a stage and not once a block.
+// computed once for a stage and not once for each block.
 void runStage(std::span<Complex> data, std::size_t half, TwiddleRotation rotation) noexcept {
     const std::size_t size = 2 * half;
     double re = 1.0;
@@ -48,8 +48,8 @@ RadixTwoTransform::RadixTwoTransform(std::int32_t size) {
     const double twoPi = 2.0 * pi;
     for (std::int64_t joined = 2; joined <= size; joined *= 2) {
         const double halfAngleSine = std::sin(pi / static_cast<double>(joined));
-        stages_.push_back(
-            {2.0 * (halfAngleSine * halfAngleSine), std::sin(twoPi / static_cast<double>(joined))});
+        stages_.push_back({.alpha = 2.0 * (halfAngleSine * halfAngleSine),
+                           .beta = std::sin(twoPi / static_cast<double>(joined))});
     }
 }
 

@@ -35,8 +35,8 @@ public:
     void run(std::span<Complex> data) const noexcept;
 
 private:
-    std::vector<TwiddleRotation>
-        stages_; // stage i joins blocks of 2^i values into twice as long ones
+    // Stage i joins blocks of 2^i values into blocks twice as long.
+    std::vector<TwiddleRotation> stages_;
 };
 
 } // namespace corvina

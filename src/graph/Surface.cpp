@@ -2,10 +2,12 @@
 
 #include "graph/Painting.h"
 
+#include <utility>
+
 namespace corvina {
 namespace {
 
-HBITMAP createBitmap(HDC dc, SIZE size) noexcept {
+Bitmap createBitmap(HDC dc, SIZE size) noexcept {
     BITMAPINFO info{};
     info.bmiHeader.biSize = sizeof info.bmiHeader;
     info.bmiHeader.biWidth = size.cx;
@@ -14,7 +16,7 @@ HBITMAP createBitmap(HDC dc, SIZE size) noexcept {
     info.bmiHeader.biBitCount = 32;
     info.bmiHeader.biCompression = BI_RGB;
     void* bits = nullptr;
-    return ::CreateDIBSection(dc, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+    return Bitmap(::CreateDIBSection(dc, &info, DIB_RGB_COLORS, &bits, nullptr, 0));
 }
 
 } // namespace
@@ -25,31 +27,25 @@ bool Surface::resize(SIZE size) noexcept {
     release();
     if (size.cx <= 0 || size.cy <= 0 || LONGLONG{size.cx} * size.cy > highestPixelCount)
         return false;
-    dc_ = ::CreateCompatibleDC(nullptr);
-    bitmap_ = dc_ ? createBitmap(dc_, size) : nullptr;
-    if (!bitmap_) {
-        release();
+    MemoryContext dc(::CreateCompatibleDC(nullptr));
+    if (!dc)
         return false;
-    }
-    original_ = ::SelectObject(dc_, bitmap_);
+    bitmap_ = createBitmap(dc.get(), size);
+    if (!bitmap_)
+        return false;
+    ::SelectObject(dc.get(), bitmap_.get());
+    dc_ = std::move(dc);
     size_ = size;
     return true;
 }
 
-void Surface::Cls() noexcept {
-    fill(dc_, {0, 0, size_.cx, size_.cy}, backColor_);
+void Surface::clear(COLORREF background) noexcept {
+    fill(dc(), {0, 0, size_.cx, size_.cy}, background);
 }
 
 void Surface::release() noexcept {
-    if (original_)
-        ::SelectObject(dc_, original_);
-    if (bitmap_)
-        ::DeleteObject(bitmap_);
-    if (dc_)
-        ::DeleteDC(dc_);
-    dc_ = nullptr;
-    bitmap_ = nullptr;
-    original_ = nullptr;
+    dc_.reset();
+    bitmap_.reset();
     size_ = {};
 }
 

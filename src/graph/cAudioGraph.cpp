@@ -35,17 +35,20 @@ constexpr std::int32_t number(COLORREF color) {
 }
 
 constexpr Property properties[] = {
-    {L"GraphStyle", 1, static_cast<std::int32_t>(initial.style), &isZeroOrOne},
-    {L"Bands", 2, initial.bands},
-    {L"BandsSpace", 3, initial.bandsSpace},
-    {L"BandsWidth", 4, initial.bandsWidth},
-    {L"BackgroundColor", 5, number(initial.backgroundColor)},
-    {L"AmplitudeColor", 6, number(initial.amplitudeColor)},
-    {L"FreqColor", 7, number(initial.freqColor)},
-    {L"BorderStyle", 8, initial.border, &isZeroOrOne},
+    {.name = L"GraphStyle",
+     .id = 1,
+     .initial = static_cast<std::int32_t>(initial.style),
+     .accepts = &isZeroOrOne},
+    {.name = L"Bands", .id = 2, .initial = initial.bands},
+    {.name = L"BandsSpace", .id = 3, .initial = initial.bandsSpace},
+    {.name = L"BandsWidth", .id = 4, .initial = initial.bandsWidth},
+    {.name = L"BackgroundColor", .id = 5, .initial = number(initial.backgroundColor)},
+    {.name = L"AmplitudeColor", .id = 6, .initial = number(initial.amplitudeColor)},
+    {.name = L"FreqColor", .id = 7, .initial = number(initial.freqColor)},
+    {.name = L"BorderStyle", .id = 8, .initial = initial.border, .accepts = &isZeroOrOne},
 };
 
-// A colour as hosts give it, which may stand for one of the system's.
+// A host's colour may be a number that stands for one of the system's colours.
 COLORREF translated(std::int32_t color) noexcept {
     COLORREF result = 0;
     const auto value = static_cast<OLE_COLOR>(color);
@@ -64,15 +67,13 @@ const void* samplesAt(LONG address) {
 } // namespace
 
 // Just wide enough for the initial number of bands.
-constinit const ControlClass audioGraphClass{CLSID_cAudioGraph,
-                                             IID__cAudioGraph,
-                                             DIID___cAudioGraph,
-                                             L"Corvina.cAudioGraph",
-                                             L"Corvina audio graph",
-                                             {200, 100},
-                                             {},
-                                             true,
-                                             properties};
+constinit const ControlClass audioGraphClass{.clsid = CLSID_cAudioGraph,
+                                             .primary = IID__cAudioGraph,
+                                             .events = DIID___cAudioGraph,
+                                             .progId = L"Corvina.cAudioGraph",
+                                             .description = L"Corvina audio graph",
+                                             .naturalPixels = {200, 100},
+                                             .properties = properties};
 
 cAudioGraph::cAudioGraph() : Control(audioGraphClass) {}
 
@@ -82,7 +83,7 @@ cAudioGraph::~cAudioGraph() {
 
 template <typename Value>
 HRESULT cAudioGraph::get(int property, Value* result) noexcept {
-    return answer(result, [&] { return ole().property(property); });
+    return enterReturning(result, [&] { return ole().property(property); });
 }
 
 template <typename Value>
@@ -140,11 +141,11 @@ HRESULT cAudioGraph::put_BorderStyle(BorderStyle value) {
 }
 
 HRESULT cAudioGraph::get_hWnd(LONG* result) {
-    return answer(result, [&] { return reinterpret_cast<LONG_PTR>(ole().window()); });
+    return enterReturning(result, [&] { return reinterpret_cast<LONG_PTR>(ole().window()); });
 }
 
 HRESULT cAudioGraph::SetAudioData(LONG pAudioData, LONG* result) {
-    return answer(result, [&] {
+    return enterReturning(result, [&] {
         graph_.takeSamples(samplesAt(pAudioData));
         ole().events().fire(levelChangedEvent, {graph_.level()},
                             EventSource::WhenFrozen::keepLatest);
@@ -161,39 +162,37 @@ HRESULT cAudioGraph::Display() {
 }
 
 HRESULT cAudioGraph::ClearGraph(LONG* result) {
-    return answer(result, [&] {
+    return enterReturning(result, [&] {
         graph_.clear(settings());
         showPicture();
         return 0;
     });
 }
 
-// Hosts call these two around the control's use, as they do with the player's; there is nothing to
-// prepare or to give back.
+// Deliberately empty: hosts call these two on every control, as on the player.
 HRESULT cAudioGraph::Init(LONG* result) {
-    return answer(result, [] { return 0; });
+    return enterReturning(result, [] { return 0; });
 }
 
 HRESULT cAudioGraph::DeInit(LONG* result) {
-    return answer(result, [] { return 0; });
+    return enterReturning(result, [] { return 0; });
 }
 
 GraphSettings cAudioGraph::settings() const {
-    return {static_cast<GraphStyle>(ole().property(graphStyle)),
-            ole().property(bands),
-            ole().property(bandsSpace),
-            ole().property(bandsWidth),
-            translated(ole().property(backgroundColor)),
-            translated(ole().property(amplitudeColor)),
-            translated(ole().property(freqColor)),
-            ole().property(borderStyle) != StyleNone};
+    return {.style = static_cast<GraphStyle>(ole().property(graphStyle)),
+            .bands = ole().property(bands),
+            .bandsSpace = ole().property(bandsSpace),
+            .bandsWidth = ole().property(bandsWidth),
+            .backgroundColor = translated(ole().property(backgroundColor)),
+            .amplitudeColor = translated(ole().property(amplitudeColor)),
+            .freqColor = translated(ole().property(freqColor)),
+            .border = ole().property(borderStyle) != StyleNone};
 }
 
 // At once, not when the host next waits for messages: hosts draw from within long loops too.
 void cAudioGraph::showPicture() noexcept {
     ole().pictureChanged();
-    if (const HWND window = ole().ownWindow().handle())
-        ::UpdateWindow(window);
+    ole().paintNow();
 }
 
 void cAudioGraph::draw(HDC dc, const RECT& bounds) {
@@ -204,11 +203,11 @@ void cAudioGraph::draw(HDC dc, const RECT& bounds) {
         paintSamplePicture(dc, bounds, size, settings());
 }
 
-void cAudioGraph::propertiesChanged(int index) {
-    if (index < 0)
-        graph_.clear(settings()); // a newly loaded control shows its own background
+void cAudioGraph::propertiesChanged(std::optional<int> index) {
+    if (!index)
+        graph_.clear(settings()); // properties were loaded: show their background
     else if (!ole().userMode())
-        ole().pictureChanged(); // whoever designs a form sees the effect at once
+        ole().pictureChanged(); // on a form that is being designed the effect shows at once
 }
 
 } // namespace corvina

@@ -3,7 +3,7 @@
 // The graph control as its hosts see it: properties, results and the event translated, everything
 // else forwarded to AudioGraph. The control is made by the class table of the library.
 
-#include "com/Control.h"
+#include "control/Control.h"
 #include "graph/AudioGraph.h"
 
 #include "Corvina.h"
@@ -51,7 +51,7 @@ private:
 
     // ControlHooks
     void draw(HDC dc, const RECT& bounds) override;
-    void propertiesChanged(int index) override;
+    void propertiesChanged(std::optional<int> index) override;
 
     AudioGraph graph_;
 };

@@ -8,6 +8,7 @@
 #include <cstddef>
 
 namespace corvina {
+
 void cIIRFilter::ProcessSamples(std::span<std::int16_t> samples, std::int32_t lastIndex) {
     if (lastIndex < 0)
         return;
@@ -26,7 +27,7 @@ std::size_t cIIRFilter::filter(std::span<std::int16_t> samples) noexcept {
     for (; done < samples.size(); ++done) {
         const float x = static_cast<float>(samples[done]) / 32767.0F;
         const float y = b0 * x + b1 * x1 + b2 * x2 - a1 * y1 - a2 * y2;
-        // The scale is not symmetric: what is below -1 becomes -32768, but -1 itself -32767.
+        // Deliberately not symmetric: -1 becomes -32767, and only what is below it -32768.
         std::int16_t written = y > 0.0F ? 32767 : -32768;
         if (std::fabs(y) <= 1.0F)
             written = roundWithinInt16(y * 32767.0F);

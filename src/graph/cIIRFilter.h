@@ -8,7 +8,7 @@
 // between calls, so the blocks of one stream are filtered without a seam. A new filter has only
 // zero coefficients and turns everything into silence: set them first.
 //
-// One filter serves one channel; interleaved samples of several channels need to be parted before.
+// One filter serves one channel: separate the samples of several channels first.
 // One thread.
 
 #include <cstdint>

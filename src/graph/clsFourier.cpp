@@ -1,11 +1,11 @@
 #include "graph/clsFourier.h"
 
 #include "runtime/BitReversal.h"
+#include "runtime/OutOfMemory.h"
 #include "runtime/RuntimeError.h"
 
 #include <bit>
 #include <cmath>
-#include <new>
 #include <numbers>
 #include <utility>
 
@@ -39,7 +39,7 @@ void clsFourier::NumberOfSamples(std::int32_t count) {
         return;
     std::vector<Complex> data;
     if (static_cast<std::size_t>(count) > data.max_size())
-        throw std::bad_alloc();
+        throwOutOfMemory();
     data.resize(static_cast<std::size_t>(count));
     RadixTwoTransform transform(count);
     data_ = std::move(data);
@@ -81,8 +81,8 @@ float clsFourier::Timing() const noexcept {
                               static_cast<double>(frequency_.QuadPart) * 1000.0);
 }
 
-// The Blackman window over the whole block: its divisor is the highest index, not the count, so
-// that both the first and the last sample weigh nothing.
+// The Blackman window. Its divisor is the highest index, not the count, so both the first and the
+// last sample have the weight 0.
 double clsFourier::weight(std::int32_t index) const noexcept {
     const double twoPi = 2.0 * std::numbers::pi;
     const double angle = (index - 1) * twoPi / (NumberOfSamples() - 1);
@@ -94,7 +94,7 @@ Complex& clsFourier::input(std::int32_t index) {
     const auto position = static_cast<std::uint32_t>(index - 1);
     if (bits_ > bitReversalTableBits)
         return data_[reverseBits(position, bits_)];
-    // The reversal of few bits is the upper part of the reversal of all ten.
+    // Fewer bits reversed are the upper part of the ten bits reversed.
     return data_[static_cast<std::size_t>(bitReversalTable()[position] >>
                                           (bitReversalTableBits - bits_))];
 }

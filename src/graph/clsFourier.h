@@ -8,8 +8,7 @@
 // samples of value v give N * v / 2 in bin 1.
 //
 // One thread. Errors: 381 for an index outside 1 ... N or before a valid NumberOfSamples; 6
-// (overflow) where a number is not finite. A member that fails so while it writes changes no
-// sample.
+// (overflow) if a number is not finite. A write that fails changes no sample.
 
 #include "graph/RadixTwoTransform.h"
 #include "platform/PerformanceCounter.h"
@@ -34,7 +33,7 @@ public:
     // Non-zero: RealIn weights each sample by a Blackman window; 0: it halves each sample.
     void WithTimeWindow(std::int32_t on) noexcept { timeWindow_ = on; }
 
-    // Writes the real part and sets the imaginary part to 0: write RealIn first and ImagIn second.
+    // Writes the real part and sets the imaginary part to 0, so call RealIn before ImagIn.
     void RealIn(std::int32_t index, double value);
     // Writes the imaginary part as it is, neither weighted nor halved.
     void ImagIn(std::int32_t index, double value);

@@ -15,18 +15,26 @@ IUnknown* create() {
     return static_cast<Interface*>(makeCom<Class>().detach());
 }
 
-const ClassEntry classes[] = {
-    {CLSID_cPlayer, L"Corvina.cPlayer", L"Corvina audio player", &create<_cPlayer, cPlayer>,
-     CORVINA_BITMAP_PLAYER},
-    {CLSID_cAudioGraph, L"Corvina.cAudioGraph", L"Corvina audio graph",
-     &create<_cAudioGraph, cAudioGraph>, CORVINA_BITMAP_GRAPH},
-    {CLSID_GSubclass, L"Corvina.GSubclass", L"Corvina window subclassing",
-     &create<_GSubclass, GSubclass>, 0},
-};
+template <typename Interface, typename Class>
+ClassEntry control(const ControlClass& controlClass, int toolboxBitmap) {
+    return {.clsid = controlClass.clsid,
+            .progId = controlClass.progId,
+            .description = controlClass.description,
+            .create = &create<Interface, Class>,
+            .toolboxBitmap = toolboxBitmap};
+}
 
 } // namespace
 
 std::span<const ClassEntry> classTable() noexcept {
+    static const ClassEntry classes[] = {
+        control<_cPlayer, cPlayer>(playerClass, CORVINA_BITMAP_PLAYER),
+        control<_cAudioGraph, cAudioGraph>(audioGraphClass, CORVINA_BITMAP_GRAPH),
+        {.clsid = CLSID_GSubclass,
+         .progId = L"Corvina.GSubclass",
+         .description = L"Corvina window subclassing",
+         .create = &create<_GSubclass, GSubclass>},
+    };
     return classes;
 }
 

@@ -1,9 +1,10 @@
 #include "library/Registration.h"
 
-#include "com/ControlClass.h"
 #include "com/Module.h"
 #include "com/TypeLibrary.h"
+#include "control/Verbs.h"
 #include "library/ClassTable.h"
+#include "platform/RegistryKey.h"
 
 #include <oleauto.h>
 #include <string>
@@ -22,7 +23,7 @@ namespace {
 
 using Text = std::wstring;
 
-// One text value below Software\Classes; the key is made where it is missing.
+// One text value below Software\Classes; the key is made if it is missing.
 struct Value {
     Text key;
     const wchar_t* name; // null for the key's default value
@@ -87,6 +88,11 @@ Text versionedProgId(const ClassEntry& entry, const Library& library) {
     return Text(entry.progId) + L"." + std::to_wstring(library.major);
 }
 
+// Name, flags of its menu item (none), attributes.
+Text verbText(const Verb& verb) {
+    return Text(verb.name) + L",0," + std::to_wstring(verb.attributes);
+}
+
 std::vector<Value> valuesOf(const ClassEntry& entry, const Library& library, const Text& path) {
     const Text key = classKey(entry), clsid = textOfGuid(entry.clsid), generic = entry.progId;
     const Text versioned = versionedProgId(entry, library);
@@ -114,10 +120,12 @@ std::vector<Value> valuesOf(const ClassEntry& entry, const Library& library, con
             {key + L"\\MiscStatus\\1", nullptr, std::to_wstring(controlMiscStatus)},
             {key + L"\\ToolboxBitmap32", nullptr,
              path + L", " + std::to_wstring(entry.toolboxBitmap)},
-            // Number of the verb, menu flags, container menu without making the object dirty.
-            {key + L"\\Verb\\1", nullptr, L"&About...,0,3"},
         };
         values.insert(values.end(), control.begin(), control.end());
+        for (const Verb& verb : controlVerbs())
+            if (verb.name)
+                values.push_back(
+                    {key + L"\\Verb\\" + std::to_wstring(verb.number), nullptr, verbText(verb)});
     }
     return values;
 }
@@ -129,24 +137,20 @@ public:
         : root_(scope == RegistrationScope::machine ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER) {}
 
     [[nodiscard]] HRESULT write(const Value& value) const {
-        HKEY key = nullptr;
+        RegistryKey key;
         const LSTATUS made = ::RegCreateKeyExW(root_, full(value.key).c_str(), 0, nullptr, 0,
-                                               KEY_WRITE, nullptr, &key, nullptr);
+                                               KEY_WRITE, nullptr, key.put(), nullptr);
         if (made != ERROR_SUCCESS)
             return resultOf(made);
-        const LSTATUS written = ::RegSetValueExW(
-            key, value.name, 0, REG_SZ, reinterpret_cast<const BYTE*>(value.data.c_str()),
-            static_cast<DWORD>((value.data.size() + 1) * sizeof(wchar_t)));
-        ::RegCloseKey(key);
-        return resultOf(written);
+        return resultOf(::RegSetValueExW(
+            key.get(), value.name, 0, REG_SZ, reinterpret_cast<const BYTE*>(value.data.c_str()),
+            static_cast<DWORD>((value.data.size() + 1) * sizeof(wchar_t))));
     }
 
     [[nodiscard]] bool has(const Text& key) const {
-        HKEY opened = nullptr;
-        const LSTATUS status = ::RegOpenKeyExW(root_, full(key).c_str(), 0, KEY_READ, &opened);
-        if (status == ERROR_SUCCESS)
-            ::RegCloseKey(opened);
-        return status != ERROR_FILE_NOT_FOUND;
+        RegistryKey opened;
+        return ::RegOpenKeyExW(root_, full(key).c_str(), 0, KEY_READ, opened.put()) !=
+               ERROR_FILE_NOT_FOUND;
     }
 
     [[nodiscard]] HRESULT remove(const Text& key) const {
@@ -161,9 +165,10 @@ private:
 };
 
 HRESULT registerTypeLibrary(const Library& library, RegistrationScope scope, Text path) {
-    const auto enter =
-        scope == RegistrationScope::machine ? &::RegisterTypeLib : &::RegisterTypeLibForUser;
-    return enter(library.library.get(), path.data(), nullptr);
+    // Headers differ in the constness that each of the two declares.
+    return scope == RegistrationScope::machine
+               ? ::RegisterTypeLib(library.library.get(), path.data(), nullptr)
+               : ::RegisterTypeLibForUser(library.library.get(), path.data(), nullptr);
 }
 
 HRESULT unregisterTypeLibrary(const Library& library, RegistrationScope scope) {

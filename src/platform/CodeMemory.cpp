@@ -1,35 +1,46 @@
 #include "platform/CodeMemory.h"
 
+#include "platform/UniqueHandle.h"
+#include "runtime/OutOfMemory.h"
+
 #include <algorithm>
 #include <array>
 #include <atomic>
-#include <new>
 #include <windows.h>
 
 namespace corvina {
 namespace {
 
+struct SectionTraits {
+    using Handle = HANDLE;
+    static constexpr Handle none = nullptr;
+    static void close(Handle section) noexcept { ::CloseHandle(section); }
+};
+using Section = UniqueHandle<SectionTraits>;
+
+struct ViewTraits {
+    using Handle = void*;
+    static constexpr Handle none = nullptr;
+    static void close(Handle view) noexcept { ::UnmapViewOfFile(view); }
+};
+using View = UniqueHandle<ViewTraits>;
+
 class Pool {
 public:
-    static constexpr std::size_t pieces = 256; // what the system's granularity takes in any case
+    static constexpr std::size_t pieces = 256; // 64 KiB, the least that the system maps
 
     Pool() {
-        // The mappings hold the section open after its handle is closed.
-        const HANDLE section = ::CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr,
-                                                    PAGE_EXECUTE_READWRITE, 0, bytes, nullptr);
+        // The views keep the memory after the section's handle is closed.
+        const Section section(::CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr,
+                                                   PAGE_EXECUTE_READWRITE, 0, bytes, nullptr));
         if (!section)
-            throw std::bad_alloc();
-        writable_ = ::MapViewOfFile(section, FILE_MAP_WRITE, 0, 0, bytes);
-        executable_ = ::MapViewOfFile(section, FILE_MAP_READ | FILE_MAP_EXECUTE, 0, 0, bytes);
-        ::CloseHandle(section);
-        if (!writable_ || !executable_) {
-            unmap();
-            throw std::bad_alloc();
-        }
+            throwOutOfMemory();
+        writable_ = View(::MapViewOfFile(section.get(), FILE_MAP_WRITE, 0, 0, bytes));
+        executable_ =
+            View(::MapViewOfFile(section.get(), FILE_MAP_READ | FILE_MAP_EXECUTE, 0, 0, bytes));
+        if (!writable_ || !executable_)
+            throwOutOfMemory();
     }
-    ~Pool() { unmap(); }
-    Pool(const Pool&) = delete;
-    Pool& operator=(const Pool&) = delete;
 
     std::size_t take(std::uint32_t use) {
         const std::size_t first = (use * 2654435761u) >> 24; // spreads neighbouring numbers
@@ -38,29 +49,22 @@ public:
             if (!busy_[index].test_and_set(std::memory_order_acquire))
                 return index;
         }
-        throw std::bad_alloc();
+        throwOutOfMemory();
     }
     void giveBack(std::size_t index) noexcept { busy_[index].clear(std::memory_order_release); }
 
     [[nodiscard]] std::uint8_t* writable(std::size_t index) const noexcept {
-        return static_cast<std::uint8_t*>(writable_) + index * CodePiece::size;
+        return static_cast<std::uint8_t*>(writable_.get()) + index * CodePiece::size;
     }
     [[nodiscard]] const std::uint8_t* executable(std::size_t index) const noexcept {
-        return static_cast<const std::uint8_t*>(executable_) + index * CodePiece::size;
+        return static_cast<const std::uint8_t*>(executable_.get()) + index * CodePiece::size;
     }
 
 private:
     static constexpr DWORD bytes = pieces * CodePiece::size;
 
-    void unmap() noexcept {
-        if (writable_)
-            ::UnmapViewOfFile(writable_);
-        if (executable_)
-            ::UnmapViewOfFile(executable_);
-    }
-
-    void* writable_ = nullptr;
-    void* executable_ = nullptr;
+    View writable_;
+    View executable_;
     std::array<std::atomic_flag, pieces> busy_{};
 };
 
@@ -79,8 +83,7 @@ CodePiece::~CodePiece() {
 
 void CodePiece::write(std::span<const std::uint8_t> code) noexcept {
     code = code.first(std::min(code.size(), size));
-    // The same call often follows itself, and new code costs the processor twice what the call
-    // does.
+    // The same call is often repeated, and new code costs the processor twice as much as the call.
     if (std::equal(code.begin(), code.end(), entry()))
         return;
     std::copy(code.begin(), code.end(), pool().writable(index_));

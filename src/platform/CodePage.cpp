@@ -32,8 +32,8 @@ AnsiText CodePage::encode(std::wstring_view text) const {
     if (text.empty())
         return result;
     const int length = lengthForWindows(text.size());
-    // UTF-8 has every character and lacks halves of surrogate pairs only. There Windows refuses the
-    // conversion as a whole, and the flag and the report of the other code pages with it.
+    // UTF-8 has every character except halves of surrogate pairs. For UTF-8 Windows accepts neither
+    // the flag against similar characters nor the report of replaced ones.
     const DWORD flags = isUtf8() ? WC_ERR_INVALID_CHARS : WC_NO_BEST_FIT_CHARS;
     BOOL replaced = FALSE;
     const int size = texts_.wideCharToMultiByte(number_, flags, text.data(), length, nullptr, 0,

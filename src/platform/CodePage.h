@@ -12,8 +12,8 @@ namespace corvina {
 
 struct AnsiText {
     std::string text;
-    // Some character has no equal in the code page, or the text holds a character of code 0, so
-    // that the converted text means something else (a question mark is a wildcard in a file name).
+    // A character has no equal in the code page, or the text holds a character of code 0. The
+    // converted text then means something else (a question mark is a wildcard in a file name).
     bool lossy = false;
 };
 
@@ -23,8 +23,8 @@ public:
 
     [[nodiscard]] AnsiText encode(std::wstring_view text) const;
     [[nodiscard]] std::wstring decode(std::string_view text) const;
-    // One character for each byte, also where the code page joins two bytes to one character. In
-    // UTF-8 bytes from 0x80 on are no characters by themselves, so the text is decoded as a whole.
+    // One character for each byte, even if the code page encodes a character in two bytes. In UTF-8
+    // a single byte from 0x80 on is no character, so there the text is decoded as decode() does.
     [[nodiscard]] std::wstring decodeBytes(std::string_view bytes) const;
 
 private:
@@ -32,7 +32,7 @@ private:
 
     const unsigned number_;
     const TextApi& texts_;
-    // What each byte stands for. A tag may hold a million texts: Windows is asked once.
+    // The character of each byte, asked for once: a tag may hold a million texts.
     std::array<wchar_t, 256> characters_{};
 };
 

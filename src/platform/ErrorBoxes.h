@@ -1,11 +1,10 @@
 #pragma once
 
-// Keeps the system from showing boxes of its own, such as "There is no disk in the drive" for a
-// file or "Bad Image" for a library: while a NoErrorBoxes lives, the call that failed just answers
-// so.
+// Keeps the system from showing message boxes such as "There is no disk in the drive" for a file or
+// "Bad Image" for a library. While a NoErrorBoxes lives, the failing call just returns its error.
 //
-// It is for the thread that makes it alone. The host keeps its own ways: no event is fired while it
-// lives.
+// It counts for the thread that makes it. No event may be fired while it lives: the host's own
+// error mode is to be in force in the host's handlers.
 
 #include <windows.h>
 

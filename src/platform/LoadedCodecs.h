@@ -1,11 +1,11 @@
 #pragma once
 
-// Keeps the system's audio codecs in memory while it lives. To find one that converts,
-// acmStreamOpen opens codec after codec, and each is loaded and unloaded for the question; where
-// they are loaded already the search, which every start of a playback waits for, takes about half
-// as long.
+// Keeps the system's audio codecs in memory while it lives.
 //
-// An aid to speed alone: a codec that cannot be opened is passed over and nothing is reported.
+// To find a codec for a conversion, acmStreamOpen loads and unloads one after the other. Every
+// start of a playback waits for this search; with all codecs loaded it takes about half as long.
+//
+// This is for speed alone: a codec that cannot be opened is skipped and nothing is reported.
 // Any thread.
 
 #include "platform/AcmApi.h"

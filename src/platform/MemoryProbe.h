@@ -1,8 +1,8 @@
 #pragma once
 
-// Whether a range of this process's memory may be read or written. The pages are only asked about,
-// never touched, so a guard page stays armed and nothing faults. A range of no bytes always may;
-// one that runs past the end of the address space never may.
+// Whether a range of this process's memory can be read or written. The pages are only queried,
+// never touched, so a guard page stays armed and nothing faults. True for an empty range; false for
+// one that runs past the end of the address space.
 
 #include <cstddef>
 

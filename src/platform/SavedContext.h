@@ -11,8 +11,8 @@ public:
     explicit SavedContext(HDC dc) noexcept : dc_(dc), saved_(::SaveDC(dc) != 0) {}
     SavedContext(const SavedContext&) = delete;
     SavedContext& operator=(const SavedContext&) = delete;
-    // The state saved last, by its place from the top: a metafile keeps the number as it is given,
-    // and whoever plays it may have saved states before.
+    // -1 is the state saved last. Its absolute number would be recorded in a metafile, and be wrong
+    // when the metafile is played into a device context that has saved states already.
     ~SavedContext() {
         if (saved_)
             ::RestoreDC(dc_, -1);

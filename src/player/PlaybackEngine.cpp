@@ -1,150 +1,152 @@
 #include "player/PlaybackEngine.h"
 
 #include "player/ErrorText.h"
+#include "player/ExceptionReport.h"
 #include "player/PlayerEvents.h"
-#include "runtime/RuntimeError.h"
 #include "stream/cSoundSTRM.h"
 
+#include <string>
 #include <utility>
 
 namespace corvina {
 namespace {
 
-constexpr std::int32_t bytesPerBuffer = 8000;
 // What AudioDataOut shows before the first refill.
 constexpr std::size_t samplesBeforeFirstRefill = 1024;
 constexpr UINT headerBytes = sizeof(WAVEHDR);
 constexpr std::int32_t conversionImpossible = 5;
-static_assert(headerBytes == 32);
-
-// The number and text of the exception being handled, for the Err event.
-void reportCurrentException(PlayerEvents& events) noexcept {
-    try {
-        try {
-            throw;
-        } catch (const RuntimeError& error) {
-            events.Err(L"WindowProcOut", error.number(), error.text());
-        } catch (const std::bad_alloc&) {
-            events.Err(L"WindowProcOut", 7, L"Out of memory");
-        } catch (...) {
-            events.Err(L"WindowProcOut", 51, L"Internal error");
-        }
-    } catch (const std::bad_alloc&) {
-        // Not even the report fits into memory; the playback's end tells the host.
-    }
-}
 
 } // namespace
 
 PlaybackEngine::PlaybackEngine(PlayerEvents& events, cCallback* observer, cSoundSTRM* const& source,
-                               const WaveApi& wave, const WindowApi& windows,
-                               const AcmApi& acm) noexcept
-    : events_(events), observer_(observer), source_(source), wave_(wave), windows_(windows),
-      acm_(acm) {}
+                               const PlayerPlatform& platform) noexcept
+    : events_(events), observer_(observer), source_(source), wave_(platform.wave),
+      acm_(platform.acm), trace_(platform.trace), messages_(platform.windows) {}
 
 PlaybackEngine::~PlaybackEngine() {
-    Disconnect();
+    disconnect();
 }
 
-std::int32_t PlaybackEngine::StartPlayAudio(std::int32_t deviceIndex, WAVEFORMATEX format) {
-    // A device whose close failed when its playback ended gets a second try, or it would be lost.
-    // The host still waits for the DonePlay of that playback: unless another one begins now, the
-    // close message brings it.
-    bool closesFormer = false;
-    if (device_) {
-        closesFormer = closeDevice();
-        discardMessages(CloseMessage::keep);
-    }
+// The only place that changes the state.
+void PlaybackEngine::enter(PlaybackState next) noexcept {
+    const PlaybackState former = std::exchange(state_, next);
+    if (trace_ && former != next)
+        trace_(former, next);
+}
 
+void PlaybackEngine::stopFeeding() noexcept {
+    if (state_ == PlaybackState::feeding)
+        enter(PlaybackState::draining);
+}
+
+bool PlaybackEngine::playing() const noexcept {
+    return state_ == PlaybackState::feeding || state_ == PlaybackState::draining ||
+           state_ == PlaybackState::closing;
+}
+
+void PlaybackEngine::connect(HWND window) noexcept {
+    messages_.setWindow(window);
+    done_ = true;
+}
+
+void PlaybackEngine::disconnect() noexcept {
+    if (state_ != PlaybackState::closed)
+        static_cast<void>(closeAtOnce());
+    messages_.discardReturned();
+    while (messages_.discardClose())
+        ;
+    messages_.setWindow(nullptr);
+    converter_.reset();
+    done_ = true;
+}
+
+std::int32_t PlaybackEngine::start(std::int32_t deviceIndex, WAVEFORMATEX format) {
+    const bool closedFormer = closeFormerDevice();
     ++playback_;
-    converter_ = std::make_unique<cPCM>(acm_);
-    if (!source_ || !converter_->InitConversion(*source_, observer_, false)) {
+    if (!beginConversion()) {
         events_.Err(L"InitConversion", conversionImpossible, L"Can't init conversion");
         return conversionImpossible;
     }
-    // Block align and average rate stay the source's, also where the converter changes the width:
-    // that is the record devices have always been opened with here, and they take it.
-    format.nSamplesPerSec = static_cast<DWORD>(converter_->OutputSamplerate());
-    format.nChannels = static_cast<WORD>(converter_->OutputChannels());
-    format.wBitsPerSample = static_cast<WORD>(converter_->OutputBitsPerSample());
-
-    bufferBytes_ = bytesPerBuffer;
+    // Everything that needs memory comes before the device is opened.
     ring_ = std::make_unique<WaveRing>();
-
+    std::vector<std::int16_t> silence(samplesBeforeFirstRefill);
     // Without a window that listens nothing would ever fill the ring, so the device is not opened.
-    if (!window_)
+    if (!messages_.window())
         return MMSYSERR_INVALPARAM;
-    const DWORD mapping = deviceIndex == -1 ? 0 : WAVE_MAPPED;
-    const MMRESULT opened =
-        wave_.outOpen(&device_, static_cast<UINT>(deviceIndex), &format,
-                      reinterpret_cast<DWORD_PTR>(window_), 0, CALLBACK_WINDOW | mapping);
-    if (opened != MMSYSERR_NOERROR) {
-        device_ = nullptr;
+    if (const MMRESULT opened = openDevice(deviceIndex, format); opened != MMSYSERR_NOERROR)
         return static_cast<std::int32_t>(opened);
+    if (const MMRESULT prepared = ring_->prepare(wave_, device_); prepared != MMSYSERR_NOERROR) {
+        abandonStart();
+        return static_cast<std::int32_t>(prepared);
     }
+    audioData_ = std::move(silence);
 
-    // The host is told of a failure by the result alone: no message of this device may follow.
-    const auto abandon = [this]() noexcept {
-        const bool closed = closeDevice();
-        discardMessages(closed ? CloseMessage::discardOne : CloseMessage::keep);
-    };
-    try {
-        if (const MMRESULT prepared = prepareRing(); prepared != MMSYSERR_NOERROR) {
-            abandon();
-            return static_cast<std::int32_t>(prepared);
-        }
-        audioData_.assign(samplesBeforeFirstRefill, 0);
-    } catch (...) {
-        abandon();
-        throw;
-    }
-
-    drained_ = 0;
-    const BOOL primed = primeRing();
+    const BOOL primed = messages_.postReturned(WaveRing::playedBuffers,
+                                               reinterpret_cast<LPARAM>(&ring_->first().header));
     if (primed != TRUE && primed != FALSE) {
-        abandon();
+        abandonStart();
         return primed;
     }
-    if (closesFormer)
-        static_cast<void>(discardMessage(MM_WOM_CLOSE));
+    if (closedFormer)
+        messages_.discardClose();
     paused_ = false;
-    playing_ = true;
     done_ = false;
-    feeding_ = primed == TRUE;
-    if (!feeding_) {
-        // A refused post answers 0, and that is the result for the host, for whom it means success:
+    drained_ = 0;
+    if (primed == TRUE) {
+        enter(PlaybackState::feeding);
+    } else {
+        // A refused post returns 0, and that is the result for the host, to which it means success:
         // it gets a playback that ends at once, with its DonePlay, and not one that hangs.
-        discardMessages(CloseMessage::keep);
-        drained_ = playedBuffers;
-        StopPlayProc();
+        messages_.discardReturned();
+        closeDrained();
     }
     return 0;
 }
 
-MMRESULT PlaybackEngine::prepareRing() {
-    for (std::size_t i = 0; i < playedBuffers; ++i) {
-        WaveBuffer& buffer = (*ring_)[i];
-        buffer.allocate(bytesPerBuffer, i);
-        const MMRESULT result = wave_.outPrepareHeader(device_, &buffer.header, headerBytes);
-        if (result != MMSYSERR_NOERROR)
-            return result;
-    }
-    return MMSYSERR_NOERROR;
+// A device whose close failed when its playback ended gets a second try, or it would be lost.
+// Whether it is closed now: the host still waits for the DonePlay of that playback, and unless
+// another one begins now, the close message brings it.
+bool PlaybackEngine::closeFormerDevice() noexcept {
+    if (state_ == PlaybackState::closed)
+        return false;
+    const bool closed = closeAtOnce();
+    messages_.discardReturned();
+    return closed;
 }
 
-// Posts to our own window what the device would post for eight returned buffers: each message fills
-// and queues the next buffer. Answers what the last post answered.
-BOOL PlaybackEngine::primeRing() noexcept {
-    const auto firstHeader = reinterpret_cast<LPARAM>(&ring_->front().header);
-    for (std::size_t i = 0; i < playedBuffers; ++i) {
-        const BOOL posted = windows_.postMessage(window_, MM_WOM_DONE, 0, firstHeader);
-        if (posted != TRUE)
-            return posted;
-    }
-    return TRUE;
+bool PlaybackEngine::beginConversion() {
+    converter_ = std::make_unique<cPCM>(acm_);
+    return source_ && converter_->InitConversion(*source_, observer_, false);
 }
 
-void PlaybackEngine::WindowProcOut(UINT message) noexcept {
+MMRESULT PlaybackEngine::openDevice(std::int32_t deviceIndex, WAVEFORMATEX format) noexcept {
+    // Block align and average rate stay the source's even if the converter changes the width. This
+    // mixed record is on purpose: it is what devices have always been opened with here. They go by
+    // the width and accept it.
+    format.nSamplesPerSec = static_cast<DWORD>(converter_->OutputSamplerate());
+    format.nChannels = static_cast<WORD>(converter_->OutputChannels());
+    format.wBitsPerSample = static_cast<WORD>(converter_->OutputBitsPerSample());
+    const DWORD mapping = deviceIndex == -1 ? 0 : WAVE_MAPPED;
+    HWAVEOUT opened = nullptr;
+    const MMRESULT result = wave_.outOpen(&opened, static_cast<UINT>(deviceIndex), &format,
+                                          reinterpret_cast<DWORD_PTR>(messages_.window()), 0,
+                                          CALLBACK_WINDOW | mapping);
+    if (result == MMSYSERR_NOERROR) {
+        device_ = opened;
+        enter(PlaybackState::opening);
+    }
+    return result;
+}
+
+// The host is notified of the failure by the result alone: no message of this device may follow.
+void PlaybackEngine::abandonStart() noexcept {
+    const bool closed = closeAtOnce();
+    messages_.discardReturned();
+    if (closed)
+        messages_.discardClose();
+}
+
+void PlaybackEngine::handleMessage(UINT message) noexcept {
     const std::uint32_t playback = playback_;
     try {
         if (message == MM_WOM_DONE)
@@ -152,7 +154,7 @@ void PlaybackEngine::WindowProcOut(UINT message) noexcept {
         else if (message == MM_WOM_CLOSE)
             deviceClosed();
     } catch (...) {
-        feeding_ = false;
+        stopFeeding();
         reportCurrentException(events_);
         failPlayback(playback);
     }
@@ -160,7 +162,7 @@ void PlaybackEngine::WindowProcOut(UINT message) noexcept {
 
 void PlaybackEngine::bufferReturned() {
     const std::uint32_t playback = playback_;
-    if (feeding_ && refill())
+    if (state_ == PlaybackState::feeding && refill())
         return;
     if (playback == playback_)
         countDrained();
@@ -172,34 +174,27 @@ bool PlaybackEngine::refill() {
     const std::uint32_t playback = playback_;
     // A handler of Err can have stopped this playback, or stopped it and begun another.
     const auto stopped = [&] { return !converter_ || playback != playback_; };
-    if (!converter_) {
-        // Begun while the close message of the playback before was being handled, which dropped
-        // the converter.
-        feeding_ = false;
-        return false;
-    }
-
-    current_ = current_ == playedBuffers - 1 ? 0 : current_ + 1;
-    // The device returns buffers in the order in which they were queued: it is always this one.
-    WaveBuffer& buffer = (*ring_)[current_];
-    const auto failed = [this](const wchar_t* where, MMRESULT result) {
+    const auto failed = [this](const wchar_t* function, MMRESULT result) {
         const auto number = static_cast<std::int32_t>(result);
-        events_.Err(where, number, errorText(number));
+        events_.Err(function, number, errorText(number));
     };
 
+    WaveBuffer& buffer = ring_->next();
     MMRESULT result = wave_.outUnprepareHeader(device_, &buffer.header, headerBytes);
     if (result != MMSYSERR_NOERROR) {
         failed(L"WindowProcOut:waveOutUnprepareHeader", result);
         if (stopped())
             return false;
     }
-    // The header keeps its full length also for the last, short block: what lies behind the
-    // delivered bytes is heard too.
-    converter_->GetSamples(buffer.data.data(), bufferBytes_, lastReadLength_);
+    // The header keeps its full length even for the last, short block: what lies behind the
+    // delivered bytes, from the buffer's former use, is heard too. Devices have always been given
+    // whole blocks here.
+    std::int32_t delivered = 0;
+    converter_->GetSamples(buffer.data.data(), WaveRing::bufferBytes, delivered);
     // The converter meets the end of the source up to half a second before its last sample has its
     // turn, so EndOfStream alone would cut the file short.
     if (converter_->Exhausted())
-        feeding_ = false;
+        stopFeeding();
     // Made while the former copy still exists, so that it has another address.
     audioData_ = std::vector<std::int16_t>(buffer.data);
 
@@ -210,7 +205,8 @@ bool PlaybackEngine::refill() {
             return false;
     }
     // A buffer that the device refuses never comes back. The ring goes on without it, and the count
-    // at the end stays short of eight: this is how the counting has always worked.
+    // at the end stays short of eight, so that the device is not closed. Hosts know this: a
+    // DonePlay without all of the sound would be a different promise.
     result = wave_.outWrite(device_, &buffer.header, headerBytes);
     if (result != MMSYSERR_NOERROR)
         failed(L"WindowProcOut:waveOutWrite", result);
@@ -218,48 +214,22 @@ bool PlaybackEngine::refill() {
 }
 
 void PlaybackEngine::countDrained() {
-    if (drained_ < playedBuffers && ++drained_ == playedBuffers)
-        StopPlayProc();
+    if (state_ == PlaybackState::draining && ++drained_ == WaveRing::playedBuffers)
+        closeDrained();
 }
 
-void PlaybackEngine::deviceClosed() {
-    try {
-        // Done is still clear, so this resets a device that is closed and the device layer refuses:
-        // hosts see that Err before every DonePlay. A playback started before this message was
-        // handled is stopped by it.
-        PlayStop();
-    } catch (...) {
-        reportCurrentException(events_);
-        converter_.reset();
-    }
-    done_ = true;
-    events_.DonePlay();
-}
-
-std::int32_t PlaybackEngine::StopPlayAudio() {
-    feeding_ = false;
-    const auto result = static_cast<std::int32_t>(wave_.outReset(device_));
-    // A handler that answers this event with PlayStop comes here again: it gets its result, but not
-    // the same event without end.
-    const FailedReset failed{playback_, device_};
-    if (result != MMSYSERR_NOERROR && reported_ != failed) {
-        const FailedReset outer = std::exchange(reported_, failed);
-        events_.Err(L"StopPlayAudio:waveOutReset", result, std::to_wstring(result));
-        reported_ = outer;
-    }
-    return result;
-}
-
-void PlaybackEngine::StopPlayProc() {
+// Closes a device that has no buffer any more.
+void PlaybackEngine::closeDrained() {
     const std::uint32_t playback = playback_;
     // A handler of Err can have closed the device.
-    const auto closed = [&] { return !device_ || playback != playback_; };
-    feeding_ = false;
-    for (std::size_t i = 0; i < playedBuffers; ++i) {
-        // Always the spare record, which was never prepared, and not buffer i: the buffers keep
-        // their prepared state until the device is closed, as drivers have come to expect.
+    const auto closed = [&] { return state_ == PlaybackState::closed || playback != playback_; };
+    enter(PlaybackState::closing);
+    for (std::size_t i = 0; i < WaveRing::playedBuffers; ++i) {
+        // Always the spare record, which was never prepared, and not buffer i. This is on purpose:
+        // the buffers keep their prepared state until the device is closed, as drivers have come to
+        // expect.
         const auto result = static_cast<std::int32_t>(
-            wave_.outUnprepareHeader(device_, &(*ring_)[spareBuffer].header, headerBytes));
+            wave_.outUnprepareHeader(device_, &ring_->spare().header, headerBytes));
         if (result == MMSYSERR_NOERROR)
             continue;
         events_.Err(L"StopPlayProc:waveOutUnprepareHeader :hdr(" + std::to_wstring(i) + L")",
@@ -270,23 +240,53 @@ void PlaybackEngine::StopPlayProc() {
     const auto result = static_cast<std::int32_t>(wave_.outClose(device_));
     if (result == MMSYSERR_NOERROR) {
         device_ = nullptr;
-    } else {
-        events_.Err(L"StopPlayProc:waveOutClose", result, std::to_wstring(result));
-        if (closed())
-            return;
+        enter(PlaybackState::closed);
+        return;
     }
-    playing_ = false;
+    events_.Err(L"StopPlayProc:waveOutClose", result, std::to_wstring(result));
+    if (!closed())
+        enter(PlaybackState::closeRefused);
 }
 
-std::int32_t PlaybackEngine::PlayStop() {
+void PlaybackEngine::deviceClosed() {
+    try {
+        // Done is still clear, so this resets a device that is closed, which the device layer
+        // refuses with 5. The Err before every DonePlay is on purpose: hosts take it for the sign
+        // of the end. A playback started before this message was handled is stopped by it.
+        stop();
+    } catch (...) {
+        reportCurrentException(events_);
+        converter_.reset();
+    }
+    done_ = true;
+    events_.DonePlay();
+}
+
+std::int32_t PlaybackEngine::stop() {
     if (done_)
         return 0;
-    const std::int32_t result = StopPlayAudio();
+    const std::int32_t result = resetDevice();
     dropConversion();
     return result;
 }
 
+std::int32_t PlaybackEngine::resetDevice() {
+    stopFeeding();
+    const auto result = static_cast<std::int32_t>(wave_.outReset(device_));
+    // A handler that responds to this event with PlayStop comes here again: it gets its result, but
+    // not the same event without end.
+    const FailedReset failed{playback_, device_};
+    if (result != MMSYSERR_NOERROR && reported_ != failed) {
+        const FailedReset outer = std::exchange(reported_, failed);
+        events_.Err(L"StopPlayAudio:waveOutReset", result, std::to_wstring(result));
+        reported_ = outer;
+    }
+    return result;
+}
+
 void PlaybackEngine::dropConversion() {
+    // A playback that a handler of the reset's Err has begun ends with the one that is stopped.
+    stopFeeding();
     if (source_)
         source_->CloseSource();
     if (converter_)
@@ -294,14 +294,14 @@ void PlaybackEngine::dropConversion() {
     converter_.reset();
 }
 
-std::int32_t PlaybackEngine::PlayPause() noexcept {
+std::int32_t PlaybackEngine::pause() noexcept {
     const auto result = static_cast<std::int32_t>(wave_.outPause(device_));
     if (result == MMSYSERR_NOERROR)
         paused_ = true;
     return result;
 }
 
-std::int32_t PlaybackEngine::PlayUnPause() noexcept {
+std::int32_t PlaybackEngine::resume() noexcept {
     const auto result = static_cast<std::int32_t>(wave_.outRestart(device_));
     if (result == MMSYSERR_NOERROR)
         paused_ = false;
@@ -311,68 +311,36 @@ std::int32_t PlaybackEngine::PlayUnPause() noexcept {
 // Ends a playback in which something was thrown, without waiting for its buffers: the one being
 // refilled will not come back. The close message follows as at every end.
 void PlaybackEngine::failPlayback(std::uint32_t playback) {
-    if (playback != playback_ || !device_)
+    const auto over = [&] { return playback != playback_ || state_ == PlaybackState::closed; };
+    if (over())
         return;
     try {
-        StopPlayAudio();
-        if (playback != playback_ || !device_)
+        resetDevice();
+        if (over())
             return;
-        discardMessages(CloseMessage::keep);
-        drained_ = playedBuffers;
+        messages_.discardReturned();
+        if (state_ == PlaybackState::draining)
+            enter(PlaybackState::closing);
         dropConversion();
     } catch (...) {
         // The source could not be closed either; it is closed when it is opened again.
         converter_.reset();
     }
-    static_cast<void>(closeDevice());
+    static_cast<void>(closeAtOnce());
 }
 
-void PlaybackEngine::Disconnect() noexcept {
-    if (device_)
-        static_cast<void>(closeDevice());
-    discardMessages(CloseMessage::discardAll);
-    window_ = nullptr;
-    converter_.reset();
-    done_ = true;
-}
-
-// Closes the device at once, without events. Whether it accepted that, so that its close message
-// comes.
-bool PlaybackEngine::closeDevice() noexcept {
-    feeding_ = false;
-    playing_ = false;
-    drained_ = playedBuffers;
+// Closes the device without events and without waiting for its buffers. Whether it accepted that,
+// so that its close message comes.
+bool PlaybackEngine::closeAtOnce() noexcept {
     wave_.outReset(device_);
-    for (std::size_t i = 0; i < playedBuffers; ++i)
-        wave_.outUnprepareHeader(device_, &(*ring_)[i].header, headerBytes);
-    // A device that refuses to close may still read the buffers: they are left to it.
+    ring_->unprepare(wave_, device_);
     const bool closed = wave_.outClose(device_) == MMSYSERR_NOERROR;
+    // A device that refuses to close may still read the buffers: they are left to it.
     if (!closed)
         static_cast<void>(ring_.release());
     device_ = nullptr;
+    enter(PlaybackState::closed);
     return closed;
-}
-
-// Takes this engine's messages out of the window's queue, so that the next playback is not fed or
-// stopped by what a former one left.
-void PlaybackEngine::discardMessages(CloseMessage close) noexcept {
-    while (discardMessage(MM_WOM_DONE))
-        ;
-    if (close == CloseMessage::discardOne)
-        static_cast<void>(discardMessage(MM_WOM_CLOSE));
-    while (close == CloseMessage::discardAll && discardMessage(MM_WOM_CLOSE))
-        ;
-}
-
-bool PlaybackEngine::discardMessage(UINT message) noexcept {
-    MSG found{};
-    if (!window_ ||
-        !windows_.peekMessage(&found, window_, message, message, PM_REMOVE | PM_QS_POSTMESSAGE))
-        return false;
-    // The end of the host's message loop passes every filter.
-    if (found.message == WM_QUIT)
-        windows_.postQuitMessage(static_cast<int>(found.wParam));
-    return found.message == message;
 }
 
 } // namespace corvina

@@ -20,7 +20,8 @@ namespace {
 constexpr std::array<std::int32_t, 2> outputMessages{MM_WOM_DONE, MM_WOM_CLOSE};
 constexpr std::array<std::int32_t, 2> inputMessages{MM_WIM_DATA, MM_WIM_CLOSE};
 
-// What OpenAudioFile answers; the number of the Err event is 1 for all three.
+// What OpenAudioFile returns. The number of the Err event is 1 for all three: hosts tell them apart
+// by the text.
 constexpr std::int32_t noSuchFile = 1;
 constexpr std::int32_t notSupported = 2;
 constexpr std::int32_t couldNotOpen = 3;
@@ -39,17 +40,16 @@ void attachUnlessAttached(ISubclass& client, HWND window, std::int32_t message) 
 } // namespace
 
 Player::Player(PlayerEvents& events, cCallback* observer, const PlayerPlatform& platform)
-    : events_(events), platform_(platform),
-      engine_(events, observer, source_, platform.wave, platform.windows, platform.acm) {}
+    : events_(events), platform_(platform), engine_(events, observer, source_, platform_) {}
 
 Player::~Player() {
-    Shutdown();
+    shutdown();
 }
 
 std::int32_t Player::Init(HWND window, ISubclass& client) {
-    // Whatever the device told a window that is subclassed no more is lost.
-    if (window != window_ || &client != client_ || !MSubclass::IsSubclassed(window))
-        Shutdown();
+    // What the device posts to a window that is no longer subclassed is lost.
+    if (window != window_ || &client != client_ || !MSubclass::isSubclassed(window))
+        shutdown();
     window_ = window;
     client_ = &client;
     for (const std::int32_t message : outputMessages)
@@ -57,8 +57,8 @@ std::int32_t Player::Init(HWND window, ISubclass& client) {
     for (const std::int32_t message : inputMessages)
         attachUnlessAttached(client, window, message);
     for (std::unique_ptr<cSoundSTRM>& source : platform_.makeSources())
-        sources_.AddSource(std::move(source));
-    engine_.Connect(window);
+        sources_.add(std::move(source));
+    engine_.connect(window);
     if (!codecs_)
         codecs_.emplace(platform_.acm);
     return 0;
@@ -71,15 +71,15 @@ std::int32_t Player::DeInit() {
         for (const std::int32_t message : outputMessages)
             MSubclass::DetachMessage(client_, window_, message);
     // The device's messages do not arrive any more, so it cannot be closed by them.
-    engine_.Disconnect();
+    engine_.disconnect();
     codecs_.reset();
     if (cSoundSTRM* const source = std::exchange(source_, nullptr))
         source->CloseSource();
     return 0;
 }
 
-void Player::Shutdown() noexcept {
-    engine_.Disconnect();
+void Player::shutdown() noexcept {
+    engine_.disconnect();
     codecs_.reset();
     if (client_) {
         for (const std::int32_t message : outputMessages)
@@ -97,59 +97,54 @@ void Player::Shutdown() noexcept {
     }
 }
 
-std::int32_t Player::HandleMessage(HWND, UINT message, WPARAM, LPARAM) noexcept {
-    if (message == MM_WOM_DONE || message == MM_WOM_CLOSE)
-        engine_.WindowProcOut(message);
-    return 0;
+void Player::handleMessage(UINT message) noexcept {
+    engine_.handleMessage(message);
 }
 
-void Player::WindowDestroyed() noexcept {
-    Shutdown();
+void Player::windowDestroyed() noexcept {
+    shutdown();
 }
 
-std::int32_t Player::OpenAudioFile(const std::wstring& strFile) {
+std::int32_t Player::OpenAudioFile(const std::wstring& file) {
     const auto failed = [this](const wchar_t* description, std::int32_t result) {
         events_.Err(L"", openErrNumber, description);
         return result;
     };
-    if (!isFileListed(strFile, platform_.files))
+    // The text is published with this spelling, and hosts compare it.
+    if (!isFileListed(file, platform_.files))
         return failed(L"File doen't exist", noSuchFile);
     if (cSoundSTRM* const previous = std::exchange(source_, nullptr))
         previous->CloseSource();
-    source_ = sources_.FindSourceForFile(strFile);
+    source_ = sources_.findForFile(file);
     if (!source_)
         return failed(L"Format not supported", notSupported);
     const auto opened = [&] {
         const NoErrorBoxes quiet;
-        return source_->OpenSource(strFile);
+        return source_->OpenSource(file);
     };
     if (opened() != SourceResult::done)
         return failed(L"Could not open file", couldNotOpen);
     return 0;
 }
 
-std::int32_t Player::PlayStart(const std::wstring& sAudioFile, std::int32_t DeviceIndex,
-                               std::int32_t lBufferSize) {
+std::int32_t Player::PlayStart(const std::wstring& file, std::int32_t deviceIndex, std::int32_t) {
     if (engine_.playing())
         return PlayerError::alreadyPlaying;
-    engine_.RequestBufferSize(lBufferSize);
-    engine_.RewindRing();
-    if (const std::int32_t result = OpenAudioFile(sAudioFile); result != 0)
+    if (const std::int32_t result = OpenAudioFile(file); result != 0)
         return result;
-    currentFile_ = sAudioFile;
-    return engine_.StartPlayAudio(DeviceIndex, pcmFormat(static_cast<DWORD>(Info_Samplerate()),
-                                                         static_cast<WORD>(Info_Channels()),
-                                                         static_cast<WORD>(Info_BitsPerSample())));
+    return engine_.start(deviceIndex, pcmFormat(static_cast<DWORD>(Info_Samplerate()),
+                                                static_cast<WORD>(Info_Channels()),
+                                                static_cast<WORD>(Info_BitsPerSample())));
 }
 
 std::int32_t Player::PlayStop() {
-    return engine_.PlayStop();
+    return engine_.stop();
 }
 std::int32_t Player::PlayPause() {
-    return engine_.PlayPause();
+    return engine_.pause();
 }
 std::int32_t Player::PlayUnPause() {
-    return engine_.PlayUnPause();
+    return engine_.resume();
 }
 bool Player::IsPausedOut() const noexcept {
     return engine_.paused();
@@ -165,9 +160,9 @@ std::int32_t Player::AudioDataOut() const noexcept {
     return static_cast<std::int32_t>(reinterpret_cast<std::intptr_t>(engine_.audioData()));
 }
 
-std::int32_t Player::GetID3Tags(const std::wstring& strFile) {
+std::int32_t Player::GetID3Tags(const std::wstring& file) {
     tags_ = {};
-    fillTagTexts(tags_, strFile, openedFile().Tags());
+    fillTagTexts(tags_, file, openedFile().Tags());
     return 0;
 }
 
@@ -197,33 +192,33 @@ std::int32_t Player::PositionGet() const {
     return source_ ? roundToInt32(source_->Info().Position() / 1000.0) : 0;
 }
 
-std::int32_t Player::PositionSet(std::int32_t lPosition) {
-    // What is queued on the device, and what the converter holds, plays out first; a converter that
+std::int32_t Player::PositionSet(std::int32_t seconds) {
+    // What is queued on the device, and what the converter holds, plays out first. A converter that
     // has met the end of the source asks it for nothing more. A position out of range leaves the
-    // place as it is, and the host is not told.
+    // place as it is and has the same result: hosts' sliders have always run over the end.
     if (source_) {
         const NoErrorBoxes quiet;
         std::int32_t mode = SeekMode::seconds;
-        static_cast<void>(source_->SeekTo(lPosition, mode));
+        static_cast<void>(source_->SeekTo(seconds, mode));
     }
     return 0;
 }
 
-std::wstring Player::GetSecondsAsTimeString(std::int32_t Seconds) const {
-    return secondsAsTimeText(Seconds);
+std::wstring Player::GetSecondsAsTimeString(std::int32_t seconds) const {
+    return secondsAsTimeText(seconds);
 }
 
-std::wstring Player::ErrorTextOut(std::int32_t lErrNum) const {
-    return errorText(lErrNum);
+std::wstring Player::ErrorTextOut(std::int32_t number) const {
+    return errorText(number);
 }
 
-std::int32_t Player::NumOfAudioDevices(std::int32_t iInOut) const {
-    return countAudioDevices(platform_.wave, iInOut);
+std::int32_t Player::NumOfAudioDevices(std::int32_t direction) const {
+    return countAudioDevices(platform_.wave, direction);
 }
 
-std::int32_t Player::GetDetailsDevice(std::int32_t DeviceIndex, std::int32_t iInOut,
-                                      AudioDevice& DeviceDetails) const {
-    return describeAudioDevice(platform_.wave, DeviceIndex, iInOut, DeviceDetails);
+std::int32_t Player::GetDetailsDevice(std::int32_t index, std::int32_t direction,
+                                      AudioDevice& details) const {
+    return describeAudioDevice(platform_.wave, index, direction, details);
 }
 
 } // namespace corvina

@@ -1,6 +1,6 @@
 #pragma once
 
-// What the player tells its host. A handler may call every member of the player.
+// The events of the player. A handler may call every member of the player.
 
 #include <cstdint>
 #include <string>

@@ -1,7 +1,7 @@
 #include "player/cPlayer.h"
 
-#include "com/AboutBox.h"
 #include "com/Bstr.h"
+#include "control/AboutBox.h"
 #include "player/PlayerGlyph.h"
 #include "runtime/BitReversal.h"
 
@@ -17,32 +17,31 @@ VARIANT_BOOL boolean(bool value) {
 } // namespace
 
 // A fixed size in the container's own units, whatever those are: an icon's size in twips.
-constinit const ControlClass playerClass{CLSID_cPlayer,
-                                         IID__cPlayer,
-                                         DIID___cPlayer,
-                                         L"Corvina.cPlayer",
-                                         L"Corvina audio player",
-                                         {512, 512},
-                                         {512, 512},
-                                         false,
-                                         {}};
+constinit const ControlClass playerClass{.clsid = CLSID_cPlayer,
+                                         .primary = IID__cPlayer,
+                                         .events = DIID___cPlayer,
+                                         .progId = L"Corvina.cPlayer",
+                                         .description = L"Corvina audio player",
+                                         .naturalPixels = {512, 512},
+                                         .fixedUnits = {512, 512},
+                                         .hasPicture = false};
 
 cPlayer::cPlayer() : Control(playerClass), player_(*this, this) {
-    // The player is what comes first in a host, so it makes ready what the graph's spectrum needs.
+    // A host creates the player first, so the player prepares the table of the graph's spectrum.
     fillBitReversalTable();
 }
 
 cPlayer::~cPlayer() {
     ole().disconnect();
-    player_.Shutdown();
+    player_.shutdown();
 }
 
 HRESULT cPlayer::getTag(TagText tag, BSTR* result) noexcept {
-    return answer(result, [&] { return Bstr(player_.Tags().*tag).detach(); });
+    return enterReturning(result, [&] { return Bstr(player_.tagTexts().*tag).detach(); });
 }
 
 HRESULT cPlayer::putTag(TagText tag, BSTR value) noexcept {
-    return enter([&] { player_.Tags().*tag = textOf(value); });
+    return enter([&] { player_.tagTexts().*tag = textOf(value); });
 }
 
 HRESULT cPlayer::get_Tag_Title(BSTR* result) {
@@ -89,43 +88,43 @@ HRESULT cPlayer::put_Tag_TrackNumber(BSTR value) {
 }
 
 HRESULT cPlayer::get_Info_Bitrate(long* result) {
-    return answer(result, [&] { return player_.Info_Bitrate(); });
+    return enterReturning(result, [&] { return player_.Info_Bitrate(); });
 }
 
 HRESULT cPlayer::get_Info_BitsPerSample(long* result) {
-    return answer(result, [&] { return player_.Info_BitsPerSample(); });
+    return enterReturning(result, [&] { return player_.Info_BitsPerSample(); });
 }
 
 HRESULT cPlayer::get_Info_Channels(short* result) {
-    return answer(result, [&] { return player_.Info_Channels(); });
+    return enterReturning(result, [&] { return player_.Info_Channels(); });
 }
 
 HRESULT cPlayer::get_Info_Duration(double* result) {
-    return answer(result, [&] { return player_.Info_Duration(); });
+    return enterReturning(result, [&] { return player_.Info_Duration(); });
 }
 
 HRESULT cPlayer::get_Info_Samplerate(long* result) {
-    return answer(result, [&] { return player_.Info_Samplerate(); });
+    return enterReturning(result, [&] { return player_.Info_Samplerate(); });
 }
 
 HRESULT cPlayer::ErrorTextOut(long lErrNum, BSTR* result) {
-    return answer(result, [&] { return Bstr(player_.ErrorTextOut(lErrNum)).detach(); });
+    return enterReturning(result, [&] { return Bstr(player_.ErrorTextOut(lErrNum)).detach(); });
 }
 
 HRESULT cPlayer::PlayPause(long* result) {
-    return answer(result, [&] { return player_.PlayPause(); });
+    return enterReturning(result, [&] { return player_.PlayPause(); });
 }
 
 HRESULT cPlayer::PlayUnPause(long* result) {
-    return answer(result, [&] { return player_.PlayUnPause(); });
+    return enterReturning(result, [&] { return player_.PlayUnPause(); });
 }
 
 HRESULT cPlayer::IsPausedOut(VARIANT_BOOL* result) {
-    return answer(result, [&] { return boolean(player_.IsPausedOut()); });
+    return enterReturning(result, [&] { return boolean(player_.IsPausedOut()); });
 }
 
 HRESULT cPlayer::DonePlay(VARIANT_BOOL* result) {
-    return answer(result, [&] { return boolean(player_.DonePlay()); });
+    return enterReturning(result, [&] { return boolean(player_.DonePlay()); });
 }
 
 HRESULT cPlayer::About() {
@@ -133,55 +132,56 @@ HRESULT cPlayer::About() {
 }
 
 HRESULT cPlayer::Init(long* result) {
-    return answer(result, [&] { return player_.Init(ole().window(), *this); });
+    return enterReturning(result, [&] { return player_.Init(ole().window(), *this); });
 }
 
 HRESULT cPlayer::DeInit(long* result) {
-    return answer(result, [&] { return player_.DeInit(); });
+    return enterReturning(result, [&] { return player_.DeInit(); });
 }
 
 HRESULT cPlayer::get_AudioDataOut(long* result) {
-    return answer(result, [&] { return player_.AudioDataOut(); });
+    return enterReturning(result, [&] { return player_.AudioDataOut(); });
 }
 
 HRESULT cPlayer::PlayStop(long* result) {
-    return answer(result, [&] { return player_.PlayStop(); });
+    return enterReturning(result, [&] { return player_.PlayStop(); });
 }
 
 HRESULT cPlayer::PlayStart(BSTR sAudioFile, long DeviceIndex, long lBufferSize, long* result) {
-    return answer(result,
-                  [&] { return player_.PlayStart(textOf(sAudioFile), DeviceIndex, lBufferSize); });
+    return enterReturning(
+        result, [&] { return player_.PlayStart(textOf(sAudioFile), DeviceIndex, lBufferSize); });
 }
 
 HRESULT cPlayer::GetID3Tags(BSTR strFile, long* result) {
-    return answer(result, [&] { return player_.GetID3Tags(textOf(strFile)); });
+    return enterReturning(result, [&] { return player_.GetID3Tags(textOf(strFile)); });
 }
 
 HRESULT cPlayer::OpenAudioFile(BSTR strFile, long* result) {
-    return answer(result, [&] { return player_.OpenAudioFile(textOf(strFile)); });
+    return enterReturning(result, [&] { return player_.OpenAudioFile(textOf(strFile)); });
 }
 
 HRESULT cPlayer::PositionGet(long* result) {
-    return answer(result, [&] { return player_.PositionGet(); });
+    return enterReturning(result, [&] { return player_.PositionGet(); });
 }
 
 HRESULT cPlayer::PositionSet(long lPosition, long* result) {
-    return answer(result, [&] { return player_.PositionSet(lPosition); });
+    return enterReturning(result, [&] { return player_.PositionSet(lPosition); });
 }
 
 HRESULT cPlayer::GetSecondsAsTimeString(long Seconds, BSTR* result) {
-    return answer(result, [&] { return Bstr(player_.GetSecondsAsTimeString(Seconds)).detach(); });
+    return enterReturning(result,
+                          [&] { return Bstr(player_.GetSecondsAsTimeString(Seconds)).detach(); });
 }
 
 HRESULT cPlayer::IsPlaying(VARIANT_BOOL* result) {
-    return answer(result, [&] { return boolean(player_.IsPlaying()); });
+    return enterReturning(result, [&] { return boolean(player_.IsPlaying()); });
 }
 
 HRESULT cPlayer::GetDetailsDevice(long DeviceIndex, long iInOut, AudioDeviceDetails* DeviceDetails,
                                   long* result) {
     if (!DeviceDetails)
         return E_POINTER;
-    return answer(result, [&] {
+    return enterReturning(result, [&] {
         AudioDevice device;
         const std::int32_t status = player_.GetDetailsDevice(DeviceIndex, iInOut, device);
         Bstr name(device.name), driver(device.driverVersion);
@@ -195,11 +195,11 @@ HRESULT cPlayer::GetDetailsDevice(long DeviceIndex, long iInOut, AudioDeviceDeta
 }
 
 HRESULT cPlayer::NumOfAudioDevices(long iInOut, long* result) {
-    return answer(result, [&] { return player_.NumOfAudioDevices(iInOut); });
+    return enterReturning(result, [&] { return player_.NumOfAudioDevices(iInOut); });
 }
 
 HRESULT cPlayer::get_MsgResponse(EMsgResponse* result) {
-    return answer(result, [] { return emrPreprocess; });
+    return enterReturning(result, [] { return emrPreprocess; });
 }
 
 // The response is fixed, so that the window's own procedure always runs first.
@@ -207,10 +207,10 @@ HRESULT cPlayer::put_MsgResponse(EMsgResponse) {
     return S_OK;
 }
 
-HRESULT cPlayer::WindowProc(long hWnd, long iMsg, long wParam, long lParam, long* result) {
-    return answer(result, [&] {
-        return player_.HandleMessage(reinterpret_cast<HWND>(static_cast<LONG_PTR>(hWnd)),
-                                     static_cast<UINT>(iMsg), static_cast<WPARAM>(wParam), lParam);
+HRESULT cPlayer::WindowProc(long, long iMsg, long, long, long* result) {
+    return enterReturning(result, [&] {
+        player_.handleMessage(static_cast<UINT>(iMsg));
+        return 0L;
     });
 }
 
@@ -238,7 +238,7 @@ void cPlayer::draw(HDC dc, const RECT& bounds) {
 }
 
 void cPlayer::windowLost() {
-    player_.WindowDestroyed();
+    player_.windowDestroyed();
 }
 
 } // namespace corvina

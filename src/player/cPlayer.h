@@ -1,9 +1,9 @@
 #pragma once
 
-// The player control as its hosts see it: texts, results and events translated, everything else
-// forwarded to Player. The control is made by the class table of the library.
+// The COM layer of the player control: translates texts, results and events, and forwards
+// everything to Player. The library's class table creates the control.
 
-#include "com/Control.h"
+#include "control/Control.h"
 #include "player/Player.h"
 #include "player/PlayerEvents.h"
 

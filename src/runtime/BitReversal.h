@@ -20,8 +20,8 @@ namespace corvina {
 inline constexpr int bitReversalTableBits = 10;
 using BitReversalTable = std::array<std::int32_t, 1 << bitReversalTableBits>;
 
-// Fills the one table that everything in this module shares: entry i is i with its 10 bits
-// reversed. Whoever is about to use the table calls this first; doing so again changes nothing.
+// Fills the table that the whole library shares: entry i is i with its 10 bits reversed. Call it
+// before the table is used; a second call changes nothing.
 void fillBitReversalTable() noexcept;
 
 [[nodiscard]] const BitReversalTable& bitReversalTable() noexcept;

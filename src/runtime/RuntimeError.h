@@ -2,9 +2,9 @@
 
 // A failure of the component framework: overflow, bad index, object not set and the like.
 //
-// It is thrown anywhere inside the library and never leaves it: the guard at each COM entry point
-// (com/Guard.h) turns it into an HRESULT with error information, and whoever handles a window
-// message reports it through the Err event.
+// It may be thrown anywhere inside the library and never leaves it: the guard at each COM entry
+// point turns it into an HRESULT with error information, and the handler of a window message
+// reports it through the Err event.
 
 #include <cstdint>
 #include <exception>

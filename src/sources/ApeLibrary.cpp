@@ -19,11 +19,6 @@ using Destroy = std::int32_t(__stdcall*)(std::int32_t);
 
 } // namespace
 
-ApeLibrary::~ApeLibrary() {
-    if (module_)
-        api_.freeLibrary(module_);
-}
-
 std::int32_t ApeLibrary::create(const char* ansiPath, std::int32_t& error) {
     return function<Create>("c_APEDecompress_Create")(ansiPath, &error);
 }
@@ -51,7 +46,7 @@ Function ApeLibrary::function(const char* name) {
         module_ = loadOptionalLibrary(api_, libraryName);
     if (!module_)
         throwCannotLoadLibrary(libraryName);
-    const FARPROC found = api_.getProcAddress(module_, name);
+    const FARPROC found = api_.getProcAddress(module_.get(), name);
     if (!found)
         throw RuntimeError(453,
                            L"Can't find DLL entry point " + fromAnsi(name) + L" in " + libraryName);

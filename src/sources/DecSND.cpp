@@ -5,6 +5,7 @@
 #include "runtime/Rounding.h"
 #include "runtime/Text.h"
 #include "stream/PcmFormat.h"
+#include "stream/SeekTarget.h"
 
 #include <algorithm>
 #include <cstring>
@@ -16,28 +17,28 @@ constexpr std::int32_t noLibrary = 3;
 constexpr std::int32_t notOpen = 1;
 constexpr std::int32_t outOfRange = 4;
 
+// The library's open mode and origins of a seek.
 constexpr std::int32_t forReading = 16;
-enum Whence { fromStart = 0, fromCurrent = 1, fromEnd = 2 };
+constexpr std::int32_t fromStart = 0;
+constexpr std::int32_t fromCurrent = 1;
+constexpr std::int32_t fromEnd = 2;
 
-constexpr std::int32_t subtypeMask = 0xFFFF;
-constexpr std::int32_t voxSubtype = 0x21;
-
-// The width of the library's sample subtypes.
+// The width of the library's sample subtypes, 4 for all compressed ones.
 WORD bitsOfSubtype(std::int32_t format) {
-    switch (format & subtypeMask) {
-    case 1: // signed
-    case 5: // unsigned
+    switch (format & SndfileSubtype::mask) {
+    case SndfileSubtype::pcmS8:
+    case SndfileSubtype::pcmU8:
         return 8;
-    case 2:
+    case SndfileSubtype::pcm16:
         return 16;
-    case 3:
+    case SndfileSubtype::pcm24:
         return 24;
-    case 4: // integer
-    case 6: // float
+    case SndfileSubtype::pcm32:
+    case SndfileSubtype::float32:
         return 32;
-    case 7: // double
+    case SndfileSubtype::float64:
         return 64;
-    default: // compressed
+    default:
         return 4;
     }
 }
@@ -60,10 +61,10 @@ bool DecSND::EndOfStream() {
     return currentFrame() >= totalFrames_;
 }
 
-std::int32_t DecSND::OpenSource(const std::wstring& Source) {
+std::int32_t DecSND::OpenSource(const std::wstring& source) {
     if (!library_.loaded())
         return noLibrary;
-    path_ = Source;
+    path_ = source;
     CloseSource();
     const AnsiText path = toAnsi(path_);
     if (path.lossy) // the name of some other file
@@ -90,47 +91,44 @@ std::int32_t DecSND::CloseSource() {
     return SourceResult::done;
 }
 
-std::int32_t DecSND::Read(void* pBuffer, std::int32_t cBytes, std::int32_t& cBytesRead) {
-    cBytesRead = 0;
+std::int32_t DecSND::Read(void* buffer, std::int32_t bytes, std::int32_t& bytesRead) {
+    bytesRead = 0;
     if (!library_.loaded())
         return noLibrary;
     if (file_ == 0)
         return notOpen;
-    const std::int32_t length = cBytes - cBytes % 2;
-    cBytesRead = multiply32(readItems(pBuffer, length / 2), 2);
-    return cBytesRead < length ? SourceResult::endOfData : SourceResult::done;
+    const std::int32_t length = bytes - bytes % 2;
+    bytesRead = multiply32(readItems(buffer, length / 2), 2);
+    return bytesRead < length ? SourceResult::endOfData : SourceResult::done;
 }
 
 std::int32_t DecSND::readItems(void* to, std::int32_t items) {
-    if ((info_.format & subtypeMask) != voxSubtype || items % 2 == 0)
+    if ((info_.format & SndfileSubtype::mask) != SndfileSubtype::voxAdpcm || items % 2 == 0)
         return library_.readShort(file_, to, items);
-    // A byte of this subtype holds two samples, and the library writes and counts both also where
-    // it is asked for one. The buffer has no room for the second.
-    std::vector<std::int16_t> withRoom(static_cast<std::size_t>(items) + 1);
-    const std::int32_t got = std::min(library_.readShort(file_, withRoom.data(), items), items);
+    // A byte of this subtype holds two samples. The library writes and counts both, even if it is
+    // asked for one, and the caller's buffer has no space for the second.
+    std::vector<std::int16_t> withSpare(static_cast<std::size_t>(items) + 1);
+    const std::int32_t got = std::min(library_.readShort(file_, withSpare.data(), items), items);
     if (got > 0)
-        std::memcpy(to, withRoom.data(), static_cast<std::size_t>(got) * 2);
+        std::memcpy(to, withSpare.data(), static_cast<std::size_t>(got) * 2);
     return got;
 }
 
-std::int32_t DecSND::SeekTo(std::int32_t Value, std::int32_t& Mode) {
+std::int32_t DecSND::SeekTo(std::int32_t value, std::int32_t& mode) {
     if (!library_.loaded())
         return noLibrary;
     if (file_ == 0)
         return notOpen;
-    if (Value < 0)
+    if (value < 0) // in whatever mode
         return outOfRange;
-    std::int32_t frame = 0;
-    if (Mode == SeekMode::percent) {
-        if (Value > 99)
-            return outOfRange;
-        frame = roundToInt32(multiply32(totalFrames_, Value) / 100.0);
-    } else if (Mode == SeekMode::seconds) {
-        if (!(Duration() / 1000.0 >= Value))
-            return outOfRange;
-        frame = multiply32(info_.sampleRate, Value);
-    }
-    library_.seek(file_, frame, fromStart);
+    // Not to 100: at the very end there is nothing to deliver.
+    constexpr std::int32_t lastPercent = 99;
+    const std::optional<std::int32_t> frame = seekTarget(
+        *this, value, mode, [&] { return roundToInt32(multiply32(totalFrames_, value) / 100.0); },
+        [&] { return multiply32(info_.sampleRate, value); }, lastPercent);
+    if (!frame)
+        return outOfRange;
+    library_.seek(file_, *frame, fromStart);
     return SourceResult::done;
 }
 

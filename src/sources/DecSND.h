@@ -2,8 +2,8 @@
 
 // AU, AIFF, VOC and VOX files, decoded by libsndfile to 16-bit samples whatever the file holds.
 //
-// Without the library OpenSource, CloseSource, Read and SeekTo answer 3; without an open file the
-// last three answer 1. A seek out of range answers 4. The tags are always empty.
+// Without the library OpenSource, CloseSource, Read and SeekTo return 3; without an open file the
+// last three return 1. A seek out of range returns 4. The tags are always empty.
 
 #include "sources/SndfileLibrary.h"
 #include "stream/StrmTags.h"
@@ -27,14 +27,14 @@ public:
     bool EndOfStream() override;
     bool Seekable() override { return true; }
     // The bits and the block align are those of the file's own samples, which need not be the 16
-    // bits that Read delivers: BitsPerSample and Force16Bit tell these. A host reads the file's
+    // bits that Read delivers: BitsPerSample and Force16Bit say these. A host reads the file's
     // width here, so it stays; but the converter takes it for that of the bytes, and makes noise of
     // files of 8 and 24 bits and refuses compressed ones.
     const WAVEFORMATEX* WFXPointer() override { return &format_; }
-    std::int32_t OpenSource(const std::wstring& Source) override;
+    std::int32_t OpenSource(const std::wstring& source) override;
     std::int32_t CloseSource() override;
-    std::int32_t Read(void* pBuffer, std::int32_t cBytes, std::int32_t& cBytesRead) override;
-    std::int32_t SeekTo(std::int32_t Value, std::int32_t& Mode) override;
+    std::int32_t Read(void* buffer, std::int32_t bytes, std::int32_t& bytesRead) override;
+    std::int32_t SeekTo(std::int32_t value, std::int32_t& mode) override;
 
     StrmTags* Tags() override { return &tags_; }
     bool Force16Bit() override { return true; }

@@ -16,7 +16,7 @@ constexpr GUID pcmSubtype = {
 
 constexpr WORD wantedBits = 16;
 
-// Bounds that no file reaches; a reader that answers more would only keep the host waiting.
+// Bounds that no file reaches; a reader that returns more would only keep the host waiting.
 constexpr DWORD mostOutputs = 0xFFFF;
 constexpr DWORD mostFormats = 0xFFFF;
 constexpr DWORD largestMediaType = 1 << 20;
@@ -24,7 +24,7 @@ constexpr DWORD largestMediaType = 1 << 20;
 // A media type as the reader writes it: the record, and behind it the blocks that it points to.
 class MediaType {
 public:
-    // Empty where the properties do not tell their type.
+    // Empty if the properties do not return their type.
     explicit MediaType(IWMOutputMediaProps& props) {
         DWORD size = 0;
         if (props.GetMediaType(nullptr, &size) != S_OK || size > largestMediaType)

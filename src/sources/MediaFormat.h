@@ -19,7 +19,7 @@ public:
     }
 
     // Copies the record; what the block is too short for becomes zero. The record moves in memory.
-    // False, and nothing copied, where there is no block to read.
+    // False, and nothing copied, if there is no block to read.
     [[nodiscard]] bool takeOver(const BYTE* block, std::size_t blockBytes);
 
 private:
@@ -27,7 +27,7 @@ private:
 };
 
 // Lets the reader deliver its first output format that is uncompressed 16-bit PCM audio. False
-// where it has none. The format of PCM of another width stays in format until a later one replaces
+// if it has none. The format of PCM of another width stays in format until a later one replaces
 // it.
 [[nodiscard]] bool selectPcmOutput(IWMSyncReader& reader, MediaFormat& format);
 

@@ -11,15 +11,14 @@ bool isFileListed(const std::wstring& name, const FileApi& files) {
         return false;
     const NoErrorBoxes quiet;
     WIN32_FIND_DATAA entry{};
-    const HANDLE listing = files.findFirstFile(path.text.c_str(), &entry);
-    if (listing == INVALID_HANDLE_VALUE)
+    const ListingHandle listing(files, files.findFirstFile(path.text.c_str(), &entry));
+    if (!listing)
         return false;
-    bool isFile = false;
     do
-        isFile = (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
-    while (!isFile && files.findNextFile(listing, &entry));
-    files.findClose(listing);
-    return isFile;
+        if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0)
+            return true;
+    while (files.findNextFile(listing.get(), &entry));
+    return false;
 }
 
 } // namespace corvina

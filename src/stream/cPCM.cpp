@@ -1,6 +1,7 @@
 #include "stream/cPCM.h"
 
 #include "platform/ErrorBoxes.h"
+#include "runtime/OutOfMemory.h"
 #include "runtime/Rounding.h"
 #include "stream/PcmFormat.h"
 #include "stream/cSoundSTRM.h"
@@ -9,7 +10,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <new>
 
 namespace corvina {
 namespace {
@@ -56,8 +56,8 @@ bool isComplete(const WAVEFORMATEX& record) {
 // byte each in two channels.
 constexpr std::int64_t largestBlock = 128 * 1024;
 
-// How far a codec may read in a buffer of that many bytes. Those of the platform read whole PCM
-// samples, and as many compressed ones as the record counts, also where the record's blocks are too
+// How far a codec may read in a buffer of that many bytes. Those of the platform read complete PCM
+// samples, and as many compressed ones as the record counts, even if the record's blocks are too
 // small for them.
 std::int64_t bytesInReach(const WAVEFORMATEX& format, std::int64_t bytes) {
     if (format.wFormatTag != WAVE_FORMAT_PCM)
@@ -79,10 +79,6 @@ void silence(Buffer& buffer) noexcept {
 
 } // namespace
 
-cPCM::~cPCM() {
-    closeStream();
-}
-
 std::int32_t cPCM::OutputSamplerate() const noexcept {
     return static_cast<std::int32_t>(outputFormat_.nSamplesPerSec);
 }
@@ -95,47 +91,47 @@ std::int16_t cPCM::OutputBitsPerSample() const noexcept {
     return static_cast<std::int16_t>(outputFormat_.wBitsPerSample);
 }
 
-bool cPCM::InitConversion(cSoundSTRM& Source, cCallback* Callback, bool Force16Bit) {
-    closeStream();
-    const WAVEFORMATEX* const record = Source.WFXPointer();
+bool cPCM::InitConversion(cSoundSTRM& source, cCallback* observer, bool force16Bit) {
+    stream_.reset();
+    const WAVEFORMATEX* const record = source.WFXPointer();
     if (!record || !isComplete(*record))
         return false;
     sourceFormat_ = *record;
-    const bool force = Source.Info().Force16Bit() || Force16Bit;
+    const bool force = source.Info().Force16Bit() || force16Bit;
     outputFormat_ = pcmFormat(sourceFormat_.nSamplesPerSec, sourceFormat_.nChannels,
                               outputWidth(sourceFormat_.wBitsPerSample, force));
 
-    if (!openStream(Source)) {
+    if (!openStream(source)) {
         // Only the caller's own wish forbids the other width; a source's does not.
-        if (Force16Bit)
+        if (force16Bit)
             return false;
-        // Block align and average rate stay those of the first width: codecs go by the width, and
-        // the player announces the same mixed record to the device.
+        // Deliberate: block align and average rate stay those of the first width. Codecs go by the
+        // width, and the player announces the same mixed record to the device.
         outputFormat_.wBitsPerSample = outputFormat_.wBitsPerSample == 16 ? 8 : 16;
-        if (!openStream(Source)) {
-            // Some codecs go by the whole record (GSM 6.10 is one), and to them it was no PCM at
-            // all.
+        if (!openStream(source)) {
+            // Some codecs go by the complete record (GSM 6.10 is one) and did not take the mixed
+            // one for PCM.
             outputFormat_ = pcmFormat(sourceFormat_.nSamplesPerSec, sourceFormat_.nChannels,
                                       outputFormat_.wBitsPerSample);
-            if (!openStream(Source))
+            if (!openStream(source))
                 return false;
         }
     }
     const std::optional<Sizes> sizes = measureStream();
     if (!sizes || !sizeBuffers(*sizes)) {
-        closeStream();
+        stream_.reset();
         return false;
     }
-    source_ = &Source;
-    observer_ = Callback;
+    source_ = &source;
+    observer_ = observer;
     restart();
     readOffset_ = 0;
     available_ = 0;
     return true;
 }
 
-bool cPCM::InitConversion2(cSoundSTRM& Source, cCallback* Callback, bool Force16Bit) {
-    return InitConversion(Source, Callback, Force16Bit);
+bool cPCM::InitConversion2(cSoundSTRM& source, cCallback* observer, bool force16Bit) {
+    return InitConversion(source, observer, force16Bit);
 }
 
 void cPCM::ResetACM() {
@@ -151,7 +147,7 @@ void cPCM::ResetACM() {
 }
 
 bool cPCM::CloseConverter() noexcept {
-    closeStream();
+    stream_.reset();
     silence(sourceBuffer_);
     silence(outputBuffer_);
     return true;
@@ -162,14 +158,8 @@ bool cPCM::openStream(cSoundSTRM& source) {
     auto* const format = const_cast<WAVEFORMATEX*>(source.WFXPointer());
     if (!format || acm_.streamOpen(&opened, nullptr, format, &outputFormat_, nullptr, 0, 0, 0) != 0)
         opened = nullptr;
-    stream_ = opened;
-    return stream_ != nullptr;
-}
-
-void cPCM::closeStream() noexcept {
-    if (stream_)
-        acm_.streamClose(stream_, 0);
-    stream_ = nullptr;
+    stream_ = AcmStream(acm_, opened);
+    return opened != nullptr;
 }
 
 std::optional<cPCM::Sizes> cPCM::measureStream() const {
@@ -178,29 +168,28 @@ std::optional<cPCM::Sizes> cPCM::measureStream() const {
     if (output < 0 || output > largestBuffer)
         return std::nullopt;
     DWORD source = 0;
-    if (acm_.streamSize(stream_, static_cast<DWORD>(output), &source,
+    if (acm_.streamSize(stream_.get(), static_cast<DWORD>(output), &source,
                         ACM_STREAMSIZEF_DESTINATION) != 0 ||
         source > static_cast<DWORD>(largestBuffer))
         return std::nullopt;
     const std::int64_t reach = bytesInReach(sourceFormat_, source);
     if (reach > largestBuffer + largestBlock)
         return std::nullopt;
-    return Sizes{output, static_cast<std::int32_t>(source), static_cast<std::int32_t>(reach)};
+    return Sizes{.output = output,
+                 .source = static_cast<std::int32_t>(source),
+                 .sourceReach = static_cast<std::int32_t>(reach)};
 }
 
 bool cPCM::sizeBuffers(const Sizes& sizes) {
-    try {
+    return memoryReaches([&] {
         // The last byte of an odd size may have no element, and the codec writes it all the same.
         const auto halves = static_cast<std::size_t>(sizes.output + 1) / 2;
         std::vector<std::int16_t> output(std::max(elementsOf(sizes.output), halves));
         std::vector<std::uint8_t> source(static_cast<std::size_t>(sizes.sourceReach));
         outputBuffer_ = std::move(output);
         sourceBuffer_ = std::move(source);
-    } catch (const std::bad_alloc&) {
-        return false;
-    }
-    sizes_ = sizes;
-    return true;
+        sizes_ = sizes;
+    });
 }
 
 void cPCM::restart() noexcept {
@@ -210,8 +199,8 @@ void cPCM::restart() noexcept {
     fillsWithoutOutput_ = 0;
 }
 
-// Converts that many bytes of the source buffer. Available is what came of them, nothing on
-// failure.
+// Converts that many bytes of the source buffer. What came of them is then available, nothing after
+// a failure.
 void cPCM::convert(std::int32_t length, bool endOfData) noexcept {
     ACMSTREAMHEADER header{};
     header.cbStruct = sizeof header;
@@ -227,10 +216,10 @@ void cPCM::convert(std::int32_t length, bool endOfData) noexcept {
         flags |= ACM_STREAMCONVERTF_END;
 
     available_ = 0;
-    acm_.streamPrepareHeader(stream_, &header, 0);
+    acm_.streamPrepareHeader(stream_.get(), &header, 0);
     // A failed first conversion is not repeated: the next one goes on in the middle of the stream.
     first_ = false;
-    if (acm_.streamConvert(stream_, &header, flags) == 0) {
+    if (acm_.streamConvert(stream_.get(), &header, flags) == 0) {
         const DWORD used = std::min(header.cbSrcLengthUsed, static_cast<DWORD>(length));
         leftover_ = length - static_cast<std::int32_t>(used);
         std::memmove(sourceBuffer_.data(), sourceBuffer_.data() + used,
@@ -238,7 +227,7 @@ void cPCM::convert(std::int32_t length, bool endOfData) noexcept {
         available_ = static_cast<std::int32_t>(
             std::min(header.cbDstLengthUsed, static_cast<DWORD>(sizes_.output)));
     }
-    acm_.streamUnprepareHeader(stream_, &header, 0);
+    acm_.streamUnprepareHeader(stream_.get(), &header, 0);
 }
 
 // Replaces the output buffer's content; whether anything more can come.
@@ -275,26 +264,26 @@ void cPCM::deliver() {
     outputArray_.takeBack(samples);
 }
 
-bool cPCM::GetSamples(void* pBuffer, std::int32_t cBytes, std::int32_t& cBytesReturned) {
+bool cPCM::GetSamples(void* buffer, std::int32_t bytes, std::int32_t& bytesReturned) {
     if (!source_)
         return false;
-    cBytesReturned = 0;
-    while (cBytesReturned < cBytes) {
+    bytesReturned = 0;
+    while (bytesReturned < bytes) {
         const std::int32_t waiting = available_ - readOffset_;
         if (waiting > 0) {
-            const std::int32_t bytes = std::min(waiting, cBytes - cBytesReturned);
-            auto* const destination = static_cast<std::uint8_t*>(pBuffer) + cBytesReturned;
+            const std::int32_t part = std::min(waiting, bytes - bytesReturned);
+            auto* const destination = static_cast<std::uint8_t*>(buffer) + bytesReturned;
             const auto* const converted =
                 reinterpret_cast<const std::uint8_t*>(outputBuffer_.data()) + readOffset_;
             // A destination that cannot be written is counted as if it had been. This runs for
             // every block, and touching its pages costs a fraction of asking the system about them.
             // The other end of the copy is our own and always good.
-            if (!::IsBadWritePtr(destination, static_cast<UINT_PTR>(bytes)))
-                std::memcpy(destination, converted, static_cast<std::size_t>(bytes));
-            cBytesReturned += bytes;
-            readOffset_ += bytes;
+            if (!::IsBadWritePtr(destination, static_cast<UINT_PTR>(part)))
+                std::memcpy(destination, converted, static_cast<std::size_t>(part));
+            bytesReturned += part;
+            readOffset_ += part;
         }
-        if (cBytesReturned < cBytes && !fill())
+        if (bytesReturned < bytes && !fill())
             break;
     }
     return true;

@@ -1,14 +1,14 @@
 #pragma once
 
-// Turns the bytes of a source into plain PCM of 8 or 16 bits through the audio compression manager,
-// half a second at a time, and hands them out in whatever amounts the caller asks for. Every source
-// goes through it, PCM too.
+// Converts the bytes of a source to PCM of 8 or 16 bits with the audio compression manager. It
+// converts half a second at a time and returns the result in pieces of any size. Every source is
+// played through it, those that deliver PCM too.
 //
-// InitConversion once the source is open, GetSamples repeatedly, ResetACM after each seek of the
-// source, CloseConverter at the end (the destructor does it too). One thread. Source and observer
-// are borrowed: both must outlive the converter or be replaced by another InitConversion; the
-// observer is not counted, so that a control that observes its own converter can die. A run-time
-// error raised by the source passes through.
+// Call InitConversion once the source is open, GetSamples repeatedly, ResetACM after each seek of
+// the source, CloseConverter at the end (the destructor does it too). One thread. The source and
+// the observer must outlive the converter or be replaced by another InitConversion. No reference to
+// the observer is counted: a control that observes its own converter would otherwise never be
+// released. A run-time error raised by the source passes through.
 
 #include "platform/AcmApi.h"
 #include "stream/SampleArray.h"
@@ -28,30 +28,28 @@ public:
     explicit cPCM(const AcmApi& acm = systemAcmApi) noexcept : acm_(acm) {}
     cPCM(const cPCM&) = delete;
     cPCM& operator=(const cPCM&) = delete;
-    ~cPCM();
 
-    // The source has reported the end of its data; what was converted of it may still be waiting.
+    // The source has reported the end of its data. Converted samples may still be left.
     [[nodiscard]] bool EndOfStream() const noexcept { return ended_; }
-    // It has, and everything converted was handed out.
+    // The source has reported the end of its data, and no converted samples are left.
     [[nodiscard]] bool Exhausted() const noexcept { return ended_ && readOffset_ >= available_; }
     [[nodiscard]] std::int32_t OutputSamplerate() const noexcept;
     [[nodiscard]] std::int16_t OutputChannels() const noexcept;
     [[nodiscard]] std::int16_t OutputBitsPerSample() const noexcept;
 
-    // Copies up to cBytes bytes to pBuffer. False only without a source. Fewer bytes than asked
-    // come at the end of the data. A destination that cannot be written is skipped as if it had
-    // been.
-    bool GetSamples(void* pBuffer, std::int32_t cBytes, std::int32_t& cBytesReturned);
+    // Copies up to that many bytes. False only without a source. Fewer bytes are returned only at
+    // the end of the data. A destination that cannot be written is skipped, and counted as written.
+    bool GetSamples(void* buffer, std::int32_t bytes, std::int32_t& bytesReturned);
     // Converts afresh after the source was repositioned. What is left in the output buffer is
     // silenced but still handed out.
     void ResetACM();
     // Always true.
     bool CloseConverter() noexcept;
-    // False where no conversion of the source's format is possible. The observer may be null; it is
+    // False if no conversion of the source's format is possible. The observer may be null; it is
     // called with each converted block of 16-bit samples.
-    bool InitConversion(cSoundSTRM& Source, cCallback* Callback, bool Force16Bit);
+    bool InitConversion(cSoundSTRM& source, cCallback* observer, bool force16Bit);
     // A second entry to the same steps.
-    bool InitConversion2(cSoundSTRM& Source, cCallback* Callback, bool Force16Bit);
+    bool InitConversion2(cSoundSTRM& source, cCallback* observer, bool force16Bit);
 
 private:
     struct Sizes {
@@ -61,7 +59,6 @@ private:
     };
 
     [[nodiscard]] bool openStream(cSoundSTRM& source);
-    void closeStream() noexcept;
     [[nodiscard]] std::optional<Sizes> measureStream() const;
     [[nodiscard]] bool sizeBuffers(const Sizes& sizes);
     void restart() noexcept;
@@ -72,7 +69,7 @@ private:
     const AcmApi& acm_;
     cSoundSTRM* source_ = nullptr;
     cCallback* observer_ = nullptr;
-    HACMSTREAM stream_ = nullptr;
+    AcmStream stream_;
     WAVEFORMATEX sourceFormat_{};
     WAVEFORMATEX outputFormat_{};
     std::vector<std::uint8_t> sourceBuffer_;

@@ -2,44 +2,12 @@
 
 // A graph control made through COM, and pictures of what it draws.
 
+#include "Picture.h"
 #include "Support.h"
-#include "graph/Surface.h"
 #include "support/Colors.h"
 #include "support/SampleBlocks.h"
 
-#include <memory>
-
 namespace corvina::test {
-
-// A picture of what somebody drew.
-class Picture {
-public:
-    explicit Picture(SIZE size) : size_(size) {
-        surface_->resize(size);
-        surface_->BackColor(white);
-        surface_->Cls();
-    }
-    [[nodiscard]] HDC dc() const { return surface_->dc(); }
-    [[nodiscard]] COLORREF at(int x, int y) const { return ::GetPixel(dc(), x, y); }
-    [[nodiscard]] int count(COLORREF color) const {
-        int found = 0;
-        for (int y = 0; y < size_.cy; ++y)
-            for (int x = 0; x < size_.cx; ++x)
-                found += at(x, y) == color;
-        return found;
-    }
-    [[nodiscard]] int differences(const Picture& other) const {
-        int found = 0;
-        for (int y = 0; y < size_.cy; ++y)
-            for (int x = 0; x < size_.cx; ++x)
-                found += at(x, y) != other.at(x, y);
-        return found;
-    }
-
-private:
-    std::unique_ptr<Surface> surface_ = std::make_unique<Surface>();
-    SIZE size_;
-};
 
 class GraphControl : public ApartmentTest {
 protected:

@@ -1,6 +1,6 @@
 #pragma once
 
-// Listens to changes of a control's properties. It lives on the stack of its test: counting does
+// A listener to changes of a control's properties. It lives on the stack of its test: counting does
 // nothing.
 
 #include "com/ComPtr.h"
@@ -13,7 +13,7 @@ namespace corvina::test {
 
 class PropertySink : public IPropertyNotifySink {
 public:
-    std::vector<DISPID> heard;
+    std::vector<DISPID> received;
     std::function<void()> handler;
     bool allows = true;
     int asked = 0;
@@ -36,7 +36,7 @@ public:
     ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
     ULONG STDMETHODCALLTYPE Release() override { return 1; }
     HRESULT STDMETHODCALLTYPE OnChanged(DISPID id) override {
-        heard.push_back(id);
+        received.push_back(id);
         if (handler)
             handler();
         return S_OK;

@@ -37,7 +37,7 @@ std::wstring libraryPath() {
     wchar_t program[MAX_PATH]{}, path[MAX_PATH]{};
     ::GetModuleFileNameW(nullptr, program, MAX_PATH);
     const std::wstring folder(program, std::wstring_view(program).rfind(L'\\'));
-    ::GetFullPathNameW((folder + L"\\..\\..\\..\\dist\\Corvina.ocx").c_str(), MAX_PATH, path,
+    ::GetFullPathNameW((folder + L"/" CORVINA_DIST L"/Corvina.ocx").c_str(), MAX_PATH, path,
                        nullptr);
     return path;
 }
@@ -122,7 +122,7 @@ HRESULT EventSink::Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS* parameters,
         event.types.push_back(parameters->rgvarg[i].vt);
         ::VariantCopyInd(&event.arguments.emplace_back(), &parameters->rgvarg[i]);
     }
-    heard.push_back(event);
+    received.push_back(event);
     if (handler)
         handler(event);
     return S_OK;
@@ -164,7 +164,7 @@ Container::Container() {
                               nullptr, nullptr, nullptr, nullptr);
     window_ = ::CreateWindowExW(0, L"AtlAxWin", nullptr, WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN, 0,
                                 0, 300, 200, form_, nullptr, nullptr, nullptr);
-    // Without activation: where no window manager runs the platform waits seconds for one.
+    // Without activation: if no window manager runs the platform waits seconds for one.
     ::ShowWindow(form_, SW_SHOWNOACTIVATE);
 }
 

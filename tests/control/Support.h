@@ -5,6 +5,7 @@
 
 #include "com/Bstr.h"
 #include "com/ComPtr.h"
+#include "com/Variant.h"
 #include "support/MessagePump.h"
 
 #include <functional>
@@ -22,7 +23,7 @@ namespace corvina::test {
 // Corvina.ocx as this build delivers it.
 [[nodiscard]] std::wstring libraryPath();
 
-// Runs a program to its end and answers its exit code; -1 where it does not start or end.
+// Runs a program to its end and returns its exit code; -1 if it does not start or end.
 [[nodiscard]] int run(const std::wstring& commandLine, std::string* output = nullptr);
 [[nodiscard]] int regsvr32(const std::wstring& options);
 
@@ -48,25 +49,6 @@ template <typename Interface>
     return object;
 }
 
-// Owns a VARIANT.
-struct Variant : VARIANT {
-    Variant() noexcept : VARIANT{} { ::VariantInit(this); }
-    explicit Variant(long number) noexcept : Variant() {
-        vt = VT_I4;
-        lVal = number;
-    }
-    explicit Variant(int number) noexcept : Variant(static_cast<long>(number)) {}
-    explicit Variant(const wchar_t* text) : Variant() {
-        vt = VT_BSTR;
-        bstrVal = Bstr(text).detach();
-    }
-    Variant(const Variant& other) noexcept : Variant() {
-        ::VariantCopy(this, const_cast<Variant*>(&other));
-    }
-    Variant& operator=(const Variant&) = delete;
-    ~Variant() { ::VariantClear(this); }
-};
-
 // Calls a member by its name, as a script does; arguments in the order they are written.
 HRESULT callByName(IDispatch* object, const wchar_t* name, WORD flags,
                    std::vector<Variant> arguments, VARIANT* result = nullptr,
@@ -82,14 +64,14 @@ public:
         std::vector<Variant> arguments;
     };
 
-    // events: the event interface that it answers for; IID_NULL for IDispatch alone.
+    // events: the event interface that it has; IID_NULL for IDispatch alone.
     explicit EventSink(REFIID events) noexcept : events_(events) {}
     ~EventSink() { disconnect(); }
 
     HRESULT connect(IUnknown* source, REFIID events);
     void disconnect();
 
-    std::vector<Event> heard;
+    std::vector<Event> received;
     std::function<void(const Event&)> handler;
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** result) override;

@@ -1,6 +1,6 @@
 #pragma once
 
-// The type library of the registered file, told in lines of text.
+// The type library of the registered file, described in lines of text.
 
 #include "Support.h"
 

@@ -1,6 +1,7 @@
-// What a container tells a control about itself: design or run time, background, units.
+// What a container says about itself to a control: design or run time, background, units.
 
-#include "Form.h"
+#include "FormSite.h"
+#include "Picture.h"
 #include "Support.h"
 
 using namespace corvina;
@@ -17,16 +18,8 @@ protected:
         ApartmentTest::SetUp();
         object = create<IOleObject>(CLSID_cPlayer);
         object->SetClientSite(form.get());
-        screen = ::GetDC(nullptr);
-        dc = ::CreateCompatibleDC(screen);
-        bitmap = ::CreateCompatibleBitmap(screen, side, side);
-        old = ::SelectObject(dc, bitmap);
     }
     void TearDown() override {
-        ::SelectObject(dc, old);
-        ::DeleteObject(bitmap);
-        ::DeleteDC(dc);
-        ::ReleaseDC(nullptr, screen);
         object->SetClientSite(nullptr);
         object.reset();
         form.reset();
@@ -38,20 +31,17 @@ protected:
         const RECTL bounds{0, 0, side, side};
         EXPECT_EQ(S_OK,
                   object.query<IViewObject>()->Draw(DVASPECT_CONTENT, -1, nullptr, nullptr, nullptr,
-                                                    dc, &bounds, nullptr, nullptr, 0));
+                                                    picture.dc(), &bounds, nullptr, nullptr, 0));
         int count = 0;
         for (int y = 0; y < side; ++y)
             for (int x = 0; x < side; ++x)
-                count += ::GetPixel(dc, x, y) != background;
+                count += picture.at(x, y) != background;
         return count;
     }
 
-    ComPtr<Form> form = makeCom<Form>();
+    ComPtr<FormSite> form = makeCom<FormSite>();
     ComPtr<IOleObject> object;
-    HDC screen = nullptr;
-    HDC dc = nullptr;
-    HBITMAP bitmap = nullptr;
-    HGDIOBJ old = nullptr;
+    const Picture picture{{side, side}};
 };
 
 TEST_F(Ambient, at_run_time_the_player_shows_only_the_containers_background) {

@@ -1,6 +1,6 @@
 // What the graph control shows: in a window, by itself, in a metafile, while a form is designed.
 
-#include "Form.h"
+#include "FormSite.h"
 #include "GraphControlFixture.h"
 #include "graph/BandLevels.h"
 #include "support/MessagePump.h"
@@ -136,9 +136,9 @@ TEST_F(GraphControl, gives_a_metafile_of_its_picture) {
         STGMEDIUM medium{};
         ASSERT_EQ(S_OK, as<IDataObject>()->GetData(&format, &medium));
         const Picture picture({400, 200});
-        const RECT whole{0, 0, 400, 200};
+        const RECT all{0, 0, 400, 200};
         if (enhanced) {
-            ::PlayEnhMetaFile(picture.dc(), medium.hEnhMetaFile, &whole);
+            ::PlayEnhMetaFile(picture.dc(), medium.hEnhMetaFile, &all);
         } else {
             const auto* described =
                 static_cast<const METAFILEPICT*>(::GlobalLock(medium.hMetaFilePict));
@@ -157,7 +157,7 @@ TEST_F(GraphControl, gives_a_metafile_of_its_picture) {
 }
 
 TEST_F(GraphControl, shows_a_sample_picture_while_a_form_is_designed) {
-    const auto form = makeCom<Form>();
+    const auto form = makeCom<FormSite>();
     form->designing = true;
     ASSERT_EQ(S_OK, as<IOleObject>()->SetClientSite(form.get()));
     EXPECT_GT(drawn({200, 100}).count(green), 500);

@@ -1,8 +1,8 @@
 // Events and property changes: who hears what, in which order, whatever handlers do.
 
-#include "Keeping.h"
-#include "Meter.h"
+#include "PersistenceDoubles.h"
 #include "PropertySink.h"
+#include "TestControl.h"
 
 using namespace corvina;
 using namespace corvina::test;
@@ -11,10 +11,10 @@ namespace {
 
 constexpr DISPID changed = 1;
 
-class Events : public MeterTest {
+class Events : public ControlBaseTest {
 protected:
-    void fire(std::int32_t value) { meter->base().events().fire(changed, {value}); }
-    ComPtr<IOleControl> control() { return as<IOleControl>(); }
+    void fire(std::int32_t value) { control->base().events().fire(changed, {value}); }
+    ComPtr<IOleControl> oleControl() { return as<IOleControl>(); }
     ComPtr<IConnectionPointContainer> container() { return as<IConnectionPointContainer>(); }
     ComPtr<IConnectionPoint> point(REFIID iid = DIID___cAudioGraph) {
         ComPtr<IConnectionPoint> result;
@@ -31,32 +31,32 @@ protected:
         ASSERT_EQ(S_OK, sink.connect(point(IID_IPropertyNotifySink)));
         sink.handler = [&] {
             sink.disconnect();
-            meter.reset();
-            EXPECT_EQ(1, Meter::alive);
+            control.reset();
+            EXPECT_EQ(1, TestControl::alive);
         };
         EXPECT_EQ(S_OK, load(*raw));
-        EXPECT_EQ(std::vector<DISPID>{DISPID_UNKNOWN}, sink.heard);
-        EXPECT_EQ(0, Meter::alive);
+        EXPECT_EQ(std::vector<DISPID>{DISPID_UNKNOWN}, sink.received);
+        EXPECT_EQ(0, TestControl::alive);
     }
 };
 
 // A listener that releases the control while it is being connected.
 class LeavingSink final : public PropertySink {
 public:
-    explicit LeavingSink(ComPtr<Meter>& meter) : meter_(meter) {}
+    explicit LeavingSink(ComPtr<TestControl>& control) : meter_(control) {}
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** result) override {
         meter_.reset();
-        EXPECT_EQ(1, Meter::alive);
+        EXPECT_EQ(1, TestControl::alive);
         return PropertySink::QueryInterface(iid, result);
     }
 
 private:
-    ComPtr<Meter>& meter_;
+    ComPtr<TestControl>& meter_;
 };
 
 std::vector<long> numbers(const EventSink& sink) {
     std::vector<long> result;
-    for (const auto& event : sink.heard)
+    for (const auto& event : sink.received)
         result.push_back(V_I4(&event.arguments.at(0)));
     return result;
 }
@@ -65,36 +65,36 @@ TEST_F(Events, reach_a_listener_with_their_arguments) {
     EventSink sink(DIID___cAudioGraph);
     ASSERT_EQ(S_OK, sink.connect(unknown(), DIID___cAudioGraph));
     fire(42);
-    ASSERT_EQ(1u, sink.heard.size());
-    EXPECT_EQ(changed, sink.heard[0].id);
+    ASSERT_EQ(1u, sink.received.size());
+    EXPECT_EQ(changed, sink.received[0].id);
     EXPECT_EQ(std::vector<long>{42}, numbers(sink));
 }
 
-TEST_F(Events, reach_a_listener_that_answers_for_nothing_but_idispatch) {
+TEST_F(Events, reach_a_listener_that_has_nothing_but_idispatch) {
     EventSink sink(IID_NULL);
     ASSERT_EQ(S_OK, sink.connect(unknown(), DIID___cAudioGraph));
     fire(1);
-    EXPECT_EQ(1u, sink.heard.size());
+    EXPECT_EQ(1u, sink.received.size());
 }
 
 TEST_F(Events, arguments_come_in_the_order_of_the_declaration) {
     EventSink sink(DIID___cAudioGraph);
     sink.connect(unknown(), DIID___cAudioGraph);
-    meter->base().events().fire(
+    control->base().events().fire(
         2, {std::wstring(L"where"), EventSource::ByReference{5}, std::wstring(L"why\0not", 7)});
-    ASSERT_EQ(1u, sink.heard.size());
-    EXPECT_EQ((std::vector<VARTYPE>{VT_BSTR, VT_BYREF | VT_I4, VT_BSTR}), sink.heard[0].types);
-    EXPECT_EQ(L"where", textOf(V_BSTR(&sink.heard[0].arguments[0])));
-    EXPECT_EQ(5, V_I4(&sink.heard[0].arguments[1]));
-    EXPECT_EQ(std::wstring(L"why\0not", 7), textOf(V_BSTR(&sink.heard[0].arguments[2])));
+    ASSERT_EQ(1u, sink.received.size());
+    EXPECT_EQ((std::vector<VARTYPE>{VT_BSTR, VT_BYREF | VT_I4, VT_BSTR}), sink.received[0].types);
+    EXPECT_EQ(L"where", textOf(V_BSTR(&sink.received[0].arguments[0])));
+    EXPECT_EQ(5, V_I4(&sink.received[0].arguments[1]));
+    EXPECT_EQ(std::wstring(L"why\0not", 7), textOf(V_BSTR(&sink.received[0].arguments[2])));
 }
 
-TEST_F(Events, a_disconnected_listener_hears_nothing) {
+TEST_F(Events, a_disconnected_listener_is_called_no_more) {
     EventSink sink(DIID___cAudioGraph);
     sink.connect(unknown(), DIID___cAudioGraph);
     sink.disconnect();
     fire(1);
-    EXPECT_TRUE(sink.heard.empty());
+    EXPECT_TRUE(sink.received.empty());
 }
 
 TEST_F(Events, a_listener_may_disconnect_itself_and_others_in_its_handler) {
@@ -112,11 +112,11 @@ TEST_F(Events, a_listener_may_disconnect_itself_and_others_in_its_handler) {
     EXPECT_EQ(std::vector<long>{1}, numbers(second));
 }
 
-TEST_F(Events, a_listener_connected_in_a_handler_hears_the_next_event) {
+TEST_F(Events, a_listener_connected_in_a_handler_receives_the_next_event) {
     EventSink first(DIID___cAudioGraph), late(DIID___cAudioGraph);
     first.connect(unknown(), DIID___cAudioGraph);
     first.handler = [&](const EventSink::Event&) {
-        if (first.heard.size() == 1)
+        if (first.received.size() == 1)
             late.connect(unknown(), DIID___cAudioGraph);
     };
     fire(1);
@@ -127,62 +127,62 @@ TEST_F(Events, a_listener_connected_in_a_handler_hears_the_next_event) {
 TEST_F(Events, the_control_may_be_released_in_its_own_event) {
     EventSink sink(DIID___cAudioGraph);
     sink.connect(unknown(), DIID___cAudioGraph);
-    Meter* raw = meter.get();
+    TestControl* raw = control.get();
     sink.handler = [&](const EventSink::Event&) {
         sink.disconnect();
-        meter.reset();
-        EXPECT_EQ(1, Meter::alive);
+        control.reset();
+        EXPECT_EQ(1, TestControl::alive);
     };
     raw->base().events().fire(changed, {std::int32_t{1}});
-    EXPECT_EQ(0, Meter::alive);
+    EXPECT_EQ(0, TestControl::alive);
 }
 
 TEST_F(Events, wait_while_they_are_frozen_and_come_in_order_when_they_thaw) {
     EventSink sink(DIID___cAudioGraph);
     sink.connect(unknown(), DIID___cAudioGraph);
-    control()->FreezeEvents(TRUE);
-    control()->FreezeEvents(TRUE);
+    oleControl()->FreezeEvents(TRUE);
+    oleControl()->FreezeEvents(TRUE);
     fire(1);
     fire(2);
-    control()->FreezeEvents(FALSE);
-    EXPECT_TRUE(sink.heard.empty());
-    control()->FreezeEvents(FALSE);
+    oleControl()->FreezeEvents(FALSE);
+    EXPECT_TRUE(sink.received.empty());
+    oleControl()->FreezeEvents(FALSE);
     EXPECT_EQ((std::vector<long>{1, 2}), numbers(sink));
 }
 
 TEST_F(Events, of_which_only_the_latest_counts_are_kept_once) {
     EventSink sink(DIID___cAudioGraph);
     sink.connect(unknown(), DIID___cAudioGraph);
-    control()->FreezeEvents(TRUE);
+    oleControl()->FreezeEvents(TRUE);
     for (std::int32_t i = 0; i < 1000; ++i)
-        meter->base().events().fire(changed, {i}, EventSource::WhenFrozen::keepLatest);
-    control()->FreezeEvents(FALSE);
+        control->base().events().fire(changed, {i}, EventSource::WhenFrozen::keepLatest);
+    oleControl()->FreezeEvents(FALSE);
     EXPECT_EQ(std::vector<long>{999}, numbers(sink));
 }
 
 TEST_F(Events, thawing_what_is_not_frozen_does_nothing) {
     EventSink sink(DIID___cAudioGraph);
     sink.connect(unknown(), DIID___cAudioGraph);
-    control()->FreezeEvents(FALSE);
-    control()->FreezeEvents(TRUE);
+    oleControl()->FreezeEvents(FALSE);
+    oleControl()->FreezeEvents(TRUE);
     fire(1);
-    EXPECT_TRUE(sink.heard.empty());
+    EXPECT_TRUE(sink.received.empty());
 }
 
 TEST_F(Events, what_a_handler_writes_by_reference_reaches_no_other_listener) {
     EventSink first(DIID___cAudioGraph), second(DIID___cAudioGraph);
     first.connect(unknown(), DIID___cAudioGraph);
     second.connect(unknown(), DIID___cAudioGraph);
-    meter->base().events().fire(changed, {EventSource::ByReference{5}});
+    control->base().events().fire(changed, {EventSource::ByReference{5}});
     EXPECT_EQ(std::vector<long>{5}, numbers(second));
 }
 
-TEST_F(Events, no_listener_hears_a_control_that_is_being_destroyed) {
+TEST_F(Events, no_listener_is_called_by_a_control_that_is_being_destroyed) {
     EventSink sink(DIID___cAudioGraph);
     sink.connect(unknown(), DIID___cAudioGraph);
-    meter->base().disconnect();
+    control->base().disconnect();
     fire(1);
-    EXPECT_TRUE(sink.heard.empty());
+    EXPECT_TRUE(sink.received.empty());
 }
 
 TEST_F(Events, a_foreign_listener_is_refused) {
@@ -253,11 +253,11 @@ TEST_F(Events, connections_are_enumerated_with_their_cookies) {
     EXPECT_EQ(E_POINTER, connections->Clone(nullptr));
 }
 
-TEST_F(Events, a_property_change_is_told) {
+TEST_F(Events, listeners_are_notified_of_a_property_change) {
     PropertySink sink;
     ASSERT_EQ(S_OK, sink.connect(point(IID_IPropertyNotifySink)));
-    EXPECT_EQ(S_OK, meter->base().setProperty(Meter::level, 50));
-    EXPECT_EQ(std::vector<DISPID>{1}, sink.heard);
+    EXPECT_EQ(S_OK, control->base().setProperty(TestControl::level, 50));
+    EXPECT_EQ(std::vector<DISPID>{1}, sink.received);
     EXPECT_EQ(1, sink.asked);
 }
 
@@ -265,46 +265,46 @@ TEST_F(Events, a_listener_can_forbid_a_property_change) {
     PropertySink sink;
     sink.allows = false;
     ASSERT_EQ(S_OK, sink.connect(point(IID_IPropertyNotifySink)));
-    EXPECT_EQ(S_FALSE, meter->base().setProperty(Meter::level, 50));
-    EXPECT_EQ(25, meter->base().property(Meter::level));
-    EXPECT_TRUE(sink.heard.empty());
+    EXPECT_EQ(S_FALSE, control->base().setProperty(TestControl::level, 50));
+    EXPECT_EQ(25, control->base().property(TestControl::level));
+    EXPECT_TRUE(sink.received.empty());
 }
 
 TEST_F(Events, writing_the_same_value_is_no_change) {
     PropertySink sink;
     sink.connect(point(IID_IPropertyNotifySink));
-    EXPECT_EQ(S_OK, meter->base().setProperty(Meter::level, 25));
-    EXPECT_TRUE(sink.heard.empty());
+    EXPECT_EQ(S_OK, control->base().setProperty(TestControl::level, 25));
+    EXPECT_TRUE(sink.received.empty());
 }
 
 TEST_F(Events, the_control_may_be_released_while_it_is_made_new) {
-    loseWhileLoading<IPersistStreamInit>([](auto& control) { return control.InitNew(); });
+    loseWhileLoading<IPersistStreamInit>([](auto& persist) { return persist.InitNew(); });
 }
 
 TEST_F(Events, the_control_may_be_released_while_it_is_loaded_from_a_stream) {
     const auto stream = memoryStream();
     ASSERT_EQ(S_OK, as<IPersistStreamInit>()->Save(stream.get(), TRUE));
     rewind(stream);
-    loseWhileLoading<IPersistStreamInit>([&](auto& control) { return control.Load(stream.get()); });
+    loseWhileLoading<IPersistStreamInit>([&](auto& persist) { return persist.Load(stream.get()); });
 }
 
 TEST_F(Events, the_control_may_be_released_while_it_is_loaded_from_a_property_bag) {
-    Bag bag;
+    MemoryPropertyBag bag;
     loseWhileLoading<IPersistPropertyBag>(
-        [&](auto& control) { return control.Load(&bag, nullptr); });
+        [&](auto& persist) { return persist.Load(&bag, nullptr); });
 }
 
 TEST_F(Events, the_control_may_be_released_while_it_is_activated_quickly) {
-    LeavingSink sink(meter);
+    LeavingSink sink(control);
     QACONTAINER host{};
     host.cbSize = sizeof host;
     host.pPropertyNotifySink = &sink;
-    QACONTROL answer{};
-    answer.cbSize = sizeof answer;
+    QACONTROL filled{};
+    filled.cbSize = sizeof filled;
     IQuickActivate* const raw = as<IQuickActivate>().get();
-    EXPECT_EQ(S_OK, raw->QuickActivate(&host, &answer));
-    EXPECT_EQ(controlMiscStatus, answer.dwMiscStatus);
-    EXPECT_EQ(0, Meter::alive);
+    EXPECT_EQ(S_OK, raw->QuickActivate(&host, &filled));
+    EXPECT_EQ(controlMiscStatus, filled.dwMiscStatus);
+    EXPECT_EQ(0, TestControl::alive);
 }
 
 TEST_F(Events, quick_activation_connects_everything_at_once) {
@@ -314,21 +314,21 @@ TEST_F(Events, quick_activation_connects_everything_at_once) {
     host.cbSize = 56; // Visual Basic's and .NET's record: 14 fields
     host.pUnkEventSink = &events;
     host.pPropertyNotifySink = &properties;
-    QACONTROL answer{};
-    answer.cbSize = sizeof answer;
+    QACONTROL filled{};
+    filled.cbSize = sizeof filled;
     const auto quick = ComPtr<IUnknown>(unknown()).query<IQuickActivate>();
-    ASSERT_EQ(S_OK, quick->QuickActivate(&host, &answer));
-    EXPECT_EQ(controlMiscStatus, answer.dwMiscStatus);
-    EXPECT_NE(0u, answer.dwEventCookie);
+    ASSERT_EQ(S_OK, quick->QuickActivate(&host, &filled));
+    EXPECT_EQ(controlMiscStatus, filled.dwMiscStatus);
+    EXPECT_NE(0u, filled.dwEventCookie);
     fire(3);
-    meter->base().setProperty(Meter::level, 1);
-    EXPECT_EQ(1u, events.heard.size());
-    EXPECT_EQ(1u, properties.heard.size());
-    EXPECT_EQ(S_OK, point()->Unadvise(answer.dwEventCookie));
-    EXPECT_EQ(S_OK, point(IID_IPropertyNotifySink)->Unadvise(answer.dwPropNotifyCookie));
-    EXPECT_EQ(E_POINTER, quick->QuickActivate(nullptr, &answer));
+    control->base().setProperty(TestControl::level, 1);
+    EXPECT_EQ(1u, events.received.size());
+    EXPECT_EQ(1u, properties.received.size());
+    EXPECT_EQ(S_OK, point()->Unadvise(filled.dwEventCookie));
+    EXPECT_EQ(S_OK, point(IID_IPropertyNotifySink)->Unadvise(filled.dwPropNotifyCookie));
+    EXPECT_EQ(E_POINTER, quick->QuickActivate(nullptr, &filled));
     host.cbSize = 3;
-    EXPECT_EQ(E_INVALIDARG, quick->QuickActivate(&host, &answer));
+    EXPECT_EQ(E_INVALIDARG, quick->QuickActivate(&host, &filled));
 }
 
 TEST_F(Events, the_class_information_names_the_event_interface) {

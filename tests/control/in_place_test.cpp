@@ -1,15 +1,15 @@
 // The control base in a container: one window, which comes and goes.
 
-#include "Meter.h"
+#include "TestControl.h"
 
 using namespace corvina;
 using namespace corvina::test;
 
 namespace {
 
-class InPlace : public MeterTest {
+class InPlace : public ControlBaseTest {
 protected:
-    HWND window() { return meter->base().window(); }
+    HWND window() { return control->base().window(); }
     HRESULT verb(LONG number) {
         const auto object = as<IOleObject>();
         ComPtr<IOleClientSite> site;
@@ -75,11 +75,11 @@ TEST_F(InPlace, a_window_made_before_activation_keeps_its_handle) {
 TEST_F(InPlace, a_resized_container_resizes_the_window) {
     Container container;
     ASSERT_EQ(S_OK, container.attach(unknown()));
-    meter->sizes.clear();
+    control->sizes.clear();
     ::SetWindowPos(container.window(), nullptr, 0, 0, 150, 90, SWP_NOMOVE | SWP_NOZORDER);
-    ASSERT_FALSE(meter->sizes.empty());
-    EXPECT_EQ(150, meter->sizes.back().cx);
-    EXPECT_EQ(90, meter->sizes.back().cy);
+    ASSERT_FALSE(control->sizes.empty());
+    EXPECT_EQ(150, control->sizes.back().cx);
+    EXPECT_EQ(90, control->sizes.back().cy);
 }
 
 TEST_F(InPlace, deactivation_hides_the_window_and_takes_it_out_of_the_container) {
@@ -136,7 +136,7 @@ TEST_F(InPlace, activation_without_a_site_fails) {
     EXPECT_TRUE(FAILED(verb(OLEIVERB_PRIMARY)));
 }
 
-TEST_F(InPlace, unknown_verbs_are_answered_by_their_sign) {
+TEST_F(InPlace, unknown_verbs_are_taken_by_their_sign) {
     Container container;
     ASSERT_EQ(S_OK, container.attach(unknown()));
     EXPECT_EQ(OLEOBJ_S_INVALIDVERB, verb(77));
@@ -151,7 +151,7 @@ TEST_F(InPlace, the_window_outlives_the_containers_window) {
     }
     EXPECT_TRUE(::IsWindow(before));
     EXPECT_EQ(before, window());
-    EXPECT_EQ(0, meter->lostWindows);
+    EXPECT_EQ(0, control->lostWindows);
 }
 
 TEST_F(InPlace, the_control_moves_from_one_container_to_the_next) {
@@ -164,26 +164,26 @@ TEST_F(InPlace, the_control_moves_from_one_container_to_the_next) {
     EXPECT_EQ(before, window());
 }
 
-TEST_F(InPlace, a_window_destroyed_by_somebody_else_is_told_and_replaced) {
+TEST_F(InPlace, a_window_destroyed_by_somebody_else_is_noticed_and_replaced) {
     Container container;
     ASSERT_EQ(S_OK, container.attach(unknown()));
     const HWND before = window();
     ::DestroyWindow(before);
-    EXPECT_EQ(1, meter->lostWindows);
+    EXPECT_EQ(1, control->lostWindows);
     EXPECT_TRUE(::IsWindow(window()));
-    EXPECT_FALSE(meter->base().inPlace().active());
+    EXPECT_FALSE(control->base().active());
     EXPECT_EQ(S_OK, verb(OLEIVERB_INPLACEACTIVATE));
     EXPECT_EQ(container.window(), ::GetParent(window()));
 }
 
-TEST_F(InPlace, a_hidden_window_destroyed_by_somebody_else_is_told) {
+TEST_F(InPlace, a_hidden_window_destroyed_by_somebody_else_is_noticed) {
     ::DestroyWindow(window());
-    EXPECT_EQ(1, meter->lostWindows);
+    EXPECT_EQ(1, control->lostWindows);
 }
 
 TEST_F(InPlace, the_window_goes_with_the_control) {
     const HWND own = window();
-    meter.reset();
+    control.reset();
     EXPECT_FALSE(::IsWindow(own));
 }
 
@@ -191,29 +191,29 @@ TEST_F(InPlace, releasing_the_last_reference_while_active_takes_the_window_away)
     Container container;
     ASSERT_EQ(S_OK, container.attach(unknown()));
     const HWND own = window();
-    meter.reset();
+    control.reset();
     container.destroy();
     EXPECT_FALSE(::IsWindow(own));
-    EXPECT_EQ(0, Meter::alive);
+    EXPECT_EQ(0, TestControl::alive);
 }
 
 TEST_F(InPlace, a_covered_and_uncovered_window_is_painted_again) {
     Container container;
     ASSERT_EQ(S_OK, container.attach(unknown()));
-    ASSERT_TRUE(pumpUntil([&] { return meter->drawn > 0; }));
-    const int before = meter->drawn;
+    ASSERT_TRUE(pumpUntil([&] { return control->drawn > 0; }));
+    const int before = control->drawn;
     ::InvalidateRect(window(), nullptr, TRUE);
-    EXPECT_TRUE(pumpUntil([&] { return meter->drawn > before; }));
+    EXPECT_TRUE(pumpUntil([&] { return control->drawn > before; }));
 }
 
 TEST_F(InPlace, a_drawing_that_throws_does_not_keep_the_window_invalid) {
     Container container;
     ASSERT_EQ(S_OK, container.attach(unknown()));
-    meter->throwWhenDrawn = true;
+    control->throwWhenDrawn = true;
     ::InvalidateRect(window(), nullptr, TRUE);
     ::UpdateWindow(window());
     EXPECT_FALSE(::GetUpdateRect(window(), nullptr, FALSE));
-    meter->throwWhenDrawn = false;
+    control->throwWhenDrawn = false;
 }
 
 TEST_F(InPlace, a_control_of_free_size_takes_the_extent_it_is_given) {

@@ -1,11 +1,9 @@
 // The registered player as a C++ host uses it, in a container and without one.
 
-#include "Support.h"
-
+#include "PlayerControlFixture.h"
 #include "support/TempFolder.h"
 #include "support/WavBytes.h"
 
-#include <array>
 #include <string>
 #include <thread>
 #include <utility>
@@ -16,54 +14,6 @@ using namespace corvina::test;
 namespace {
 
 constexpr DISPID errEvent = 2;
-
-class PlayerControl : public ApartmentTest {
-protected:
-    void SetUp() override {
-        ApartmentTest::SetUp();
-        player = create<_cPlayer>(CLSID_cPlayer);
-        ASSERT_TRUE(player);
-    }
-    void TearDown() override {
-        player.reset();
-        ApartmentTest::TearDown();
-    }
-    HWND inPlaceWindow() {
-        HWND window = nullptr;
-        player.query<IOleInPlaceObject>()->GetWindow(&window);
-        return window;
-    }
-    HRESULT verb(LONG which) {
-        const auto object = player.query<IOleObject>();
-        ComPtr<IOleClientSite> site;
-        object->GetClientSite(site.put());
-        return object->DoVerb(which, nullptr, site.get(), 0, nullptr, nullptr);
-    }
-    long open(const wchar_t* name) {
-        long result = -1;
-        EXPECT_EQ(S_OK, player->OpenAudioFile(Bstr(name).get(), &result));
-        return result;
-    }
-
-    // The fields of both kinds of record have the same names.
-    template <typename Caps>
-    void expectDescribed(const Caps& caps, long direction) {
-        AudioDeviceDetails details{};
-        EXPECT_EQ(S_OK, player->GetDetailsDevice(0, direction, &details, &number));
-        EXPECT_EQ(MMSYSERR_NOERROR, static_cast<MMRESULT>(number));
-        std::array<wchar_t, MAXPNAMELEN> name{};
-        ::MultiByteToWideChar(CP_ACP, 0, caps.szPname, -1, name.data(), MAXPNAMELEN);
-        EXPECT_EQ(std::wstring(name.data()), textOf(details.DeviceName));
-        EXPECT_EQ(std::to_wstring(caps.vDriverVersion), textOf(details.DeviceDriver));
-        EXPECT_EQ(caps.wChannels, details.DeviceChannels);
-        EXPECT_EQ(caps.dwFormats, static_cast<DWORD>(details.DeviceFormat));
-        ::SysFreeString(details.DeviceName);
-        ::SysFreeString(details.DeviceDriver);
-    }
-
-    ComPtr<_cPlayer> player;
-    long number = -1;
-};
 
 TEST_F(PlayerControl, null_out_pointers_are_refused_by_every_member) {
     const Bstr text(L"x");
@@ -169,12 +119,12 @@ TEST_F(PlayerControl, a_missing_file_raises_err_with_number_1_by_reference) {
     ASSERT_EQ(S_OK, sink.connect(player.get(), DIID___cPlayer));
     player->Init(&number);
     EXPECT_EQ(1, open(L"no such file.wav"));
-    ASSERT_EQ(1u, sink.heard.size());
-    EXPECT_EQ(errEvent, sink.heard[0].id);
-    EXPECT_EQ((std::vector<VARTYPE>{VT_BSTR, VT_BYREF | VT_I4, VT_BSTR}), sink.heard[0].types);
-    EXPECT_EQ(L"", textOf(V_BSTR(&sink.heard[0].arguments[0])));
-    EXPECT_EQ(1, V_I4(&sink.heard[0].arguments[1]));
-    EXPECT_EQ(L"File doen't exist", textOf(V_BSTR(&sink.heard[0].arguments[2])));
+    ASSERT_EQ(1u, sink.received.size());
+    EXPECT_EQ(errEvent, sink.received[0].id);
+    EXPECT_EQ((std::vector<VARTYPE>{VT_BSTR, VT_BYREF | VT_I4, VT_BSTR}), sink.received[0].types);
+    EXPECT_EQ(L"", textOf(V_BSTR(&sink.received[0].arguments[0])));
+    EXPECT_EQ(1, V_I4(&sink.received[0].arguments[1]));
+    EXPECT_EQ(L"File doen't exist", textOf(V_BSTR(&sink.received[0].arguments[2])));
 }
 
 TEST_F(PlayerControl, may_be_released_in_its_err_handler) {
@@ -213,9 +163,9 @@ TEST_F(PlayerControl, identity_is_the_same_from_every_interface) {
                        IID_ISupportErrorInfo,
                        IID_IConnectionPointContainer,
                        IID_IQuickActivate}) {
-        ComPtr<IUnknown> face, back;
-        ASSERT_EQ(S_OK, player->QueryInterface(iid, face.putVoid()));
-        ASSERT_EQ(S_OK, face->QueryInterface(IID_IUnknown, back.putVoid()));
+        ComPtr<IUnknown> other, back;
+        ASSERT_EQ(S_OK, player->QueryInterface(iid, other.putVoid()));
+        ASSERT_EQ(S_OK, other->QueryInterface(IID_IUnknown, back.putVoid()));
         EXPECT_EQ(first.get(), back.get());
     }
 }
@@ -229,7 +179,7 @@ TEST_F(PlayerControl, does_not_claim_to_be_safe_for_strangers) {
     EXPECT_EQ(E_POINTER, player->QueryInterface(IID_IUnknown, nullptr));
 }
 
-TEST_F(PlayerControl, always_answers_preprocess_whatever_is_set) {
+TEST_F(PlayerControl, always_returns_preprocess_whatever_is_set) {
     const auto subclass = player.query<ISubclass>();
     EXPECT_EQ(S_OK, subclass->put_MsgResponse(emrConsume));
     EMsgResponse response = emrConsume;
@@ -253,71 +203,6 @@ TEST_F(PlayerControl, ignores_messages_that_are_not_its_own) {
 
 TEST_F(PlayerControl, takes_samples_and_does_nothing_with_them) {
     EXPECT_EQ(S_OK, player.query<cCallback>()->Samples(nullptr, -1, 0));
-}
-
-TEST_F(PlayerControl, at_run_time_the_window_covers_nothing_of_the_form_and_keeps_its_size) {
-    Container container;
-    ASSERT_EQ(S_OK, container.attach(player.get()));
-    RECT box{};
-    EXPECT_EQ(NULLREGION, ::GetWindowRgnBox(inPlaceWindow(), &box));
-    RECT client{};
-    ::GetClientRect(inPlaceWindow(), &client);
-    EXPECT_GT(client.right, 0);
-    EXPECT_GT(client.bottom, 0);
-}
-
-TEST_F(PlayerControl, has_a_window_that_is_a_child_of_its_container) {
-    Container container;
-    ASSERT_EQ(S_OK, container.attach(player.get()));
-    EXPECT_EQ(container.window(), ::GetParent(inPlaceWindow()));
-}
-
-TEST_F(PlayerControl, forces_its_width_and_height_to_512_each) {
-    Container container;
-    ASSERT_EQ(S_OK, container.attach(player.get()));
-    for (const int width : {100, 700}) {
-        ::SetWindowPos(container.window(), nullptr, 0, 0, width, 90, SWP_NOMOVE | SWP_NOZORDER);
-        RECT client{};
-        ::GetClientRect(inPlaceWindow(), &client);
-        EXPECT_EQ(512, client.right);
-        EXPECT_EQ(512, client.bottom);
-    }
-}
-
-TEST_F(PlayerControl, refuses_any_other_extent_silently) {
-    SIZEL size{1000, 1000}, got{};
-    const auto object = player.query<IOleObject>();
-    EXPECT_EQ(S_OK, object->SetExtent(DVASPECT_CONTENT, &size));
-    EXPECT_EQ(S_OK, object->GetExtent(DVASPECT_CONTENT, &got));
-    const HDC screen = ::GetDC(nullptr);
-    EXPECT_EQ(::MulDiv(512, 2540, ::GetDeviceCaps(screen, LOGPIXELSX)), got.cx);
-    ::ReleaseDC(nullptr, screen);
-}
-
-TEST_F(PlayerControl, keeps_its_window_from_init_through_containers) {
-    {
-        Container container;
-        ASSERT_EQ(S_OK, container.attach(player.get()));
-        player->Init(&number);
-    }
-    Container next;
-    ASSERT_EQ(S_OK, next.attach(player.get()));
-    const HWND window = inPlaceWindow();
-    EXPECT_EQ(next.window(), ::GetParent(window));
-    player.query<IOleInPlaceObject>()->InPlaceDeactivate();
-    EXPECT_EQ(S_OK, verb(OLEIVERB_INPLACEACTIVATE));
-    EXPECT_EQ(window, inPlaceWindow());
-}
-
-TEST_F(PlayerControl, survives_that_its_window_is_destroyed_and_can_be_initialised_again) {
-    Container container;
-    ASSERT_EQ(S_OK, container.attach(player.get()));
-    player->Init(&number);
-    ::DestroyWindow(inPlaceWindow());
-    EXPECT_EQ(S_OK, player->PlayStop(&number));
-    EXPECT_EQ(S_OK, player->Init(&number));
-    EXPECT_EQ(0, number);
-    EXPECT_EQ(S_OK, player->DeInit(&number));
 }
 
 TEST_F(PlayerControl, shows_and_closes_its_about_box) {
@@ -360,8 +245,8 @@ TEST_F(PlayerControl, may_lose_its_container_while_it_plays_and_plays_on) {
     }
     VARIANT_BOOL playing = VARIANT_TRUE;
     EXPECT_TRUE(pumpUntil([&] { return player->IsPlaying(&playing) == S_OK && !playing; }));
-    ASSERT_FALSE(sink.heard.empty());
-    EXPECT_EQ(1, sink.heard.back().id);
+    ASSERT_FALSE(sink.received.empty());
+    EXPECT_EQ(1, sink.received.back().id);
 }
 
 // What OutputDebugString raises, in either width.

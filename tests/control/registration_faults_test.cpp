@@ -2,6 +2,7 @@
 // key of the test's own, in which a volatile key refuses what would be put below it.
 
 #include "Support.h"
+#include "platform/RegistryKey.h"
 
 #include <set>
 
@@ -24,16 +25,16 @@ class UserRegistry {
 public:
     UserRegistry() {
         ::RegDeleteTreeW(HKEY_CURRENT_USER, place);
-        ::RegCreateKeyExW(HKEY_CURRENT_USER, place, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &root_,
-                          nullptr);
-        ::RegOverridePredefKey(HKEY_CURRENT_USER, root_);
+        ::RegCreateKeyExW(HKEY_CURRENT_USER, place, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr,
+                          root_.put(), nullptr);
+        ::RegOverridePredefKey(HKEY_CURRENT_USER, root_.get());
         create(classes, REG_OPTION_NON_VOLATILE);
     }
     UserRegistry(const UserRegistry&) = delete;
     UserRegistry& operator=(const UserRegistry&) = delete;
     ~UserRegistry() {
         ::RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
-        ::RegCloseKey(root_);
+        root_.reset();
         ::RegDeleteTreeW(HKEY_CURRENT_USER, place);
     }
 
@@ -52,28 +53,26 @@ public:
 
 private:
     void create(const std::wstring& key, DWORD options) const {
-        HKEY made = nullptr;
-        ASSERT_EQ(ERROR_SUCCESS, ::RegCreateKeyExW(root_, key.c_str(), 0, nullptr, options,
-                                                   KEY_READ, nullptr, &made, nullptr));
-        ::RegCloseKey(made);
+        RegistryKey made;
+        ASSERT_EQ(ERROR_SUCCESS, ::RegCreateKeyExW(root_.get(), key.c_str(), 0, nullptr, options,
+                                                   KEY_READ, nullptr, made.put(), nullptr));
     }
     void collect(const std::wstring& key, std::set<std::wstring>& found) const {
-        HKEY opened = nullptr;
-        if (::RegOpenKeyExW(root_, key.c_str(), 0, KEY_READ, &opened) != ERROR_SUCCESS)
+        RegistryKey opened;
+        if (::RegOpenKeyExW(root_.get(), key.c_str(), 0, KEY_READ, opened.put()) != ERROR_SUCCESS)
             return;
         wchar_t name[256];
         for (DWORD index = 0, length = 256;
-             ::RegEnumKeyExW(opened, index, name, &length, nullptr, nullptr, nullptr, nullptr) ==
-             ERROR_SUCCESS;
+             ::RegEnumKeyExW(opened.get(), index, name, &length, nullptr, nullptr, nullptr,
+                             nullptr) == ERROR_SUCCESS;
              ++index, length = 256) {
             const std::wstring child = key + L"\\" + name;
             found.insert(child);
             collect(child, found);
         }
-        ::RegCloseKey(opened);
     }
 
-    HKEY root_ = nullptr;
+    RegistryKey root_;
 };
 
 class FailingRegistration : public ::testing::Test {

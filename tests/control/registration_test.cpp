@@ -1,6 +1,7 @@
 // What regsvr32 writes into the registry, and that it takes all of it away again.
 
 #include "Support.h"
+#include "platform/RegistryKey.h"
 
 #include <set>
 
@@ -20,7 +21,7 @@ struct RegisteredControl {
 };
 const RegisteredControl controls[] = {{player, 101}, {graph, 102}};
 
-// A text below Software\Classes of the machine or the user; "<none>" where there is no such key.
+// A text below Software\Classes of the machine or the user; "<none>" if there is no such key.
 std::wstring read(const std::wstring& key, const wchar_t* name = nullptr,
                   HKEY root = HKEY_LOCAL_MACHINE) {
     wchar_t text[1024]{};
@@ -31,27 +32,23 @@ std::wstring read(const std::wstring& key, const wchar_t* name = nullptr,
 }
 
 bool exists(const std::wstring& key, HKEY root = HKEY_LOCAL_MACHINE) {
-    HKEY opened = nullptr;
-    if (::RegOpenKeyExW(root, (L"Software\\Classes\\" + key).c_str(), 0, KEY_READ, &opened) !=
-        ERROR_SUCCESS)
-        return false;
-    ::RegCloseKey(opened);
-    return true;
+    RegistryKey opened;
+    return ::RegOpenKeyExW(root, (L"Software\\Classes\\" + key).c_str(), 0, KEY_READ,
+                           opened.put()) == ERROR_SUCCESS;
 }
 
 // The names of every key directly below Software\Classes\parent.
 std::set<std::wstring> keysBelow(const std::wstring& parent) {
     std::set<std::wstring> result;
-    HKEY opened = nullptr;
+    RegistryKey opened;
     if (::RegOpenKeyExW(HKEY_LOCAL_MACHINE, (L"Software\\Classes" + parent).c_str(), 0, KEY_READ,
-                        &opened) != ERROR_SUCCESS)
+                        opened.put()) != ERROR_SUCCESS)
         return result;
     wchar_t name[256];
-    for (DWORD i = 0, length = 256; ::RegEnumKeyExW(opened, i, name, &length, nullptr, nullptr,
-                                                    nullptr, nullptr) == ERROR_SUCCESS;
+    for (DWORD i = 0, length = 256; ::RegEnumKeyExW(opened.get(), i, name, &length, nullptr,
+                                                    nullptr, nullptr, nullptr) == ERROR_SUCCESS;
          ++i, length = 256)
         result.insert(name);
-    ::RegCloseKey(opened);
     return result;
 }
 

@@ -1,6 +1,7 @@
-// What a container hears while a control becomes its active object, and what it may do meanwhile.
+// How a container is called while a control becomes its active object, and what it may do
+// meanwhile.
 
-#include "Meter.h"
+#include "TestControl.h"
 #include "support/HiddenWindow.h"
 
 #include <gmock/gmock.h>
@@ -11,7 +12,7 @@ using testing::ElementsAre;
 
 namespace {
 
-// What the container was told, in order.
+// How the container was called, in order.
 using Log = std::vector<std::string>;
 
 class Frame final : public Implements<IOleInPlaceFrame> {
@@ -122,18 +123,18 @@ private:
     HiddenWindow window_;
 };
 
-class UiActivation : public MeterTest {
+class UiActivation : public ControlBaseTest {
 protected:
     UiActivation() { as<IOleObject>()->SetClientSite(site.get()); }
     ~UiActivation() override { site->frame->onActiveObject = site->onUiActivate = nullptr; }
 
     // The container holds the control only while it is in place.
     void TearDown() override {
-        if (meter) {
+        if (control) {
             as<IOleInPlaceObject>()->InPlaceDeactivate();
             as<IOleObject>()->SetClientSite(nullptr);
         }
-        MeterTest::TearDown();
+        ControlBaseTest::TearDown();
     }
 
     HRESULT activate() {
@@ -145,7 +146,7 @@ protected:
     ComPtr<Site> site = makeCom<Site>(log);
 };
 
-TEST_F(UiActivation, tells_the_container_step_by_step_and_takes_it_back_in_turn) {
+TEST_F(UiActivation, calls_the_container_step_by_step_and_back_in_turn) {
     EXPECT_EQ(S_OK, activate());
     EXPECT_THAT(log, ElementsAre("CanInPlaceActivate", "OnInPlaceActivate", "ShowObject",
                                  "OnUIActivate", "SetActiveObject", "SetBorderSpace"));
@@ -165,14 +166,14 @@ TEST_F(UiActivation, of_a_container_that_refuses_it_leaves_its_frame_alone) {
     EXPECT_THAT(log, ElementsAre());
 }
 
-TEST_F(UiActivation, ends_where_the_container_deactivates_the_control_at_once) {
+TEST_F(UiActivation, ends_if_the_container_deactivates_the_control_at_once) {
     site->onUiActivate = [this] { as<IOleInPlaceObject>()->InPlaceDeactivate(); };
     EXPECT_EQ(S_OK, activate());
     EXPECT_EQ("OnUIActivate", log.back());
     EXPECT_EQ(0, std::count(log.begin(), log.end(), "SetActiveObject"));
 }
 
-TEST_F(UiActivation, ends_where_the_frame_deactivates_the_control_at_once) {
+TEST_F(UiActivation, ends_if_the_frame_deactivates_the_control_at_once) {
     site->frame->onActiveObject = [this] { as<IOleInPlaceObject>()->UIDeactivate(); };
     EXPECT_EQ(S_OK, activate());
     EXPECT_EQ("OnUIDeactivate", log.back());
@@ -180,13 +181,13 @@ TEST_F(UiActivation, ends_where_the_frame_deactivates_the_control_at_once) {
 }
 
 TEST_F(UiActivation, of_a_container_whose_window_takes_no_child_fails_and_is_taken_back) {
-    site->containerWindow = meter->base().window(); // nobody's own child
+    site->containerWindow = control->base().window(); // nobody's own child
     EXPECT_TRUE(FAILED(activate()));
     EXPECT_EQ("OnInPlaceDeactivate", log.back());
-    EXPECT_FALSE(::IsWindowVisible(meter->base().window()));
+    EXPECT_FALSE(::IsWindowVisible(control->base().window()));
     site->containerWindow = nullptr;
     EXPECT_EQ(S_OK, activate());
-    EXPECT_TRUE(::GetParent(meter->base().window()));
+    EXPECT_TRUE(::GetParent(control->base().window()));
 }
 
 TEST_F(UiActivation, survives_a_container_that_lets_the_control_go_meanwhile) {
@@ -194,7 +195,7 @@ TEST_F(UiActivation, survives_a_container_that_lets_the_control_go_meanwhile) {
         const auto object = as<IOleObject>();
         as<IOleInPlaceObject>()->InPlaceDeactivate();
         object->SetClientSite(nullptr);
-        meter.reset();
+        control.reset();
     };
     activate();
     EXPECT_EQ("OnUIActivate", log.back());
@@ -204,15 +205,15 @@ class WithoutPicture : public UiActivation {
 protected:
     WithoutPicture() {
         as<IOleObject>()->SetClientSite(nullptr);
-        meter = makeCom<Meter>(blankMeterClass);
+        control = makeCom<TestControl>(classWithoutPicture);
         as<IOleObject>()->SetClientSite(site.get());
     }
     ~WithoutPicture() override { site->onUserMode = nullptr; }
 
-    // The kind of the window's region; ERROR where it has none.
+    // The kind of the window's region; ERROR if it has none.
     int regionKind() {
         RECT box{};
-        return ::GetWindowRgnBox(meter->base().window(), &box);
+        return ::GetWindowRgnBox(control->base().window(), &box);
     }
     void goOver(bool designing) {
         site->designing = designing;

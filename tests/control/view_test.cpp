@@ -1,6 +1,7 @@
 // The control as a picture: drawing, metafiles, advises, hit tests.
 
-#include "Meter.h"
+#include "Picture.h"
+#include "TestControl.h"
 
 using namespace corvina;
 using namespace corvina::test;
@@ -26,7 +27,7 @@ public:
     void STDMETHODCALLTYPE OnClose() override { ++closed; }
 };
 
-class View : public MeterTest {
+class View : public ControlBaseTest {
 protected:
     HRESULT draw(HDC dc, DWORD aspect, const RECTL* bounds) {
         return as<IViewObject>()->Draw(aspect, -1, nullptr, nullptr, nullptr, dc, bounds, nullptr,
@@ -35,59 +36,50 @@ protected:
 };
 
 TEST_F(View, is_drawn_inside_the_given_bounds) {
-    const HDC screen = ::GetDC(nullptr), dc = ::CreateCompatibleDC(screen);
-    const HBITMAP bitmap = ::CreateCompatibleBitmap(screen, 60, 60);
-    const HGDIOBJ old = ::SelectObject(dc, bitmap);
-    ::PatBlt(dc, 0, 0, 60, 60, WHITENESS);
+    const Picture picture({60, 60});
     const RECTL bounds{10, 10, 50, 50};
-    EXPECT_EQ(S_OK, draw(dc, DVASPECT_CONTENT, &bounds));
-    EXPECT_EQ(RGB(255, 255, 255), ::GetPixel(dc, 5, 5));
-    EXPECT_EQ(RGB(0, 0, 0), ::GetPixel(dc, 12, 12));
-    EXPECT_EQ(RGB(255, 255, 255), ::GetPixel(dc, 55, 55));
-    ::SelectObject(dc, old);
-    ::DeleteObject(bitmap);
-    ::DeleteDC(dc);
-    ::ReleaseDC(nullptr, screen);
+    EXPECT_EQ(S_OK, draw(picture.dc(), DVASPECT_CONTENT, &bounds));
+    EXPECT_EQ(RGB(255, 255, 255), picture.at(5, 5));
+    EXPECT_EQ(RGB(0, 0, 0), picture.at(12, 12));
+    EXPECT_EQ(RGB(255, 255, 255), picture.at(55, 55));
 }
 
 TEST_F(View, a_drawing_without_bounds_or_context_is_refused) {
     const RECTL bounds{0, 0, 10, 10};
-    const HDC screen = ::GetDC(nullptr);
-    EXPECT_EQ(E_INVALIDARG, draw(screen, DVASPECT_CONTENT, nullptr));
+    const ScreenContext screen(::GetDC(nullptr));
+    EXPECT_EQ(E_INVALIDARG, draw(screen.get(), DVASPECT_CONTENT, nullptr));
     EXPECT_EQ(E_INVALIDARG, draw(nullptr, DVASPECT_CONTENT, &bounds));
-    EXPECT_EQ(DV_E_DVASPECT, draw(screen, DVASPECT_ICON, &bounds));
-    ::ReleaseDC(nullptr, screen);
+    EXPECT_EQ(DV_E_DVASPECT, draw(screen.get(), DVASPECT_ICON, &bounds));
 }
 
 TEST_F(View, a_drawing_that_throws_is_an_error_to_the_host_and_leaves_its_context_as_it_was) {
-    meter->throwWhenDrawn = true;
+    control->throwWhenDrawn = true;
     const RECTL bounds{0, 0, 10, 10};
-    const HDC dc = ::CreateCompatibleDC(nullptr);
-    EXPECT_EQ(E_OUTOFMEMORY, draw(dc, DVASPECT_CONTENT, &bounds));
-    EXPECT_EQ(1, ::SaveDC(dc));
-    ::DeleteDC(dc);
+    const MemoryContext dc(::CreateCompatibleDC(nullptr));
+    EXPECT_EQ(E_OUTOFMEMORY, draw(dc.get(), DVASPECT_CONTENT, &bounds));
+    EXPECT_EQ(1, ::SaveDC(dc.get()));
 }
 
-TEST_F(View, a_new_picture_is_told_to_the_view_and_data_listeners) {
+TEST_F(View, view_and_data_listeners_are_notified_of_a_new_picture) {
     ViewSink sink;
     as<IViewObject>()->SetAdvise(DVASPECT_CONTENT, 0, &sink);
     FORMATETC format{CF_ENHMETAFILE, nullptr, DVASPECT_CONTENT, -1, TYMED_ENHMF};
     DWORD connection = 0;
     EXPECT_EQ(S_OK, as<IDataObject>()->DAdvise(&format, ADVF_NODATA, &sink, &connection));
-    meter->base().pictureChanged();
+    control->base().pictureChanged();
     EXPECT_EQ(1, sink.views);
     EXPECT_EQ(1, sink.data);
     EXPECT_EQ(S_OK, as<IDataObject>()->DUnadvise(connection));
     as<IViewObject>()->SetAdvise(0, 0, nullptr);
-    meter->base().pictureChanged();
+    control->base().pictureChanged();
     EXPECT_EQ(1, sink.views);
 }
 
 TEST_F(View, an_advise_for_one_change_ends_after_it) {
     ViewSink sink;
     as<IViewObject>()->SetAdvise(DVASPECT_CONTENT, ADVF_ONLYONCE, &sink);
-    meter->base().pictureChanged();
-    meter->base().pictureChanged();
+    control->base().pictureChanged();
+    control->base().pictureChanged();
     EXPECT_EQ(1, sink.views);
 }
 
@@ -104,7 +96,7 @@ TEST_F(View, an_advise_may_ask_for_a_first_call_at_once) {
     as<IViewObject>()->SetAdvise(0, 0, nullptr);
 }
 
-TEST_F(View, closing_tells_who_was_advised) {
+TEST_F(View, closing_notifies_who_was_advised) {
     ViewSink sink;
     DWORD connection = 0;
     EXPECT_EQ(S_OK, as<IOleObject>()->Advise(&sink, &connection));
@@ -154,7 +146,7 @@ TEST_F(View, other_data_is_refused) {
 }
 
 TEST_F(View, a_metafile_whose_drawing_throws_leaves_nothing_behind) {
-    meter->throwWhenDrawn = true;
+    control->throwWhenDrawn = true;
     const auto before = ::GetGuiResources(::GetCurrentProcess(), GR_GDIOBJECTS);
     for (const CLIPFORMAT kind : {CLIPFORMAT{CF_ENHMETAFILE}, CLIPFORMAT{CF_METAFILEPICT}}) {
         FORMATETC format{kind, nullptr, DVASPECT_CONTENT, -1, TYMED_ENHMF | TYMED_MFPICT};
@@ -218,10 +210,10 @@ TEST_F(View, null_pointers_to_the_object_are_refused) {
     EXPECT_EQ(OLE_E_NOCONNECTION, object->Unadvise(77));
 }
 
-TEST_F(View, the_control_tells_its_names) {
+TEST_F(View, the_control_returns_its_names) {
     wchar_t* type = nullptr;
     EXPECT_EQ(S_OK, as<IOleObject>()->GetUserType(USERCLASSTYPE_FULL, &type));
-    EXPECT_STREQ(L"Meter", type);
+    EXPECT_STREQ(L"Test control", type);
     ::CoTaskMemFree(type);
     CLSID clsid{};
     EXPECT_EQ(S_OK, as<IOleObject>()->GetUserClassID(&clsid));

@@ -26,8 +26,9 @@ public:
     std::function<void()> onDonePlay;
 
     HiddenWindow window;
-    SubclassClient client{[this](HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
-        return static_cast<long>(player.HandleMessage(hwnd, message, wParam, lParam));
+    SubclassClient client{[this](HWND, UINT message, WPARAM, LPARAM) {
+        player.handleMessage(message);
+        return 0L;
     }};
     Player player;
 

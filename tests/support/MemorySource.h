@@ -27,7 +27,7 @@ public:
     // The counts that Read was asked for.
     std::vector<std::int32_t> asked;
     // Where set, it answers Read instead: buffer, count, count read by reference; the result.
-    std::function<std::int32_t(void*, std::int32_t, std::int32_t&)> answer;
+    std::function<std::int32_t(void*, std::int32_t, std::int32_t&)> respond;
 
     cSoundInf& Info() override { return *this; }
     std::vector<std::wstring> Extensions() override { return {L"memory"}; }
@@ -39,8 +39,8 @@ public:
 
     std::int32_t Read(void* pBuffer, std::int32_t cBytes, std::int32_t& cBytesRead) override {
         asked.push_back(cBytes);
-        if (answer)
-            return answer(pBuffer, cBytes, cBytesRead);
+        if (respond)
+            return respond(pBuffer, cBytes, cBytesRead);
         const std::size_t bytes =
             std::min(static_cast<std::size_t>(cBytes), data.size() - position);
         if (bytes > 0)

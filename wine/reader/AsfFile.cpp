@@ -1,5 +1,7 @@
 #include "AsfFile.h"
 
+#include "FileHandle.h"
+
 #include <algorithm>
 #include <cstring>
 #include <limits>
@@ -53,17 +55,8 @@ constexpr std::size_t indexEntrySize = 6;
 constexpr std::uint32_t largestMediaObject = 16 * 1024 * 1024;
 
 template <typename Object>
-bool readAt(HANDLE file, std::uint64_t position, Object& object) {
-    OVERLAPPED place{};
-    place.Offset = static_cast<DWORD>(position);
-    place.OffsetHigh = static_cast<DWORD>(position >> 32);
-    DWORD got = 0;
-    return ::ReadFile(file, &object, sizeof object, &got, &place) && got == sizeof object;
-}
-
-std::uint64_t sizeOf(HANDLE file) {
-    LARGE_INTEGER size{};
-    return ::GetFileSizeEx(file, &size) ? static_cast<std::uint64_t>(size.QuadPart) : 0;
+bool readObject(HANDLE file, std::uint64_t position, Object& object) {
+    return readAt(file, position, &object, sizeof object) == sizeof object;
 }
 
 // Takes a packet apart. Behind the end everything is 0.
@@ -87,7 +80,7 @@ public:
         return value;
     }
 
-    // A number whose length the two lowest bits tell.
+    // A number whose length is in the two lowest bits of the type.
     std::uint32_t numberOfType(unsigned type) {
         constexpr std::size_t lengths[] = {0, 1, 2, 4};
         return number(lengths[type & 3]);
@@ -141,8 +134,8 @@ void correctIndex(std::uint8_t* bytes, std::size_t size) {
     std::memcpy(&index, bytes, sizeof index);
     if (index.start.id != indexId)
         return;
-    const auto room = static_cast<std::uint32_t>((size - sizeof index) / indexEntrySize);
-    index.entries = std::min(index.entries, room);
+    const auto held = static_cast<std::uint32_t>((size - sizeof index) / indexEntrySize);
+    index.entries = std::min(index.entries, held);
     std::memcpy(bytes, &index, sizeof index);
 }
 
@@ -150,7 +143,7 @@ void correctIndex(std::uint8_t* bytes, std::size_t size) {
 
 bool AsfFile::read(HANDLE file) {
     Header header;
-    if (!readAt(file, 0, header) || header.start.id != headerId)
+    if (!readObject(file, 0, header) || header.start.id != headerId)
         return true;
     const std::uint64_t fileSize = sizeOf(file);
     if (header.start.size > fileSize)
@@ -158,11 +151,11 @@ bool AsfFile::read(HANDLE file) {
     std::uint64_t position = sizeof header;
     for (std::uint32_t left = header.objects; left > 0; --left) {
         ObjectStart object;
-        if (position + sizeof object > header.start.size || !readAt(file, position, object) ||
+        if (position + sizeof object > header.start.size || !readObject(file, position, object) ||
             object.size < sizeof object || object.size > header.start.size - position)
             return false;
         FileProperties properties;
-        if (object.id == filePropertiesId && readAt(file, position, properties)) {
+        if (object.id == filePropertiesId && readObject(file, position, properties)) {
             packetSize_ = properties.smallestPacket == properties.largestPacket
                               ? properties.largestPacket
                               : 0;
@@ -171,7 +164,7 @@ bool AsfFile::read(HANDLE file) {
         position += object.size;
     }
     Data data;
-    if (packetSize_ == 0 || !readAt(file, header.start.size, data) || data.start.id != dataId)
+    if (packetSize_ == 0 || !readObject(file, header.start.size, data) || data.start.id != dataId)
         return false;
     firstPacket_ = header.start.size + sizeof data;
     if (fileSize - firstPacket_ < packetSize_) // nothing to play

@@ -1,10 +1,10 @@
 #pragma once
 
-// What a damaged ASF file (WMA, WMV) says of itself, and GStreamer takes at its word.
+// The false statements of a damaged ASF file (WMA, WMV) that GStreamer does not survive.
 //
-// Its demuxer gives up a header that does not hold together, and Wine's reader may then wait for
-// ever for what is to come. It reserves as much memory as a payload claims for its media object,
-// and as an index claims for its entries; where there is not so much, the process is ended.
+// Its demuxer gives up on an inconsistent header, and Wine's reader may then wait for the sound for
+// ever. It also reserves as much memory as a payload states for its media object and an index for
+// its entries; if there is not so much memory, the process ends.
 
 #include <cstddef>
 #include <cstdint>
@@ -14,13 +14,13 @@ namespace corvina::wine {
 
 class AsfFile {
 public:
-    // Reads the header. False for an ASF file of which the demuxer can make nothing; a file of
-    // another kind is none of our business.
+    // Reads the header. False for an ASF file that the demuxer cannot use; true for a file of
+    // another kind.
     [[nodiscard]] bool read(HANDLE file);
     [[nodiscard]] bool isAsf() const { return firstPacket_ != 0; }
     [[nodiscard]] DWORD bitrate() const { return bitrate_; } // a second, of all streams
 
-    // Replaces the claims that cannot be true in bytes that were read at this position.
+    // Replaces the sizes that cannot be true in bytes that were read at this position.
     void correct(std::uint64_t position, std::uint8_t* bytes, std::size_t size) const;
 
 private:

@@ -3,6 +3,7 @@
 #include <asffile.h>
 #include <id3v2framefactory.h>
 #include <mpegfile.h>
+#include <taglib.h>
 #include <tfilestream.h>
 #include <tpropertymap.h>
 
@@ -99,7 +100,11 @@ std::vector<FileAttribute> readFileAttributes(TagLib::IOStream& stream) {
         if (file.isValid())
             addWindowsMedia(attributes, file);
     } else {
+#if TAGLIB_MAJOR_VERSION >= 2
+        TagLib::MPEG::File file(&stream);
+#else
         TagLib::MPEG::File file(&stream, TagLib::ID3v2::FrameFactory::instance());
+#endif
         if (file.isValid())
             addMp3(attributes, file);
     }

@@ -1,7 +1,7 @@
 #pragma once
 
-// A file header that hands every call on to another one, except those that the derived class
-// answers itself.
+// A file header that passes every call on to another one, except those that the derived class
+// implements itself.
 
 #include <windows.h>
 

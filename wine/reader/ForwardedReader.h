@@ -1,7 +1,7 @@
 #pragma once
 
-// A synchronous reader that hands every call on to another one, except those that the derived class
-// answers itself.
+// A synchronous reader that passes every call on to another one, except those that the derived
+// class implements itself.
 
 #include <windows.h>
 

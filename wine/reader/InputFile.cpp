@@ -1,7 +1,11 @@
 #include "InputFile.h"
 
+#include "MpegStart.h"
+
 #include <new>
 #include <nserror.h>
+#include <optional>
+#include <utility>
 
 namespace corvina::wine {
 namespace {
@@ -24,31 +28,37 @@ private:
 } // namespace
 
 HRESULT InputFile::open(const WCHAR* fileName, InputFile** stream) {
-    const HANDLE file = ::CreateFileW(fileName, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE,
-                                      nullptr, OPEN_EXISTING, 0, nullptr);
-    if (file == INVALID_HANDLE_VALUE)
+    FileHandle file(::CreateFileW(fileName, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE,
+                                  nullptr, OPEN_EXISTING, 0, nullptr));
+    if (!file)
         return lastError();
     AsfFile asf;
-    const bool usable = asf.read(file);
-    ::SetFilePointer(file, 0, nullptr, FILE_BEGIN);
-    *stream = usable ? new (std::nothrow) InputFile(file, asf) : nullptr;
-    if (*stream)
-        return S_OK;
-    ::CloseHandle(file);
-    return usable ? E_OUTOFMEMORY : NS_E_INVALID_INPUT_FORMAT;
+    if (!asf.read(file.get()))
+        return NS_E_INVALID_INPUT_FORMAT;
+    *stream = new (std::nothrow) InputFile(std::move(file), asf);
+    return *stream ? S_OK : E_OUTOFMEMORY;
 }
 
-InputFile::~InputFile() {
-    if (file_ != INVALID_HANDLE_VALUE)
-        ::CloseHandle(file_);
+InputFile::InputFile(FileHandle file, const AsfFile& asf) noexcept
+    : file_(std::move(file)), asf_(asf) {
+    if (asf_.isAsf())
+        return;
+    if (const std::optional<MpegStart> found = findMpegStart(file_.get())) {
+        mpegAudio_ = true;
+        start_ = found->usual ? 0 : found->firstFrame;
+    }
 }
 
 void InputFile::closeFile() {
     if (!::TryAcquireSRWLockExclusive(&lock_))
         return;
-    ::CloseHandle(file_);
-    file_ = INVALID_HANDLE_VALUE;
+    file_.reset();
     ::ReleaseSRWLockExclusive(&lock_);
+}
+
+std::uint64_t InputFile::size() const {
+    const std::uint64_t whole = sizeOf(file_.get());
+    return whole > start_ ? whole - start_ : 0;
 }
 
 HRESULT InputFile::QueryInterface(REFIID iid, void** result) {
@@ -72,12 +82,11 @@ ULONG InputFile::Release() {
 
 HRESULT InputFile::Read(void* buffer, ULONG bytes, ULONG* got) {
     const Locked locked(lock_);
-    DWORD count = 0;
-    const bool read = ::ReadFile(file_, buffer, bytes, &count, nullptr) != 0;
+    if (!file_)
+        return STG_E_REVERTED;
+    const DWORD count = readAt(file_.get(), start_ + position_, buffer, bytes);
     if (got)
         *got = count;
-    if (!read)
-        return lastError();
     asf_.correct(position_, static_cast<std::uint8_t*>(buffer), count);
     position_ += count;
     return bytes > 0 && count == 0 ? HRESULT_FROM_WIN32(ERROR_HANDLE_EOF) : S_OK;
@@ -85,11 +94,17 @@ HRESULT InputFile::Read(void* buffer, ULONG bytes, ULONG* got) {
 
 HRESULT InputFile::Seek(LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER* at) {
     const Locked locked(lock_);
-    LARGE_INTEGER now{};
-    // The numbers of the three origins are the same for files and streams.
-    if (!::SetFilePointerEx(file_, move, &now, origin))
-        return lastError();
-    position_ = static_cast<std::uint64_t>(now.QuadPart);
+    std::uint64_t from = 0;
+    if (origin == STREAM_SEEK_CUR)
+        from = position_;
+    else if (origin == STREAM_SEEK_END)
+        from = size();
+    else if (origin != STREAM_SEEK_SET)
+        return STG_E_INVALIDFUNCTION;
+    const std::uint64_t target = from + static_cast<std::uint64_t>(move.QuadPart);
+    if (!file_ || static_cast<std::int64_t>(target) < 0)
+        return STG_E_INVALIDFUNCTION;
+    position_ = target;
     if (at)
         at->QuadPart = position_;
     return S_OK;
@@ -101,10 +116,9 @@ HRESULT InputFile::Stat(STATSTG* status, DWORD) {
     *status = {};
     status->type = STGTY_STREAM;
     const Locked locked(lock_);
-    LARGE_INTEGER size{};
-    if (!::GetFileSizeEx(file_, &size))
-        return lastError();
-    status->cbSize.QuadPart = static_cast<ULONGLONG>(size.QuadPart);
+    if (!file_)
+        return STG_E_REVERTED;
+    status->cbSize.QuadPart = size();
     return S_OK;
 }
 

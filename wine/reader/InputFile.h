@@ -1,10 +1,12 @@
 #pragma once
 
 // A file as the stream that Wine's reader reads. At the end of the file a read fails: Wine's reader
-// would repeat one that succeeds with nothing for ever. What a damaged file claims falsely is
-// corrected on the way.
+// would repeat one that succeeds with nothing for ever. False sizes in a damaged ASF file are
+// corrected on the way. MPEG audio that GStreamer would not find behind what is in front of it
+// begins the stream.
 
 #include "AsfFile.h"
+#include "FileHandle.h"
 
 #include <atomic>
 #include <objidl.h>
@@ -18,8 +20,9 @@ public:
     [[nodiscard]] static HRESULT open(const WCHAR* fileName, InputFile** stream);
 
     [[nodiscard]] const AsfFile& asf() const { return asf_; }
+    [[nodiscard]] bool isMpegAudio() const { return mpegAudio_; }
 
-    // Takes the file from a reader that hangs: it is closed, unless a read is under way, and from
+    // Takes the file from a reader that hangs. It is closed, unless a read is under way, and from
     // now on every call fails.
     void closeFile();
 
@@ -49,13 +52,17 @@ public:
     HRESULT STDMETHODCALLTYPE Clone(IStream**) override { return E_NOTIMPL; }
 
 private:
-    InputFile(HANDLE file, const AsfFile& asf) noexcept : file_(file), asf_(asf) {}
-    ~InputFile();
+    InputFile(FileHandle file, const AsfFile& asf) noexcept;
+    ~InputFile() = default;
+
+    [[nodiscard]] std::uint64_t size() const;
 
     SRWLOCK lock_ = SRWLOCK_INIT; // the reader reads on a thread of its own
-    HANDLE file_;
-    std::uint64_t position_ = 0;
+    FileHandle file_;
+    std::uint64_t position_ = 0; // in the stream
+    std::uint64_t start_ = 0;    // of the stream in the file
     AsfFile asf_;
+    bool mpegAudio_ = false;
     std::atomic<ULONG> references_{1};
 };
 

@@ -52,7 +52,7 @@ HRESULT onceFormatIsKnown(HRESULT failure, Call call) {
     return result;
 }
 
-// Tells the length where there is no buffer, and copies where the buffer is large enough.
+// Returns the length if there is no buffer, and copies if the buffer is large enough.
 template <typename Length, typename Element>
 bool handOut(const Element* from, std::size_t count, Element* buffer, Length* length) {
     const bool fits = *length >= count;
@@ -145,7 +145,7 @@ HRESULT SyncReader::Open(const WCHAR* fileName) {
         return opened;
     // Wine's reader takes whatever GStreamer knows, Windows' only these two; and of some others
     // Wine's never comes to an end, or ends the process.
-    const bool known = file->asf().isAsf() || startsAsMpegAudio(fileName);
+    const bool known = file->asf().isAsf() || file->isMpegAudio() || startsAsMpegAudio(fileName);
     const HRESULT result =
         known ? openStream(file, fileName, file->asf().bitrate()) : NS_E_UNRECOGNIZED_STREAM_TYPE;
     if (result == openedInVain)
@@ -161,7 +161,7 @@ HRESULT SyncReader::OpenStream(IStream* stream) {
 HRESULT SyncReader::openStream(IStream* stream, const WCHAR* fileName, DWORD asfBitrate) {
     const HRESULT result = openWithin(openLimit(), *ForwardedReader::inner_, *stream);
     if (result == openedInVain) {
-        // Nothing of a reader that hangs may be called or released. Where there is no new one it
+        // A reader that hangs may be neither called nor released. If no new one can be made it
         // stays, and the next open is in vain as well.
         wineReader_ = nullptr;
         (void)aggregate();

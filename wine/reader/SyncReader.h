@@ -49,14 +49,14 @@ private:
     ~SyncReader();
 
     [[nodiscard]] HRESULT aggregate();
-    // fileName: where the stream's bytes are from; null where nobody knows. asfBitrate: what an ASF
-    // file says of itself; 0 for another.
+    // fileName: the file that the stream's bytes are from; null if unknown. asfBitrate: the bitrate
+    // in an ASF file's header; 0 for another file.
     [[nodiscard]] HRESULT openStream(IStream* stream, const WCHAR* fileName, DWORD asfBitrate);
     void addReaderAttribute(const wchar_t* name, WMT_ATTR_DATATYPE type);
     void listAttributes(const WCHAR* fileName, DWORD asfBitrate);
 
-    // The aggregated object's own IUnknown, which keeps it alive. Null where it had to be left
-    // behind and there is no other.
+    // The aggregated object's own IUnknown, which keeps it alive. Null if it had to be left behind
+    // and there is no other.
     IUnknown* wineReader_ = nullptr;
     std::atomic<ULONG> references_{1};
     bool open_ = false;

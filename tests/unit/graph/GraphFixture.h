@@ -19,8 +19,7 @@ protected:
     void resize(SIZE size) {
         size_ = size;
         ASSERT_TRUE(canvas_.resize(size));
-        canvas_.BackColor(white);
-        canvas_.Cls();
+        canvas_.clear(white);
     }
     void take(std::vector<std::int16_t> samples) {
         samples.resize(512);

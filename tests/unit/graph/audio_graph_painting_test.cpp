@@ -1,5 +1,4 @@
-// The graph painted at other sizes, into other frames and into a metafile; where a bar
-// stands.
+// The graph painted at other sizes, into other frames and into a metafile, and the place of a bar.
 
 #include "GraphFixture.h"
 #include "graph/Painting.h"
@@ -62,8 +61,7 @@ TEST_F(Graph, a_metafile_played_back_shows_the_same_picture) {
             EXPECT_LT(header.nBytes, 60000U);
             Surface played;
             ASSERT_TRUE(played.resize(size_));
-            played.BackColor(white);
-            played.Cls();
+            played.clear(white);
             ::EnumEnhMetaFile(nullptr, metafile, &playRecord, played.dc(), nullptr);
             ::DeleteEnhMetaFile(metafile);
             int different = 0;
@@ -108,8 +106,7 @@ TEST_F(Graph, nothing_is_drawn_outside_the_frame) {
     display();
     Surface paper;
     ASSERT_TRUE(paper.resize({600, 400}));
-    paper.BackColor(white);
-    paper.Cls();
+    paper.clear(white);
     graph_.paint(paper.dc(), {100, 100, 300, 200}, size_);
     for (int y = 0; y < 400; ++y)
         for (int x = 0; x < 600; ++x)

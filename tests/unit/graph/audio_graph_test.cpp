@@ -1,4 +1,4 @@
-// What the graph shows: bars, waveform, colours, border, and the level it tells.
+// What the graph shows: bars, waveform, colours, border, and the level it reports.
 
 #include "GraphFixture.h"
 

@@ -14,8 +14,8 @@ namespace corvina::test {
 
 inline constexpr std::int32_t handle = 0x5F11E;
 
-// What the stand-in answers.
-struct SndAnswers {
+// What the stand-in results.
+struct SndResults {
     std::int32_t open = handle;
     SndfileInfo info{1000, 0, 1000, 2, 0x030002, 1, 1, 0};
     std::int32_t end = 1000;    // sf_seek to the end
@@ -26,7 +26,7 @@ struct SndAnswers {
 class SndCalls : public testing::Test {
 protected:
     SndCalls() {
-        answers = {};
+        results = {};
         libraries.add("libsndfile.dll", {{"sf_open", standIn(&sfOpen)},
                                          {"sf_seek", standIn(&sfSeek)},
                                          {"sf_read_short", standIn(&sfReadShort)},
@@ -44,7 +44,7 @@ protected:
         return source.SeekTo(value, mode);
     }
 
-    static inline SndAnswers answers;
+    static inline SndResults results;
     static inline std::string openedPath;
     StandIns libraries;
 
@@ -52,19 +52,19 @@ private:
     static std::int32_t __cdecl sfOpen(const char* path, std::int32_t mode, SndfileInfo* info) {
         openedPath = path;
         StandIns::record("sf_open", {mode});
-        if (answers.open != 0)
-            *info = answers.info;
-        return answers.open;
+        if (results.open != 0)
+            *info = results.info;
+        return results.open;
     }
     static std::int32_t __cdecl sfSeek(std::int32_t file, std::int32_t low, std::int32_t high,
                                        std::int32_t whence) {
         StandIns::record("sf_seek", {file, low, high, whence});
-        return whence == 2 ? answers.end : whence == 1 ? answers.current : low;
+        return whence == 2 ? results.end : whence == 1 ? results.current : low;
     }
     static std::int32_t __cdecl sfReadShort(std::int32_t file, std::int32_t buffer,
                                             std::int32_t low, std::int32_t high) {
         StandIns::record("sf_read_short", {file, buffer, low, high});
-        return answers.readItems;
+        return results.readItems;
     }
     static std::int32_t __cdecl sfClose(std::int32_t file) {
         StandIns::record("sf_close", {file});

@@ -1,6 +1,6 @@
 // What the converter makes of libsndfile's files, with every block of memory guarded.
 //
-// The source hands out 16-bit samples under a record that tells the file's own width, and the
+// The source hands out 16-bit samples under a record that states the file's own width, and the
 // converter goes by the record. So only files of 16 bits come out as they sound.
 
 #include "sources/DecSND.h"
@@ -46,7 +46,7 @@ Bytes converted(cSoundSTRM& source, bool force16Bit = false) {
 
 struct File {
     const wchar_t* name;
-    int bits;          // that its record tells
+    int bits;          // that its record states
     std::size_t bytes; // that come out
 };
 
@@ -115,7 +115,7 @@ TEST_F(ConvertedSnd, a_stereo_file_of_24_bits_may_end_early) {
     EXPECT_TRUE(std::equal(heard.begin(), heard.end(), whole.begin()));
 }
 
-// Their record tells 4 bits, of which one channel has blocks of 0 bytes.
+// Their record states 4 bits, of which one channel has blocks of 0 bytes.
 TEST_F(ConvertedSnd, compressed_files_are_decoded_but_not_converted) {
     for (const wchar_t* name : {L"mulaw.au", L"tune.vox"}) {
         ASSERT_EQ(source_.OpenSource(mediaFile(name)), 0);

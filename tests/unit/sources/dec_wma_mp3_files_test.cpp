@@ -105,7 +105,7 @@ TEST(WindowsMediaFiles, mp3_is_byte_for_byte_what_the_bare_reader_decodes) {
     EXPECT_TRUE(readToEnd(source, 8000).bytes == bare.rest());
 }
 
-// The reader is asked for the next block of any stream, and nobody tells pictures from sound.
+// The reader is asked for the next block of any stream, and pictures are not told apart from sound.
 TEST(WindowsMediaFiles, the_pictures_of_a_wmv_file_come_as_well) {
     DecWMAMP3 source(recordingApi);
     handedOut.clear();
@@ -144,7 +144,7 @@ TEST_P(WindowsMediaFile, its_tags_show) {
     EXPECT_THAT(tags, Contains(Pair(L"comment", L"made at test time")));
 }
 
-// The exact duration as the reader tells it.
+// The exact duration as the reader reports it.
 QWORD durationOf(const BareReader& bare) {
     const ComPtr<IWMHeaderInfo> header(
         ComPtr<IWMSyncReader>(&bare.reader()).query<IWMHeaderInfo>());
@@ -203,7 +203,7 @@ TEST_P(WindowsMediaFile, two_sources_play_it_at_once) {
     expectSameSound(readToEnd(one, 8000).bytes, readToEnd(other, 5000).bytes);
 }
 
-TEST(WindowsMediaFiles, a_file_that_does_not_exist_answers_1) {
+TEST(WindowsMediaFiles, a_file_that_does_not_exist_returns_1) {
     DecWMAMP3 source;
     EXPECT_EQ(source.OpenSource(mediaFile(L"none.mp3")), 1);
     EXPECT_EQ(source.OpenSource(L""), 1);

@@ -28,7 +28,6 @@ TEST_F(FileAccessTest, an_opened_record_knows_its_path_and_reads_from_the_start)
     EXPECT_EQ(access_.read(file, bytes.data(), 3), 3);
     EXPECT_EQ(bytes, (Bytes{1, 2, 3}));
     EXPECT_EQ(access_.position(file), 3);
-    access_.close(file);
 }
 
 TEST_F(FileAccessTest, a_record_of_a_missing_file_is_closed_and_keeps_the_path) {
@@ -43,7 +42,6 @@ TEST_F(FileAccessTest, positions_count_from_the_beginning_or_from_the_current_on
     EXPECT_EQ(access_.setPosition(file, 7, MoveMethod::fromCurrent), 47);
     EXPECT_EQ(access_.setPosition(file, -10, MoveMethod::fromCurrent), 37);
     EXPECT_EQ(access_.position(file), 37);
-    access_.close(file);
 }
 
 TEST_F(FileAccessTest, a_read_at_the_end_delivers_what_is_left_and_then_nothing) {
@@ -51,7 +49,6 @@ TEST_F(FileAccessTest, a_read_at_the_end_delivers_what_is_left_and_then_nothing)
     Bytes bytes(16);
     EXPECT_EQ(access_.read(file, bytes.data(), 16), 10);
     EXPECT_EQ(access_.read(file, bytes.data(), 16), 0);
-    access_.close(file);
 }
 
 TEST_F(FileAccessTest, a_closed_record_reads_nothing_without_calling_the_platform) {
@@ -66,7 +63,6 @@ TEST_F(FileAccessTest, a_failed_read_is_minus_one) {
     fileFaults.arm("ReadFile", 1);
     EXPECT_EQ(access_.read(file, bytes.data(), 4), -1);
     EXPECT_EQ(access_.read(file, bytes.data(), 4), 4);
-    access_.close(file);
 }
 
 TEST_F(FileAccessTest, a_negative_count_is_refused_instead_of_read_as_four_gigabytes) {
@@ -74,23 +70,36 @@ TEST_F(FileAccessTest, a_negative_count_is_refused_instead_of_read_as_four_gigab
     Bytes bytes(4);
     EXPECT_EQ(access_.read(file, bytes.data(), -1), -1);
     EXPECT_EQ(access_.read(file, bytes.data(), std::numeric_limits<std::int32_t>::min()), -1);
-    access_.close(file);
 }
 
 TEST_F(FileAccessTest, a_null_destination_is_a_failed_read) {
     FileRecord file = access_.openForReading(folder_.write(L"a.bin", noise(10)));
     EXPECT_EQ(access_.read(file, nullptr, 4), -1);
-    access_.close(file);
 }
 
 TEST_F(FileAccessTest, closing_clears_the_record_and_twice_is_harmless) {
     FileRecord file = access_.openForReading(folder_.write(L"a.bin", noise(10)));
-    access_.close(file);
+    file.close();
     EXPECT_FALSE(file.isOpen());
-    EXPECT_EQ(file.handle, INVALID_HANDLE_VALUE);
+    EXPECT_EQ(file.handle.get(), INVALID_HANDLE_VALUE);
     EXPECT_TRUE(file.path.empty());
-    access_.close(file);
+    file.close();
     EXPECT_EQ(fileFaults.calls("CloseHandle"), 1);
+}
+
+TEST_F(FileAccessTest, a_record_closes_its_file_at_its_end_once) {
+    const std::wstring path = folder_.write(L"a.bin", noise(10));
+    {
+        FileRecord first = access_.openForReading(path);
+        FileRecord second = access_.openForReading(path);
+        EXPECT_EQ(openFiles, 2);
+        second = std::move(first);
+        EXPECT_EQ(openFiles, 1);
+        EXPECT_FALSE(first.isOpen());
+        EXPECT_TRUE(second.isOpen());
+    }
+    EXPECT_EQ(openFiles, 0);
+    EXPECT_EQ(fileFaults.calls("CloseHandle"), 2);
 }
 
 TEST_F(FileAccessTest, a_file_exists_as_long_as_it_can_be_opened_for_reading) {

@@ -1,0 +1,60 @@
+#pragma once
+
+// The smallest program that plays a WAV file of CD quality: eight buffers of 8000 bytes, refilled
+// with ReadFile when the device's window messages return them. The player is measured against it.
+
+#include "platform/UniqueHandle.h"
+#include "support/HiddenWindow.h"
+
+#include <array>
+#include <chrono>
+#include <string>
+#include <windows.h>
+
+#include <mmsystem.h>
+
+namespace corvina::bench {
+
+using Moment = std::chrono::steady_clock::time_point;
+
+class MinimalWavPlayer {
+public:
+    MinimalWavPlayer();
+    MinimalWavPlayer(const MinimalWavPlayer&) = delete;
+    MinimalWavPlayer& operator=(const MinimalWavPlayer&) = delete;
+    ~MinimalWavPlayer();
+
+    // Opens the file and the device and queues all eight buffers.
+    void start(const std::wstring& path);
+    // Closes the device and the file.
+    void stop();
+    // True when everything has been played.
+    [[nodiscard]] bool done() const noexcept { return queued_ == 0; }
+    // When the first buffer of this start was handed to the device.
+    [[nodiscard]] Moment firstWrite() const noexcept { return firstWrite_; }
+
+private:
+    struct Slot {
+        WAVEHDR header;
+        std::array<char, 8000> data;
+    };
+
+    struct FileTraits {
+        using Handle = HANDLE;
+        static constexpr Handle none = nullptr;
+        static void close(Handle file) noexcept { ::CloseHandle(file); }
+    };
+    using File = UniqueHandle<FileTraits>;
+
+    static LRESULT CALLBACK windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    void refill(WAVEHDR& header);
+
+    test::HiddenWindow window_;
+    File file_;
+    HWAVEOUT device_ = nullptr;
+    std::array<Slot, 8> slots_{};
+    int queued_ = 0;
+    Moment firstWrite_;
+};
+
+} // namespace corvina::bench

@@ -1,0 +1,21 @@
+# cmake -DFOLDER=... -DMODULES=a|b|c -DALLOWED=a|b -DSTAMP=... -P CheckIncludes.cmake
+# Fails if a source below FOLDER includes from one of the MODULES that is not ALLOWED.
+cmake_minimum_required(VERSION 3.23)
+
+string(REPLACE "|" ";" ALLOWED "${ALLOWED}")
+set(wrong "")
+file(GLOB_RECURSE files "${FOLDER}/*.h" "${FOLDER}/*.cpp")
+foreach(file IN LISTS files)
+  file(STRINGS "${file}" includes REGEX "^#include \"(${MODULES})/")
+  foreach(include IN LISTS includes)
+    string(REGEX REPLACE "^#include \"([^/]+)/.*" "\\1" module "${include}")
+    if(NOT module IN_LIST ALLOWED)
+      string(APPEND wrong "\n${file}: ${include}")
+    endif()
+  endforeach()
+endforeach()
+if(wrong)
+  list(JOIN ALLOWED ", " ALLOWED)
+  message(FATAL_ERROR "Includes from modules that CMakeLists.txt does not name as used (allowed: ${ALLOWED}):${wrong}")
+endif()
+file(TOUCH "${STAMP}")

@@ -1,0 +1,199 @@
+// The graph control kept and loaded again: property bag, stream, storage.
+
+#include "GraphControlFixture.h"
+#include "PersistenceDoubles.h"
+#include "PropertySink.h"
+
+#include <vector>
+
+using namespace corvina;
+using namespace corvina::test;
+
+namespace {
+
+void changeEverything(_cAudioGraph& graph) {
+    graph.put_GraphStyle(AMPLITUDE_STYLE);
+    graph.put_Bands(20);
+    graph.put_BandsSpace(4);
+    graph.put_BandsWidth(7);
+    graph.put_BackgroundColor(0x80000005);
+    graph.put_AmplitudeColor(red);
+    graph.put_FreqColor(blue);
+    graph.put_BorderStyle(StyleFixed);
+}
+
+// The same as a property bag holds it.
+const std::pair<const wchar_t*, long> everythingChanged[] = {
+    {L"GraphStyle", AMPLITUDE_STYLE},
+    {L"Bands", 20},
+    {L"BandsSpace", 4},
+    {L"BandsWidth", 7},
+    {L"BackgroundColor", static_cast<long>(0x80000005)},
+    {L"AmplitudeColor", static_cast<long>(red)},
+    {L"FreqColor", static_cast<long>(blue)},
+    {L"BorderStyle", StyleFixed}};
+
+void expectEverythingChanged(_cAudioGraph& graph) {
+    AudioGraphStyle style{};
+    BorderStyle border{};
+    long bands = 0, space = 0, width = 0;
+    OLE_COLOR background = 0, amplitude = 0, frequency = 0;
+    graph.get_GraphStyle(&style);
+    graph.get_Bands(&bands);
+    graph.get_BandsSpace(&space);
+    graph.get_BandsWidth(&width);
+    graph.get_BackgroundColor(&background);
+    graph.get_AmplitudeColor(&amplitude);
+    graph.get_FreqColor(&frequency);
+    graph.get_BorderStyle(&border);
+    EXPECT_EQ(AMPLITUDE_STYLE, style);
+    EXPECT_EQ(20, bands);
+    EXPECT_EQ(4, space);
+    EXPECT_EQ(7, width);
+    EXPECT_EQ(0x80000005U, background);
+    EXPECT_EQ(red, amplitude);
+    EXPECT_EQ(blue, frequency);
+    EXPECT_EQ(StyleFixed, border);
+}
+
+TEST_F(GraphControl, a_property_bag_gets_every_value_under_its_name) {
+    changeEverything(*graph.get());
+    for (const BOOL everything : {FALSE, TRUE}) {
+        MemoryPropertyBag bag;
+        ASSERT_EQ(S_OK, as<IPersistPropertyBag>()->Save(&bag, TRUE, everything));
+        for (const auto& [name, value] : everythingChanged) {
+            ASSERT_TRUE(bag.has(name)) << name;
+            EXPECT_EQ(value, V_I4(&bag.values.at(name))) << name;
+        }
+    }
+}
+
+TEST_F(GraphControl, each_property_is_loaded_by_its_name) {
+    MemoryPropertyBag bag;
+    for (const auto& [name, value] : everythingChanged)
+        bag.put(name, Variant(value));
+    ASSERT_EQ(S_OK, as<IPersistPropertyBag>()->Load(&bag, nullptr));
+    expectEverythingChanged(*graph.get());
+}
+
+TEST_F(GraphControl, listeners_are_notified_of_each_property_change_by_its_number) {
+    PropertySink sink;
+    ComPtr<IConnectionPoint> point;
+    ASSERT_EQ(S_OK, as<IConnectionPointContainer>()->FindConnectionPoint(IID_IPropertyNotifySink,
+                                                                         point.put()));
+    ASSERT_EQ(S_OK, sink.connect(point));
+    changeEverything(*graph.get());
+    std::vector<DISPID> numbers;
+    for (const auto& [name, value] : everythingChanged) {
+        auto* text = const_cast<wchar_t*>(name);
+        ASSERT_EQ(S_OK, graph->GetIDsOfNames(IID_NULL, &text, 1, LOCALE_USER_DEFAULT,
+                                             &numbers.emplace_back()));
+    }
+    EXPECT_EQ((std::vector<DISPID>{1, 2, 3, 4, 5, 6, 7, 8}), numbers);
+    EXPECT_EQ(numbers, sink.received);
+}
+
+TEST_F(GraphControl, a_bag_without_a_name_brings_the_default) {
+    MemoryPropertyBag bag;
+    bag.put(L"Bands", Variant(12L));
+    changeEverything(*graph.get());
+    ASSERT_EQ(S_OK, as<IPersistPropertyBag>()->Load(&bag, nullptr));
+    long bands = 0, width = 0;
+    graph->get_Bands(&bands);
+    graph->get_BandsWidth(&width);
+    EXPECT_EQ(12, bands);
+    EXPECT_EQ(3, width);
+}
+
+TEST_F(GraphControl, foreign_values_in_a_bag_are_replaced_by_the_defaults) {
+    MemoryPropertyBag bag;
+    bag.put(L"GraphStyle", Variant(9L));
+    bag.put(L"BorderStyle", Variant(-2L));
+    bag.put(L"Bands", Variant(L"many"));
+    ASSERT_EQ(S_OK, as<IPersistPropertyBag>()->Load(&bag, nullptr));
+    AudioGraphStyle style{};
+    BorderStyle border = StyleFixed;
+    long bands = 0;
+    graph->get_GraphStyle(&style);
+    graph->get_BorderStyle(&border);
+    graph->get_Bands(&bands);
+    EXPECT_EQ(FREQUENCY_STYLE, style);
+    EXPECT_EQ(StyleNone, border);
+    EXPECT_EQ(50, bands);
+}
+
+TEST_F(GraphControl, a_system_colour_in_a_bag_may_be_an_unsigned_number_or_its_text) {
+    Variant number;
+    V_VT(&number) = VT_UI4;
+    V_UI4(&number) = 0x80000005;
+    MemoryPropertyBag bag;
+    bag.put(L"BackgroundColor", number);
+    bag.put(L"FreqColor", Variant(L"2147483653"));
+    bag.put(L"AmplitudeColor", Variant(L"-2147483643"));
+    ASSERT_EQ(S_OK, as<IPersistPropertyBag>()->Load(&bag, nullptr));
+    OLE_COLOR background = 0, frequency = 0, amplitude = 0;
+    graph->get_BackgroundColor(&background);
+    graph->get_FreqColor(&frequency);
+    graph->get_AmplitudeColor(&amplitude);
+    EXPECT_EQ(0x80000005U, background);
+    EXPECT_EQ(0x80000005U, frequency);
+    EXPECT_EQ(0x80000005U, amplitude);
+}
+
+TEST_F(GraphControl, a_number_of_more_than_32_bits_in_a_bag_is_replaced_by_the_default) {
+    MemoryPropertyBag bag;
+    bag.put(L"Bands", Variant(L"4294967296"));
+    ASSERT_EQ(S_OK, as<IPersistPropertyBag>()->Load(&bag, nullptr));
+    long bands = 0;
+    graph->get_Bands(&bands);
+    EXPECT_EQ(50, bands);
+}
+
+TEST_F(GraphControl, a_stream_keeps_everything) {
+    const auto stream = memoryStream();
+    changeEverything(*graph.get());
+    ASSERT_EQ(S_OK, as<IPersistStreamInit>()->Save(stream.get(), TRUE));
+    rewind(stream);
+    const auto other = create<_cAudioGraph>(CLSID_cAudioGraph);
+    ASSERT_EQ(S_OK, other.query<IPersistStreamInit>()->Load(stream.get()));
+    expectEverythingChanged(*other.get());
+}
+
+TEST_F(GraphControl, a_storage_keeps_everything) {
+    const auto storage = memoryStorage();
+    changeEverything(*graph.get());
+    ASSERT_EQ(S_OK, as<IPersistStorage>()->Save(storage.get(), FALSE));
+    const auto other = create<_cAudioGraph>(CLSID_cAudioGraph);
+    ASSERT_EQ(S_OK, other.query<IPersistStorage>()->Load(storage.get()));
+    expectEverythingChanged(*other.get());
+}
+
+TEST_F(GraphControl, every_shortened_stream_is_refused_or_leaves_the_rest_at_the_defaults) {
+    const auto stream = memoryStream();
+    changeEverything(*graph.get());
+    as<IPersistStreamInit>()->Save(stream.get(), TRUE);
+    std::vector<char> bytes(200);
+    rewind(stream);
+    ULONG length = 0;
+    stream->Read(bytes.data(), 200, &length);
+    for (ULONG kept = 0; kept < length; ++kept) {
+        const auto shortened = memoryStream();
+        shortened->Write(bytes.data(), kept, nullptr);
+        rewind(shortened);
+        const auto other = create<_cAudioGraph>(CLSID_cAudioGraph);
+        EXPECT_TRUE(FAILED(other.query<IPersistStreamInit>()->Load(shortened.get()))) << kept;
+        long bands = 0;
+        other->get_Bands(&bands);
+        EXPECT_EQ(50, bands) << kept;
+        EXPECT_EQ(S_OK, other->Display());
+    }
+}
+
+TEST_F(GraphControl, a_loaded_graph_shows_its_own_background) {
+    MemoryPropertyBag bag;
+    bag.put(L"BackgroundColor", Variant(static_cast<long>(blue)));
+    ASSERT_EQ(S_OK, as<IPersistPropertyBag>()->Load(&bag, nullptr));
+    EXPECT_EQ(200 * 100, drawn({200, 100}).count(blue));
+}
+
+} // namespace
