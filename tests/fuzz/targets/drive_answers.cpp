@@ -17,7 +17,7 @@ using test::DriveRequest;
 using test::FakeDrives;
 
 // Most requests succeed, so that an input of zeros goes a long way.
-bool answerFrom(Taker& input, const DriveRequest& request) {
+bool respondFrom(Taker& input, const DriveRequest& request) {
     const bool refused = input.byte() == 0xEE;
     void* to = request.output;
     std::size_t bytes = request.outputBytes;
@@ -79,7 +79,7 @@ void useDrives(std::span<const std::uint8_t> bytes) {
         machine.addCdRom('E');
     if (choice & 2)
         machine.refuseWrite = {'D', 'E'}; // not by pass-through
-    machine.answer = [&input](const DriveRequest& request) { return answerFrom(input, request); };
+    machine.respond = [&input](const DriveRequest& request) { return respondFrom(input, request); };
     {
         cdManager manager(systemCdBackends(FakeDrives::devices(), FakeDrives::files()));
         if (!manager.InitManager())
