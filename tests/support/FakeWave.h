@@ -25,6 +25,7 @@ struct FakeWave {
     // Every device gets the handle of the one before, as Wine's do.
     static constexpr std::uintptr_t handle = 0x8001;
     UINT device = 0;
+    DWORD_PTR instance = 0;
     DWORD flags = 0;
     WAVEFORMATEX format{};
     std::deque<WAVEHDR*> queued;
@@ -80,7 +81,7 @@ inline FakeWave fakeWave;
 namespace fake {
 
 inline MMRESULT WINAPI waveOutOpen(LPHWAVEOUT result, UINT device, LPCWAVEFORMATEX format,
-                                   DWORD_PTR callback, DWORD_PTR, DWORD flags) {
+                                   DWORD_PTR callback, DWORD_PTR instance, DWORD flags) {
     fakeWave.note("Open");
     if (fakeWave.faults.strikes("waveOutOpen"))
         return fakeWave.failure();
@@ -90,6 +91,7 @@ inline MMRESULT WINAPI waveOutOpen(LPHWAVEOUT result, UINT device, LPCWAVEFORMAT
     fakeWave.paused = false;
     fakeWave.window = reinterpret_cast<HWND>(callback);
     fakeWave.device = device;
+    fakeWave.instance = instance;
     fakeWave.flags = flags;
     fakeWave.format = *format;
     fakeWave.prepared.clear();

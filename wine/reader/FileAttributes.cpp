@@ -81,14 +81,20 @@ FileAttribute textAttribute(const wchar_t* name, const std::wstring& text) {
 
 bool isMpegAudio(const std::wstring& path) {
     TagLib::FileStream stream(path.c_str(), readOnly);
-    return stream.isOpen() && TagLib::MPEG::File::isSupported(&stream);
+    return stream.isOpen() && isMpegAudio(stream);
+}
+
+bool isMpegAudio(TagLib::IOStream& stream) {
+    return TagLib::MPEG::File::isSupported(&stream);
 }
 
 std::vector<FileAttribute> readFileAttributes(const std::wstring& path) {
-    Attributes attributes;
     TagLib::FileStream stream(path.c_str(), readOnly);
-    if (!stream.isOpen())
-        return attributes;
+    return stream.isOpen() ? readFileAttributes(stream) : Attributes{};
+}
+
+std::vector<FileAttribute> readFileAttributes(TagLib::IOStream& stream) {
+    Attributes attributes;
     if (TagLib::ASF::File::isSupported(&stream)) {
         TagLib::ASF::File file(&stream);
         if (file.isValid())

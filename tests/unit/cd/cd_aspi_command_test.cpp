@@ -6,6 +6,7 @@
 #include "support/Limits.h"
 
 #include <cstring>
+#include <string>
 
 namespace corvina::test {
 namespace {
@@ -26,6 +27,25 @@ TEST_F(AspiBackend, fills_every_field_of_a_request_block) {
     const std::uint8_t bytes[] = {0xBE, 0, 0, 0, 1, 0x2C, 0, 0, 4, 0xF8, 0, 0};
     std::copy(std::begin(bytes), std::end(bytes), expected.CDBByte);
     EXPECT_EQ(std::memcmp(&onlyCommand(), &expected, sizeof(expected)), 0);
+}
+
+TEST_F(AspiBackend, every_command_takes_data_in_and_14_bytes_of_sense) {
+    selectOneDrive();
+    backend.InitMe(); // the inquiry
+    backend.SelectDevice(0);
+    backend.ReadSectorsRAW(0, 1, buffer.data());
+    backend.GetTOC(table);
+    backend.OpenCD();
+    backend.CloseCD();
+    backend.IsDiscPresent();
+    ASSERT_EQ(aspi.commands.size(), 6u);
+    for (const SRB_ExecSCSICmd& command : aspi.commands) {
+        SCOPED_TRACE("command " + std::to_string(command.CDBByte[0]));
+        EXPECT_EQ(command.header.SRB_Cmd, 2);
+        EXPECT_EQ(command.header.SRB_Flags, 8);
+        EXPECT_EQ(command.SRB_SenseLen, 14);
+        EXPECT_EQ(command.SRB_PostProc, 0u) << "nobody is notified";
+    }
 }
 
 TEST_F(AspiBackend, commands_go_to_the_selected_drive) {

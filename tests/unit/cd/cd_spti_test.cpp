@@ -58,6 +58,29 @@ TEST_F(SptiBackend, fills_every_field_of_the_packet) {
     EXPECT_THAT(packet(), ElementsAreArray(expected));
 }
 
+TEST_F(SptiBackend, every_command_takes_data_in_within_5_seconds_and_14_bytes_of_sense) {
+    backend.InitMe(); // the inquiry
+    backend.SelectDevice(0);
+    backend.ReadSectorsRAW(0, 1, buffer.data());
+    backend.GetTOC(table);
+    backend.OpenCD();
+    backend.CloseCD();
+    backend.IsDiscPresent();
+    ASSERT_EQ(machine.requests.size(), 6u);
+    for (const DriveRequest& request : machine.requests) {
+        SCSI_PASS_THROUGH_DIRECT packet;
+        ASSERT_GE(request.input.size(), sizeof packet);
+        std::memcpy(&packet, request.input.data(), sizeof packet);
+        SCOPED_TRACE("command " + std::to_string(packet.Cdb[0]));
+        EXPECT_EQ(packet.Length, 44);
+        EXPECT_EQ(packet.DataIn, SCSI_IOCTL_DATA_IN);
+        EXPECT_EQ(packet.TimeOutValue, 5u);
+        EXPECT_EQ(packet.SenseInfoLength, 14);
+        EXPECT_EQ(packet.SenseInfoOffset, 44u);
+        EXPECT_EQ(request.code, 0x4D014u);
+    }
+}
+
 TEST_F(SptiBackend, reads_sectors_with_read_cd) {
     EXPECT_EQ(backend.ReadSectorsRAW(300, 4, buffer.data()), 0);
     EXPECT_THAT(cdb(), ElementsAre(0xBE, 0, 0, 0, 1, 0x2C, 0, 0, 4, 0xF8, 0, 0));

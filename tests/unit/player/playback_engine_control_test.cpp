@@ -44,6 +44,21 @@ TEST_F(Playback, stopping_resets_and_closes_the_source_at_once) {
     EXPECT_TRUE(host.player.IsPlaying());
 }
 
+TEST_F(Playback, stopping_resets_the_device_then_closes_the_source_and_then_the_converter) {
+    startAndFill();
+    fakeWave.log.clear();
+    int closed = 0;
+    script.onClose = [&] {
+        ++closed;
+        EXPECT_EQ(fakeWave.log, std::vector<std::string>{"Reset"});
+        EXPECT_EQ(fakeAcm.openStreams, 1) << "the converter is closed last";
+    };
+    EXPECT_EQ(host.player.PlayStop(), 0);
+    script.onClose = nullptr;
+    EXPECT_EQ(closed, 1);
+    EXPECT_EQ(fakeAcm.openStreams, 0);
+}
+
 TEST_F(Playback, stopping_ends_with_the_same_events_as_the_end_of_the_file) {
     startAndFill();
     host.player.PlayStop();
@@ -268,8 +283,8 @@ TEST_F(Playback, ten_thousand_rounds_leave_handles_and_memory_as_they_were) {
         fakeAcm.conversions.clear();
         fakeAcm.measured.clear();
     };
-    // A heap may begin to keep blocks of a size in groups after some 2000 of them were allocated, and a
-    // group counts whole: it must have begun before.
+    // A heap may begin to keep blocks of a size in groups after some 2000 of them were allocated,
+    // and a group counts whole: it must have begun before.
     for (int i = 0; i < 3000; ++i)
         round();
     const std::size_t bytesBefore = countHeapBytes();

@@ -183,6 +183,12 @@ TEST_F(Playback, the_device_notifies_the_controls_window) {
     EXPECT_EQ(fakeWave.window, host.window.handle());
 }
 
+TEST_F(Playback, the_device_is_opened_with_no_instance_data) {
+    fakeWave.instance = 1;
+    start();
+    EXPECT_EQ(fakeWave.instance, 0u);
+}
+
 TEST_F(Playback, the_requested_buffer_size_has_no_effect) {
     for (const std::int32_t size : {65536, 0, -1, INT32_MAX, INT32_MIN}) {
         fakeWave.written.clear();

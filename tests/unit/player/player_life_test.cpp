@@ -116,6 +116,35 @@ TEST_F(PlayerLife, DeInit_detaches_the_output_messages_and_keeps_those_of_input)
     EXPECT_TRUE(isAttached(window, MM_WIM_CLOSE));
 }
 
+TEST_F(PlayerLife, DeInit_stops_before_it_detaches) {
+    startAndFill();
+    fakeWave.log.clear();
+    std::vector<std::string> before;
+    script.onClose = [&] {
+        if (before.empty()) {
+            before = fakeWave.log;
+            EXPECT_TRUE(fakeWave.open);
+            EXPECT_TRUE(isAttached(host.window.handle(), MM_WOM_DONE));
+            EXPECT_TRUE(isAttached(host.window.handle(), MM_WOM_CLOSE));
+        }
+    };
+    EXPECT_EQ(host.player.DeInit(), 0);
+    script.onClose = nullptr;
+    EXPECT_THAT(before, ElementsAre("Reset"));
+}
+
+TEST_F(PlayerLife, DeInit_detaches_957_before_956) {
+    MSubclass::useWindowApi(&faultyWindowApi);
+    windowLog.clear();
+    EXPECT_EQ(host.player.DeInit(), 0);
+    MSubclass::useWindowApi(nullptr);
+    std::vector<std::string> clients;
+    for (const std::string& call : windowLog)
+        if (call.starts_with("RemoveProp") && call.ends_with("#1"))
+            clients.push_back(call.substr(call.find('#')));
+    EXPECT_THAT(clients, ElementsAre("#957#1", "#956#1"));
+}
+
 TEST_F(PlayerLife, DeInit_closes_the_opened_file_and_keeps_the_sources) {
     host.player.OpenAudioFile(file);
     script.log.clear();

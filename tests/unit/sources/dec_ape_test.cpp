@@ -99,6 +99,21 @@ TEST_F(ApeCalls, a_handle_of_0_is_not_tested_and_is_passed_on) {
     EXPECT_THAT(libraries.calls, IsEmpty());
 }
 
+TEST_F(ApeCalls, opening_again_begins_at_the_start_with_another_decoder) {
+    DecAPE& source = opened();
+    std::int32_t got = 0;
+    char buffer[400];
+    EXPECT_EQ(source.Read(buffer, 400, got), 5);
+    EXPECT_TRUE(source.EndOfStream());
+    libraries.calls.clear();
+    results.information[2001] = 0;
+    ASSERT_EQ(source.OpenSource(path), 0);
+    EXPECT_EQ(libraries.calls.front(), (Call{"Destroy", {handle}}));
+    EXPECT_EQ(libraries.called("Create"), 1);
+    EXPECT_FALSE(source.EndOfStream());
+    EXPECT_EQ(source.Position(), 0);
+}
+
 TEST_F(ApeCalls, the_numbers_come_from_the_library) {
     DecAPE& source = opened();
     EXPECT_EQ(source.SampleRate(), 44100);

@@ -229,6 +229,23 @@ TEST_F(OggCalls, tag_values_are_taken_byte_by_byte) {
     EXPECT_EQ(opened().Tags()->TagItem(1).TagValue(), L"\u00E9t\u00C3\u00A9");
 }
 
+TEST_F(OggCalls, opening_again_begins_at_the_start_and_not_at_the_end) {
+    DecOGG& source = opened();
+    std::int32_t mode = 0;
+    std::int32_t got = 0;
+    char buffer[400];
+    ASSERT_EQ(source.SeekTo(100, mode), 0); // the end, which the library refuses
+    EXPECT_EQ(source.Read(buffer, 400, got), 5);
+    EXPECT_TRUE(source.EndOfStream());
+    EXPECT_EQ(source.Position(), 10000);
+    ASSERT_EQ(source.OpenSource(path), 0);
+    EXPECT_FALSE(source.EndOfStream());
+    EXPECT_EQ(source.Position(), 0);
+    results.ovRead = 400;
+    EXPECT_EQ(source.Read(buffer, 400, got), 0) << "it is not at the end any more";
+    EXPECT_EQ(got, 400);
+}
+
 TEST_F(OggCalls, opening_again_clears_the_tags) {
     results.values = {{"title", "t"}};
     DecOGG& source = opened();

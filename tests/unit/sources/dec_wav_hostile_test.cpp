@@ -139,7 +139,7 @@ TEST_F(HostileWav, names_of_any_kind_return_1) {
 TEST_F(HostileWav, any_failure_of_the_platform_leaves_nothing_open_and_the_next_open_works) {
     const std::wstring path = folder_.write(L"a.wav", plainWav(pcm(8000, 1, 8), noise(16000)));
     DecWAV wav(faultyFileApi, faultyMmioApi);
-    forEachFault(fileFaults, [&] {
+    forEachFaultAndPair(fileFaults, [&] {
         const std::int32_t result = useAll(wav, path);
         EXPECT_TRUE(result == 0 || result == 1);
         EXPECT_EQ(openFiles, 0);

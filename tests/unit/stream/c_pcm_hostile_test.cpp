@@ -269,7 +269,7 @@ TEST_F(HostileConverter, a_run_time_error_of_the_source_passes_through_and_the_n
 
 TEST_F(HostileConverter, any_failure_of_a_codec_ends_leaves_nothing_open_and_the_next_use_works) {
     MemorySource source(pcm(8000, 1, 16), noise(30'000));
-    forEachFault(fakeAcm.faults, [&] {
+    forEachFaultAndPair(fakeAcm.faults, [&] {
         source.position = 0;
         useAll(source);
         EXPECT_EQ(fakeAcm.openStreams, 0);

@@ -269,7 +269,14 @@ TEST_F(Subclass, every_change_makes_a_trace_text) {
                                 hex(reinterpret_cast<LONG_PTR>(static_cast<ISubclass*>(&first))),
                             "Changed Window Proc for " + handle + " to " + old,
                             "Changed message count for " + handle + " to 1"));
+    traces.clear();
     detach(first);
+    EXPECT_THAT(traces,
+                ElementsAre("Changed message class for " + handle + message + " Index 1 to 0",
+                            "Changed message count for " + handle + message + " to 0",
+                            "Changed Window Proc for " + handle + " to 0",
+                            "Changed message count for " + handle + " to 0"));
+    MSubclass::useTrace(nullptr);
 }
 
 } // namespace
