@@ -2,7 +2,7 @@
 // any corner, bounds without area and beyond every device.
 
 #include "GraphControlFixture.h"
-#include "com/OutOfMemory.h"
+#include "runtime/OutOfMemory.h"
 
 #include <limits>
 
