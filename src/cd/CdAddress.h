@@ -23,7 +23,7 @@ inline constexpr std::int32_t pregapSectors = 150;
 // Addresses from minute 90 on lie in the lead-in, before the program area, and come out negative:
 // 99:59:74 is the sector before 00:00:00. With programArea set every minute counts as it stands,
 // for overlong discs.
-[[nodiscard]] constexpr std::int32_t MsfToLba(std::uint8_t minute, std::uint8_t second,
+[[nodiscard]] constexpr std::int32_t msfToLba(std::uint8_t minute, std::uint8_t second,
                                               std::uint8_t frame,
                                               bool programArea = false) noexcept {
     constexpr std::int32_t wholeCircle = 100 * 60 * sectorsPerSecond;

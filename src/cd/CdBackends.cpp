@@ -8,9 +8,9 @@ namespace corvina {
 
 CdBackends systemCdBackends(const DeviceApi& devices, const FileApi& files) {
     const DriveDevice drives(devices, files);
-    return {[drives] { return std::make_unique<cdSPTI>(drives); },
-            [drives] { return std::make_unique<cdIOCTL>(drives); },
-            [drives] { return std::make_unique<cdASPI>(drives); }};
+    return {.spti = [drives] { return std::make_unique<cdSPTI>(drives); },
+            .ioctl = [drives] { return std::make_unique<cdIOCTL>(drives); },
+            .aspi = [drives] { return std::make_unique<cdASPI>(drives); }};
 }
 
 } // namespace corvina

@@ -14,9 +14,9 @@ namespace corvina {
 struct CdBackends {
     using Make = std::function<std::unique_ptr<cCDAccess>()>;
 
-    Make SPTI;
-    Make IOCTL;
-    Make ASPI;
+    Make spti;
+    Make ioctl;
+    Make aspi;
 };
 
 [[nodiscard]] CdBackends systemCdBackends(const DeviceApi& devices = systemDeviceApi,

@@ -3,7 +3,7 @@
 // The CD drives that can be opened as devices, and which of them is selected: the half that the
 // device I/O control and the SCSI pass-through backends share.
 //
-// Devices stay open from a successful InitMe to DeInitMe or the end of the list.
+// Devices stay open from a successful open to close or the end of the list.
 
 #include "cd/DriveDevice.h"
 #include "cd/DriveList.h"
@@ -21,27 +21,23 @@ class DeviceDrives {
 public:
     struct Drive {
         std::wstring letter;
-        FileRecord device;
-        DriveText text;
+        FileRecord device = {};
+        DriveText text = {};
     };
     // How a drive that was just opened calls itself.
     using Describe = std::function<DriveText(const FileRecord&)>;
 
     DeviceDrives(DriveDevice devices, DWORD desiredAccess) noexcept
         : devices_(devices), desiredAccess_(desiredAccess) {}
-    ~DeviceDrives() { DeInitMe(); }
-    DeviceDrives(const DeviceDrives&) = delete;
-    DeviceDrives& operator=(const DeviceDrives&) = delete;
 
-    // 0, or 4 where there is no drive or Windows is not of the NT family.
-    std::int32_t InitMe(const Describe& describe);
-    std::int32_t DeInitMe() noexcept;
-    std::int32_t SelectDevice(std::int32_t index) noexcept { return drives_.select(index); }
-    [[nodiscard]] std::int32_t DeviceCount() const noexcept { return drives_.count(); }
-    [[nodiscard]] std::wstring DeviceChar(std::int32_t index) const {
-        return drives_.at(index).letter;
-    }
-    [[nodiscard]] std::wstring DeviceName(std::int32_t index) const {
+    // 0, or 4 if there is no drive or Windows is not of the NT family.
+    std::int32_t open(const Describe& describe);
+    void close() noexcept { drives_.clear(); }
+
+    std::int32_t select(std::int32_t index) noexcept { return drives_.select(index); }
+    [[nodiscard]] std::int32_t count() const noexcept { return drives_.count(); }
+    [[nodiscard]] std::wstring letter(std::int32_t index) const { return drives_.at(index).letter; }
+    [[nodiscard]] std::wstring name(std::int32_t index) const {
         return drives_.at(index).text.name();
     }
 
@@ -65,13 +61,16 @@ template <typename Contract>
 class DeviceBackend : public Contract {
 public:
     std::int32_t InitMe() override {
-        return drives_.InitMe([this](const FileRecord& device) { return describe(device); });
+        return drives_.open([this](const FileRecord& device) { return describe(device); });
     }
-    std::int32_t DeInitMe() override { return drives_.DeInitMe(); }
-    std::int32_t SelectDevice(std::int32_t index) override { return drives_.SelectDevice(index); }
-    std::wstring DeviceChar(std::int32_t index) override { return drives_.DeviceChar(index); }
-    std::wstring DeviceName(std::int32_t index) override { return drives_.DeviceName(index); }
-    std::int32_t DeviceCount() override { return drives_.DeviceCount(); }
+    std::int32_t DeInitMe() override {
+        drives_.close();
+        return CdStatus::done;
+    }
+    std::int32_t SelectDevice(std::int32_t index) override { return drives_.select(index); }
+    std::wstring DeviceChar(std::int32_t index) override { return drives_.letter(index); }
+    std::wstring DeviceName(std::int32_t index) override { return drives_.name(index); }
+    std::int32_t DeviceCount() override { return drives_.count(); }
 
 protected:
     DeviceBackend(DriveDevice devices, DWORD desiredAccess) noexcept

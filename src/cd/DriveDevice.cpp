@@ -15,31 +15,31 @@ bool DriveDevice::isCdRom(wchar_t letter) const noexcept {
     return devices_.driveType(root) == DRIVE_CDROM;
 }
 
-FileRecord DriveDevice::OpenDriveDevice(std::wstring_view drive, DWORD desiredAccess) const {
+FileRecord DriveDevice::open(std::wstring_view drive, DWORD desiredAccess) const {
     if (drive.empty())
         return {};
     return files_.open(L"\\\\.\\" + std::wstring(1, drive.front()) + L":", desiredAccess,
                        FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING);
 }
 
-std::optional<SCSI_ADDRESS> DriveDevice::GetScsiAddress(std::wstring_view drive) const {
-    FileRecord device = OpenDriveDevice(drive, GENERIC_READ);
+std::optional<SCSI_ADDRESS> DriveDevice::scsiAddress(std::wstring_view drive) const {
+    const FileRecord device = open(drive, GENERIC_READ);
     if (!device.isOpen())
         return std::nullopt;
     SCSI_ADDRESS address{};
     address.Length = sizeof(address);
-    const bool told = request(device, IoRequest::scsiAddress, &address, sizeof(address), &address,
-                              sizeof(address));
-    close(device);
-    return told ? std::optional(address) : std::nullopt;
+    if (!request(device, IoRequest::scsiAddress, &address, sizeof(address), &address,
+                 sizeof(address)))
+        return std::nullopt;
+    return address;
 }
 
 bool DriveDevice::request(const FileRecord& device, std::uint32_t code, const void* input,
                           std::uint32_t inputBytes, void* output,
                           std::uint32_t outputBytes) const noexcept {
     DWORD got = 0;
-    return devices_.ioControl(device.handle, code, const_cast<void*>(input), inputBytes, output,
-                              outputBytes, &got, nullptr) != FALSE;
+    return devices_.ioControl(device.handle.get(), code, const_cast<void*>(input), inputBytes,
+                              output, outputBytes, &got, nullptr) != FALSE;
 }
 
 } // namespace corvina

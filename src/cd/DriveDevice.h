@@ -36,12 +36,11 @@ public:
     [[nodiscard]] bool isWindowsNt() const noexcept;
     [[nodiscard]] bool isCdRom(wchar_t letter) const noexcept;
     // The device "\\.\D:" of the drive whose letter the text starts with, shared with everybody;
-    // closed where it cannot be opened or the text is empty.
-    [[nodiscard]] FileRecord OpenDriveDevice(std::wstring_view drive, DWORD desiredAccess) const;
-    // The drive's place on its bus; nothing where the drive does not tell.
-    [[nodiscard]] std::optional<SCSI_ADDRESS> GetScsiAddress(std::wstring_view drive) const;
+    // closed if it cannot be opened or the text is empty.
+    [[nodiscard]] FileRecord open(std::wstring_view drive, DWORD desiredAccess) const;
+    // The drive's place on its bus; nothing if the drive does not report it.
+    [[nodiscard]] std::optional<SCSI_ADDRESS> scsiAddress(std::wstring_view drive) const;
 
-    void close(FileRecord& device) const noexcept { files_.close(device); }
     // One request; whether it succeeded.
     bool request(const FileRecord& device, std::uint32_t code, const void* input,
                  std::uint32_t inputBytes, void* output, std::uint32_t outputBytes) const noexcept;

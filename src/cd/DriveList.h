@@ -7,6 +7,7 @@
 #include "runtime/RuntimeError.h"
 
 #include <cstdint>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -15,8 +16,7 @@ namespace corvina {
 template <typename Drive>
 class DriveList {
 public:
-    Drive& add(Drive drive = {}) { return drives_.emplace_back(std::move(drive)); }
-    void removeLast() { drives_.pop_back(); }
+    void add(Drive drive) { drives_.push_back(std::move(drive)); }
     void clear() noexcept { drives_.clear(); }
 
     [[nodiscard]] bool isEmpty() const noexcept { return drives_.empty(); }
@@ -29,8 +29,6 @@ public:
             throwSubscript();
         return drives_[static_cast<std::size_t>(index)];
     }
-    [[nodiscard]] auto begin() noexcept { return drives_.begin(); }
-    [[nodiscard]] auto end() noexcept { return drives_.end(); }
 
     // 0, or 3 for an index outside the list, which leaves the selection as it was.
     std::int32_t select(std::int32_t index) noexcept {
@@ -41,7 +39,8 @@ public:
     }
     // Null while none is selected.
     [[nodiscard]] const Drive* selected() const noexcept {
-        return holds(selected_) ? &drives_[static_cast<std::size_t>(selected_)] : nullptr;
+        return selected_ && holds(*selected_) ? &drives_[static_cast<std::size_t>(*selected_)]
+                                              : nullptr;
     }
 
 private:
@@ -50,7 +49,7 @@ private:
     }
 
     std::vector<Drive> drives_;
-    std::int32_t selected_ = -1;
+    std::optional<std::int32_t> selected_;
 };
 
 } // namespace corvina

@@ -12,7 +12,7 @@ namespace {
 // Byte 4 is unused in the MSF form: minute, second and frame are bytes 5 to 7.
 void convertMsfToLba(TrackDescriptor& descriptor) noexcept {
     auto address =
-        static_cast<std::uint32_t>(MsfToLba(descriptor[5], descriptor[6], descriptor[7]));
+        static_cast<std::uint32_t>(msfToLba(descriptor[5], descriptor[6], descriptor[7]));
     for (std::size_t i = 8; i-- > 4; address >>= 8)
         descriptor[i] = static_cast<std::uint8_t>(address);
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-// From the record in which a drive answers its table of contents to a cTOC.
+// From the record in which a drive returns its table of contents to a cTOC.
 
 #include "cd/cTOC.h"
 

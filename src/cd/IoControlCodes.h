@@ -35,7 +35,7 @@ using IoControlTable = std::array<IoControlCode, ioControlCodeCount>;
 
 // The table never changes, so it is filled when the library is compiled, not when a drive is looked
 // for.
-[[nodiscard]] constexpr IoControlTable BuildIoControlCodes() noexcept {
+[[nodiscard]] constexpr IoControlTable buildIoControlCodes() noexcept {
     using enum IoMethod;
     using enum IoAccess;
     const auto scsi = [](std::uint32_t function, IoAccess access) {
@@ -120,7 +120,7 @@ using IoControlTable = std::array<IoControlCode, ioControlCodeCount>;
     }};
 }
 
-inline constexpr IoControlTable ioControlTable = BuildIoControlCodes();
+inline constexpr IoControlTable ioControlTable = buildIoControlCodes();
 
 // The code of a request in the table; a name that is not there does not compile.
 [[nodiscard]] consteval std::uint32_t ioControl(std::string_view name) {

@@ -7,24 +7,24 @@ namespace corvina {
 
 static_assert(tocBytes == sizeof(CDROM_TOC));
 
-std::int32_t MmcAccess::GetTOC(std::unique_ptr<cTOC>& clsTOC) {
-    clsTOC.reset();
+std::int32_t MmcAccess::GetTOC(std::unique_ptr<cTOC>& table) {
+    table.reset();
     if (!hasSelectedDrive())
         return CdStatus::noDrive;
     CDROM_TOC record{};
     if (!isDone(execute(Mmc::readToc(), &record, tocBytes)))
         return CdStatus::failed;
-    clsTOC = driveTable(record, AddressForm::lba);
+    table = driveTable(record, AddressForm::lba);
     return CdStatus::done;
 }
 
-std::int32_t MmcAccess::ReadSectorsRAW(std::int32_t LBA, std::int32_t sectors, void* ptr) {
+std::int32_t MmcAccess::ReadSectorsRAW(std::int32_t lba, std::int32_t sectors, void* ptr) {
     if (!hasSelectedDrive())
         return CdStatus::noDrive;
     if (sectors < 0)
         return CdStatus::readFailed;
     const auto bytes = static_cast<std::uint32_t>(bytesOfSectors(sectors));
-    return isDone(execute(Mmc::readCd(LBA, sectors), ptr, bytes)) ? CdStatus::done
+    return isDone(execute(Mmc::readCd(lba, sectors), ptr, bytes)) ? CdStatus::done
                                                                   : CdStatus::readFailed;
 }
 

@@ -12,8 +12,8 @@ namespace corvina {
 
 class MmcAccess : public cCDAccess {
 public:
-    std::int32_t GetTOC(std::unique_ptr<cTOC>& clsTOC) final;
-    std::int32_t ReadSectorsRAW(std::int32_t LBA, std::int32_t sectors, void* ptr) final;
+    std::int32_t GetTOC(std::unique_ptr<cTOC>& table) final;
+    std::int32_t ReadSectorsRAW(std::int32_t lba, std::int32_t sectors, void* ptr) final;
     std::int32_t OpenCD() final;
     std::int32_t CloseCD() final;
     bool IsDiscPresent() final;

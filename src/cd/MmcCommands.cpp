@@ -70,9 +70,10 @@ CommandResult commandResult(std::uint8_t status,
     return result;
 }
 
-DriveText driveText(std::span<const std::uint8_t, inquiryBytes> answer) {
-    return {field(answer.subspan<8, 8>()), field(answer.subspan<16, 16>()),
-            field(answer.subspan<32, 4>())};
+DriveText driveText(std::span<const std::uint8_t, inquiryBytes> reply) {
+    return {.vendor = field(reply.subspan<8, 8>()),
+            .product = field(reply.subspan<16, 16>()),
+            .revision = field(reply.subspan<32, 4>())};
 }
 
 } // namespace corvina

@@ -1,7 +1,7 @@
 #pragma once
 
 // The drive commands of the two backends that speak SCSI: their bytes, their data lengths, and what
-// the answers say. All of them take data in or none.
+// the replies say. All of them take data in or none.
 
 #include "runtime/Text.h"
 
@@ -55,7 +55,7 @@ struct DriveText {
     [[nodiscard]] std::wstring name() const { return join({vendor, product, revision}, L" "); }
 };
 
-// The fields of an INQUIRY answer, with their blanks, each up to its first byte of 0.
-[[nodiscard]] DriveText driveText(std::span<const std::uint8_t, inquiryBytes> answer);
+// The fields of an INQUIRY reply, with their blanks, each up to its first byte of 0.
+[[nodiscard]] DriveText driveText(std::span<const std::uint8_t, inquiryBytes> reply);
 
 } // namespace corvina

@@ -24,14 +24,14 @@ public:
     // Closes what InitMe opened.
     virtual std::int32_t DeInitMe() = 0;
     virtual std::int32_t SelectDevice(std::int32_t index) = 0;
-    // The drive letter, one character; empty where it is not known.
+    // The drive letter, one character; empty if it is not known.
     virtual std::wstring DeviceChar(std::int32_t index) = 0;
     virtual std::wstring DeviceName(std::int32_t index) = 0;
     virtual std::int32_t DeviceCount() = 0;
-    // On success clsTOC is a new table; on failure it is left empty.
-    virtual std::int32_t GetTOC(std::unique_ptr<cTOC>& clsTOC) = 0;
+    // On success table is a new table; on failure it is left empty.
+    virtual std::int32_t GetTOC(std::unique_ptr<cTOC>& table) = 0;
     // Reads whole sectors of 2352 bytes; the buffer at ptr holds sectors times as many.
-    virtual std::int32_t ReadSectorsRAW(std::int32_t LBA, std::int32_t sectors, void* ptr) = 0;
+    virtual std::int32_t ReadSectorsRAW(std::int32_t lba, std::int32_t sectors, void* ptr) = 0;
     // The tray out, the tray in.
     virtual std::int32_t OpenCD() = 0;
     virtual std::int32_t CloseCD() = 0;

@@ -1,9 +1,9 @@
 #include "cd/cTOC.h"
 
+#include "runtime/OutOfMemory.h"
 #include "runtime/RuntimeError.h"
 
 #include <algorithm>
-#include <new>
 
 namespace corvina {
 namespace {
@@ -32,7 +32,7 @@ std::uint8_t cTOCTrack::CTL() const noexcept {
     return static_cast<std::uint8_t>(descriptor_[1] & 0x0F);
 }
 
-bool cTOCTrack::IsDataControl(std::uint8_t control) noexcept {
+bool cTOCTrack::isDataControl(std::uint8_t control) noexcept {
     const auto withoutCopyBit = static_cast<std::uint8_t>(control & ~copyPermitted);
     return std::find(audioControls.begin(), audioControls.end(), withoutCopyBit) ==
            audioControls.end();
@@ -47,12 +47,12 @@ void cTOC::TrackCount(std::int32_t count) {
         throwSubscript();
     const auto entries = static_cast<std::size_t>(count);
     if (entries > entries_.max_size())
-        throw std::bad_alloc();
+        throwOutOfMemory();
     entries_ = std::vector<cTOCTrack>(entries);
 }
 
-const cTOCTrack* cTOC::track(std::int32_t NumTrack) const noexcept {
-    return holds(NumTrack) ? &entries_[static_cast<std::size_t>(NumTrack) - 1] : nullptr;
+const cTOCTrack* cTOC::track(std::int32_t number) const noexcept {
+    return holds(number) ? &entries_[static_cast<std::size_t>(number) - 1] : nullptr;
 }
 
 void cTOC::StoreEntry(const TrackDescriptor& descriptor) noexcept {

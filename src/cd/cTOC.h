@@ -12,7 +12,7 @@
 
 namespace corvina {
 
-// A descriptor as drives answer it: a reserved byte, ADR and CTL, the track number, a reserved
+// A descriptor as drives return it: a reserved byte, ADR and CTL, the track number, a reserved
 // byte, the start address, most significant byte first.
 using TrackDescriptor = std::array<std::uint8_t, 8>;
 
@@ -20,7 +20,7 @@ inline constexpr std::uint8_t leadOutNumber = 170;
 
 class cTOCTrack {
 public:
-    [[nodiscard]] bool IsAudio() const noexcept { return !IsDataControl(CTL()); }
+    [[nodiscard]] bool IsAudio() const noexcept { return !isDataControl(CTL()); }
     [[nodiscard]] std::int32_t StartLBA() const noexcept;
     [[nodiscard]] std::uint8_t TrackNumber() const noexcept { return descriptor_[2]; }
     [[nodiscard]] std::uint8_t ADR() const noexcept;
@@ -29,7 +29,7 @@ public:
     void SetDescriptor(const TrackDescriptor& descriptor) noexcept { descriptor_ = descriptor; }
 
 private:
-    [[nodiscard]] static bool IsDataControl(std::uint8_t control) noexcept;
+    [[nodiscard]] static bool isDataControl(std::uint8_t control) noexcept;
 
     TrackDescriptor descriptor_{};
 };
@@ -42,7 +42,7 @@ public:
     void TrackCount(std::int32_t count);
 
     // The entry of that index, from 1; null outside the table.
-    [[nodiscard]] const cTOCTrack* track(std::int32_t NumTrack) const noexcept;
+    [[nodiscard]] const cTOCTrack* track(std::int32_t number) const noexcept;
 
     // Files a descriptor under its track number, the lead-out's in the last place.
     void StoreEntry(const TrackDescriptor& descriptor) noexcept;

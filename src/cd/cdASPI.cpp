@@ -5,15 +5,12 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace corvina {
 
 cdASPI::cdASPI(DriveDevice devices, const LibraryApi& libraries)
     : devices_(devices), library_(libraries) {}
-
-cdASPI::~cdASPI() {
-    library_.UnloadDLL();
-}
 
 std::int32_t cdASPI::InitMe() {
     ready_ = false;
@@ -44,7 +41,7 @@ std::wstring cdASPI::DeviceChar(std::int32_t index) {
     if (!devices_.isWindowsNt())
         return {};
     for (wchar_t letter = firstDriveLetter; letter <= lastDriveLetter; ++letter) {
-        const auto address = devices_.GetScsiAddress(std::wstring_view(&letter, 1));
+        const auto address = devices_.scsiAddress(std::wstring_view(&letter, 1));
         if (address && address->PortNumber == drive.adapter && address->TargetId == drive.target &&
             address->Lun == drive.lun)
             return std::wstring(1, letter);
@@ -57,7 +54,7 @@ bool cdASPI::hasSelectedDrive() const noexcept {
 }
 
 CommandResult cdASPI::execute(const MmcCommand& command, void* data, std::uint32_t bytes) {
-    return ExecScsi(*drives_.selected(), command, Aspi::directionIn, data, bytes);
+    return sendCommand(*drives_.selected(), command, Aspi::directionIn, data, bytes);
 }
 
 void cdASPI::scan(std::int32_t adapters) {
@@ -75,8 +72,9 @@ void cdASPI::scanAdapter(std::uint8_t adapter) {
     constexpr std::uint8_t targets = 8;
     for (std::uint8_t target = 0; target < targets; ++target)
         if (isCdRom(adapter, target)) {
-            Drive& drive = drives_.add({adapter, target, 0, {}});
+            Drive drive{.adapter = adapter, .target = target};
             drive.text = inquiry(drive);
+            drives_.add(std::move(drive));
         }
 }
 
@@ -90,13 +88,13 @@ bool cdASPI::isCdRom(std::uint8_t adapter, std::uint8_t target) {
 }
 
 DriveText cdASPI::inquiry(const Drive& drive) {
-    std::array<std::uint8_t, inquiryBytes> answer{};
-    ExecScsi(drive, Mmc::inquiry(), Aspi::directionIn, answer.data(), inquiryBytes);
-    return driveText(answer);
+    std::array<std::uint8_t, inquiryBytes> reply{};
+    sendCommand(drive, Mmc::inquiry(), Aspi::directionIn, reply.data(), inquiryBytes);
+    return driveText(reply);
 }
 
-CommandResult cdASPI::ExecScsi(const Drive& drive, const MmcCommand& command,
-                               std::uint8_t direction, void* data, std::uint32_t bytes) {
+CommandResult cdASPI::sendCommand(const Drive& drive, const MmcCommand& command,
+                                  std::uint8_t direction, void* data, std::uint32_t bytes) {
     SRB_ExecSCSICmd block{};
     block.header.SRB_Cmd = Aspi::executeScsi;
     block.header.SRB_HaId = drive.adapter;

@@ -10,7 +10,7 @@
 #include "cd/DriveDevice.h"
 #include "cd/DriveList.h"
 #include "cd/MmcAccess.h"
-#include "stream/cDLL.h"
+#include "stream/OptionalLibrary.h"
 
 #include <string>
 
@@ -20,14 +20,13 @@ class cdASPI final : public MmcAccess {
 public:
     explicit cdASPI(DriveDevice devices = DriveDevice(),
                     const LibraryApi& libraries = systemLibraryApi);
-    ~cdASPI() override;
     cdASPI(const cdASPI&) = delete;
     cdASPI& operator=(const cdASPI&) = delete;
 
     std::int32_t InitMe() override;
     std::int32_t DeInitMe() override;
     std::int32_t SelectDevice(std::int32_t index) override { return drives_.select(index); }
-    // The letter whose drive has the same place on the bus; only the NT family tells.
+    // The letter whose drive has the same place on the bus; only the NT family reports it.
     std::wstring DeviceChar(std::int32_t index) override;
     std::wstring DeviceName(std::int32_t index) override { return drives_.at(index).text.name(); }
     std::int32_t DeviceCount() override { return drives_.count(); }
@@ -36,8 +35,8 @@ private:
     struct Drive {
         std::uint8_t adapter = 0;
         std::uint8_t target = 0;
-        std::uint8_t lun = 0;
-        DriveText text;
+        std::uint8_t lun = 0; // no other is looked at
+        DriveText text = {};
     };
 
     [[nodiscard]] bool hasSelectedDrive() const noexcept override;
@@ -47,12 +46,12 @@ private:
     void scanAdapter(std::uint8_t adapter);
     [[nodiscard]] bool isCdRom(std::uint8_t adapter, std::uint8_t target);
     [[nodiscard]] DriveText inquiry(const Drive& drive);
-    CommandResult ExecScsi(const Drive& drive, const MmcCommand& command, std::uint8_t direction,
-                           void* data, std::uint32_t bytes);
+    CommandResult sendCommand(const Drive& drive, const MmcCommand& command, std::uint8_t direction,
+                              void* data, std::uint32_t bytes);
     void send(void* block);
 
     DriveDevice devices_;
-    cDLL library_;
+    OptionalLibrary library_;
     DriveList<Drive> drives_;
     bool ready_ = false;
 };

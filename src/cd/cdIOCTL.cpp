@@ -16,17 +16,17 @@ static_assert(sizeof(DISK_GEOMETRY) == 24);
 
 cdIOCTL::cdIOCTL(DriveDevice devices) noexcept : DeviceBackend(devices, GENERIC_READ) {}
 
-std::int32_t cdIOCTL::GetTOC(std::unique_ptr<cTOC>& clsTOC) {
-    clsTOC.reset();
+std::int32_t cdIOCTL::GetTOC(std::unique_ptr<cTOC>& table) {
+    table.reset();
     CDROM_TOC record{};
     if (!selected() ||
         !devices().request(*selected(), IoRequest::readToc, nullptr, 0, &record, sizeof(record)))
         return CdStatus::failed;
-    clsTOC = driveTable(record, AddressForm::msf);
+    table = driveTable(record, AddressForm::msf);
     return CdStatus::done;
 }
 
-std::int32_t cdIOCTL::ReadSectorsRAW(std::int32_t LBA, std::int32_t sectors, void* ptr) {
+std::int32_t cdIOCTL::ReadSectorsRAW(std::int32_t lba, std::int32_t sectors, void* ptr) {
     // Deliberate: without a drive nothing is read, and that is no failure.
     if (!selected())
         return CdStatus::done;
@@ -35,7 +35,7 @@ std::int32_t cdIOCTL::ReadSectorsRAW(std::int32_t LBA, std::int32_t sectors, voi
     // The driver wants the offset as if sectors were the 2048 bytes of a data disc.
     constexpr LONGLONG addressedSectorBytes = 2048;
     RAW_READ_INFO read{};
-    read.DiskOffset.QuadPart = LBA * addressedSectorBytes;
+    read.DiskOffset.QuadPart = lba * addressedSectorBytes;
     read.SectorCount = static_cast<ULONG>(sectors);
     read.TrackMode = CDDA;
     const auto bytes = static_cast<std::uint32_t>(bytesOfSectors(sectors));
@@ -59,7 +59,7 @@ bool cdIOCTL::IsDiscPresent() {
 }
 
 DriveText cdIOCTL::describe(const FileRecord&) {
-    return {L"Generic", L"CD-ROM drive", L"v1"};
+    return {.vendor = L"Generic", .product = L"CD-ROM drive", .revision = L"v1"};
 }
 
 std::int32_t cdIOCTL::moveTray(std::uint32_t code) const noexcept {

@@ -3,6 +3,7 @@
 #include "runtime/Checked.h"
 #include "runtime/Rounding.h"
 #include "runtime/RuntimeError.h"
+#include "stream/SeekTarget.h"
 
 #include <algorithm>
 #include <cstring>
@@ -42,13 +43,13 @@ cdManager::~cdManager() {
         backend_->DeInitMe();
 }
 
-bool cdManager::InitManager(const bool& DisableIOCTL) {
+bool cdManager::InitManager(const bool& disableIoctl) {
     backend_ = nullptr;
     candidates_.clear();
-    AddBackend(makers_.SPTI());
-    if (!DisableIOCTL)
-        AddBackend(makers_.IOCTL());
-    AddBackend(makers_.ASPI());
+    addBackend(makers_.spti());
+    if (!disableIoctl)
+        addBackend(makers_.ioctl());
+    addBackend(makers_.aspi());
     for (auto& candidate : candidates_) {
         if (candidate->InitMe() == CdStatus::done) {
             backend_ = candidate.get();
@@ -59,7 +60,7 @@ bool cdManager::InitManager(const bool& DisableIOCTL) {
     return false;
 }
 
-void cdManager::AddBackend(std::unique_ptr<cCDAccess> backend) {
+void cdManager::addBackend(std::unique_ptr<cCDAccess> backend) {
     candidates_.push_back(std::move(backend));
 }
 
@@ -138,19 +139,19 @@ std::int32_t cdManager::OpenSource(const std::wstring&) {
     return SourceResult::notOpen;
 }
 
-std::int32_t cdManager::Read(void* pBuffer, std::int32_t cBytes, std::int32_t& cBytesRead) {
-    if (cBytesRead >= cBytes)
+std::int32_t cdManager::Read(void* buffer, std::int32_t bytes, std::int32_t& bytesRead) {
+    if (bytesRead >= bytes)
         return SourceResult::done;
-    if (cBytesRead < 0 || !pBuffer)
+    if (bytesRead < 0 || !buffer)
         throwInvalidCall();
-    const auto deliver = [&](std::int32_t bytes) {
-        std::memcpy(static_cast<std::uint8_t*>(pBuffer) + cBytesRead,
-                    buffer_.data() + bufferPosition_, static_cast<std::size_t>(bytes));
-        cBytesRead += bytes;
+    const auto deliver = [&](std::int32_t count) {
+        std::memcpy(static_cast<std::uint8_t*>(buffer) + bytesRead,
+                    buffer_.data() + bufferPosition_, static_cast<std::size_t>(count));
+        bytesRead += count;
     };
     for (;;) {
         const std::int32_t available = bufferFill_ - bufferPosition_;
-        const std::int32_t wanted = cBytes - cBytesRead;
+        const std::int32_t wanted = bytes - bytesRead;
         if (available >= wanted) {
             deliver(wanted);
             bufferPosition_ += wanted;
@@ -159,14 +160,14 @@ std::int32_t cdManager::Read(void* pBuffer, std::int32_t cBytes, std::int32_t& c
         // The position stays where it is: the refill resets it. After a failed refill these bytes
         // are delivered again by the next call.
         deliver(available);
-        if (!FillBuffer())
+        if (!fillBuffer())
             return SourceResult::endOfData;
     }
 }
 
 // Deliberate: four sectors are read wherever the track ends, so its last block may reach up to
 // three sectors into the next track. Ends of tracks are not trimmed.
-bool cdManager::FillBuffer() {
+bool cdManager::fillBuffer() {
     if (EndOfStream() || !backend_ || !track_)
         return false;
     const std::int32_t lba = add32(track_->StartLBA(), sectorOffset_);
@@ -178,21 +179,22 @@ bool cdManager::FillBuffer() {
     return true;
 }
 
-std::int32_t cdManager::SeekTo(std::int32_t Value, std::int32_t& Mode) {
+std::int32_t cdManager::SeekTo(std::int32_t value, std::int32_t& mode) {
     // Deliberate: what is left of the block stays in line and comes as silence before the new
     // place.
     buffer_.fill(0);
-    if (Mode == SeekMode::percent) {
-        if (Value < 0 || Value > 100)
-            return SourceResult::outOfRange;
+    // Another mode changes nothing here.
+    if (mode != SeekMode::percent && mode != SeekMode::seconds)
+        return SourceResult::done;
+    const std::optional<std::int32_t> target = seekTarget(
+        *this, value, mode,
         // Deliberate: these are seconds taken as sectors, so a percentage lands at 1/75 of its
         // place.
-        sectorOffset_ = roundToInt32(Duration() / 1000.0 * Value / 100.0);
-    } else if (Mode == SeekMode::seconds) {
-        if (Value < 0 || Value > Duration() / 1000.0)
-            return SourceResult::outOfRange;
-        sectorOffset_ = multiply32(Value, sectorsPerSecond);
-    }
+        [&] { return roundToInt32(Duration() / 1000.0 * value / 100.0); },
+        [&] { return multiply32(value, sectorsPerSecond); });
+    if (!target)
+        return SourceResult::outOfRange;
+    sectorOffset_ = *target;
     return SourceResult::done;
 }
 

@@ -4,7 +4,7 @@
 // Hz, which is what raw audio sectors are.
 //
 // InitManager, then SelectDevice, then SelectTrack, then any number of Read and SeekTo. Without a
-// backend everything answers false, 0 or empty text; GetTOC alone expects one and raises Object
+// backend everything returns false, 0 or empty text; GetTOC alone expects one and raises Object
 // variable not set. Nothing is cached but four sectors: each GetTOC asks the drive.
 
 #include "cd/CdAddress.h"
@@ -31,7 +31,7 @@ public:
     // Tries SCSI pass-through, device I/O control (unless disabled) and ASPI, in this order, up to
     // the first that can be used; whether there was one. The flag is by reference as the interface
     // has it.
-    bool InitManager(const bool& DisableIOCTL = false);
+    bool InitManager(const bool& disableIoctl = false);
     bool SelectDevice(std::int32_t index);
     [[nodiscard]] std::int32_t DeviceCount();
     [[nodiscard]] std::wstring DeviceName(std::int32_t index);
@@ -39,7 +39,7 @@ public:
     bool OpenCD();
     bool CloseCD();
     [[nodiscard]] bool IsDiscPresent();
-    // A new table; null where the drive has none to give.
+    // A new table; null if the drive has none to give.
     [[nodiscard]] std::unique_ptr<cTOC> GetTOC();
     // 0, or 3 for a number that is no track. A data track is not refused.
     std::int32_t SelectTrack(std::uint8_t track);
@@ -51,14 +51,14 @@ public:
     bool Seekable() override { return true; }
     const WAVEFORMATEX* WFXPointer() override { return &format_; }
     // A track is opened by its number, never by a name: always 1.
-    std::int32_t OpenSource(const std::wstring& Source) override;
+    std::int32_t OpenSource(const std::wstring& source) override;
     std::int32_t CloseSource() override { return SourceResult::done; }
-    // cBytesRead is also input: the bytes that pBuffer holds already. 0, or 5 when no more could be
-    // read, be it the end of the track or the drive. A negative cBytesRead and a null pBuffer raise
+    // bytesRead is also input: the bytes that buffer holds already. 0, or 5 when no more could be
+    // read, be it the end of the track or the drive. A negative bytesRead and a null buffer raise
     // Invalid procedure call.
-    std::int32_t Read(void* pBuffer, std::int32_t cBytes, std::int32_t& cBytesRead) override;
+    std::int32_t Read(void* buffer, std::int32_t bytes, std::int32_t& bytesRead) override;
     // 0, or 3 for a value out of range.
-    std::int32_t SeekTo(std::int32_t Value, std::int32_t& Mode) override;
+    std::int32_t SeekTo(std::int32_t value, std::int32_t& mode) override;
 
     // cSoundInf
     StrmTags* Tags() override { return nullptr; }
@@ -76,8 +76,8 @@ private:
     static constexpr std::int32_t sectorsPerRead = 4;
     static constexpr std::int32_t bufferBytes = sectorsPerRead * bytesPerSector;
 
-    void AddBackend(std::unique_ptr<cCDAccess> backend);
-    [[nodiscard]] bool FillBuffer();
+    void addBackend(std::unique_ptr<cCDAccess> backend);
+    [[nodiscard]] bool fillBuffer();
     [[nodiscard]] std::int32_t startOf(std::int32_t track);
 
     CdBackends makers_;

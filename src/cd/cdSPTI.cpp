@@ -34,17 +34,17 @@ cdSPTI::cdSPTI(DriveDevice devices) noexcept
     : DeviceBackend(devices, GENERIC_READ | GENERIC_WRITE) {}
 
 CommandResult cdSPTI::execute(const MmcCommand& command, void* data, std::uint32_t bytes) {
-    return SendCdb(*selected(), command, data, bytes);
+    return sendCommand(*selected(), command, data, bytes);
 }
 
-DriveText cdSPTI::Inquiry(const FileRecord& device) const {
-    std::array<std::uint8_t, inquiryBytes> answer{};
-    SendCdb(device, Mmc::inquiry(), answer.data(), inquiryBytes);
-    return driveText(answer);
+DriveText cdSPTI::describeDrive(const FileRecord& device) const {
+    std::array<std::uint8_t, inquiryBytes> reply{};
+    sendCommand(device, Mmc::inquiry(), reply.data(), inquiryBytes);
+    return driveText(reply);
 }
 
-CommandResult cdSPTI::SendCdb(const FileRecord& device, const MmcCommand& command, void* data,
-                              std::uint32_t bytes) const noexcept {
+CommandResult cdSPTI::sendCommand(const FileRecord& device, const MmcCommand& command, void* data,
+                                  std::uint32_t bytes) const noexcept {
     PassThrough packet{};
     packet.request.Length = sizeof(packet.request);
     packet.request.CdbLength = command.length;

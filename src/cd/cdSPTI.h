@@ -16,13 +16,15 @@ public:
     explicit cdSPTI(DriveDevice devices = DriveDevice()) noexcept;
 
 private:
-    [[nodiscard]] DriveText describe(const FileRecord& device) override { return Inquiry(device); }
+    [[nodiscard]] DriveText describe(const FileRecord& device) override {
+        return describeDrive(device);
+    }
     [[nodiscard]] bool hasSelectedDrive() const noexcept override { return selected() != nullptr; }
     CommandResult execute(const MmcCommand& command, void* data, std::uint32_t bytes) override;
 
-    [[nodiscard]] DriveText Inquiry(const FileRecord& device) const;
-    CommandResult SendCdb(const FileRecord& device, const MmcCommand& command, void* data,
-                          std::uint32_t bytes) const noexcept;
+    [[nodiscard]] DriveText describeDrive(const FileRecord& device) const;
+    CommandResult sendCommand(const FileRecord& device, const MmcCommand& command, void* data,
+                              std::uint32_t bytes) const noexcept;
 };
 
 } // namespace corvina

@@ -3,7 +3,7 @@
 // Texts at the COM boundary. A BSTR may be null, which means empty, and may hold characters of code
 // 0.
 
-#include "com/OutOfMemory.h"
+#include "runtime/OutOfMemory.h"
 
 #include <string>
 #include <string_view>

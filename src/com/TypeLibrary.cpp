@@ -2,6 +2,7 @@
 
 #include "com/Module.h"
 
+#include <iterator>
 #include <oleauto.h>
 
 namespace corvina {

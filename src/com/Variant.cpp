@@ -1,6 +1,7 @@
 #include "com/Variant.h"
 
-#include <new>
+#include "runtime/OutOfMemory.h"
+
 #include <oleauto.h>
 
 namespace corvina {
@@ -8,7 +9,7 @@ namespace corvina {
 Variant::Variant(const Variant& other) : Variant() {
     auto* const source = const_cast<Variant*>(&other); // only read
     if (FAILED(::VariantCopy(this, source)))
-        throw std::bad_alloc();
+        throwOutOfMemory();
 }
 
 std::optional<std::int32_t> numberOf(const VARIANT& value) noexcept {

@@ -33,7 +33,7 @@ HRESULT ConnectionsPart::EnumConnectionPoints(IEnumConnectionPoints** result) {
         using Kept = ComPtr<IConnectionPoint>;
         return giveEnumerator<IEnumConnectionPoints, IConnectionPoint*, Kept>(
             {Kept(&events_), Kept(&propertyChanges_)},
-            +[](const Kept& from, IConnectionPoint*& to) noexcept {
+            [](const Kept& from, IConnectionPoint*& to) noexcept {
                 to = Kept(from).detach();
                 return true;
             },

@@ -36,10 +36,10 @@ private:
 // every window, and a host that pumps no messages would hold up whoever sends one.
 const HWND nowhere = HWND_MESSAGE;
 
-void setStyle(HWND window, LONG_PTR style) noexcept {
+void setStyle(HWND window, DWORD style) noexcept {
     const LONG_PTR kept =
         ::GetWindowLongPtrW(window, GWL_STYLE) & ~static_cast<LONG_PTR>(WS_POPUP | WS_CHILD);
-    ::SetWindowLongPtrW(window, GWL_STYLE, static_cast<LONG>(kept | style));
+    ::SetWindowLongPtrW(window, GWL_STYLE, static_cast<LONG>(kept) | static_cast<LONG>(style));
 }
 
 } // namespace

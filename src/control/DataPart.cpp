@@ -1,8 +1,8 @@
 #include "control/DataPart.h"
 
 #include "com/Enumerator.h"
-#include "com/OutOfMemory.h"
 #include "platform/UniqueHandle.h"
+#include "runtime/OutOfMemory.h"
 
 #include <ole2.h>
 
@@ -138,7 +138,7 @@ HRESULT DataPart::EnumFormatEtc(DWORD direction, IEnumFORMATETC** result) {
             return E_NOTIMPL;
         return giveEnumerator<IEnumFORMATETC, FORMATETC, FORMATETC>(
             {std::begin(formats), std::end(formats)},
-            +[](const FORMATETC& from, FORMATETC& to) noexcept {
+            [](const FORMATETC& from, FORMATETC& to) noexcept {
                 to = from;
                 return true;
             },

@@ -1,9 +1,9 @@
 #include "control/ObjectPart.h"
 
 #include "com/Enumerator.h"
-#include "com/OutOfMemory.h"
 #include "control/AboutBox.h"
 #include "control/Verbs.h"
+#include "runtime/OutOfMemory.h"
 
 #include <cstring>
 #include <cwchar>

@@ -1,11 +1,11 @@
 #include "graph/clsFourier.h"
 
 #include "runtime/BitReversal.h"
+#include "runtime/OutOfMemory.h"
 #include "runtime/RuntimeError.h"
 
 #include <bit>
 #include <cmath>
-#include <new>
 #include <numbers>
 #include <utility>
 
@@ -39,7 +39,7 @@ void clsFourier::NumberOfSamples(std::int32_t count) {
         return;
     std::vector<Complex> data;
     if (static_cast<std::size_t>(count) > data.max_size())
-        throw std::bad_alloc();
+        throwOutOfMemory();
     data.resize(static_cast<std::size_t>(count));
     RadixTwoTransform transform(count);
     data_ = std::move(data);

@@ -121,9 +121,10 @@ std::vector<RegistryValue> valuesOf(const ClassEntry& entry, const Library& libr
 }
 
 HRESULT registerTypeLibrary(const Library& library, RegistrationScope scope, Text path) {
-    const auto enter =
-        scope == RegistrationScope::machine ? &::RegisterTypeLib : &::RegisterTypeLibForUser;
-    return enter(library.library.get(), path.data(), nullptr);
+    // Headers differ in the constness that each of the two declares.
+    return scope == RegistrationScope::machine
+               ? ::RegisterTypeLib(library.library.get(), path.data(), nullptr)
+               : ::RegisterTypeLibForUser(library.library.get(), path.data(), nullptr);
 }
 
 Text typeLibraryKey(const Library& library) {

@@ -3,6 +3,8 @@
 // The functions of the audio compression manager: conversion, and the codecs. A user keeps the
 // table by reference: it must outlive the user.
 
+#include "platform/ApiHandle.h"
+
 #include <windows.h>
 
 #include <mmsystem.h>
@@ -26,5 +28,13 @@ struct AcmApi {
 };
 
 inline const AcmApi systemAcmApi;
+
+struct AcmStreamTraits {
+    using Api = AcmApi;
+    using Handle = HACMSTREAM;
+    static Handle none() noexcept { return nullptr; }
+    static void close(const Api& api, Handle stream) noexcept { api.streamClose(stream, 0); }
+};
+using AcmStream = ApiHandle<AcmStreamTraits>;
 
 } // namespace corvina

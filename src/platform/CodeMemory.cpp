@@ -1,11 +1,11 @@
 #include "platform/CodeMemory.h"
 
 #include "platform/UniqueHandle.h"
+#include "runtime/OutOfMemory.h"
 
 #include <algorithm>
 #include <array>
 #include <atomic>
-#include <new>
 #include <windows.h>
 
 namespace corvina {
@@ -34,12 +34,12 @@ public:
         const Section section(::CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr,
                                                    PAGE_EXECUTE_READWRITE, 0, bytes, nullptr));
         if (!section)
-            throw std::bad_alloc();
+            throwOutOfMemory();
         writable_ = View(::MapViewOfFile(section.get(), FILE_MAP_WRITE, 0, 0, bytes));
         executable_ =
             View(::MapViewOfFile(section.get(), FILE_MAP_READ | FILE_MAP_EXECUTE, 0, 0, bytes));
         if (!writable_ || !executable_)
-            throw std::bad_alloc();
+            throwOutOfMemory();
     }
 
     std::size_t take(std::uint32_t use) {
@@ -49,7 +49,7 @@ public:
             if (!busy_[index].test_and_set(std::memory_order_acquire))
                 return index;
         }
-        throw std::bad_alloc();
+        throwOutOfMemory();
     }
     void giveBack(std::size_t index) noexcept { busy_[index].clear(std::memory_order_release); }
 

@@ -3,6 +3,8 @@
 // The functions with which libraries are loaded by name and called. A user keeps the table by
 // reference: it must outlive the user.
 
+#include "platform/ApiHandle.h"
+
 #include <windows.h>
 
 namespace corvina {
@@ -16,5 +18,13 @@ struct LibraryApi {
 };
 
 inline const LibraryApi systemLibraryApi;
+
+struct LibraryHandleTraits {
+    using Api = LibraryApi;
+    using Handle = HMODULE;
+    static Handle none() noexcept { return nullptr; }
+    static void close(const Api& api, Handle library) noexcept { api.freeLibrary(library); }
+};
+using LibraryHandle = ApiHandle<LibraryHandleTraits>;
 
 } // namespace corvina

@@ -40,7 +40,7 @@ std::int32_t countAudioDevices(const WaveApi& wave, std::int32_t direction) {
 std::int32_t describeAudioDevice(const WaveApi& wave, std::int32_t index, std::int32_t direction,
                                  AudioDevice& device) {
     const auto id = static_cast<UINT_PTR>(index);
-    // The record is described whatever the query answered: a host that ignores the result finds
+    // The record is described whatever the query returned: a host that ignores the result finds
     // empty fields instead of those of the device asked for before.
     if (direction == AudioDirection::output) {
         WAVEOUTCAPSA caps{};

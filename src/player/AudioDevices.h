@@ -1,7 +1,8 @@
 #pragma once
 
 // Lists the wave devices. The two functions test the direction differently, on purpose: for a value
-// that is neither input nor output the one counts outputs and the other describes inputs.
+// that is neither input nor output the one counts outputs and the other describes inputs. Both are
+// published that way, and a host that passes 0 gets what it always got.
 
 #include "platform/WaveApi.h"
 
@@ -24,7 +25,7 @@ inline constexpr std::int32_t output = 2;
 
 [[nodiscard]] std::int32_t countAudioDevices(const WaveApi& wave, std::int32_t direction);
 
-// Answers the device result. A failed query describes a device without name, channels and formats.
+// Returns the device result. A failed query describes a device without name, channels and formats.
 // A name that fills its field to the last character raises Invalid procedure call.
 std::int32_t describeAudioDevice(const WaveApi& wave, std::int32_t index, std::int32_t direction,
                                  AudioDevice& device);

@@ -1,378 +1,340 @@
 #include "player/PlaybackEngine.h"
 
 #include "player/ErrorText.h"
+#include "player/ExceptionReport.h"
 #include "player/PlayerEvents.h"
 #include "runtime/RuntimeError.h"
-#include "stream/cSoundSTRM.h"
 
+#include <algorithm>
+#include <cstddef>
+#include <span>
+#include <string>
 #include <utility>
 
 namespace corvina {
 namespace {
 
-constexpr std::int32_t bytesPerBuffer = 8000;
 // What AudioDataOut shows before the first refill.
 constexpr std::size_t samplesBeforeFirstRefill = 1024;
-constexpr UINT headerBytes = sizeof(WAVEHDR);
 constexpr std::int32_t conversionImpossible = 5;
-static_assert(headerBytes == 32);
-
-// The number and text of the exception being handled, for the Err event.
-void reportCurrentException(PlayerEvents& events) noexcept {
-    try {
-        try {
-            throw;
-        } catch (const RuntimeError& error) {
-            events.Err(L"WindowProcOut", error.number(), error.text());
-        } catch (const std::bad_alloc&) {
-            events.Err(L"WindowProcOut", 7, L"Out of memory");
-        } catch (...) {
-            events.Err(L"WindowProcOut", 51, L"Internal error");
-        }
-    } catch (const std::bad_alloc&) {
-        // Not even the report fits into memory; the playback's end tells the host.
-    }
-}
 
 } // namespace
 
-PlaybackEngine::PlaybackEngine(PlayerEvents& events, cCallback* observer, cSoundSTRM* const& source,
-                               const WaveApi& wave, const WindowApi& windows,
-                               const AcmApi& acm) noexcept
-    : events_(events), observer_(observer), source_(source), wave_(wave), windows_(windows),
-      acm_(acm) {}
+PlaybackEngine::PlaybackEngine(PlayerEvents& events, TrackSupply& supply,
+                               const PlaybackOptions& options, const PlayerPlatform& platform)
+    : events_(events), supply_(supply), options_(options), wave_(platform.wave),
+      trace_(platform.trace), messages_(platform.windows), device_(platform.wave),
+      timer_(platform.windows,
+             [this] {
+                 // A handler may release the owner of all this.
+                 PlayerEvents& owner = events_;
+                 owner.hold();
+                 tick();
+                 owner.letGo();
+             }),
+      life_(events) {}
 
 PlaybackEngine::~PlaybackEngine() {
-    Disconnect();
+    disconnect();
 }
 
-std::int32_t PlaybackEngine::StartPlayAudio(std::int32_t deviceIndex, WAVEFORMATEX format) {
-    // A device whose close failed when its playback ended gets a second try, or it would be lost.
-    // The host still waits for the DonePlay of that playback: unless another one begins now, the
-    // close message brings it.
-    bool closesFormer = false;
-    if (device_) {
-        closesFormer = closeDevice();
-        discardMessages(CloseMessage::keep);
-    }
+// The only place that changes the state.
+void PlaybackEngine::enter(PlaybackState next) noexcept {
+    const PlaybackState former = std::exchange(state_, next);
+    life_.setDeviceClosed(playback_, next == PlaybackState::closed);
+    if (trace_ && former != next)
+        trace_(former, next);
+}
 
+void PlaybackEngine::stopFeeding() noexcept {
+    if (state_ == PlaybackState::feeding)
+        enter(PlaybackState::draining);
+}
+
+bool PlaybackEngine::uses(const cSoundSTRM* source) const noexcept {
+    return (playing() || !done_) && tracks_.uses(source);
+}
+
+bool PlaybackEngine::playing() const noexcept {
+    return state_ == PlaybackState::feeding || state_ == PlaybackState::draining ||
+           state_ == PlaybackState::closing;
+}
+
+void PlaybackEngine::connect(HWND window) noexcept {
+    messages_.setWindow(window);
+    done_ = true;
+}
+
+void PlaybackEngine::disconnect() noexcept {
+    if (state_ != PlaybackState::closed)
+        static_cast<void>(closeAtOnce());
+    messages_.discardReturned();
+    while (messages_.discardClose())
+        ;
+    timer_.stop();
+    messages_.setWindow(nullptr);
+    // The player closes its source; one that is the engine's alone closes itself.
+    tracks_.forget();
+    done_ = true;
+}
+
+void PlaybackEngine::reportEnds() noexcept {
+    try {
+        life_.endAll(PLAYEND_STOPPED);
+    } catch (const std::bad_alloc&) {
+        // The events are lost.
+    }
+}
+
+std::int32_t PlaybackEngine::start(std::int32_t deviceIndex, TrackQueue::Track track) {
+    const WAVEFORMATEX sourceFormat = track->sourceFormat();
+    const bool closedFormer = closeFormerDevice();
     ++playback_;
-    converter_ = std::make_unique<cPCM>(acm_);
-    if (!source_ || !converter_->InitConversion(*source_, observer_, false)) {
+    ++session_;
+    // The converter of a start that fails stays until the next start or stop.
+    const bool convertible = track->begin();
+    tracks_.begin(std::move(track));
+    if (!convertible) {
         events_.Err(L"InitConversion", conversionImpossible, L"Can't init conversion");
         return conversionImpossible;
     }
-    // Block align and average rate stay the source's, also where the converter changes the width:
-    // that is the record devices have always been opened with here, and they take it.
-    format.nSamplesPerSec = static_cast<DWORD>(converter_->OutputSamplerate());
-    format.nChannels = static_cast<WORD>(converter_->OutputChannels());
-    format.wBitsPerSample = static_cast<WORD>(converter_->OutputBitsPerSample());
-
-    bufferBytes_ = bytesPerBuffer;
-    ring_ = std::make_unique<WaveRing>();
-
-    // Without a window that listens nothing would ever fill the ring, so the device is not opened.
-    if (!window_)
-        return MMSYSERR_INVALPARAM;
-    const DWORD mapping = deviceIndex == -1 ? 0 : WAVE_MAPPED;
-    const MMRESULT opened =
-        wave_.outOpen(&device_, static_cast<UINT>(deviceIndex), &format,
-                      reinterpret_cast<DWORD_PTR>(window_), 0, CALLBACK_WINDOW | mapping);
-    if (opened != MMSYSERR_NOERROR) {
-        device_ = nullptr;
-        return static_cast<std::int32_t>(opened);
-    }
-
-    // The host is told of a failure by the result alone: no message of this device may follow.
-    const auto abandon = [this]() noexcept {
-        const bool closed = closeDevice();
-        discardMessages(closed ? CloseMessage::discardOne : CloseMessage::keep);
-    };
-    try {
-        if (const MMRESULT prepared = prepareRing(); prepared != MMSYSERR_NOERROR) {
-            abandon();
-            return static_cast<std::int32_t>(prepared);
-        }
-        audioData_.assign(samplesBeforeFirstRefill, 0);
-    } catch (...) {
-        abandon();
-        throw;
-    }
-
-    drained_ = 0;
-    const BOOL primed = primeRing();
-    if (primed != TRUE && primed != FALSE) {
-        abandon();
-        return primed;
-    }
-    if (closesFormer)
-        static_cast<void>(discardMessage(MM_WOM_CLOSE));
+    deviceIndex_ = deviceIndex;
+    if (const std::int32_t result = openSession(deviceIndex, sourceFormat); result != 0)
+        return result;
+    if (closedFormer)
+        messages_.discardClose();
     paused_ = false;
-    playing_ = true;
     done_ = false;
-    feeding_ = primed == TRUE;
-    if (!feeding_) {
-        // A refused post answers 0, and that is the result for the host, for whom it means success:
-        // it gets a playback that ends at once, with its DonePlay, and not one that hangs.
-        discardMessages(CloseMessage::keep);
-        drained_ = playedBuffers;
-        StopPlayProc();
-    }
+    intervalChanged();
+    const std::uint32_t session = session_;
+    life_.begun(playback_);
+    if (session == session_ && !primed_)
+        endUnprimed();
     return 0;
 }
 
-MMRESULT PlaybackEngine::prepareRing() {
-    for (std::size_t i = 0; i < playedBuffers; ++i) {
-        WaveBuffer& buffer = (*ring_)[i];
-        buffer.allocate(bytesPerBuffer, i);
-        const MMRESULT result = wave_.outPrepareHeader(device_, &buffer.header, headerBytes);
-        if (result != MMSYSERR_NOERROR)
-            return result;
-    }
-    return MMSYSERR_NOERROR;
+// A device whose close failed when its playback ended gets a second try, or it would be lost.
+// Whether it is closed now: the host still waits for the DonePlay of that playback, and unless
+// another one begins now, the close message brings it.
+bool PlaybackEngine::closeFormerDevice() noexcept {
+    if (state_ == PlaybackState::closed)
+        return false;
+    const bool closed = closeAtOnce();
+    messages_.discardReturned();
+    return closed;
 }
 
-// Posts to our own window what the device would post for eight returned buffers: each message fills
-// and queues the next buffer. Answers what the last post answered.
-BOOL PlaybackEngine::primeRing() noexcept {
-    const auto firstHeader = reinterpret_cast<LPARAM>(&ring_->front().header);
-    for (std::size_t i = 0; i < playedBuffers; ++i) {
-        const BOOL posted = windows_.postMessage(window_, MM_WOM_DONE, 0, firstHeader);
-        if (posted != TRUE)
-            return posted;
+// Opens the device for the current track and has the ring filled. If the device fails, nothing of
+// it is left, and its result is returned.
+std::int32_t PlaybackEngine::openSession(std::int32_t deviceIndex, const WAVEFORMATEX& format) {
+    ++session_;
+    format_ = tracks_.current()->format();
+    // Everything that needs memory comes before the device is opened.
+    ring_ = std::make_unique<WaveRing>(format_, options_.sound);
+    std::vector<std::int16_t> silence(samplesBeforeFirstRefill);
+    // Without a window that listens nothing would ever fill the ring, so the device is not opened.
+    if (!messages_.window())
+        return MMSYSERR_INVALPARAM;
+    // Block align and average rate stay the source's even if the converter changes the width. This
+    // mixed record is on purpose: it is what devices have always been opened with here. They go by
+    // the width and accept it.
+    WAVEFORMATEX mixed = format;
+    mixed.nSamplesPerSec = static_cast<DWORD>(format_.sampleRate);
+    mixed.nChannels = static_cast<WORD>(format_.channels);
+    mixed.wBitsPerSample = static_cast<WORD>(format_.bits);
+    MMRESULT result = device_.open(deviceIndex, mixed, messages_.window());
+    if (result != MMSYSERR_NOERROR)
+        return static_cast<std::int32_t>(result);
+    enter(PlaybackState::opening);
+    result = ring_->prepare(wave_, device_.handle());
+    if (result != MMSYSERR_NOERROR) {
+        abandonSession();
+        return static_cast<std::int32_t>(result);
     }
-    return TRUE;
+    audioData_ = std::move(silence);
+    drained_ = 0;
+    lost_ = 0;
+    const BOOL posted = messages_.postReturned(WaveRing::playedBuffers,
+                                               reinterpret_cast<LPARAM>(&ring_->first().header));
+    if (posted != TRUE && posted != FALSE) {
+        abandonSession();
+        return posted;
+    }
+    // A refused post returns 0, and that is the result for the host, to which it means success: it
+    // gets a playback that ends at once, with its DonePlay, and not one that hangs.
+    primed_ = posted == TRUE;
+    watchedFrame_ = 0;
+    progressAt_ = ::GetTickCount64();
+    enter(PlaybackState::feeding);
+    return 0;
 }
 
-void PlaybackEngine::WindowProcOut(UINT message) noexcept {
-    const std::uint32_t playback = playback_;
+// The host is notified of the failure by the result alone: no message of this device may follow.
+void PlaybackEngine::abandonSession() noexcept {
+    const bool closed = closeAtOnce();
+    messages_.discardReturned();
+    if (closed)
+        messages_.discardClose();
+}
+
+void PlaybackEngine::endUnprimed() {
+    messages_.discardReturned();
+    stopFeeding();
+    if (state_ == PlaybackState::draining)
+        closeDrained();
+}
+
+void PlaybackEngine::handleMessage(UINT message) noexcept {
+    const std::uint32_t session = session_;
     try {
         if (message == MM_WOM_DONE)
             bufferReturned();
         else if (message == MM_WOM_CLOSE)
             deviceClosed();
     } catch (...) {
-        feeding_ = false;
+        stopFeeding();
+        life_.setReason(playback_, PLAYEND_ERROR);
         reportCurrentException(events_);
-        failPlayback(playback);
+        failPlayback(session);
     }
 }
 
 void PlaybackEngine::bufferReturned() {
-    const std::uint32_t playback = playback_;
-    if (feeding_ && refill())
-        return;
-    if (playback == playback_)
-        countDrained();
+    const std::uint32_t session = session_;
+    progressAt_ = ::GetTickCount64();
+    if (state_ != PlaybackState::feeding || !refill()) {
+        if (session == session_)
+            countDrained();
+    }
+    if (session == session_ && playing())
+        reportHeard();
 }
 
 // Fills and queues the next buffer. False if that was not done because the playback was stopped, so
 // that the buffer counts as returned.
 bool PlaybackEngine::refill() {
-    const std::uint32_t playback = playback_;
+    const std::uint32_t session = session_;
     // A handler of Err can have stopped this playback, or stopped it and begun another.
-    const auto stopped = [&] { return !converter_ || playback != playback_; };
-    if (!converter_) {
-        // Begun while the close message of the playback before was being handled, which dropped
-        // the converter.
-        feeding_ = false;
-        return false;
-    }
-
-    current_ = current_ == playedBuffers - 1 ? 0 : current_ + 1;
-    // The device returns buffers in the order in which they were queued: it is always this one.
-    WaveBuffer& buffer = (*ring_)[current_];
-    const auto failed = [this](const wchar_t* where, MMRESULT result) {
+    const auto stopped = [&] { return !tracks_.current() || session != session_; };
+    const auto failed = [this](const wchar_t* function, MMRESULT result) {
         const auto number = static_cast<std::int32_t>(result);
-        events_.Err(where, number, errorText(number));
+        events_.Err(function, number, errorText(number));
     };
 
-    MMRESULT result = wave_.outUnprepareHeader(device_, &buffer.header, headerBytes);
+    WaveBuffer& buffer = ring_->next();
+    MMRESULT result = device_.unprepare(buffer.header);
     if (result != MMSYSERR_NOERROR) {
         failed(L"WindowProcOut:waveOutUnprepareHeader", result);
         if (stopped())
             return false;
     }
-    // The header keeps its full length also for the last, short block: what lies behind the
-    // delivered bytes is heard too.
-    converter_->GetSamples(buffer.data.data(), bufferBytes_, lastReadLength_);
-    // The converter meets the end of the source up to half a second before its last sample has its
-    // turn, so EndOfStream alone would cut the file short.
-    if (converter_->Exhausted())
-        feeding_ = false;
-    // Made while the former copy still exists, so that it has another address.
-    audioData_ = std::vector<std::int16_t>(buffer.data);
-
-    result = wave_.outPrepareHeader(device_, &buffer.header, headerBytes);
+    fill(buffer);
+    result = device_.prepare(buffer.header);
     if (result != MMSYSERR_NOERROR) {
         failed(L"WindowProcOut:waveOutPrepareHeader", result);
         if (stopped())
             return false;
     }
     // A buffer that the device refuses never comes back. The ring goes on without it, and the count
-    // at the end stays short of eight: this is how the counting has always worked.
-    result = wave_.outWrite(device_, &buffer.header, headerBytes);
-    if (result != MMSYSERR_NOERROR)
+    // at the end stays short of eight, so that the device is not closed. Hosts know this: a
+    // DonePlay without all of the sound would be a different promise.
+    result = device_.write(buffer.header);
+    if (result != MMSYSERR_NOERROR) {
+        ++lost_;
         failed(L"WindowProcOut:waveOutWrite", result);
+        // Without any buffer no message would ever come again.
+        if (session == session_ && lost_ == WaveRing::playedBuffers && playing())
+            loseDevice();
+    }
+    if (session == session_)
+        supply_.reportFailures();
     return true;
 }
 
+void PlaybackEngine::fill(WaveBuffer& buffer) {
+    const std::span<std::uint8_t> bytes = buffer.bytes();
+    // A handler may have let the playback come to its end before this buffer had its turn.
+    if (state_ == PlaybackState::feeding) {
+        const bool exactly = options_.cleanEnd || options_.loops || !options_.nextFile.empty();
+        const TrackQueue::Filled filled =
+            tracks_.fill(bytes, {.loops = options_.loops, .exactly = exactly, .next = [this] {
+                                     return supply_.takeNext();
+                                 }});
+        if (filled.ended)
+            stopFeeding();
+        // The header keeps its full length even for the last, short block: what lies behind the
+        // delivered bytes, from the buffer's former use, is heard too. Devices have always been
+        // given whole blocks here; only CleanEnd makes the rest silent.
+        if (options_.cleanEnd)
+            std::fill(bytes.begin() + filled.bytes, bytes.end(), format_.silence());
+    }
+    ring_->applySettings(buffer);
+    // Made while the former copy still exists, so that it has another address.
+    audioData_ = std::vector<std::int16_t>(buffer.data);
+}
+
 void PlaybackEngine::countDrained() {
-    if (drained_ < playedBuffers && ++drained_ == playedBuffers)
-        StopPlayProc();
+    if (state_ != PlaybackState::draining)
+        return;
+    if (++drained_ == WaveRing::playedBuffers)
+        closeDrained();
+    else if (drained_ + lost_ == WaveRing::playedBuffers)
+        life_.end(playback_, PLAYEND_ERROR);
 }
 
 void PlaybackEngine::deviceClosed() {
     try {
-        // Done is still clear, so this resets a device that is closed and the device layer refuses:
-        // hosts see that Err before every DonePlay. A playback started before this message was
-        // handled is stopped by it.
-        PlayStop();
+        if (continueWithOther())
+            return;
+        // Done is still clear, so this resets a device that is closed, which the device layer
+        // refuses with 5. The Err before every DonePlay is on purpose: hosts take it for the sign
+        // of the end. A playback started before this message was handled is stopped by it.
+        stop();
     } catch (...) {
         reportCurrentException(events_);
-        converter_.reset();
+        tracks_.forget();
     }
     done_ = true;
     events_.DonePlay();
+    life_.raiseDue();
 }
 
-std::int32_t PlaybackEngine::StopPlayAudio() {
-    feeding_ = false;
-    const auto result = static_cast<std::int32_t>(wave_.outReset(device_));
-    // A handler that answers this event with PlayStop comes here again: it gets its result, but not
-    // the same event without end.
-    const FailedReset failed{playback_, device_};
-    if (result != MMSYSERR_NOERROR && reported_ != failed) {
-        const FailedReset outer = std::exchange(reported_, failed);
-        events_.Err(L"StopPlayAudio:waveOutReset", result, std::to_wstring(result));
-        reported_ = outer;
-    }
-    return result;
-}
-
-void PlaybackEngine::StopPlayProc() {
-    const std::uint32_t playback = playback_;
-    // A handler of Err can have closed the device.
-    const auto closed = [&] { return !device_ || playback != playback_; };
-    feeding_ = false;
-    for (std::size_t i = 0; i < playedBuffers; ++i) {
-        // Always the spare record, which was never prepared, and not buffer i: the buffers keep
-        // their prepared state until the device is closed, as drivers have come to expect.
-        const auto result = static_cast<std::int32_t>(
-            wave_.outUnprepareHeader(device_, &(*ring_)[spareBuffer].header, headerBytes));
-        if (result == MMSYSERR_NOERROR)
-            continue;
-        events_.Err(L"StopPlayProc:waveOutUnprepareHeader :hdr(" + std::to_wstring(i) + L")",
-                    result, errorText(result));
-        if (closed())
-            return;
-    }
-    const auto result = static_cast<std::int32_t>(wave_.outClose(device_));
-    if (result == MMSYSERR_NOERROR) {
-        device_ = nullptr;
-    } else {
-        events_.Err(L"StopPlayProc:waveOutClose", result, std::to_wstring(result));
-        if (closed())
-            return;
-    }
-    playing_ = false;
-}
-
-std::int32_t PlaybackEngine::PlayStop() {
-    if (done_)
-        return 0;
-    const std::int32_t result = StopPlayAudio();
-    dropConversion();
-    return result;
-}
-
-void PlaybackEngine::dropConversion() {
-    if (source_)
-        source_->CloseSource();
-    if (converter_)
-        converter_->CloseConverter();
-    converter_.reset();
-}
-
-std::int32_t PlaybackEngine::PlayPause() noexcept {
-    const auto result = static_cast<std::int32_t>(wave_.outPause(device_));
-    if (result == MMSYSERR_NOERROR)
-        paused_ = true;
-    return result;
-}
-
-std::int32_t PlaybackEngine::PlayUnPause() noexcept {
-    const auto result = static_cast<std::int32_t>(wave_.outRestart(device_));
-    if (result == MMSYSERR_NOERROR)
-        paused_ = false;
-    return result;
-}
-
-// Ends a playback in which something was thrown, without waiting for its buffers: the one being
-// refilled will not come back. The close message follows as at every end.
-void PlaybackEngine::failPlayback(std::uint32_t playback) {
-    if (playback != playback_ || !device_)
-        return;
-    try {
-        StopPlayAudio();
-        if (playback != playback_ || !device_)
-            return;
-        discardMessages(CloseMessage::keep);
-        drained_ = playedBuffers;
-        dropConversion();
-    } catch (...) {
-        // The source could not be closed either; it is closed when it is opened again.
-        converter_.reset();
-    }
-    static_cast<void>(closeDevice());
-}
-
-void PlaybackEngine::Disconnect() noexcept {
-    if (device_)
-        static_cast<void>(closeDevice());
-    discardMessages(CloseMessage::discardAll);
-    window_ = nullptr;
-    converter_.reset();
-    done_ = true;
-}
-
-// Closes the device at once, without events. Whether it accepted that, so that its close message
-// comes.
-bool PlaybackEngine::closeDevice() noexcept {
-    feeding_ = false;
-    playing_ = false;
-    drained_ = playedBuffers;
-    wave_.outReset(device_);
-    for (std::size_t i = 0; i < playedBuffers; ++i)
-        wave_.outUnprepareHeader(device_, &(*ring_)[i].header, headerBytes);
-    // A device that refuses to close may still read the buffers: they are left to it.
-    const bool closed = wave_.outClose(device_) == MMSYSERR_NOERROR;
-    if (!closed)
-        static_cast<void>(ring_.release());
-    device_ = nullptr;
-    return closed;
-}
-
-// Takes this engine's messages out of the window's queue, so that the next playback is not fed or
-// stopped by what a former one left.
-void PlaybackEngine::discardMessages(CloseMessage close) noexcept {
-    while (discardMessage(MM_WOM_DONE))
-        ;
-    if (close == CloseMessage::discardOne)
-        static_cast<void>(discardMessage(MM_WOM_CLOSE));
-    while (close == CloseMessage::discardAll && discardMessage(MM_WOM_CLOSE))
-        ;
-}
-
-bool PlaybackEngine::discardMessage(UINT message) noexcept {
-    MSG found{};
-    if (!window_ ||
-        !windows_.peekMessage(&found, window_, message, message, PM_REMOVE | PM_QS_POSTMESSAGE))
+// The next track has another format: the device that played the former one is closed, and it gets
+// one of its own.
+bool PlaybackEngine::continueWithOther() {
+    if (state_ != PlaybackState::closed || done_ || !tracks_.other())
         return false;
-    // The end of the host's message loop passes every filter.
-    if (found.message == WM_QUIT)
-        windows_.postQuitMessage(static_cast<int>(found.wParam));
-    return found.message == message;
+    const TrackQueue::Track other = tracks_.takeOther();
+    tracks_.close();
+    const WAVEFORMATEX format = other->sourceFormat();
+    tracks_.begin(other);
+    const std::int32_t result = openSession(deviceIndex_, format);
+    if (result != 0) {
+        life_.setReason(playback_, PLAYEND_ERROR);
+        events_.Err(L"StartPlayAudio:waveOutOpen", result, std::to_wstring(result));
+        return false;
+    }
+    if (!primed_)
+        endUnprimed();
+    supply_.nextHeard(other);
+    events_.NextStarted(other->file());
+    return true;
+}
+
+bool PlaybackEngine::latestSamples(SampleBlock& block) const {
+    // Before the first refill audioData is a stand-in of silence.
+    if (!playing() || audioData_.size() <= samplesBeforeFirstRefill)
+        return false;
+    block.channels = format_.channels;
+    block.sampleRate = format_.sampleRate;
+    block.samples = audioData_;
+    if (format_.bits == 8) {
+        block.samples.clear();
+        for (const std::byte sample : std::as_bytes(std::span(audioData_)))
+            block.samples.push_back(
+                static_cast<std::int16_t>((std::to_integer<int>(sample) - 128) * 256));
+    }
+    return true;
 }
 
 } // namespace corvina

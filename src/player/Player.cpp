@@ -2,13 +2,16 @@
 
 #include "platform/ErrorBoxes.h"
 #include "player/ErrorText.h"
+#include "player/FormatName.h"
 #include "player/TimeText.h"
+#include "player/WaveLength.h"
 #include "runtime/Rounding.h"
 #include "runtime/RuntimeError.h"
+#include "runtime/Text.h"
 #include "stream/FileListing.h"
-#include "stream/PcmFormat.h"
 #include "subclass/MSubclass.h"
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -20,7 +23,8 @@ namespace {
 constexpr std::array<std::int32_t, 2> outputMessages{MM_WOM_DONE, MM_WOM_CLOSE};
 constexpr std::array<std::int32_t, 2> inputMessages{MM_WIM_DATA, MM_WIM_CLOSE};
 
-// What OpenAudioFile answers; the number of the Err event is 1 for all three.
+// What OpenAudioFile returns. The number of the Err event is 1 for all three: hosts tell them apart
+// by the text.
 constexpr std::int32_t noSuchFile = 1;
 constexpr std::int32_t notSupported = 2;
 constexpr std::int32_t couldNotOpen = 3;
@@ -39,17 +43,18 @@ void attachUnlessAttached(ISubclass& client, HWND window, std::int32_t message) 
 } // namespace
 
 Player::Player(PlayerEvents& events, cCallback* observer, const PlayerPlatform& platform)
-    : events_(events), platform_(platform),
-      engine_(events, observer, source_, platform.wave, platform.windows, platform.acm) {}
+    : events_(events), observer_(observer), platform_(platform),
+      next_(events, settings_.options(), platform_, observer),
+      engine_(events, next_, settings_.options(), platform_) {}
 
 Player::~Player() {
-    Shutdown();
+    shutdown();
 }
 
 std::int32_t Player::Init(HWND window, ISubclass& client) {
-    // Whatever the device told a window that is subclassed no more is lost.
-    if (window != window_ || &client != client_ || !MSubclass::IsSubclassed(window))
-        Shutdown();
+    // What the device posts to a window that is no longer subclassed is lost.
+    if (window != window_ || &client != client_ || !MSubclass::isSubclassed(window))
+        shutdown();
     window_ = window;
     client_ = &client;
     for (const std::int32_t message : outputMessages)
@@ -57,8 +62,8 @@ std::int32_t Player::Init(HWND window, ISubclass& client) {
     for (const std::int32_t message : inputMessages)
         attachUnlessAttached(client, window, message);
     for (std::unique_ptr<cSoundSTRM>& source : platform_.makeSources())
-        sources_.AddSource(std::move(source));
-    engine_.Connect(window);
+        sources_.add(std::move(source));
+    engine_.connect(window);
     if (!codecs_)
         codecs_.emplace(platform_.acm);
     return 0;
@@ -71,15 +76,15 @@ std::int32_t Player::DeInit() {
         for (const std::int32_t message : outputMessages)
             MSubclass::DetachMessage(client_, window_, message);
     // The device's messages do not arrive any more, so it cannot be closed by them.
-    engine_.Disconnect();
+    engine_.disconnect();
     codecs_.reset();
-    if (cSoundSTRM* const source = std::exchange(source_, nullptr))
-        source->CloseSource();
+    closeCurrentSource();
+    engine_.reportEnds();
     return 0;
 }
 
-void Player::Shutdown() noexcept {
-    engine_.Disconnect();
+void Player::shutdown() noexcept {
+    engine_.disconnect();
     codecs_.reset();
     if (client_) {
         for (const std::int32_t message : outputMessages)
@@ -90,66 +95,101 @@ void Player::Shutdown() noexcept {
     client_ = nullptr;
     window_ = nullptr;
     try {
-        if (cSoundSTRM* const source = std::exchange(source_, nullptr))
-            source->CloseSource();
+        closeCurrentSource();
     } catch (...) {
         // The source closes itself when it is opened again or destroyed.
     }
+    engine_.reportEnds();
 }
 
-std::int32_t Player::HandleMessage(HWND, UINT message, WPARAM, LPARAM) noexcept {
-    if (message == MM_WOM_DONE || message == MM_WOM_CLOSE)
-        engine_.WindowProcOut(message);
-    return 0;
+void Player::handleMessage(UINT message) noexcept {
+    engine_.handleMessage(message);
 }
 
-void Player::WindowDestroyed() noexcept {
-    Shutdown();
+void Player::windowDestroyed() noexcept {
+    shutdown();
 }
 
-std::int32_t Player::OpenAudioFile(const std::wstring& strFile) {
+std::int32_t Player::OpenAudioFile(const std::wstring& file) {
     const auto failed = [this](const wchar_t* description, std::int32_t result) {
         events_.Err(L"", openErrNumber, description);
         return result;
     };
-    if (!isFileListed(strFile, platform_.files))
+    // The text is published with this spelling, and hosts compare it.
+    if (!isFileListed(file, platform_.files))
         return failed(L"File doen't exist", noSuchFile);
-    if (cSoundSTRM* const previous = std::exchange(source_, nullptr))
-        previous->CloseSource();
-    source_ = sources_.FindSourceForFile(strFile);
+    closeCurrentSource();
+    source_ = sources_.findForFile(file);
     if (!source_)
         return failed(L"Format not supported", notSupported);
-    const auto opened = [&] {
+    file_ = file;
+    const auto opens = [&](SourceList::Source& source) {
+        if (engine_.uses(source.get()))
+            source = freshSource(source);
         const NoErrorBoxes quiet;
-        return source_->OpenSource(strFile);
+        return source->OpenSource(file) == SourceResult::done;
     };
-    if (opened() != SourceResult::done)
-        return failed(L"Could not open file", couldNotOpen);
-    return 0;
+    if (opens(source_))
+        return 0;
+    for (auto next = source_; (next = sources_.findNextForFile(file, next));)
+        if (opens(next)) {
+            source_ = next;
+            return 0;
+        }
+    return failed(L"Could not open file", couldNotOpen);
 }
 
-std::int32_t Player::PlayStart(const std::wstring& sAudioFile, std::int32_t DeviceIndex,
-                               std::int32_t lBufferSize) {
+// A playback keeps its source and closes it itself.
+void Player::closeCurrentSource() {
+    next_.forgetHeard();
+    const SourceList::Source source = std::exchange(source_, nullptr);
+    if (source && !engine_.uses(source.get()))
+        source->CloseSource();
+}
+
+// One of the same class, in the place of one that plays.
+SourceList::Source Player::freshSource(const SourceList::Source& used) {
+    std::vector<std::unique_ptr<cSoundSTRM>> made = platform_.makeSources();
+    SourceList::Source fresh = std::move(made[sources_.indexOf(used) % made.size()]);
+    sources_.replace(used, fresh);
+    return fresh;
+}
+
+std::int32_t Player::PlayStart(const std::wstring& file, std::int32_t deviceIndex, std::int32_t) {
     if (engine_.playing())
         return PlayerError::alreadyPlaying;
-    engine_.RequestBufferSize(lBufferSize);
-    engine_.RewindRing();
-    if (const std::int32_t result = OpenAudioFile(sAudioFile); result != 0)
+    if (const std::int32_t result = OpenAudioFile(file); result != 0)
         return result;
-    currentFile_ = sAudioFile;
-    return engine_.StartPlayAudio(DeviceIndex, pcmFormat(static_cast<DWORD>(Info_Samplerate()),
-                                                         static_cast<WORD>(Info_Channels()),
-                                                         static_cast<WORD>(Info_BitsPerSample())));
+    const std::wstring& named = settings_.options().device;
+    if (deviceIndex == -1 && !named.empty()) {
+        deviceIndex = deviceNamed(named);
+        if (deviceIndex == -1)
+            return MMSYSERR_BADDEVICEID;
+    }
+    return engine_.start(deviceIndex,
+                         std::make_shared<PlayedTrack>(file, source_, platform_.acm, observer_));
+}
+
+// -1 if there is no output device of that name now.
+std::int32_t Player::deviceNamed(const std::wstring& name) const {
+    const std::int32_t count = countAudioDevices(platform_.wave, AudioDirection::output);
+    for (std::int32_t i = 0; i < count; ++i) {
+        AudioDevice device;
+        if (describeAudioDevice(platform_.wave, i, AudioDirection::output, device) == 0 &&
+            device.name == name)
+            return i;
+    }
+    return -1;
 }
 
 std::int32_t Player::PlayStop() {
-    return engine_.PlayStop();
+    return engine_.stop();
 }
 std::int32_t Player::PlayPause() {
-    return engine_.PlayPause();
+    return engine_.pause();
 }
 std::int32_t Player::PlayUnPause() {
-    return engine_.PlayUnPause();
+    return engine_.resume();
 }
 bool Player::IsPausedOut() const noexcept {
     return engine_.paused();
@@ -165,16 +205,22 @@ std::int32_t Player::AudioDataOut() const noexcept {
     return static_cast<std::int32_t>(reinterpret_cast<std::intptr_t>(engine_.audioData()));
 }
 
-std::int32_t Player::GetID3Tags(const std::wstring& strFile) {
+std::int32_t Player::GetID3Tags(const std::wstring& file) {
     tags_ = {};
-    fillTagTexts(tags_, strFile, openedFile().Tags());
+    fillTagTexts(tags_, file, openedFile().Tags());
     return 0;
 }
 
+// A next file that has begun to be heard is the opened one from then on.
+cSoundSTRM* Player::currentSource() const noexcept {
+    return next_.heardSource() ? next_.heardSource() : source_.get();
+}
+
 cSoundInf& Player::openedFile() const {
-    if (!source_)
+    cSoundSTRM* const source = currentSource();
+    if (!source)
         throwObjectNotSet();
-    return source_->Info();
+    return source->Info();
 }
 
 std::int32_t Player::Info_Bitrate() const {
@@ -194,36 +240,81 @@ std::int32_t Player::Info_Samplerate() const {
 }
 
 std::int32_t Player::PositionGet() const {
-    return source_ ? roundToInt32(source_->Info().Position() / 1000.0) : 0;
+    cSoundSTRM* const source = currentSource();
+    return source ? roundToInt32(source->Info().Position() / 1000.0) : 0;
 }
 
-std::int32_t Player::PositionSet(std::int32_t lPosition) {
-    // What is queued on the device, and what the converter holds, plays out first; a converter that
+std::int32_t Player::PositionSet(std::int32_t seconds) {
+    // What is queued on the device, and what the converter holds, plays out first. A converter that
     // has met the end of the source asks it for nothing more. A position out of range leaves the
-    // place as it is, and the host is not told.
-    if (source_) {
+    // place as it is and has the same result: hosts' sliders have always run over the end.
+    if (cSoundSTRM* const source = currentSource()) {
         const NoErrorBoxes quiet;
         std::int32_t mode = SeekMode::seconds;
-        static_cast<void>(source_->SeekTo(lPosition, mode));
+        static_cast<void>(source->SeekTo(seconds, mode));
     }
     return 0;
 }
 
-std::wstring Player::GetSecondsAsTimeString(std::int32_t Seconds) const {
-    return secondsAsTimeText(Seconds);
+std::int32_t Player::PositionMs() {
+    const TrackQueue::Place place = engine_.heard();
+    if (!place.track)
+        return 0;
+    // What is heard behind the end, to the end of the last block, is no part of the file.
+    const std::int32_t duration = place.track->durationMs();
+    return duration > 0 ? std::min(place.milliseconds, duration) : place.milliseconds;
 }
 
-std::wstring Player::ErrorTextOut(std::int32_t lErrNum) const {
-    return errorText(lErrNum);
+void Player::setPositionMs(std::int32_t milliseconds) {
+    requireRange(L"PositionMs", milliseconds, 0, DurationMs());
+    engine_.jump(milliseconds);
 }
 
-std::int32_t Player::NumOfAudioDevices(std::int32_t iInOut) const {
-    return countAudioDevices(platform_.wave, iInOut);
+std::int32_t Player::DurationMs() {
+    if (const TrackQueue::Place place = engine_.heard(); place.track)
+        return place.track->durationMs();
+    if (!source_)
+        return 0;
+    const std::optional<std::int64_t> frames = countFrames(file_, *source_);
+    const std::int32_t rate = source_->Info().SampleRate();
+    return frames && rate > 0 ? static_cast<std::int32_t>(*frames * 1000 / rate)
+                              : source_->Info().Duration();
 }
 
-std::int32_t Player::GetDetailsDevice(std::int32_t DeviceIndex, std::int32_t iInOut,
-                                      AudioDevice& DeviceDetails) const {
-    return describeAudioDevice(platform_.wave, DeviceIndex, iInOut, DeviceDetails);
+std::int32_t Player::Level(std::int32_t channel) {
+    requireRange(L"Channel", channel, 1, 2);
+    return roundToInt32(100 * engine_.level(channel - 1));
+}
+
+std::wstring Player::FormatName() const {
+    cSoundSTRM* const source = currentSource();
+    return source ? formatName(next_.heardSource() ? next_.heardFile() : file_, *source)
+                  : std::wstring();
+}
+
+std::wstring Player::Extensions() const {
+    std::vector<std::wstring> patterns;
+    for (const auto& source : platform_.makeSources())
+        for (const std::wstring& extension : source->Extensions())
+            patterns.push_back(L"*." + extension);
+    return join(patterns, L";");
+}
+
+std::wstring Player::GetSecondsAsTimeString(std::int32_t seconds) const {
+    return secondsAsTimeText(seconds);
+}
+
+std::wstring Player::ErrorTextOut(std::int32_t number) const {
+    return errorText(number);
+}
+
+std::int32_t Player::NumOfAudioDevices(std::int32_t direction) const {
+    return countAudioDevices(platform_.wave, direction);
+}
+
+std::int32_t Player::GetDetailsDevice(std::int32_t index, std::int32_t direction,
+                                      AudioDevice& details) const {
+    return describeAudioDevice(platform_.wave, index, direction, details);
 }
 
 } // namespace corvina

@@ -1,7 +1,7 @@
 #pragma once
 
-// What the player control shows: while a form is designed a loudspeaker, so that it can be found
-// and taken hold of; at run time only the container's background.
+// What the player control shows: a loudspeaker while a form is designed, so that it can be found
+// and moved; at run time only the container's background.
 
 #include <windows.h>
 

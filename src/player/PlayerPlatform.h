@@ -1,13 +1,14 @@
 #pragma once
 
-// What the player leans on, with the real things by default; a test passes its own. The tables must
-// outlive the player.
+// What the player uses of the system, with the real functions by default; a test passes its own.
+// The tables must outlive the player.
 
 #include "platform/AcmApi.h"
 #include "platform/FileApi.h"
 #include "platform/WaveApi.h"
 #include "platform/WindowApi.h"
 #include "player/MakeSources.h"
+#include "player/PlaybackState.h"
 
 namespace corvina {
 
@@ -17,6 +18,7 @@ struct PlayerPlatform {
     const AcmApi& acm = systemAcmApi;
     const FileApi& files = systemFileApi;
     std::vector<std::unique_ptr<cSoundSTRM>> (*makeSources)() = &corvina::makeSources;
+    PlaybackTrace trace = nullptr;
 };
 
 } // namespace corvina

@@ -8,7 +8,7 @@
 namespace corvina {
 namespace {
 
-// The name of the tag that holds the comment; empty where the kind of file is unknown.
+// The name of the tag that holds the comment; empty if the kind of file is unknown.
 std::wstring commentName(const std::wstring& fileName) {
     const std::size_t length = std::min<std::size_t>(fileName.size(), 3);
     const std::wstring kind =

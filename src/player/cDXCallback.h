@@ -1,7 +1,7 @@
 #pragma once
 
-// A client of sound-card notifications that was declared for a kind of output the player does not
-// have. Nothing uses it; it is kept empty, as declared, for the code that may.
+// A client of sound-card notifications, declared for a kind of output that the player does not
+// have. Nothing uses it. It is empty on purpose, and kept because it was declared.
 
 #include <cstdint>
 #include <vector>
@@ -10,7 +10,7 @@ namespace corvina {
 
 class cDXCallback {
 public:
-    void OnEvent(std::int32_t eventid) noexcept { static_cast<void>(eventid); }
+    void OnEvent(std::int32_t eventId) noexcept { static_cast<void>(eventId); }
     [[nodiscard]] const std::vector<std::int32_t>& MyEvents() const noexcept { return myEvents_; }
 
 private:

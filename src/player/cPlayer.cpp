@@ -8,8 +8,6 @@
 namespace corvina {
 namespace {
 
-enum Event : DISPID { donePlayEvent = 1, errEvent = 2 };
-
 VARIANT_BOOL boolean(bool value) {
     return value ? VARIANT_TRUE : VARIANT_FALSE;
 }
@@ -26,22 +24,29 @@ constinit const ControlClass playerClass{.clsid = CLSID_cPlayer,
                                          .fixedUnits = {512, 512},
                                          .visibleAtRunTime = false};
 
-cPlayer::cPlayer(IUnknown* outer) : Control(playerClass, outer), player_(*this, this) {
-    // The player is what comes first in a host, so it makes ready what the graph's spectrum needs.
+cPlayer::cPlayer(IUnknown* outer)
+    : Control(playerClass, outer), player_(*this, this), followed_(object(), *this) {
+    // A host creates the player first, so the player prepares the table of the graph's spectrum.
     fillBitReversalTable();
 }
 
 cPlayer::~cPlayer() {
+    followed_.disconnect();
     ole().disconnect();
-    player_.Shutdown();
+    player_.shutdown();
+}
+
+void* cPlayer::findInterface(REFIID iid) noexcept {
+    void* found = Control::findInterface(iid);
+    return found ? found : followed_.find(iid);
 }
 
 HRESULT cPlayer::getTag(TagText tag, BSTR* result) noexcept {
-    return enterReturning(result, [&] { return Bstr(player_.Tags().*tag).detach(); });
+    return enterReturning(result, [&] { return Bstr(player_.tagTexts().*tag).detach(); });
 }
 
 HRESULT cPlayer::putTag(TagText tag, BSTR value) noexcept {
-    return enter([&] { player_.Tags().*tag = textOf(value); });
+    return enter([&] { player_.tagTexts().*tag = textOf(value); });
 }
 
 HRESULT cPlayer::get_Tag_Title(BSTR* result) {
@@ -207,10 +212,10 @@ HRESULT cPlayer::put_MsgResponse(EMsgResponse) {
     return S_OK;
 }
 
-HRESULT cPlayer::WindowProc(long hWnd, long iMsg, long wParam, long lParam, long* result) {
+HRESULT cPlayer::WindowProc(long, long iMsg, long, long, long* result) {
     return enterReturning(result, [&] {
-        return player_.HandleMessage(reinterpret_cast<HWND>(static_cast<LONG_PTR>(hWnd)),
-                                     static_cast<UINT>(iMsg), static_cast<WPARAM>(wParam), lParam);
+        player_.handleMessage(static_cast<UINT>(iMsg));
+        return 0L;
     });
 }
 
@@ -219,26 +224,12 @@ HRESULT cPlayer::Samples(SAFEARRAY**, long, short) {
     return S_OK;
 }
 
-void cPlayer::Err(const std::wstring& functionName, std::int32_t number,
-                  const std::wstring& description) noexcept {
-    try {
-        ole().events().fire(errEvent,
-                            {functionName, EventSource::ByReference{number}, description});
-    } catch (const std::bad_alloc&) {
-        // Without memory for its arguments the event is lost.
-    }
-}
-
-void cPlayer::DonePlay() noexcept {
-    ole().events().fire(donePlayEvent, {});
-}
-
 void cPlayer::draw(HDC dc, const RECT& bounds) {
     drawPlayerGlyph(dc, bounds, ole().ambientBackground(), !ole().userMode());
 }
 
 void cPlayer::windowLost() {
-    player_.WindowDestroyed();
+    player_.windowDestroyed();
 }
 
 } // namespace corvina

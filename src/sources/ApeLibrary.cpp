@@ -12,6 +12,7 @@ namespace {
 constexpr const wchar_t* libraryName = L"MACDll.dll";
 
 using Create = std::int32_t(__stdcall*)(const char*, std::int32_t*);
+using CreateWide = std::int32_t(__stdcall*)(const wchar_t*, std::int32_t*);
 using GetInfo = std::int32_t(__stdcall*)(std::int32_t, std::int32_t, std::int32_t, std::int32_t);
 using GetData = std::int32_t(__stdcall*)(std::int32_t, void*, std::int32_t, std::int32_t*);
 using Seek = std::int32_t(__stdcall*)(std::int32_t, std::int32_t);
@@ -19,13 +20,12 @@ using Destroy = std::int32_t(__stdcall*)(std::int32_t);
 
 } // namespace
 
-ApeLibrary::~ApeLibrary() {
-    if (module_)
-        api_.freeLibrary(module_);
-}
-
 std::int32_t ApeLibrary::create(const char* ansiPath, std::int32_t& error) {
     return function<Create>("c_APEDecompress_Create")(ansiPath, &error);
+}
+
+std::int32_t ApeLibrary::createWide(const wchar_t* path, std::int32_t& error) {
+    return function<CreateWide>("c_APEDecompress_CreateW")(path, &error);
 }
 
 std::int32_t ApeLibrary::getInfo(std::int32_t handle, std::int32_t field) {
@@ -51,7 +51,7 @@ Function ApeLibrary::function(const char* name) {
         module_ = loadOptionalLibrary(api_, libraryName);
     if (!module_)
         throwCannotLoadLibrary(libraryName);
-    const FARPROC found = api_.getProcAddress(module_, name);
+    const FARPROC found = api_.getProcAddress(module_.get(), name);
     if (!found)
         throw RuntimeError(453,
                            L"Can't find DLL entry point " + fromAnsi(name) + L" in " + libraryName);

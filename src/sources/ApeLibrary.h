@@ -13,12 +13,11 @@ namespace corvina {
 class ApeLibrary {
 public:
     explicit ApeLibrary(const LibraryApi& api) noexcept : api_(api) {}
-    ~ApeLibrary();
-    ApeLibrary(const ApeLibrary&) = delete;
-    ApeLibrary& operator=(const ApeLibrary&) = delete;
 
-    // A decoder's handle; 0 where the file cannot be decoded.
+    // A decoder's handle; 0 if the file cannot be decoded.
     std::int32_t create(const char* ansiPath, std::int32_t& error);
+    // The same for a name that the ANSI code page cannot spell, or a long one.
+    std::int32_t createWide(const wchar_t* path, std::int32_t& error);
     std::int32_t getInfo(std::int32_t handle, std::int32_t field);
     // A block is one sample of every channel.
     std::int32_t getData(std::int32_t handle, void* buffer, std::int32_t blocks,
@@ -31,7 +30,7 @@ private:
     [[nodiscard]] Function function(const char* name);
 
     const LibraryApi& api_;
-    HMODULE module_ = nullptr;
+    LibraryHandle module_;
 };
 
 } // namespace corvina

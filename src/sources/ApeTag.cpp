@@ -31,26 +31,14 @@ struct ItemHeader {
 constexpr std::uint32_t largestTag = 16 * 1024 * 1024; // bytes; pictures lie in tags too
 constexpr std::uint32_t firstVersionWithTypes = 2000;
 
-class File {
-public:
-    File(const FileAccess& access, const std::wstring& path)
-        : access_(access), file_(access.openForReading(path)) {}
-    ~File() { access_.close(file_); }
-    File(const File&) = delete;
-    File& operator=(const File&) = delete;
-
-    // Reads the bytes that end so far before the end of the file; false if they are not there.
-    [[nodiscard]] bool readBeforeEnd(std::uint32_t distance, void* to, std::uint32_t bytes) const {
-        const auto back = static_cast<std::int32_t>(distance + bytes);
-        return access_.setPosition(file_, -back, MoveMethod::fromEnd) != -1 &&
-               access_.read(file_, to, static_cast<std::int32_t>(bytes)) ==
-                   static_cast<std::int32_t>(bytes);
-    }
-
-private:
-    const FileAccess& access_;
-    FileRecord file_;
-};
+// Reads the bytes that end so far before the end of the file; false if they are not there.
+bool readBeforeEnd(const FileAccess& access, const FileRecord& file, std::uint32_t distance,
+                   void* to, std::uint32_t bytes) {
+    const auto count = static_cast<std::int32_t>(bytes);
+    const auto back = static_cast<std::int32_t>(distance + bytes);
+    return access.setPosition(file, -back, MoveMethod::fromEnd) != -1 &&
+           access.read(file, to, count) == count;
+}
 
 bool isText(const Footer& footer, const ItemHeader& item) {
     return footer.version < firstVersionWithTypes || ((item.flags >> 1) & 3) == 0;
@@ -83,15 +71,16 @@ void addItems(const Footer& footer, std::string_view items, StrmTags& tags) {
 } // namespace
 
 void readApeTag(const FileAccess& access, const std::wstring& path, StrmTags& tags) {
-    const File file(access, path);
+    const FileRecord file = access.openForReading(path);
     Footer footer{};
-    if (!file.readBeforeEnd(0, &footer, sizeof footer) ||
+    if (!readBeforeEnd(access, file, 0, &footer, sizeof footer) ||
         std::memcmp(footer.identity, "APETAGEX", sizeof footer.identity) != 0)
         return;
     if (footer.bytes < sizeof footer || footer.bytes > largestTag)
         return;
     std::vector<char> items(footer.bytes - sizeof footer);
-    if (file.readBeforeEnd(sizeof footer, items.data(), static_cast<std::uint32_t>(items.size())))
+    if (readBeforeEnd(access, file, sizeof footer, items.data(),
+                      static_cast<std::uint32_t>(items.size())))
         addItems(footer, {items.data(), items.size()}, tags);
 }
 

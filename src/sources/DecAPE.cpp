@@ -1,10 +1,11 @@
 #include "sources/DecAPE.h"
 
-#include "platform/AnsiText.h"
 #include "runtime/Checked.h"
 #include "runtime/Rounding.h"
 #include "sources/ApeTag.h"
+#include "stream/FileName.h"
 #include "stream/PcmFormat.h"
+#include "stream/SeekTarget.h"
 
 #include <algorithm>
 
@@ -33,18 +34,20 @@ DecAPE::~DecAPE() {
     }
 }
 
-std::int32_t DecAPE::OpenSource(const std::wstring& Source) {
-    if (!access_.exists(Source))
+std::int32_t DecAPE::OpenSource(const std::wstring& source) {
+    if (!access_.exists(source))
         return SourceResult::notOpen;
     if (decoder_ != 0)
         CloseSource();
     opened_ = false;
-    // The handle is not tested: the library answers what it will for a handle of 0.
+    // The handle is not tested: what the library returns for a handle of 0 is taken as it comes.
     std::int32_t error = 0;
-    decoder_ = library_.create(toAnsi(Source).text.c_str(), error);
+    const FileName name = fileName(source);
+    decoder_ = name.fitsAnsi ? library_.create(name.ansi.c_str(), error)
+                             : library_.createWide(name.wide.c_str(), error);
     readInformation();
     tags_.ClearTags();
-    readApeTag(access_, Source, tags_);
+    readApeTag(access_, source, tags_);
     format_ = pcmFormat(static_cast<DWORD>(sampleRate_), static_cast<WORD>(channels_),
                         static_cast<WORD>(bitsPerSample_));
     ended_ = false;
@@ -72,43 +75,35 @@ std::int32_t DecAPE::CloseSource() {
     return SourceResult::done;
 }
 
-std::int32_t DecAPE::Read(void* pBuffer, std::int32_t cBytes, std::int32_t& cBytesRead) {
+std::int32_t DecAPE::Read(void* buffer, std::int32_t bytes, std::int32_t& bytesRead) {
     if (!opened_)
         return SourceResult::notOpen;
     // To nearest, but no more than the buffer holds: half a block more would be written behind it.
     const std::int32_t blockAlign = format_.nBlockAlign;
-    const std::int32_t nearest = roundToInt32(divide(cBytes, blockAlign));
-    const std::int32_t blocks = std::min(nearest, cBytes / blockAlign);
+    const std::int32_t nearest = roundToInt32(divide(bytes, blockAlign));
+    const std::int32_t blocks = std::min(nearest, bytes / blockAlign);
     std::int32_t retrieved = 0;
-    library_.getData(decoder_, pBuffer, blocks, retrieved);
-    cBytesRead = multiply32(retrieved, blockAlign);
+    library_.getData(decoder_, buffer, blocks, retrieved);
+    bytesRead = multiply32(retrieved, blockAlign);
     if (retrieved != 0)
         return SourceResult::done;
     ended_ = true;
     return SourceResult::endOfData;
 }
 
-std::int32_t DecAPE::SeekTo(std::int32_t Value, std::int32_t& Mode) {
+std::int32_t DecAPE::SeekTo(std::int32_t value, std::int32_t& mode) {
     if (!opened_)
         return SourceResult::done;
-    if (Mode == SeekMode::percent && (Value < 0 || Value > 100))
+    const double hundredth = totalBlocks_ / 100.0;
+    const std::optional<double> block = seekTarget(
+        *this, value, mode, [&] { return hundredth * value; },
+        // The start needs no length: a file that the library refused has none.
+        [&] { return value == 0 ? 0 : divide(value, lengthMs_ / 1000.0) * 100 * hundredth; });
+    if (!block)
         return SourceResult::outOfRange;
-    if (Mode == SeekMode::seconds && (Value < 0 || lengthMs_ / 1000.0 < Value))
-        return SourceResult::outOfRange;
-    library_.seek(decoder_, roundToInt32(targetBlock(Value, Mode)));
+    library_.seek(decoder_, roundToInt32(*block));
     ended_ = false;
     return SourceResult::done;
-}
-
-double DecAPE::targetBlock(std::int32_t value, std::int32_t mode) const {
-    if (value == 0)
-        return 0;
-    const double hundredth = totalBlocks_ / 100.0;
-    if (mode == SeekMode::percent)
-        return hundredth * value;
-    if (mode == SeekMode::seconds)
-        return divide(value, lengthMs_ / 1000.0) * 100 * hundredth;
-    return 0;
 }
 
 std::int32_t DecAPE::Bitrate() {

@@ -28,10 +28,10 @@ public:
     bool EndOfStream() override { return ended_; }
     bool Seekable() override { return true; }
     const WAVEFORMATEX* WFXPointer() override { return &format_; }
-    std::int32_t OpenSource(const std::wstring& Source) override;
+    std::int32_t OpenSource(const std::wstring& source) override;
     std::int32_t CloseSource() override;
-    std::int32_t Read(void* pBuffer, std::int32_t cBytes, std::int32_t& cBytesRead) override;
-    std::int32_t SeekTo(std::int32_t Value, std::int32_t& Mode) override;
+    std::int32_t Read(void* buffer, std::int32_t bytes, std::int32_t& bytesRead) override;
+    std::int32_t SeekTo(std::int32_t value, std::int32_t& mode) override;
 
     StrmTags* Tags() override { return &tags_; }
     bool Force16Bit() override { return false; }
@@ -45,7 +45,6 @@ public:
 
 private:
     void readInformation();
-    [[nodiscard]] double targetBlock(std::int32_t value, std::int32_t mode) const;
 
     FileAccess access_;
     ApeLibrary library_;

@@ -19,7 +19,7 @@ bool holdsText(const TrackFile& file, std::size_t offset, std::string_view text)
 
 // Frame, second and minute stand in this order.
 std::int32_t addressAt(const TrackFile& file, std::size_t offset) {
-    return MsfToLba(file[offset + 2], file[offset + 1], file[offset]);
+    return msfToLba(file[offset + 2], file[offset + 1], file[offset]);
 }
 
 } // namespace
@@ -36,28 +36,27 @@ DecCDA::~DecCDA() {
     stream_.CloseSource();
 }
 
-std::int32_t DecCDA::OpenSource(const std::wstring& Source) {
+std::int32_t DecCDA::OpenSource(const std::wstring& source) {
     if (!ready_)
         return noTrack;
     // Windows shows track files in the root of a drive, one backslash deep: a deeper path is not
     // even opened. Slashes are not counted.
-    if (std::count(Source.begin(), Source.end(), L'\\') >= 2)
+    if (std::count(source.begin(), source.end(), L'\\') >= 2)
         return SourceResult::notOpen;
     TrackPlace place;
-    if (!readTrackFile(Source, place))
+    if (!readTrackFile(source, place))
         return SourceResult::notOpen;
     return selectTrackAt(place) ? SourceResult::done : noTrack;
 }
 
 bool DecCDA::readTrackFile(const std::wstring& path, TrackPlace& place) const {
-    FileRecord record = files_.openForReading(path);
+    const FileRecord record = files_.openForReading(path);
     TrackFile file{};
     const std::int32_t got = files_.read(record, file.data(), trackFileBytes);
-    files_.close(record);
     if (got != static_cast<std::int32_t>(trackFileBytes) || !holdsText(file, 0, "RIFF") ||
         !holdsText(file, 12, "fmt ") || !holdsText(file, 8, "CDDA"))
         return false;
-    place = {addressAt(file, 36), addressAt(file, 40)};
+    place = {.start = addressAt(file, 36), .length = addressAt(file, 40)};
     return true;
 }
 

@@ -5,8 +5,8 @@
 // of that start and that length is played, whatever drive the file lies on.
 //
 // Results of OpenSource: 0; 1 no usable track file, or a path with two backslashes or more; 4 no
-// drive, or no drive with the track. Read answers 5 at the end of the track and for a drive that
-// fails. The drive operations answer what the manager answers (cd/cdManager.h).
+// drive, or no drive with the track. Read returns 5 at the end of the track and for a drive that
+// fails. The drive operations return what the manager returns (cd/cdManager.h).
 
 #include "cd/cdManager.h"
 #include "stream/FileAccess.h"
@@ -41,13 +41,13 @@ public:
     bool EndOfStream() override { return stream_.EndOfStream(); }
     bool Seekable() override { return true; }
     const WAVEFORMATEX* WFXPointer() override { return stream_.WFXPointer(); }
-    std::int32_t OpenSource(const std::wstring& Source) override;
+    std::int32_t OpenSource(const std::wstring& source) override;
     std::int32_t CloseSource() override { return stream_.CloseSource(); }
-    std::int32_t Read(void* pBuffer, std::int32_t cBytes, std::int32_t& cBytesRead) override {
-        return stream_.Read(pBuffer, cBytes, cBytesRead);
+    std::int32_t Read(void* buffer, std::int32_t bytes, std::int32_t& bytesRead) override {
+        return stream_.Read(buffer, bytes, bytesRead);
     }
-    std::int32_t SeekTo(std::int32_t Value, std::int32_t& Mode) override {
-        return stream_.SeekTo(Value, Mode);
+    std::int32_t SeekTo(std::int32_t value, std::int32_t& mode) override {
+        return stream_.SeekTo(value, mode);
     }
 
     // cSoundInf

@@ -2,12 +2,12 @@
 
 // Ogg Vorbis files, decoded to 16-bit PCM by the vorbisfile library, which is loaded by name.
 //
-// OpenSource answers 4 where a library is missing, 1 where the file cannot be opened or has more
-// than two channels. A library without one of the functions raises "Export missing!".
+// OpenSource returns 4 if a library is missing, 1 if the file cannot be opened or has more than two
+// channels. A library without one of the functions raises "Export missing!".
 
 #include "stream/FileAccess.h"
+#include "stream/OptionalLibrary.h"
 #include "stream/StrmTags.h"
-#include "stream/cDLL.h"
 #include "stream/cSoundSTRM.h"
 
 #include <array>
@@ -29,10 +29,10 @@ public:
     bool EndOfStream() override { return ended_; }
     bool Seekable() override { return true; }
     const WAVEFORMATEX* WFXPointer() override { return &format_; }
-    std::int32_t OpenSource(const std::wstring& Source) override;
+    std::int32_t OpenSource(const std::wstring& source) override;
     std::int32_t CloseSource() override;
-    std::int32_t Read(void* pBuffer, std::int32_t cBytes, std::int32_t& cBytesRead) override;
-    std::int32_t SeekTo(std::int32_t Value, std::int32_t& Mode) override;
+    std::int32_t Read(void* buffer, std::int32_t bytes, std::int32_t& bytesRead) override;
+    std::int32_t SeekTo(std::int32_t value, std::int32_t& mode) override;
 
     StrmTags* Tags() override { return &tags_; }
     bool Force16Bit() override { return true; }
@@ -56,26 +56,26 @@ private:
         std::int32_t codecSetup;
     };
 
-    void clearDecoder();
     void readTags();
     [[nodiscard]] std::wstring comment(std::int32_t block, const char* name);
 
     FileAccess access_;
-    cDLL runtime_;
-    cDLL ogg_;
-    cDLL vorbis_;
-    cDLL vorbisfile_;
+    // Unloaded from the last one up.
+    OptionalLibrary vorbisfile_;
+    OptionalLibrary vorbis_;
+    OptionalLibrary ogg_;
+    OptionalLibrary runtime_;
     bool librariesReady_ = false;
     std::int32_t file_ = 0; // the C stream
     bool opened_ = false;
-    // The library's OggVorbis_File, of about 700 bytes, with room for a larger one.
+    // The library's OggVorbis_File, of about 700 bytes, with space for a larger one.
     alignas(8) std::array<std::byte, 4096> decoder_{};
     StreamInformation stream_{};
     WAVEFORMATEX format_{};
     std::int32_t durationMs_ = 0;
     std::int32_t positionMs_ = 0;
     bool ended_ = false;
-    bool atEnd_ = false; // sought to the end, where the library does not go
+    bool atEnd_ = false; // sought to the very end, to which the library does not go
     StrmTags tags_;
 };
 

@@ -1,10 +1,11 @@
 #include "sources/DecSND.h"
 
-#include "platform/AnsiText.h"
 #include "runtime/Checked.h"
 #include "runtime/Rounding.h"
 #include "runtime/Text.h"
+#include "stream/FileName.h"
 #include "stream/PcmFormat.h"
+#include "stream/SeekTarget.h"
 
 #include <algorithm>
 #include <cstring>
@@ -16,28 +17,28 @@ constexpr std::int32_t noLibrary = 3;
 constexpr std::int32_t notOpen = 1;
 constexpr std::int32_t outOfRange = 4;
 
+// The library's open mode and origins of a seek.
 constexpr std::int32_t forReading = 16;
-enum Whence { fromStart = 0, fromCurrent = 1, fromEnd = 2 };
+constexpr std::int32_t fromStart = 0;
+constexpr std::int32_t fromCurrent = 1;
+constexpr std::int32_t fromEnd = 2;
 
-constexpr std::int32_t subtypeMask = 0xFFFF;
-constexpr std::int32_t voxSubtype = 0x21;
-
-// The width of the library's sample subtypes.
+// The width of the library's sample subtypes, 4 for all compressed ones.
 WORD bitsOfSubtype(std::int32_t format) {
-    switch (format & subtypeMask) {
-    case 1: // signed
-    case 5: // unsigned
+    switch (format & SndfileSubtype::mask) {
+    case SndfileSubtype::pcmS8:
+    case SndfileSubtype::pcmU8:
         return 8;
-    case 2:
+    case SndfileSubtype::pcm16:
         return 16;
-    case 3:
+    case SndfileSubtype::pcm24:
         return 24;
-    case 4: // integer
-    case 6: // float
+    case SndfileSubtype::pcm32:
+    case SndfileSubtype::float32:
         return 32;
-    case 7: // double
+    case SndfileSubtype::float64:
         return 64;
-    default: // compressed
+    default:
         return 4;
     }
 }
@@ -60,17 +61,20 @@ bool DecSND::EndOfStream() {
     return currentFrame() >= totalFrames_;
 }
 
-std::int32_t DecSND::OpenSource(const std::wstring& Source) {
+std::int32_t DecSND::OpenSource(const std::wstring& source) {
     if (!library_.loaded())
         return noLibrary;
-    path_ = Source;
+    path_ = source;
     CloseSource();
-    const AnsiText path = toAnsi(path_);
-    if (path.lossy) // the name of some other file
+    const FileName name = fileName(path_);
+    if (name.impossible)
         return notOpen;
-    file_ = library_.open(path.text, forReading, info_);
+    file_ = name.fitsAnsi ? library_.open(name.ansi, forReading, info_)
+                          : library_.openWide(name.wide, forReading, info_);
     if (file_ == 0)
         return notOpen;
+    rate_ = info_.sampleRate;
+    frames_ = static_cast<std::int32_t>(info_.framesLow);
     format_ = pcmFormat(static_cast<DWORD>(info_.sampleRate),
                         static_cast<WORD>(narrow16(info_.channels)), bitsOfSubtype(info_.format));
     totalFrames_ = library_.seek(file_, 0, fromEnd);
@@ -90,47 +94,62 @@ std::int32_t DecSND::CloseSource() {
     return SourceResult::done;
 }
 
-std::int32_t DecSND::Read(void* pBuffer, std::int32_t cBytes, std::int32_t& cBytesRead) {
-    cBytesRead = 0;
+std::int32_t DecSND::Read(void* buffer, std::int32_t bytes, std::int32_t& bytesRead) {
+    bytesRead = 0;
     if (!library_.loaded())
         return noLibrary;
     if (file_ == 0)
         return notOpen;
-    const std::int32_t length = cBytes - cBytes % 2;
-    cBytesRead = multiply32(readItems(pBuffer, length / 2), 2);
-    return cBytesRead < length ? SourceResult::endOfData : SourceResult::done;
+    const std::int32_t length = bytes - bytes % 2;
+    bytesRead = multiply32(readItems(buffer, length / 2), 2);
+    return bytesRead < length ? SourceResult::endOfData : SourceResult::done;
 }
 
 std::int32_t DecSND::readItems(void* to, std::int32_t items) {
-    if ((info_.format & subtypeMask) != voxSubtype || items % 2 == 0)
+    const std::int32_t subtype = info_.format & SndfileSubtype::mask;
+    if (subtype == SndfileSubtype::float32 || subtype == SndfileSubtype::float64)
+        return readFloats(to, items);
+    if (subtype != SndfileSubtype::voxAdpcm || items % 2 == 0)
         return library_.readShort(file_, to, items);
-    // A byte of this subtype holds two samples, and the library writes and counts both also where
-    // it is asked for one. The buffer has no room for the second.
-    std::vector<std::int16_t> withRoom(static_cast<std::size_t>(items) + 1);
-    const std::int32_t got = std::min(library_.readShort(file_, withRoom.data(), items), items);
+    // A byte of this subtype holds two samples. The library writes and counts both, even if it is
+    // asked for one, and the caller's buffer has no space for the second.
+    std::vector<std::int16_t> withSpare(static_cast<std::size_t>(items) + 1);
+    const std::int32_t got = std::min(library_.readShort(file_, withSpare.data(), items), items);
     if (got > 0)
-        std::memcpy(to, withRoom.data(), static_cast<std::size_t>(got) * 2);
+        std::memcpy(to, withSpare.data(), static_cast<std::size_t>(got) * 2);
     return got;
 }
 
-std::int32_t DecSND::SeekTo(std::int32_t Value, std::int32_t& Mode) {
+// As whole numbers the library would return floating-point samples either near silence or blown up
+// to the file's loudest one.
+std::int32_t DecSND::readFloats(void* to, std::int32_t items) {
+    floats_.resize(static_cast<std::size_t>(std::max(items, std::int32_t{0})));
+    const std::int32_t got = std::min(library_.readFloat(file_, floats_.data(), items), items);
+    auto* const samples = static_cast<std::uint8_t*>(to);
+    for (std::int32_t item = 0; item < got; ++item) {
+        const std::int16_t sample =
+            rounding_.round(double{floats_[static_cast<std::size_t>(item)]});
+        std::memcpy(samples + static_cast<std::size_t>(item) * sizeof sample, &sample,
+                    sizeof sample);
+    }
+    return got;
+}
+
+std::int32_t DecSND::SeekTo(std::int32_t value, std::int32_t& mode) {
     if (!library_.loaded())
         return noLibrary;
     if (file_ == 0)
         return notOpen;
-    if (Value < 0)
+    if (value < 0) // in whatever mode
         return outOfRange;
-    std::int32_t frame = 0;
-    if (Mode == SeekMode::percent) {
-        if (Value > 99)
-            return outOfRange;
-        frame = roundToInt32(multiply32(totalFrames_, Value) / 100.0);
-    } else if (Mode == SeekMode::seconds) {
-        if (!(Duration() / 1000.0 >= Value))
-            return outOfRange;
-        frame = multiply32(info_.sampleRate, Value);
-    }
-    library_.seek(file_, frame, fromStart);
+    // Not to 100: at the very end there is nothing to deliver.
+    constexpr std::int32_t lastPercent = 99;
+    const std::optional<std::int32_t> frame = seekTarget(
+        *this, value, mode, [&] { return roundToInt32(multiply32(totalFrames_, value) / 100.0); },
+        [&] { return multiply32(info_.sampleRate, value); }, lastPercent);
+    if (!frame)
+        return outOfRange;
+    library_.seek(file_, *frame, fromStart);
     return SourceResult::done;
 }
 
@@ -151,7 +170,7 @@ std::int32_t DecSND::Position() {
 }
 
 std::int32_t DecSND::Duration() {
-    return milliseconds(static_cast<std::int32_t>(info_.framesLow));
+    return milliseconds(frames_);
 }
 
 std::int32_t DecSND::currentFrame() {
@@ -159,7 +178,7 @@ std::int32_t DecSND::currentFrame() {
 }
 
 std::int32_t DecSND::milliseconds(std::int32_t frames) const {
-    return roundToInt32(divide(frames, info_.sampleRate) * 1000);
+    return roundToInt32(divide(frames, rate_) * 1000);
 }
 
 } // namespace corvina

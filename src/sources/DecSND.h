@@ -2,14 +2,16 @@
 
 // AU, AIFF, VOC and VOX files, decoded by libsndfile to 16-bit samples whatever the file holds.
 //
-// Without the library OpenSource, CloseSource, Read and SeekTo answer 3; without an open file the
-// last three answer 1. A seek out of range answers 4. The tags are always empty.
+// Without the library OpenSource, CloseSource, Read and SeekTo return 3; without an open file the
+// last three return 1. A seek out of range returns 4. The tags are always empty.
 
 #include "sources/SndfileLibrary.h"
+#include "stream/SampleRounding.h"
 #include "stream/StrmTags.h"
 #include "stream/cSoundSTRM.h"
 
 #include <cstdint>
+#include <vector>
 
 namespace corvina {
 
@@ -27,14 +29,13 @@ public:
     bool EndOfStream() override;
     bool Seekable() override { return true; }
     // The bits and the block align are those of the file's own samples, which need not be the 16
-    // bits that Read delivers: BitsPerSample and Force16Bit tell these. A host reads the file's
-    // width here, so it stays; but the converter takes it for that of the bytes, and makes noise of
-    // files of 8 and 24 bits and refuses compressed ones.
+    // bits that Read delivers: BitsPerSample and Force16Bit say these, and the converter goes by
+    // them. A host reads the file's width here, so it stays.
     const WAVEFORMATEX* WFXPointer() override { return &format_; }
-    std::int32_t OpenSource(const std::wstring& Source) override;
+    std::int32_t OpenSource(const std::wstring& source) override;
     std::int32_t CloseSource() override;
-    std::int32_t Read(void* pBuffer, std::int32_t cBytes, std::int32_t& cBytesRead) override;
-    std::int32_t SeekTo(std::int32_t Value, std::int32_t& Mode) override;
+    std::int32_t Read(void* buffer, std::int32_t bytes, std::int32_t& bytesRead) override;
+    std::int32_t SeekTo(std::int32_t value, std::int32_t& mode) override;
 
     StrmTags* Tags() override { return &tags_; }
     bool Force16Bit() override { return true; }
@@ -49,6 +50,7 @@ public:
 
 private:
     [[nodiscard]] std::int32_t readItems(void* to, std::int32_t items);
+    [[nodiscard]] std::int32_t readFloats(void* to, std::int32_t items);
     [[nodiscard]] std::int32_t currentFrame();
     [[nodiscard]] std::int32_t milliseconds(std::int32_t frames) const;
 
@@ -58,6 +60,11 @@ private:
     std::int32_t file_ = 0;
     WAVEFORMATEX format_{};
     std::int32_t totalFrames_ = 0;
+    // Of the file opened last, also after it was closed: a host asks for times then, too.
+    std::int32_t rate_ = 0;
+    std::int32_t frames_ = 0;
+    std::vector<float> floats_;
+    SampleRounding rounding_;
     StrmTags tags_;
 };
 

@@ -2,6 +2,8 @@
 
 #include "runtime/Checked.h"
 #include "runtime/Rounding.h"
+#include "stream/FileName.h"
+#include "stream/SeekTarget.h"
 
 #include <algorithm>
 #include <cstring>
@@ -16,55 +18,84 @@ constexpr std::int32_t smallestFormat = 16;
 constexpr std::int32_t largestFormat =
     std::int32_t{sizeof(WAVEFORMATEX)} + std::numeric_limits<WORD>::max();
 
-// Bytes of data from which on a read is cut exactly at the end of the data.
+// Bytes of data from which on a read is cut exactly at the end of the data. The number is
+// deliberate: it has no meaning of its own, but hosts see by it how the last read of a file ends,
+// so it stays.
 constexpr std::int32_t largeData = 58'375'640;
 
 } // namespace
-
-DecWAV::~DecWAV() {
-    DecWAV::CloseSource();
-}
 
 const WAVEFORMATEX* DecWAV::WFXPointer() {
     return formatBytes_.empty() ? nullptr
                                 : reinterpret_cast<const WAVEFORMATEX*>(formatBytes_.data());
 }
 
-std::int32_t DecWAV::OpenSource(const std::wstring& Source) {
-    if (!access_.exists(Source))
+std::int32_t DecWAV::OpenSource(const std::wstring& source) {
+    if (!access_.exists(source))
         return SourceResult::notOpen;
-    const RiffChunk data = findWaveChunk(Source, "data", mmio_);
-    const RiffChunk format = findWaveChunk(Source, "fmt ", mmio_);
+    const WaveChunks chunks = findChunks(source);
+    const RiffChunk& format = chunks.format;
+    const RiffChunk& data = chunks.data;
     if (data.offset == 0 || format.offset == 0 || format.size < smallestFormat ||
         format.size > largestFormat)
         return SourceResult::notOpen;
 
     // The file of an earlier open is replaced, not closed first; it is closed with this source.
-    if (file_.isOpen()) {
-        replaced_.emplace_back();
-        std::swap(replaced_.back(), file_);
-    }
-    file_ = access_.openForReading(Source);
+    if (file_.isOpen())
+        replaced_.push_back(std::move(file_));
+    file_ = access_.openForReading(source);
     if (!file_.isOpen())
         return SourceResult::notOpen;
 
     std::vector<std::uint8_t> bytes;
-    if (!readFormat(format, bytes) || !goTo(data.offset)) {
-        access_.close(file_);
+    const bool formatRead = readFormat(format, bytes);
+    const std::int32_t length = lengthInFile(data);
+    if (!formatRead || !goTo(data.offset)) {
+        file_.close();
         return SourceResult::notOpen;
     }
-    data_ = data;
+    data_ = {.offset = data.offset, .size = length};
     formatBytes_ = std::move(bytes);
     std::memcpy(&format_, formatBytes_.data(), sizeof format_);
     return SourceResult::done;
+}
+
+WaveChunks DecWAV::findChunks(const std::wstring& path) const {
+    WaveChunks chunks;
+    const bool fitsAnsi = fileName(path).fitsAnsi;
+    if (fitsAnsi) {
+        chunks.data = findWaveChunk(path, "data", mmio_);
+        chunks.format = findWaveChunk(path, "fmt ", mmio_);
+        if (chunks.data.offset != 0 && chunks.format.offset != 0)
+            return chunks;
+    }
+    const FileRecord file = access_.openForReading(path);
+    if (!file.isOpen())
+        return {};
+    const std::optional<WaveChunks> read = readWaveChunks(access_, file);
+    // About a RIFF file with a length the system's functions have the last word, if they take its
+    // name.
+    return read && (read->is64 || read->isOpenEnded || !fitsAnsi) ? *read : chunks;
+}
+
+// The data's length. A writer that could not go back to the header has left a length there that no
+// file reaches: then the data ends with the file. Moves the position.
+std::int32_t DecWAV::lengthInFile(const RiffChunk& data) const noexcept {
+    const auto size = static_cast<std::uint32_t>(data.size);
+    if (size < leastUnknownLength)
+        return data.size;
+    const std::int32_t position = access_.setPosition(file_, 0, MoveMethod::fromEnd);
+    // Beyond 2 GB the position does not fit and comes out negative.
+    const std::int32_t end = position < 0 ? std::numeric_limits<std::int32_t>::max() : position;
+    return std::max(std::int32_t{0}, end - data.offset);
 }
 
 bool DecWAV::goTo(std::int32_t position) const noexcept {
     return access_.setPosition(file_, position, MoveMethod::fromBeginning) == position;
 }
 
-// False where the file ends before the chunk does. Codecs look for the extra bytes that the record
-// counts even where the chunk is shorter, so as many zeros follow it.
+// False if the file ends before the chunk does. Codecs look for the extra bytes that the record
+// counts even if the chunk is shorter, so as many zeros follow it.
 bool DecWAV::readFormat(const RiffChunk& chunk, std::vector<std::uint8_t>& bytes) const {
     bytes.resize(static_cast<std::size_t>(std::max(chunk.size, std::int32_t{sizeof format_})));
     if (!goTo(chunk.offset) || access_.read(file_, bytes.data(), chunk.size) != chunk.size)
@@ -76,9 +107,7 @@ bool DecWAV::readFormat(const RiffChunk& chunk, std::vector<std::uint8_t>& bytes
 }
 
 std::int32_t DecWAV::CloseSource() {
-    access_.close(file_);
-    for (FileRecord& file : replaced_)
-        access_.close(file);
+    file_.close();
     replaced_.clear();
     return SourceResult::done;
 }
@@ -87,13 +116,13 @@ bool DecWAV::EndOfStream() {
     return access_.position(file_) >= endOfData();
 }
 
-std::int32_t DecWAV::Read(void* pBuffer, std::int32_t cBytes, std::int32_t& cBytesRead) {
+std::int32_t DecWAV::Read(void* buffer, std::int32_t bytes, std::int32_t& bytesRead) {
     if (!file_.isOpen())
         return SourceResult::notOpen;
     const std::int32_t position = access_.position(file_);
     const std::int32_t end = endOfData();
     if (position > end) {
-        cBytesRead = 0;
+        bytesRead = 0;
         return SourceResult::endOfData;
     }
     // The doubled limit is meant: a smaller file is read past its data chunk, whatever follows it,
@@ -101,28 +130,21 @@ std::int32_t DecWAV::Read(void* pBuffer, std::int32_t cBytes, std::int32_t& cByt
     // instead of ending in the middle, and the next read finds the position past the end.
     const std::int32_t limit =
         data_.size >= largeData ? end : subtract32(multiply32(2, end), position);
-    const bool cut = add32(position, cBytes) > limit;
-    cBytesRead = access_.read(file_, pBuffer, cut ? end - position : cBytes);
+    const bool cut = add32(position, bytes) > limit;
+    bytesRead = access_.read(file_, buffer, cut ? end - position : bytes);
     return cut ? SourceResult::endOfData : SourceResult::done;
 }
 
-std::int32_t DecWAV::SeekTo(std::int32_t Value, std::int32_t& Mode) {
+std::int32_t DecWAV::SeekTo(std::int32_t value, std::int32_t& mode) {
     if (!file_.isOpen())
         return SourceResult::done;
-    std::int32_t offset = 0;
-    if (Mode == SeekMode::percent) {
-        if (Value < 0 || Value > 100)
-            return SourceResult::outOfRange;
-        offset = roundToInt32(Value / 100.0 * data_.size);
-    } else if (Mode == SeekMode::seconds) {
-        const double seconds = Duration() / 1000.0;
-        if (Value < 0 || seconds < Value)
-            return SourceResult::outOfRange;
-        offset = multiply32(bytesPerSecond(), Value);
-    }
-    if (Value != 0)
-        offset -= remainder32(offset, format_.nBlockAlign);
-    goTo(add32(data_.offset, offset));
+    const std::optional<std::int32_t> target = seekTarget(
+        *this, value, mode, [&] { return roundToInt32(value / 100.0 * data_.size); },
+        [&] { return multiply32(bytesPerSecond(), value); });
+    if (!target)
+        return SourceResult::outOfRange;
+    const std::int32_t beyondBlock = value == 0 ? 0 : remainder32(*target, format_.nBlockAlign);
+    goTo(add32(data_.offset, *target - beyondBlock));
     return SourceResult::done;
 }
 

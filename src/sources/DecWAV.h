@@ -12,6 +12,7 @@
 #include "stream/FileAccess.h"
 #include "stream/RiffChunk.h"
 #include "stream/StrmTags.h"
+#include "stream/WaveChunks.h"
 #include "stream/cSoundSTRM.h"
 
 #include <cstdint>
@@ -26,17 +27,16 @@ public:
         : access_(files), mmio_(mmio) {}
     DecWAV(const DecWAV&) = delete;
     DecWAV& operator=(const DecWAV&) = delete;
-    ~DecWAV() override;
 
     cSoundInf& Info() override { return *this; }
     std::vector<std::wstring> Extensions() override { return {L"wav"}; }
     bool EndOfStream() override;
     bool Seekable() override { return true; }
     const WAVEFORMATEX* WFXPointer() override;
-    std::int32_t OpenSource(const std::wstring& Source) override;
+    std::int32_t OpenSource(const std::wstring& source) override;
     std::int32_t CloseSource() override;
-    std::int32_t Read(void* pBuffer, std::int32_t cBytes, std::int32_t& cBytesRead) override;
-    std::int32_t SeekTo(std::int32_t Value, std::int32_t& Mode) override;
+    std::int32_t Read(void* buffer, std::int32_t bytes, std::int32_t& bytesRead) override;
+    std::int32_t SeekTo(std::int32_t value, std::int32_t& mode) override;
 
     StrmTags* Tags() override { return &tags_; }
     bool Force16Bit() override { return false; }
@@ -48,6 +48,8 @@ public:
     std::int32_t Duration() override;
 
 private:
+    [[nodiscard]] WaveChunks findChunks(const std::wstring& path) const;
+    [[nodiscard]] std::int32_t lengthInFile(const RiffChunk& data) const noexcept;
     [[nodiscard]] bool readFormat(const RiffChunk& chunk, std::vector<std::uint8_t>& bytes) const;
     bool goTo(std::int32_t position) const noexcept;
     [[nodiscard]] std::int32_t milliseconds(std::int32_t bytes) const;

@@ -6,6 +6,8 @@
 #include "runtime/RuntimeError.h"
 #include "runtime/Text.h"
 #include "sources/MediaTime.h"
+#include "stream/FileName.h"
+#include "stream/SeekTarget.h"
 
 #include <cstring>
 #include <limits>
@@ -30,8 +32,6 @@ DecWMAMP3::DecWMAMP3(const LibraryApi& libraries) : library_(libraries) {
 
 DecWMAMP3::~DecWMAMP3() {
     DecWMAMP3::CloseSource();
-    reader_.reset();
-    library_.UnloadDLL();
 }
 
 void DecWMAMP3::createReader() {
@@ -50,22 +50,28 @@ std::vector<std::wstring> DecWMAMP3::Extensions() {
     return split(L"wma;mp3;wmv", L';');
 }
 
-std::int32_t DecWMAMP3::OpenSource(const std::wstring& Source) {
+std::int32_t DecWMAMP3::OpenSource(const std::wstring& source) {
     if (!reader_)
         return noReader;
-    if (reader_->Open(Source.c_str()) != S_OK)
+    if (isDeviceName(source))
         return SourceResult::notOpen;
-    bool prepared = false;
-    try {
-        prepared = prepareReader();
-    } catch (...) {
-        closeReader();
-        throw;
+    if (reader_->Open(source.c_str()) != S_OK) {
+        const FileName name = fileName(source);
+        if (name.impossible || name.wide == source || reader_->Open(name.wide.c_str()) != S_OK)
+            return SourceResult::notOpen;
     }
-    if (!prepared) {
-        closeReader();
+    // An open that is given up halfway ends with the reader closed.
+    struct OpenReader {
+        DecWMAMP3& owner;
+        bool kept = false;
+        ~OpenReader() {
+            if (!kept)
+                owner.closeReader();
+        }
+    } opened{.owner = *this};
+    if (!prepareReader())
         return unusable;
-    }
+    opened.kept = true;
     dropSample();
     position_ = 0;
     open_ = true;
@@ -76,9 +82,13 @@ bool DecWMAMP3::prepareReader() {
     // The range by frames is the whole stream and changes nothing; it is set all the same, and a
     // file for which it cannot be set is not played.
     constexpr WORD firstStream = 1;
-    return selectPcmOutput(*reader_.get(), format_) &&
-           reader_->SetRangeByFrame(firstStream, 0, 0) == S_OK &&
-           readMediaAttributes(*reader_.get(), attributes_, tags_);
+    const std::optional<MediaOutput> output = selectPcmOutput(*reader_.get(), format_);
+    if (!output || reader_->SetRangeByFrame(firstStream, 0, 0) != S_OK ||
+        !readMediaAttributes(*reader_.get(), attributes_, tags_))
+        return false;
+    if (output->outputs > 1)
+        playOnly(*reader_.get(), *output);
+    return true;
 }
 
 // After a failed open nothing is open, whatever was before.
@@ -131,20 +141,20 @@ bool DecWMAMP3::fetchNextSample() {
     return true;
 }
 
-std::int32_t DecWMAMP3::Read(void* pBuffer, std::int32_t cBytes, std::int32_t& cBytesRead) {
-    const auto target = reinterpret_cast<std::uintptr_t>(pBuffer);
-    cBytesRead = 0;
-    while (cBytesRead < cBytes) {
+std::int32_t DecWMAMP3::Read(void* buffer, std::int32_t bytes, std::int32_t& bytesRead) {
+    const auto target = reinterpret_cast<std::uintptr_t>(buffer);
+    bytesRead = 0;
+    while (bytesRead < bytes) {
         const std::int32_t left = sampleLength_ - sampleOffset_;
-        const std::int32_t needed = cBytes - cBytesRead;
+        const std::int32_t needed = bytes - bytesRead;
         if (left >= needed) {
-            copySample(target + static_cast<std::uint32_t>(cBytesRead), needed);
-            cBytesRead = cBytes;
+            copySample(target + static_cast<std::uint32_t>(bytesRead), needed);
+            bytesRead = bytes;
             break;
         }
         if (left > 0) {
-            copySample(target + static_cast<std::uint32_t>(cBytesRead), left);
-            cBytesRead += left;
+            copySample(target + static_cast<std::uint32_t>(bytesRead), left);
+            bytesRead += left;
         }
         if (!fetchNextSample())
             return SourceResult::endOfData;
@@ -161,22 +171,18 @@ void DecWMAMP3::copySample(std::uintptr_t target, std::int32_t bytes) noexcept {
     sampleOffset_ += bytes;
 }
 
-std::int32_t DecWMAMP3::SeekTo(std::int32_t Value, std::int32_t& Mode) {
-    std::uint64_t target = 0;
-    if (Mode == SeekMode::percent) {
-        // Not to 100: at the very end the reader has nothing to deliver.
-        constexpr std::int32_t lastPercent = 99;
-        if (Value < 0 || Value > lastPercent)
-            return seekRefused;
-        target = mediaTimeAtPercent(attributes_.duration, Value);
-    } else if (Mode == SeekMode::seconds) {
-        const double seconds = Duration() / 1000.0;
-        if (Value < 0 || seconds < Value)
-            return seekRefused;
-        target = mediaTimeAtPercent(attributes_.duration, divide(Value, seconds) * 100);
-    }
+std::int32_t DecWMAMP3::SeekTo(std::int32_t value, std::int32_t& mode) {
+    // Not to 100: at the very end the reader has nothing to deliver.
+    constexpr std::int32_t lastPercent = 99;
+    const std::optional<std::uint64_t> target = seekTarget(
+        *this, value, mode, [&] { return mediaTimeAtPercent(attributes_.duration, value); },
+        [&] {
+            const double percent = divide(value, Duration() / 1000.0) * 100;
+            return mediaTimeAtPercent(attributes_.duration, percent);
+        },
+        lastPercent);
     constexpr LONGLONG toTheEnd = 0;
-    if (!reader_ || reader_->SetRange(target, toTheEnd) != S_OK)
+    if (!target || !reader_ || reader_->SetRange(*target, toTheEnd) != S_OK)
         return seekRefused;
     dropSample();
     (void)fetchNextSample();

@@ -13,8 +13,8 @@
 #include "com/ComPtr.h"
 #include "sources/MediaAttributes.h"
 #include "sources/MediaFormat.h"
+#include "stream/OptionalLibrary.h"
 #include "stream/StrmTags.h"
-#include "stream/cDLL.h"
 #include "stream/cSoundSTRM.h"
 
 #include <cstdint>
@@ -39,10 +39,10 @@ public:
     // The record exists from the beginning; it is all zero until a format is found.
     const WAVEFORMATEX* WFXPointer() override { return &format_.record(); }
     // An open source is not closed first: the reader decides whether it takes another file.
-    std::int32_t OpenSource(const std::wstring& Source) override;
+    std::int32_t OpenSource(const std::wstring& source) override;
     std::int32_t CloseSource() override;
-    std::int32_t Read(void* pBuffer, std::int32_t cBytes, std::int32_t& cBytesRead) override;
-    std::int32_t SeekTo(std::int32_t Value, std::int32_t& Mode) override;
+    std::int32_t Read(void* buffer, std::int32_t bytes, std::int32_t& bytesRead) override;
+    std::int32_t SeekTo(std::int32_t value, std::int32_t& mode) override;
 
     StrmTags* Tags() override { return &tags_; }
     bool Force16Bit() override { return true; }
@@ -62,12 +62,13 @@ private:
     [[nodiscard]] bool fetchNextSample();
     void copySample(std::uintptr_t target, std::int32_t bytes) noexcept;
 
-    cDLL library_;
+    // The reader is released before its library is unloaded.
+    OptionalLibrary library_;
     ComPtr<IWMSyncReader> reader_; // null without the runtime
     MediaFormat format_;
     MediaAttributes attributes_;
     StrmTags tags_;
-    QWORD position_ = 0; // where the reader writes the time of each block
+    QWORD position_ = 0; // the time of the last block, written by the reader
     bool open_ = false;
     bool endOfStream_ = false;
     // The block that was fetched last. Its memory is kept for the next one.

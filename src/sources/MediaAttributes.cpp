@@ -14,7 +14,7 @@
 namespace corvina {
 namespace {
 
-// The attributes of the whole file and of every stream.
+// The attributes of the file as such and of every stream.
 constexpr WORD wholeFile = 0xFFFF;
 
 // Longer values are pictures and private data, never one that is used here.
@@ -113,8 +113,8 @@ void take(const Attribute& attribute, MediaAttributes& attributes, StrmTags& tag
                 tags.AddTag(rule.tag, rule.value(attribute));
 }
 
-// The first call tells the lengths, the second fills buffers of just those. Both lengths are the
-// file's word only: the buffers end in zeros of our own.
+// The first call returns the lengths, the second fills buffers of these. Nothing but the file
+// vouches for the lengths, so each buffer is longer and ends in zeros.
 bool readAttribute(IWMHeaderInfo3& header, WORD index, Attribute& attribute) {
     WORD nameLength = 0;
     WORD language = 0;

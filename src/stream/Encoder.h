@@ -1,7 +1,7 @@
 #pragma once
 
 // A component that writes PCM to an encoded file: the published interface IEncoder with every
-// member empty. It answers 0 and empty texts, keeps nothing and writes nothing; an encoder derives
+// member empty. It returns 0 and empty texts, keeps nothing and writes nothing; an encoder derives
 // from it and overrides what it supports. Nothing in this library encodes.
 
 #include "com/Dispatch.h"

@@ -1,29 +1,25 @@
 #include "stream/FileAccess.h"
 
-#include "platform/AnsiText.h"
+#include "stream/FileName.h"
 
 namespace corvina {
 
 FileRecord FileAccess::open(const std::wstring& path, DWORD desiredAccess, DWORD shareMode,
                             DWORD creationDisposition) const {
-    FileRecord file;
-    file.path = path;
-    const AnsiText name = toAnsi(path);
-    if (!name.lossy)
-        file.handle = files_.createFile(name.text.c_str(), desiredAccess, shareMode, nullptr,
-                                        creationDisposition, 0, nullptr);
-    return file;
+    const FileName name = fileName(path);
+    FileHandle handle;
+    if (name.fitsAnsi)
+        handle = FileHandle(files_, files_.createFile(name.ansi.c_str(), desiredAccess, shareMode,
+                                                      nullptr, creationDisposition, 0, nullptr));
+    else if (!name.impossible)
+        handle =
+            FileHandle(files_, files_.createFileWide(name.wide.c_str(), desiredAccess, shareMode,
+                                                     nullptr, creationDisposition, 0, nullptr));
+    return {.handle = std::move(handle), .path = path};
 }
 
 FileRecord FileAccess::openForReading(const std::wstring& path) const {
     return open(path, GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING);
-}
-
-void FileAccess::close(FileRecord& file) const noexcept {
-    if (file.isOpen())
-        files_.closeHandle(file.handle);
-    file.handle = INVALID_HANDLE_VALUE;
-    file.path.clear();
 }
 
 std::int32_t FileAccess::read(const FileRecord& file, void* destination,
@@ -34,14 +30,14 @@ std::int32_t FileAccess::read(const FileRecord& file, void* destination,
         return -1;
     DWORD got = 0;
     const BOOL result =
-        files_.readFile(file.handle, destination, static_cast<DWORD>(bytes), &got, nullptr);
+        files_.readFile(file.handle.get(), destination, static_cast<DWORD>(bytes), &got, nullptr);
     return result == TRUE ? static_cast<std::int32_t>(got) : -1;
 }
 
 std::int32_t FileAccess::setPosition(const FileRecord& file, std::int32_t distance,
                                      MoveMethod method) const noexcept {
     return static_cast<std::int32_t>(
-        files_.setFilePointer(file.handle, distance, nullptr, static_cast<DWORD>(method)));
+        files_.setFilePointer(file.handle.get(), distance, nullptr, static_cast<DWORD>(method)));
 }
 
 std::int32_t FileAccess::position(const FileRecord& file) const noexcept {
@@ -49,10 +45,7 @@ std::int32_t FileAccess::position(const FileRecord& file) const noexcept {
 }
 
 bool FileAccess::exists(const std::wstring& path) const {
-    FileRecord file = openForReading(path);
-    const bool found = file.isOpen();
-    close(file);
-    return found;
+    return openForReading(path).isOpen();
 }
 
 } // namespace corvina

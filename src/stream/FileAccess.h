@@ -2,9 +2,9 @@
 
 // The file functions that sources share: thin wrappers over the platform's, with 32-bit positions.
 //
-// A record is a handle and the path it was opened with. Nothing owns it: whoever keeps one closes
-// it. A path that the ANSI code page cannot spell, or that holds a character of code 0, would open
-// some other file and so opens none.
+// A record is an open file and the path it was opened with; it closes the file at its own end. A
+// path opens its own file and no other, also if the ANSI code page cannot spell it or if it is
+// longer than 260 characters. The name of a device opens nothing.
 
 #include "platform/FileApi.h"
 
@@ -14,10 +14,15 @@
 namespace corvina {
 
 struct FileRecord {
-    HANDLE handle = INVALID_HANDLE_VALUE; // closed
+    FileHandle handle;
     std::wstring path;
 
-    [[nodiscard]] bool isOpen() const noexcept { return handle != INVALID_HANDLE_VALUE; }
+    [[nodiscard]] bool isOpen() const noexcept { return static_cast<bool>(handle); }
+    // Harmless on a closed record.
+    void close() noexcept {
+        handle.reset();
+        path.clear();
+    }
 };
 
 enum class MoveMethod : DWORD {
@@ -30,14 +35,12 @@ class FileAccess {
 public:
     explicit FileAccess(const FileApi& files = systemFileApi) noexcept : files_(files) {}
 
-    // A record of the path; closed where the platform refuses it.
+    // A record of the path; closed if the platform refuses it.
     [[nodiscard]] FileRecord open(const std::wstring& path, DWORD desiredAccess, DWORD shareMode,
                                   DWORD creationDisposition) const;
     // For reading an existing file that others may read meanwhile.
     [[nodiscard]] FileRecord openForReading(const std::wstring& path) const;
-    // Harmless on a closed record.
-    void close(FileRecord& file) const noexcept;
-    // Bytes read; 0 from a closed record; -1 where the platform fails or the count is negative.
+    // Bytes read; 0 from a closed record; -1 if the platform fails or the count is negative.
     [[nodiscard]] std::int32_t read(const FileRecord& file, void* destination,
                                     std::int32_t bytes) const noexcept;
     // The new position from the beginning; -1 on failure.

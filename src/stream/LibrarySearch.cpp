@@ -7,7 +7,7 @@
 namespace corvina {
 namespace {
 
-// The folder of this module with a backslash at its end; empty if the system does not tell.
+// The folder of this module with a backslash at its end; empty if the system does not give it.
 std::wstring moduleFolder() {
     std::wstring path(MAX_PATH, L'\0');
     for (;;) {
@@ -25,18 +25,18 @@ std::wstring moduleFolder() {
 
 } // namespace
 
-HMODULE loadOptionalLibrary(const LibraryApi& api, const std::wstring& name) {
+LibraryHandle loadOptionalLibrary(const LibraryApi& api, const std::wstring& name) {
     const bool hasPath = name.find_first_of(L"\\/:") != std::wstring::npos;
     const std::wstring folder = hasPath ? std::wstring() : moduleFolder();
     const NoErrorBoxes quiet;
     if (!folder.empty()) {
         // The libraries that it needs in turn are then looked for beside it as well.
-        const HMODULE beside =
-            api.loadLibraryFile((folder + name).c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+        LibraryHandle beside(api, api.loadLibraryFile((folder + name).c_str(), nullptr,
+                                                      LOAD_WITH_ALTERED_SEARCH_PATH));
         if (beside)
             return beside;
     }
-    return api.loadLibrary(toAnsi(name).text.c_str());
+    return {api, api.loadLibrary(toAnsi(name).text.c_str())};
 }
 
 } // namespace corvina

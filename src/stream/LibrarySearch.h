@@ -9,8 +9,8 @@
 namespace corvina {
 
 // Loads a library beside the module that holds this code, by its full path, and failing that as the
-// system finds it. A name that holds a path is left to the system at once. Null where there is
-// none; the caller frees what it gets.
-[[nodiscard]] HMODULE loadOptionalLibrary(const LibraryApi& api, const std::wstring& name);
+// system finds it. A name that holds a path is left to the system at once. None if there is no such
+// library.
+[[nodiscard]] LibraryHandle loadOptionalLibrary(const LibraryApi& api, const std::wstring& name);
 
 } // namespace corvina

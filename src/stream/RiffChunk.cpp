@@ -13,26 +13,20 @@ namespace {
 // A damaged file may be one long row of empty chunks.
 constexpr int mostChunksBefore = 65536;
 
-class OpenMmio {
+class WaveFile {
 public:
-    OpenMmio(const MmioApi& api, std::string& path) noexcept
-        : api_(api), handle_(api.open(path.data(), nullptr, MMIO_READ)) {}
-    OpenMmio(const OpenMmio&) = delete;
-    OpenMmio& operator=(const OpenMmio&) = delete;
-    ~OpenMmio() {
-        if (handle_)
-            api_.close(handle_, 0);
-    }
+    WaveFile(const MmioApi& api, std::string& path) noexcept
+        : api_(api), handle_(api, api.open(path.data(), nullptr, MMIO_READ)) {}
 
-    explicit operator bool() const noexcept { return handle_ != nullptr; }
+    explicit operator bool() const noexcept { return static_cast<bool>(handle_); }
 
     // Leaves the position at the data of the first chunk from here on that carries the given name,
     // or the given form type. A parent ends the search.
     [[nodiscard]] bool descend(MMCKINFO& chunk, const MMCKINFO* parent, UINT flags) const {
-        return stepToChunk(chunk, flags) && api_.descend(handle_, &chunk, parent, flags) == 0;
+        return stepToChunk(chunk, flags) && api_.descend(handle_.get(), &chunk, parent, flags) == 0;
     }
 
-    [[nodiscard]] LONG position() const { return api_.seek(handle_, 0, SEEK_CUR); }
+    [[nodiscard]] LONG position() const { return api_.seek(handle_.get(), 0, SEEK_CUR); }
 
 private:
     // The platform's own search follows each chunk's size wherever it points, also back to the same
@@ -47,7 +41,7 @@ private:
         for (int step = 0; step < mostChunksBefore; ++step) {
             Header header{};
             const LONG got =
-                api_.read(handle_, reinterpret_cast<HPSTR>(&header), LONG{sizeof header});
+                api_.read(handle_.get(), reinterpret_cast<HPSTR>(&header), LONG{sizeof header});
             if (at < 0 || got < LONG{offsetof(Header, type)})
                 return false;
             const bool found = flags == MMIO_FINDRIFF
@@ -57,7 +51,7 @@ private:
                 found ? at
                       : at + std::int64_t{offsetof(Header, type)} + header.size + header.size % 2;
             if (next > std::numeric_limits<LONG>::max() ||
-                api_.seek(handle_, static_cast<LONG>(next), SEEK_SET) != next)
+                api_.seek(handle_.get(), static_cast<LONG>(next), SEEK_SET) != next)
                 return false;
             if (found)
                 return true;
@@ -67,7 +61,7 @@ private:
     }
 
     const MmioApi& api_;
-    HMMIO handle_;
+    MmioHandle handle_;
 };
 
 // Of a name without a folder the platform takes the file beside the host's program, if there is
@@ -85,7 +79,7 @@ RiffChunk findWaveChunk(const std::wstring& path, const char* name, const MmioAp
     if (ansi.lossy)
         return {};
     std::string whole = absolutePath(ansi.text);
-    const OpenMmio file(mmio, whole);
+    const WaveFile file(mmio, whole);
     if (!file)
         return {};
     MMCKINFO wave{};
@@ -97,7 +91,7 @@ RiffChunk findWaveChunk(const std::wstring& path, const char* name, const MmioAp
     const LONG offset = file.position();
     if (offset < 0)
         return {};
-    return {offset, static_cast<std::int32_t>(chunk.cksize)};
+    return {.offset = offset, .size = static_cast<std::int32_t>(chunk.cksize)};
 }
 
 } // namespace corvina

@@ -9,7 +9,7 @@
 
 namespace corvina {
 
-// Both 0 where there is no such chunk: no chunk of a RIFF file lies at offset 0.
+// Both 0 if there is no such chunk: no chunk of a RIFF file lies at offset 0.
 struct RiffChunk {
     std::int32_t offset = 0; // of the first data byte in the file
     std::int32_t size = 0;   // in bytes, as the chunk declares it

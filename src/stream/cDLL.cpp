@@ -18,9 +18,9 @@ std::int32_t cDLL::ModuleHandle() const noexcept {
     return static_cast<std::int32_t>(addressOf(module_));
 }
 
-bool cDLL::LoadDLL(const std::wstring& strDLL) {
+bool cDLL::LoadDLL(const std::wstring& name) {
     cdecl_ = false;
-    module_ = loadOptionalLibrary(api_, strDLL);
+    module_ = loadOptionalLibrary(api_, name).release();
     return module_ != nullptr;
 }
 

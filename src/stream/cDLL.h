@@ -34,20 +34,20 @@ public:
     cDLL(const cDLL&) = delete;
     cDLL& operator=(const cDLL&) = delete;
 
-    // The library's handle, 0 where none is loaded.
+    // The library's handle, 0 if none is loaded.
     [[nodiscard]] std::int32_t ModuleHandle() const noexcept;
 
-    // The convention of the calls that follow: true where the caller removes the arguments.
+    // The convention of the calls that follow: true if the caller removes the arguments.
     [[nodiscard]] bool IsCDECL() const noexcept { return cdecl_; }
     void IsCDECL(bool isCdecl) noexcept { cdecl_ = isCdecl; }
 
     // Loads a library, beside this module first. IsCDECL becomes false. A library that this object
     // loaded before stays loaded.
-    bool LoadDLL(const std::wstring& strDLL);
+    bool LoadDLL(const std::wstring& name);
 
     void UnloadDLL() noexcept;
 
-    // Calls an export and returns what it leaves in eax. Nothing is called where the export does
+    // Calls an export and returns what it leaves in eax. Nothing is called if the export does
     // not exist (error 1, "Export missing!") or there are more than 44 arguments (Subscript out of
     // range).
     std::int32_t CallFunc(const char* name, std::span<const std::int32_t> arguments);

@@ -13,7 +13,7 @@ public:
     virtual ~cSoundInf() = default;
 
     // The source's one collection, the same object each time; empty for a source without tags. The
-    // CD manager alone has none and answers null.
+    // CD manager alone has none and returns null.
     virtual StrmTags* Tags() = 0;
     // The converter must output 16-bit samples whatever its caller asks.
     virtual bool Force16Bit() = 0;

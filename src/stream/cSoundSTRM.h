@@ -17,7 +17,7 @@
 
 namespace corvina {
 
-// Result codes that most sources share; each source's header lists what it answers.
+// Result codes that most sources share; each source's header lists what it returns.
 namespace SourceResult {
 inline constexpr std::int32_t done = 0;
 inline constexpr std::int32_t notOpen = 1; // also: could not be opened
@@ -46,12 +46,12 @@ public:
     // from a successful OpenSource to the next one or the source's end; null or all zeros before.
     // At least 18 bytes, and as many more as its cbSize says, are readable there.
     virtual const WAVEFORMATEX* WFXPointer() = 0;
-    virtual std::int32_t OpenSource(const std::wstring& Source) = 0;
+    virtual std::int32_t OpenSource(const std::wstring& source) = 0;
     virtual std::int32_t CloseSource() = 0;
-    // Copies up to cBytes bytes to pBuffer; cBytesRead is the number copied.
-    virtual std::int32_t Read(void* pBuffer, std::int32_t cBytes, std::int32_t& cBytesRead) = 0;
-    // Mode: see SeekMode. By reference as the interface has it; no source writes it.
-    virtual std::int32_t SeekTo(std::int32_t Value, std::int32_t& Mode) = 0;
+    // Copies up to bytes bytes to buffer; bytesRead is the number copied.
+    virtual std::int32_t Read(void* buffer, std::int32_t bytes, std::int32_t& bytesRead) = 0;
+    // mode: see SeekMode. By reference as the interface has it; no source writes it.
+    virtual std::int32_t SeekTo(std::int32_t value, std::int32_t& mode) = 0;
 };
 
 } // namespace corvina

@@ -1,7 +1,7 @@
 #pragma once
 
-// The published front of the window subclassing: each member forwards to MSubclass. An object keeps
-// nothing, so any one of them can detach what another has attached.
+// The COM layer of the window subclassing: each member forwards to MSubclass. An object has no
+// state, so any object can detach what another has attached.
 
 #include "com/Dispatch.h"
 #include "com/Implements.h"

@@ -82,7 +82,7 @@ void restoreProcedure(HWND window, WindowProperties& properties) noexcept {
     return std::nullopt;
 }
 
-// A client that cannot answer does not take its messages away from the window.
+// A client whose property fails does not keep its messages from the window.
 [[nodiscard]] EMsgResponse responseOf(ISubclass& client) noexcept {
     EMsgResponse response = emrPostProcess;
     return SUCCEEDED(client.get_MsgResponse(&response)) ? response : emrPostProcess;
@@ -109,11 +109,12 @@ LRESULT dispatch(HWND window, UINT message, WPARAM wParam, LPARAM lParam, WNDPRO
         currentMessage = number;
         if (i == 1 && !oldCalled && responseOf(*client.get()) == emrPreprocess)
             callOld();
-        long answer = 0;
+        long returned = 0;
         const auto longOf = [](auto value) { return static_cast<long>(value); };
         if (SUCCEEDED(client->WindowProc(longOf(reinterpret_cast<LONG_PTR>(window)),
-                                         longOf(message), longOf(wParam), longOf(lParam), &answer)))
-            result = answer;
+                                         longOf(message), longOf(wParam), longOf(lParam),
+                                         &returned)))
+            result = returned;
     }
     if (client && !oldCalled && api->isWindow(window) &&
         responseOf(*client.get()) == emrPostProcess)
@@ -135,7 +136,8 @@ LRESULT CALLBACK sharedProcedure(HWND window, UINT message, WPARAM wParam, LPARA
     }
     const LRESULT result = count >= 1 ? dispatch(window, message, wParam, lParam, old, count)
                                       : api->callWindowProc(old, window, message, wParam, lParam);
-    // Where a client takes WM_DESTROY this is the window's last message.
+    // If a client handles WM_DESTROY, the procedure is still in place. This message is the last
+    // one.
     if (message == WM_NCDESTROY)
         restoreProcedure(window, properties);
     return result;
@@ -143,43 +145,44 @@ LRESULT CALLBACK sharedProcedure(HWND window, UINT message, WPARAM wParam, LPARA
 
 } // namespace
 
-void AttachMessage(ISubclass* iwp, HWND hWnd, std::int32_t iMsg) {
-    if (const std::int32_t error = checkWindow(hWnd))
+void AttachMessage(ISubclass* client, HWND window, std::int32_t message) {
+    if (const std::int32_t error = checkWindow(window))
         raise(error);
-    if (!iwp)
+    if (!client)
         throwInvalidCall();
-    WindowProperties properties = propertiesOf(hWnd);
-    const std::int32_t count = properties.clientCount(iMsg);
-    if (findClient(properties, iMsg, count, iwp))
+    WindowProperties properties = propertiesOf(window);
+    const std::int32_t count = properties.clientCount(message);
+    if (findClient(properties, message, count, client))
         raise(ErrorNumber::alreadyHandled);
 
     const auto forgetClient = [&] {
-        properties.setClient(iMsg, count + 1, nullptr);
-        properties.setClientCount(iMsg, count);
+        properties.setClient(message, count + 1, nullptr);
+        properties.setClientCount(message, count);
     };
-    properties.setClientCount(iMsg, count + 1);
+    properties.setClientCount(message, count + 1);
     if (!properties.accepted())
         throwInvalidCall();
-    properties.setClient(iMsg, count + 1, iwp);
+    properties.setClient(message, count + 1, client);
     if (!properties.accepted()) {
-        properties.setClientCount(iMsg, count);
+        properties.setClientCount(message, count);
         throwInvalidCall();
     }
     if (!properties.oldProcedure()) {
-        const WNDPROC old = installProcedure(hWnd, &sharedProcedure);
+        const WNDPROC old = installProcedure(window, &sharedProcedure);
         if (!old) {
             forgetClient();
             raise(ErrorNumber::cannotSubclass);
         }
-        // Never itself, should the property have been unreadable: it would call itself for ever.
+        // If the property could not be read, the window has the shared procedure already: stored as
+        // the old one it would call itself without end.
         if (old != &sharedProcedure) {
             properties.setOldProcedure(old);
             if (!properties.accepted()) {
-                installProcedure(hWnd, old);
+                installProcedure(window, old);
                 forgetClient();
                 throwInvalidCall();
             }
-            // The shared procedure must not be unloaded while a window has it.
+            // The code of the shared procedure must stay loaded while a window has it.
             thisModule().lock();
         }
     }
@@ -187,46 +190,46 @@ void AttachMessage(ISubclass* iwp, HWND hWnd, std::int32_t iMsg) {
     if (!properties.accepted()) {
         forgetClient();
         if (properties.attachmentCount() == 0)
-            restoreProcedure(hWnd, properties);
+            restoreProcedure(window, properties);
         throwInvalidCall();
     }
 }
 
-void DetachMessage(ISubclass* iwp, HWND hWnd, std::int32_t iMsg) noexcept {
-    if (checkWindow(hWnd) != 0)
+void DetachMessage(ISubclass* client, HWND window, std::int32_t message) noexcept {
+    if (checkWindow(window) != 0)
         return;
-    WindowProperties properties = propertiesOf(hWnd);
-    const std::int32_t count = properties.clientCount(iMsg);
-    const std::optional<std::int32_t> found = findClient(properties, iMsg, count, iwp);
+    WindowProperties properties = propertiesOf(window);
+    const std::int32_t count = properties.clientCount(message);
+    const std::optional<std::int32_t> found = findClient(properties, message, count, client);
     if (!found)
         return;
     for (std::int32_t i = *found; i < count; ++i)
-        properties.setClient(iMsg, i, properties.client(iMsg, i + 1));
-    properties.setClient(iMsg, count, nullptr);
-    properties.setClientCount(iMsg, count - 1);
+        properties.setClient(message, i, properties.client(message, i + 1));
+    properties.setClient(message, count, nullptr);
+    properties.setClientCount(message, count - 1);
 
     // 0 after the window's own cleanup at WM_DESTROY.
     const std::int32_t attachments = properties.attachmentCount();
     if (attachments == 1)
-        restoreProcedure(hWnd, properties);
+        restoreProcedure(window, properties);
     if (attachments > 0)
         properties.setAttachmentCount(attachments - 1);
 }
 
-bool IsSubclassed(HWND hWnd) noexcept {
-    return propertiesOf(hWnd).oldProcedure() != nullptr;
+bool isSubclassed(HWND window) noexcept {
+    return propertiesOf(window).oldProcedure() != nullptr;
 }
 
 std::int32_t CurrentMessage() noexcept {
     return currentMessage;
 }
 
-LRESULT CallOldWindowProc(HWND hWnd, UINT iMsg, WPARAM wParam, LPARAM lParam) noexcept {
-    // The property of another process's window is an address there, not here.
-    if (checkWindow(hWnd) != 0)
+LRESULT CallOldWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept {
+    // A window of another process has an address of that process in its property.
+    if (checkWindow(window) != 0)
         return 0;
-    const WNDPROC old = propertiesOf(hWnd).oldProcedure();
-    return old ? api->callWindowProc(old, hWnd, iMsg, wParam, lParam) : 0;
+    const WNDPROC old = propertiesOf(window).oldProcedure();
+    return old ? api->callWindowProc(old, window, message, wParam, lParam) : 0;
 }
 
 void useWindowApi(const WindowApi* windows) noexcept {

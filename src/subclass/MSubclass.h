@@ -1,13 +1,17 @@
 #pragma once
 
-// Routes chosen messages of a window to clients, by replacing the window's procedure with one
-// shared procedure.
+// Routes chosen messages of a window to clients. The window's procedure is replaced by one
+// procedure that all subclassed windows share; it calls the clients of each message, and the
+// window's old procedure.
 //
-// All bookkeeping lies in properties of the window itself, whose names are built from decimal
-// numbers: hosts' own tools can read them. The client attached last is called first; the one
-// attached first decides by its MsgResponse whether and when the window's old procedure is called.
-// A client's address is kept without a reference: it must detach before it is destroyed. Only the
-// thread that owns the window may call; there are no locks.
+// The client that attached last is called first. The client that attached first decides by its
+// MsgResponse whether the old procedure is called, and when.
+//
+// All bookkeeping is kept in properties of the window, under names built from decimal numbers
+// (WindowProperties.h). The names are published: tools of hosts read them. A client's address is
+// kept without a reference, so a client must detach before it is destroyed.
+//
+// Thread: only the one that owns the window may call. There are no locks.
 
 #include <cstdint>
 #include <windows.h>
@@ -17,7 +21,7 @@
 
 namespace corvina::MSubclass {
 
-// What the run-time errors of AttachMessage are called; they are raised as errorBase + number.
+// The run-time errors of AttachMessage are raised as errorBase + number.
 namespace ErrorNumber {
 inline constexpr std::int32_t cannotSubclass = 13081;
 inline constexpr std::int32_t alreadyHandled = 13082;
@@ -26,21 +30,22 @@ inline constexpr std::int32_t externalWindow = 13084;
 } // namespace ErrorNumber
 inline constexpr std::int32_t errorBase = static_cast<std::int32_t>(0x80040000);
 
-// Raises 5 where a property cannot be set or there is no client, and the four errors above. What
-// was done before a failure is undone.
-void AttachMessage(ISubclass* iwp, HWND hWnd, std::int32_t iMsg);
-// Does nothing where the client is not attached.
-void DetachMessage(ISubclass* iwp, HWND hWnd, std::int32_t iMsg) noexcept;
-// Whether the window's messages come here. They no longer do behind its WM_DESTROY, which a window
-// may outlive: a container can take it out of a form that goes.
-[[nodiscard]] bool IsSubclassed(HWND hWnd) noexcept;
-// The message being dispatched, or the last one that was.
+// Raises 5 if there is no client or a property cannot be set, and the four errors above. A failure
+// undoes what was done before it.
+void AttachMessage(ISubclass* client, HWND window, std::int32_t message);
+// Does nothing if the client is not attached.
+void DetachMessage(ISubclass* client, HWND window, std::int32_t message) noexcept;
+// Whether the window has the shared procedure. It is taken away at WM_DESTROY, and a window may go
+// on living after that message: a container can take it out of a form that is destroyed.
+[[nodiscard]] bool isSubclassed(HWND window) noexcept;
+// The message that is being dispatched, or the last one that was. One number serves all windows: a
+// client that sends a subclassed message from inside its own sees that one afterwards.
 [[nodiscard]] std::int32_t CurrentMessage() noexcept;
-// Calls the window's procedure from before it was subclassed; 0 where none is stored.
-LRESULT CallOldWindowProc(HWND hWnd, UINT iMsg, WPARAM wParam, LPARAM lParam) noexcept;
+// Calls the procedure that the window had before it was subclassed. 0 if none is stored.
+LRESULT CallOldWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
 
 // For tests: another table of platform functions, and a listener to the trace texts, which are
-// otherwise discarded. Null gives back the usual.
+// discarded otherwise. Null restores the default.
 using Trace = void (*)(const char* text);
 void useWindowApi(const WindowApi* windows) noexcept;
 void useTrace(Trace trace) noexcept;

@@ -6,8 +6,8 @@
 namespace corvina {
 namespace {
 
-// Long enough for every name and trace text: they hold up to four 32-bit numbers. Nothing here may
-// fail for want of memory, because a message is being handled.
+// Long enough for every name and trace text: they hold up to four 32-bit numbers. No memory is
+// allocated, because nothing may fail while a message is handled.
 using Line = std::array<char, 128>;
 
 template <typename... Values>

@@ -1,7 +1,12 @@
 #pragma once
 
-// What the subclassing keeps in the property list of a window, under names built from decimal
-// numbers. A property that would become 0 is removed; one that does not exist reads as 0.
+// What the subclassing keeps in the property list of a window:
+//   "C" + window                          attachments over all messages
+//   window                                the old window procedure
+//   window + "#" + message + "C"          clients of one message
+//   window + "#" + message + "#" + index  the address of one of them
+// Windows and messages are decimal numbers in these names. A property that would become 0 is
+// removed; one that does not exist reads as 0.
 
 #include <cstdint>
 #include <windows.h>

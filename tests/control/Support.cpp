@@ -37,7 +37,7 @@ std::wstring libraryPath() {
     wchar_t program[MAX_PATH]{}, path[MAX_PATH]{};
     ::GetModuleFileNameW(nullptr, program, MAX_PATH);
     const std::wstring folder(program, std::wstring_view(program).rfind(L'\\'));
-    ::GetFullPathNameW((folder + L"\\..\\..\\..\\dist\\Corvina.ocx").c_str(), MAX_PATH, path,
+    ::GetFullPathNameW((folder + L"/" CORVINA_DIST L"/Corvina.ocx").c_str(), MAX_PATH, path,
                        nullptr);
     return path;
 }
@@ -83,7 +83,7 @@ HRESULT callByName(IDispatch* object, const wchar_t* name, WORD flags,
     std::vector<VARIANT> lastFirst(arguments.rbegin(), arguments.rend());
     DISPID put = DISPID_PROPERTYPUT;
     DISPPARAMS parameters{lastFirst.data(), nullptr, static_cast<UINT>(lastFirst.size()), 0};
-    if (flags & DISPATCH_PROPERTYPUT) {
+    if (flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) {
         parameters.rgdispidNamedArgs = &put;
         parameters.cNamedArgs = 1;
     }

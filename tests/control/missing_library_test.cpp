@@ -42,7 +42,7 @@ protected:
                                     L"vorbisfile.dll", L"libsndfile.dll", L"MACDll.dll"}) {
             if (name == missing)
                 continue;
-            const std::wstring delivered = std::wstring(L"..\\..\\..\\dist\\") + name;
+            const std::wstring delivered = std::wstring(CORVINA_DIST L"/") + name;
             ASSERT_TRUE(::CopyFileW(delivered.c_str(), folder.file(name).c_str(), TRUE)) << name;
         }
         ASSERT_EQ(run(L"regsvr32 /s \"" + folder.path() + L"\\Corvina.ocx\""), 0);

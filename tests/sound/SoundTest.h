@@ -3,7 +3,7 @@
 // What the tests of the registered control's sound share: the recording, a folder for files, and
 // files that a recording can be compared with.
 
-#include "support/ExpectHeard.h"
+#include "support/ExpectRecorded.h"
 #include "support/PlayerHost.h"
 #include "support/Recording.h"
 #include "support/TempFolder.h"

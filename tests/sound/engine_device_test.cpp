@@ -70,7 +70,7 @@ TEST_F(EngineOnDevice, a_device_that_does_not_exist_is_refused) {
 TEST_F(EngineOnDevice, the_end_of_the_player_in_mid_play_closes_the_device) {
     ASSERT_EQ(host.player.PlayStart(wav(441000), -1, 0), 0);
     dispatchWaitingMessages();
-    host.player.Shutdown();
+    host.player.shutdown();
     EXPECT_FALSE(host.player.IsPlaying());
     EXPECT_EQ(host.player.PlayPause(), MMSYSERR_INVALHANDLE);
 }

@@ -8,8 +8,6 @@ namespace {
 
 using Events = SoundTest;
 
-// ---- the end
-
 TEST_F(Events, at_the_end_of_a_file_are_one_Err_for_the_reset_and_one_DonePlay) {
     PlayerHost host;
     ASSERT_EQ(host.start(file(signal(shortLength))), 0);
@@ -85,8 +83,6 @@ TEST_F(Events, do_not_come_from_a_device_that_does_not_exist) {
     EXPECT_FALSE(host.isPlaying());
 }
 
-// ---- the middle
-
 // This thread's; other programs have theirs among the message-only windows too.
 HWND findControlWindow() {
     HWND window = nullptr;
@@ -127,7 +123,7 @@ protected:
         ASSERT_TRUE(pumpUntil(silent, 5s)) << "the playback before did not stop";
         const Frames frames = signal(shortLength);
         const std::wstring path = file(frames);
-        expectHeard(frames, [&] { return playWhole(path, frames.size()); });
+        expectRecorded(frames, [&] { return playWhole(path, frames.size()); });
     }
 };
 

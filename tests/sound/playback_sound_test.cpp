@@ -1,6 +1,6 @@
 // A file is heard: every sample, in order, from the first to the last.
 
-#include "BareRing.h"
+#include "PlainWavePlayer.h"
 #include "SoundTest.h"
 
 #include <cstdlib>
@@ -10,14 +10,12 @@ namespace {
 
 using Playback = SoundTest;
 
-// ---- bit for bit
-
 class PlaybackOfLength : public SoundTest, public ::testing::WithParamInterface<std::size_t> {};
 
 TEST_P(PlaybackOfLength, is_heard_bit_for_bit_from_the_first_sample_to_the_last) {
     const Frames frames = signal(GetParam());
     const std::wstring path = file(frames);
-    expectHeard(frames, [&] { return playWhole(path, frames.size()); });
+    expectRecorded(frames, [&] { return playWhole(path, frames.size()); });
 }
 
 INSTANTIATE_TEST_SUITE_P(Frames, PlaybackOfLength,
@@ -30,7 +28,7 @@ TEST_F(Playback, of_a_long_file_is_heard_at_full_length_without_one_differing_sa
     const std::size_t seconds = wish ? std::strtoul(wish, nullptr, 10) : 12;
     const Frames frames = signal(seconds * 44100 + shortLength);
     const std::wstring path = file(frames);
-    expectHeard(frames, [&] { return playWhole(path, frames.size()); });
+    expectRecorded(frames, [&] { return playWhole(path, frames.size()); });
 }
 
 TEST_F(Playback, of_a_second_file_follows_with_the_same_control) {
@@ -41,7 +39,7 @@ TEST_F(Playback, of_a_second_file_follows_with_the_same_control) {
     PlayerHost host;
     std::size_t played = 0;
     for (const auto& [frames, path] : {std::pair(first, firstPath), std::pair(second, secondPath)})
-        expectHeard(frames, [&, &frames = frames, &path = path] {
+        expectRecorded(frames, [&, &frames = frames, &path = path] {
             const std::size_t before = recording.now();
             EXPECT_EQ(host.start(path), 0);
             EXPECT_TRUE(host.waitForDone(++played));
@@ -55,7 +53,7 @@ TEST_F(Playback, of_the_next_file_may_be_started_inside_DonePlay) {
     const std::wstring firstPath = file(first);
     const std::wstring secondPath = file(second);
     Frames heardSecond;
-    expectHeard(first, [&] {
+    expectRecorded(first, [&] {
         const std::size_t before = recording.now();
         long result = -1;
         PlayerHost* self = nullptr;
@@ -76,8 +74,6 @@ TEST_F(Playback, of_the_next_file_may_be_started_inside_DonePlay) {
     });
     EXPECT_EQ(compare(second, heardSecond).difference, std::nullopt);
 }
-
-// ---- pause and seek
 
 TEST_F(Playback, loses_and_repeats_nothing_over_a_pause) {
     const Frames frames = signal(44100 + shortLength);
@@ -103,7 +99,7 @@ TEST_F(Playback, starts_at_a_position_set_before_the_first_message_is_handled) {
     const Frames frames = signal(2 * 44100 + shortLength);
     const std::wstring path = file(frames);
     const Frames rest(frames.begin() + 2 * 44100, frames.end());
-    expectHeard(rest, [&] {
+    expectRecorded(rest, [&] {
         const std::size_t before = recording.now();
         PlayerHost host;
         EXPECT_EQ(host.start(path), 0);
@@ -118,7 +114,7 @@ TEST_F(Playback, plays_out_what_is_queued_and_goes_on_at_a_position_set_in_the_m
     const Frames frames = signal(5 * 44100 + shortLength);
     const Frames rest(frames.begin() + 4 * 44100, frames.end());
     const std::wstring path = file(frames);
-    expectExact([&] {
+    expectExactPlayback([&] {
         const std::size_t before = recording.now();
         PlayerHost host;
         EXPECT_EQ(host.start(path), 0);
@@ -132,8 +128,6 @@ TEST_F(Playback, plays_out_what_is_queued_and_goes_on_at_a_position_set_in_the_m
     });
 }
 
-// ---- a host that is busy, and two hosts
-
 // Plays until turn, which handles what has come up, returns false; before each turn the host is
 // busy with work of its own.
 template <typename Turn>
@@ -144,8 +138,8 @@ void playWhileBusy(Turn turn) {
 }
 
 // Eight blocks last 363 ms; what is left of them must be more than the sound server asks for ahead.
-// Where even a bare ring of the same blocks is interrupted (or a sound server in want of frames
-// drops some), the machine has not given the program its turn in time, and nothing can be told
+// If even a plain program with the same blocks is interrupted (or a sound server in want of frames
+// drops some), the machine has not given the program its turn in time, and the test says nothing
 // about the player.
 TEST_F(Playback, has_no_gap_while_the_host_is_busy_for_a_quarter_of_a_second_again_and_again) {
     const Frames frames = signal(4 * 44100 + shortLength);
@@ -164,19 +158,19 @@ TEST_F(Playback, has_no_gap_while_the_host_is_busy_for_a_quarter_of_a_second_aga
             return host.donePlays() == 0;
         });
     };
-    const auto withBareRing = [&] {
-        BareRing ring(frames);
+    const auto withPlainPlayer = [&] {
+        PlainWavePlayer ring(frames);
         playWhileBusy([&] { return ring.refill(); });
     };
-    int bareRingHeld = 0;
+    int plainPlayerHeld = 0;
     for (int attempt = 0; attempt < 3; ++attempt) {
         if (!interrupted(withPlayer))
             return;
-        bareRingHeld += interrupted(withBareRing) ? 0 : 1;
+        plainPlayerHeld += interrupted(withPlainPlayer) ? 0 : 1;
     }
-    if (bareRingHeld < 2)
+    if (plainPlayerHeld < 2)
         GTEST_SKIP() << "this machine is too busy for any ring of eight blocks";
-    FAIL() << "each playback was interrupted, and a bare ring was not";
+    FAIL() << "each playback was interrupted, and a plain player was not";
 }
 
 TEST_F(Playback, of_two_controls_at_once_adds_up) {

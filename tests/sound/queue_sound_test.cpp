@@ -61,14 +61,14 @@ TEST_F(Queue, passes_over_a_file_that_cannot_be_played_and_keeps_its_result) {
     EXPECT_EQ(queue->result(), 1);
 }
 
-TEST_F(Queue, ends_at_once_where_no_file_can_be_played) {
+TEST_F(Queue, ends_at_once_if_no_file_can_be_played) {
     queue->add(L"no such file.wav");
     queue->play(0);
     EXPECT_EQ(ended, 1);
     EXPECT_EQ(queue->result(), 1);
 }
 
-TEST_F(Queue, tells_in_words_what_a_device_refused) {
+TEST_F(Queue, reports_in_words_what_a_device_refused) {
     queue->add(shortFile);
     queue->setDevice(4711);
     queue->play(0);
@@ -113,7 +113,7 @@ TEST_F(Queue, obeys_the_latest_wish_while_a_file_is_being_stopped) {
     EXPECT_EQ(ended, 1);
 }
 
-TEST_F(Queue, begins_at_the_second_it_is_told) {
+TEST_F(Queue, begins_at_the_given_second) {
     queue->add(longFile);
     queue->play(0, 7);
     EXPECT_EQ(queue->player().positionSeconds(), 7);

@@ -1,7 +1,7 @@
 // The measuring instrument itself: what a plain program plays is recorded bit for bit.
 
-#include "BareRing.h"
-#include "support/ExpectHeard.h"
+#include "PlainWavePlayer.h"
+#include "support/ExpectRecorded.h"
 
 #include <gtest/gtest.h>
 
@@ -16,14 +16,14 @@ TEST(Recording, goes_on_while_nothing_plays) {
     EXPECT_TRUE(pumpUntil([&] { return recording.now() > before + 4410; }));
 }
 
-TEST(Recording, holds_what_a_bare_ring_played_bit_for_bit) {
+TEST(Recording, holds_what_a_plain_program_played_bit_for_bit) {
     const Recording recording;
     if (!recording.available())
         GTEST_SKIP() << "CORVINA_HEARD names no recording";
     const Frames played = signal(44100 + 777);
-    expectHeard(played, [&] {
+    expectRecorded(played, [&] {
         const std::size_t before = recording.now();
-        EXPECT_TRUE(BareRing(played).play(15s));
+        EXPECT_TRUE(PlainWavePlayer(played).play(15s));
         return recording.listenUntilQuiet(before, 10s);
     });
 }

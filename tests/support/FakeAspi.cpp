@@ -38,7 +38,7 @@ void tellType(SRB_GDEVBlock& block) {
 
 void runCommand(SRB_ExecSCSICmd& block) {
     aspi->commands.push_back(block);
-    const std::uint8_t status = aspi->answer(block);
+    const std::uint8_t status = aspi->respond(block);
     if (!aspi->endsLate) {
         block.header.SRB_Status = status;
         return;

@@ -36,7 +36,7 @@ public:
     // By adapter and target, what their type queries end with.
     std::map<std::pair<std::uint8_t, std::uint8_t>, std::uint8_t> cdRoms;
     // What a SCSI command ends with; may write to its data.
-    std::function<std::uint8_t(const SRB_ExecSCSICmd&)> answer = [](const SRB_ExecSCSICmd&) {
+    std::function<std::uint8_t(const SRB_ExecSCSICmd&)> respond = [](const SRB_ExecSCSICmd&) {
         return Aspi::complete;
     };
     // Commands end on another thread, a while after they were sent.

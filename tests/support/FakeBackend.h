@@ -121,17 +121,18 @@ private:
     std::int32_t selected_ = 0;
 };
 
-// Three backends over one machine, each with the status that its InitMe answers.
+// Three backends over one machine, each with the status that its InitMe returns.
 struct FakeBackends {
     FakeMachine machine;
     FakeBackend::Log log;
-    std::int32_t SPTI = 0;
-    std::int32_t IOCTL = 0;
-    std::int32_t ASPI = 0;
+    std::int32_t spti = 0;
+    std::int32_t ioctl = 0;
+    std::int32_t aspi = 0;
 
     [[nodiscard]] CdBackends makers() {
-        return {[this] { return make("SPTI", SPTI); }, [this] { return make("IOCTL", IOCTL); },
-                [this] { return make("ASPI", ASPI); }};
+        return {.spti = [this] { return make("SPTI", spti); },
+                .ioctl = [this] { return make("IOCTL", ioctl); },
+                .aspi = [this] { return make("ASPI", aspi); }};
     }
 
 private:

@@ -45,7 +45,7 @@ BOOL WINAPI fakeIoControl(HANDLE device, DWORD code, LPVOID input, DWORD inputBy
                              static_cast<std::uint8_t*>(input) + inputBytes);
     machine->requests.push_back(request);
     *got = outputBytes;
-    return machine->open.contains(device) && machine->answer(request);
+    return machine->open.contains(device) && machine->respond(request);
 }
 
 } // namespace

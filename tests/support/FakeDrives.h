@@ -40,8 +40,8 @@ public:
     std::map<char, UINT> types;
     std::set<char> refuseRead;  // letters whose device does not open at all
     std::set<char> refuseWrite; // letters whose device opens for reading only
-    // What a request answers; may write to its output. Succeeds by default.
-    std::function<bool(const DriveRequest&)> answer = [](const DriveRequest&) { return true; };
+    // What a request returns; may write to its output. Succeeds by default.
+    std::function<bool(const DriveRequest&)> respond = [](const DriveRequest&) { return true; };
 
     std::vector<char> askedTypes; // letters in the order asked
     std::vector<std::string> opened;

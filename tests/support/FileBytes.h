@@ -21,7 +21,6 @@ using Bytes = std::vector<std::uint8_t>;
     access.setPosition(file, 0, MoveMethod::fromBeginning);
     Bytes bytes(static_cast<std::size_t>(std::max(size, std::int32_t{0})));
     const std::int32_t got = access.read(file, bytes.data(), size);
-    access.close(file);
     if (got != size)
         throw std::runtime_error("a test file could not be read");
     return bytes;

@@ -1,6 +1,6 @@
 #pragma once
 
-// A source whose bytes, format and answers a test lays down.
+// A source whose bytes, format and results a test lays down.
 
 #include "stream/StrmTags.h"
 #include "stream/cSoundSTRM.h"
@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <cstring>
 #include <functional>
+#include <optional>
 #include <vector>
 
 namespace corvina::test {
@@ -24,10 +25,12 @@ public:
     std::size_t position = 0;
     bool force16Bit = false;
     bool hasFormat = true;
+    // What BitsPerSample says, if not what the record says.
+    std::optional<WORD> deliveredBits;
     // The counts that Read was asked for.
     std::vector<std::int32_t> asked;
-    // Where set, it answers Read instead: buffer, count, count read by reference; the result.
-    std::function<std::int32_t(void*, std::int32_t, std::int32_t&)> answer;
+    // If set, it is called instead of reading: buffer, count, count read by reference; the result.
+    std::function<std::int32_t(void*, std::int32_t, std::int32_t&)> respond;
 
     cSoundInf& Info() override { return *this; }
     std::vector<std::wstring> Extensions() override { return {L"memory"}; }
@@ -39,8 +42,8 @@ public:
 
     std::int32_t Read(void* pBuffer, std::int32_t cBytes, std::int32_t& cBytesRead) override {
         asked.push_back(cBytes);
-        if (answer)
-            return answer(pBuffer, cBytes, cBytesRead);
+        if (respond)
+            return respond(pBuffer, cBytes, cBytesRead);
         const std::size_t bytes =
             std::min(static_cast<std::size_t>(cBytes), data.size() - position);
         if (bytes > 0)
@@ -60,7 +63,7 @@ public:
     std::int32_t SampleRate() override { return static_cast<std::int32_t>(format.nSamplesPerSec); }
     std::int16_t Channels() override { return static_cast<std::int16_t>(format.nChannels); }
     std::int16_t BitsPerSample() override {
-        return static_cast<std::int16_t>(format.wBitsPerSample);
+        return static_cast<std::int16_t>(deliveredBits.value_or(format.wBitsPerSample));
     }
     std::int32_t Bitrate() override {
         return static_cast<std::int32_t>(format.nAvgBytesPerSec) * 8;

@@ -23,7 +23,7 @@ struct LoggedEvent {
 std::ostream& operator<<(std::ostream& out, const LoggedEvent& event);
 
 // What every playback ends with, whatever ended it: the control resets its device once more after
-// that was closed and reports the answer, then tells that it is done.
+// that was closed and reports the result, then raises DonePlay.
 [[nodiscard]] std::vector<LoggedEvent> endOfPlayback();
 
 class PlayerHost {

@@ -65,6 +65,21 @@ namespace corvina::test {
     return bytes;
 }
 
+// Whether a heap keeps small blocks in groups. A group counts whole as one block in use, and a look
+// over the heap does not notice what is written within it.
+[[nodiscard]] inline bool groupsSmallBlocks(HANDLE heap) {
+    constexpr ULONG lowFragmentation = 2;
+    ULONG kind = 0;
+    return ::HeapQueryInformation(heap, HeapCompatibilityInformation, &kind, sizeof kind,
+                                  nullptr) &&
+           kind == lowFragmentation;
+}
+
+[[nodiscard]] inline bool anyHeapGroupsSmallBlocks() {
+    const std::vector<HANDLE> heaps = processHeaps();
+    return std::any_of(heaps.begin(), heaps.end(), groupsSmallBlocks);
+}
+
 // Whether tools/check-heap started the program. Blocks are then freed late, and counted till then.
 [[nodiscard]] inline bool heapsAreChecked() {
     return ::GetEnvironmentVariableW(L"CORVINA_HEAP_CHECKED", nullptr, 0) != 0;

@@ -11,7 +11,7 @@
 namespace {
 
 // Relative to the folder in which tests run.
-constexpr const wchar_t* controlFile = L"..\\..\\..\\dist\\Corvina.ocx";
+constexpr const wchar_t* controlFile = CORVINA_DIST L"/Corvina.ocx";
 
 bool registerControl() {
     wchar_t path[MAX_PATH];

@@ -1,7 +1,7 @@
 #pragma once
 
-// A client of the subclassing whose answers a test lays down. It lives where the test puts it and
-// only counts its references.
+// A client of the subclassing that returns what a test sets. It is a member or local of the test:
+// its references are only counted.
 
 #include <functional>
 #include <windows.h>
@@ -23,7 +23,7 @@ public:
 
     Handler handle;
     EMsgResponse response = emrPreprocess;
-    HRESULT status = S_OK; // what both members answer
+    HRESULT status = S_OK; // what both members return
     int references = 0;
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void** result) override {
@@ -50,12 +50,12 @@ public:
     HRESULT STDMETHODCALLTYPE put_MsgResponse(EMsgResponse) override { return S_OK; }
     HRESULT STDMETHODCALLTYPE WindowProc(long hWnd, long iMsg, long wParam, long lParam,
                                          long* result) override {
-        const long answer = handle
+        const long returned = handle
                                 ? handle(reinterpret_cast<HWND>(hWnd), static_cast<UINT>(iMsg),
                                          static_cast<WPARAM>(wParam), static_cast<LPARAM>(lParam))
                                 : 0;
         if (SUCCEEDED(status))
-            *result = answer;
+            *result = returned;
         return status;
     }
 };

@@ -4,6 +4,7 @@
 //
 //   WavBytes().format(pcm(44100, 2, 16)).chunk("data", samples).bytes()
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <optional>
@@ -55,8 +56,9 @@ public:
 
     // The first bytes of the record, and further ones where the chunk has them.
     WavBytes& format(const WAVEFORMATEX& record, std::size_t size = 16, const Bytes& extra = {}) {
-        Bytes content(size);
-        std::memcpy(content.data(), &record, size < sizeof record ? size : sizeof record);
+        const auto* const first = reinterpret_cast<const std::uint8_t*>(&record);
+        Bytes content(first, first + std::min(size, sizeof record));
+        content.resize(size);
         content.insert(content.end(), extra.begin(), extra.end());
         return chunk("fmt ", content);
     }

@@ -3,6 +3,7 @@
 #include <asffile.h>
 #include <id3v2framefactory.h>
 #include <mpegfile.h>
+#include <taglib.h>
 #include <tfilestream.h>
 #include <tpropertymap.h>
 
@@ -80,20 +81,30 @@ FileAttribute textAttribute(const wchar_t* name, const std::wstring& text) {
 
 bool isMpegAudio(const std::wstring& path) {
     TagLib::FileStream stream(path.c_str(), readOnly);
-    return stream.isOpen() && TagLib::MPEG::File::isSupported(&stream);
+    return stream.isOpen() && isMpegAudio(stream);
+}
+
+bool isMpegAudio(TagLib::IOStream& stream) {
+    return TagLib::MPEG::File::isSupported(&stream);
 }
 
 std::vector<FileAttribute> readFileAttributes(const std::wstring& path) {
-    Attributes attributes;
     TagLib::FileStream stream(path.c_str(), readOnly);
-    if (!stream.isOpen())
-        return attributes;
+    return stream.isOpen() ? readFileAttributes(stream) : Attributes{};
+}
+
+std::vector<FileAttribute> readFileAttributes(TagLib::IOStream& stream) {
+    Attributes attributes;
     if (TagLib::ASF::File::isSupported(&stream)) {
         TagLib::ASF::File file(&stream);
         if (file.isValid())
             addWindowsMedia(attributes, file);
     } else {
+#if TAGLIB_MAJOR_VERSION >= 2
+        TagLib::MPEG::File file(&stream);
+#else
         TagLib::MPEG::File file(&stream, TagLib::ID3v2::FrameFactory::instance());
+#endif
         if (file.isValid())
             addMp3(attributes, file);
     }

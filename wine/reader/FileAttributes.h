@@ -9,6 +9,10 @@
 
 #include <wmsdk.h>
 
+namespace TagLib {
+class IOStream;
+}
+
 namespace corvina::wine {
 
 struct FileAttribute {
@@ -28,9 +32,11 @@ template <typename Number>
 
 // Whether MPEG audio begins in the file, behind its tag if it has one.
 [[nodiscard]] bool isMpegAudio(const std::wstring& path);
+[[nodiscard]] bool isMpegAudio(TagLib::IOStream& stream);
 
 // The tags, as far as the file has them, and the bitrate of MPEG audio; empty for a file that is
 // neither kind.
 [[nodiscard]] std::vector<FileAttribute> readFileAttributes(const std::wstring& path);
+[[nodiscard]] std::vector<FileAttribute> readFileAttributes(TagLib::IOStream& stream);
 
 } // namespace corvina::wine

@@ -3,7 +3,7 @@
 #include <stdlib.h>
 #include <string.h>
 
-enum { LEAD_OUT_SECTORS = 90 * 75, PATH_SIZE = 4096 };
+enum { LEAD_OUT_SECTORS = 90 * 75, PATH_SIZE = 4096, MAX_MINUTE = 9999 };
 
 struct sheet {
     struct disc_image* disc;
@@ -89,7 +89,8 @@ static bool add_index(struct sheet* sheet, const char* line) {
     int second = 0;
     int frame = 0;
     if (sscanf(line, " INDEX %d %d:%d:%d", &index, &minute, &second, &frame) != 4 ||
-        disc->track_count == 0)
+        disc->track_count == 0 || minute < 0 || minute > MAX_MINUTE || second < 0 || second > 59 ||
+        frame < 0 || frame > 74)
         return refuse(sheet, "not an index", line);
     if (index == 1) {
         disc->tracks[disc->track_count - 1].start =

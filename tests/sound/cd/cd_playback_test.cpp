@@ -31,7 +31,7 @@ protected:
     void expectSectors(int track, std::int32_t sectors,
                        const std::vector<std::string>& lines = {}) {
         const Frames expected = framesOf(disc->bytes(disc->start(track), sectors));
-        expectHeard(expected, [&] {
+        expectRecorded(expected, [&] {
             d->load(*disc, lines);
             return playWhole(d->trackPath(track), expected.size());
         });
@@ -78,7 +78,7 @@ TEST_F(CdPlayback, a_track_is_heard_from_a_position_set_before_its_first_sector_
     // Two seconds are 150 sectors; the 50 behind them are read in 13 blocks of four.
     const DiscImage longer({{true, 8}, {true, 200}, {true, 8}});
     const Frames expected = framesOf(longer.bytes(longer.start(2) + 150, 52));
-    expectHeard(expected, [&] {
+    expectRecorded(expected, [&] {
         d->load(longer);
         const std::size_t before = recording.now();
         PlayerHost host;
@@ -95,7 +95,7 @@ TEST_F(CdPlayback, a_position_set_in_the_middle_is_heard_behind_what_was_queued)
     const DiscImage longer({{true, 450}});
     const Frames whole = framesOf(longer.bytes(longer.start(1), 450));
     const Frames rest = framesOf(longer.bytes(longer.start(1) + 5 * 75, 75));
-    expectExact([&] {
+    expectExactPlayback([&] {
         d->load(longer);
         const std::size_t before = recording.now();
         PlayerHost host;
@@ -110,7 +110,7 @@ TEST_F(CdPlayback, a_position_set_in_the_middle_is_heard_behind_what_was_queued)
     });
 }
 
-TEST_F(CdPlayback, the_control_tells_a_tracks_format_and_length) {
+TEST_F(CdPlayback, the_control_reports_a_tracks_format_and_length) {
     const DiscImage minute({{true, 60 * 75}});
     d->load(minute);
     PlayerHost host;

@@ -40,7 +40,7 @@ TEST_F(VirtualDrives, the_track_files_of_the_tool_open_their_tracks) {
     for (int track = 1; track <= 3; ++track) {
         DecCDA source;
         const std::wstring path = e->trackPath(track);
-        // Linux programs run beside Wine, not under it: nobody tells when they are done.
+        // Linux programs run beside Wine, not under it: nothing signals their end.
         ASSERT_TRUE(pumpUntil([&] { return source.OpenSource(path) == 0; })) << track;
         EXPECT_EQ(source.Duration(), (disc.sectors(track) * 40 + 1) / 3);
         source.CloseSource();

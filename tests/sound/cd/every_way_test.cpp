@@ -5,15 +5,15 @@
 namespace corvina::test {
 namespace {
 
-enum class Way { SPTI, IOCTL, ASPI };
+enum class Way { spti, ioctl, aspi };
 
 class EveryWay : public VirtualDrives, public testing::WithParamInterface<Way> {
 protected:
     // What the drives must be like for the manager to end up with this backend.
     [[nodiscard]] std::vector<std::string> lines(std::vector<std::string> more = {}) const {
-        if (GetParam() == Way::IOCTL)
+        if (GetParam() == Way::ioctl)
             more.emplace_back("read-only");
-        if (GetParam() == Way::ASPI)
+        if (GetParam() == Way::aspi)
             more.emplace_back("absent");
         return more;
     }
@@ -25,16 +25,16 @@ protected:
 
 std::string wayName(const testing::TestParamInfo<Way>& way) {
     switch (way.param) {
-    case Way::SPTI:
+    case Way::spti:
         return "SPTI";
-    case Way::IOCTL:
+    case Way::ioctl:
         return "IOCTL";
     default:
         return "ASPI";
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Backends, EveryWay, testing::Values(Way::SPTI, Way::IOCTL, Way::ASPI),
+INSTANTIATE_TEST_SUITE_P(Backends, EveryWay, testing::Values(Way::spti, Way::ioctl, Way::aspi),
                          wayName);
 
 TEST_P(EveryWay, lists_both_drives) {
@@ -45,7 +45,7 @@ TEST_P(EveryWay, lists_both_drives) {
     EXPECT_TRUE(source.SelectDevice(1));
     EXPECT_FALSE(source.SelectDevice(2));
     const std::wstring name =
-        GetParam() == Way::IOCTL ? L"Generic CD-ROM drive v1" : L"CORVINA  VIRTUAL DRIVE    1.0 ";
+        GetParam() == Way::ioctl ? L"Generic CD-ROM drive v1" : L"CORVINA  VIRTUAL DRIVE    1.0 ";
     EXPECT_EQ(source.DeviceName(0), name);
 }
 
@@ -156,7 +156,7 @@ TEST_P(EveryWay, a_drive_that_vanishes_in_mid_play_ends_the_stream) {
     ASSERT_EQ(source.OpenSource(d->trackPath(1)), 0);
     EXPECT_EQ(readAll(source), disc.bytes(0, 8));
     EXPECT_FALSE(source.EndOfStream());
-    EXPECT_EQ(source.OpenSource(d->trackPath(1)), GetParam() == Way::IOCTL ? 0 : 4)
+    EXPECT_EQ(source.OpenSource(d->trackPath(1)), GetParam() == Way::ioctl ? 0 : 4)
         << "Wine remembers the table of a device that it asked once";
 }
 

@@ -22,7 +22,7 @@ TrackDescriptor descriptor(std::uint8_t number, std::uint8_t lowByteOfStart) {
     return {0, 0x10, number, 0, 0, 0, 0, lowByteOfStart};
 }
 
-// A drive's answer with tracks 1 to last, MSF addresses 00:02:00, 00:03:00 and so on.
+// A drive's reply with tracks 1 to last, MSF addresses 00:02:00, 00:03:00 and so on.
 CDROM_TOC recordOf(int last) {
     CDROM_TOC record{};
     record.FirstTrack = 1;
@@ -35,31 +35,31 @@ CDROM_TOC recordOf(int last) {
 }
 
 TEST(CdAddress, two_seconds_are_sector_0) {
-    EXPECT_EQ(MsfToLba(0, 2, 0), 0);
+    EXPECT_EQ(msfToLba(0, 2, 0), 0);
 }
 
 TEST(CdAddress, no_time_at_all_is_sector_minus_150) {
-    EXPECT_EQ(MsfToLba(0, 0, 0), -150);
+    EXPECT_EQ(msfToLba(0, 0, 0), -150);
 }
 
 TEST(CdAddress, minute_89_is_the_last_of_the_program_area) {
-    EXPECT_EQ(MsfToLba(89, 59, 74), 404849);
+    EXPECT_EQ(msfToLba(89, 59, 74), 404849);
 }
 
 TEST(CdAddress, minute_90_is_in_the_lead_in) {
-    EXPECT_EQ(MsfToLba(90, 0, 0), -45150);
+    EXPECT_EQ(msfToLba(90, 0, 0), -45150);
 }
 
 TEST(CdAddress, the_last_time_of_all_is_the_sector_before_no_time) {
-    EXPECT_EQ(MsfToLba(99, 59, 74), -151);
+    EXPECT_EQ(msfToLba(99, 59, 74), -151);
 }
 
 TEST(CdAddress, the_flag_takes_minute_90_for_program_area) {
-    EXPECT_EQ(MsfToLba(90, 0, 0, true), 404850);
+    EXPECT_EQ(msfToLba(90, 0, 0, true), 404850);
 }
 
 TEST(CdAddress, bytes_that_are_no_time_still_convert) {
-    EXPECT_EQ(MsfToLba(255, 255, 255), 255 * 4500 + 255 * 75 + 255 - 450150);
+    EXPECT_EQ(msfToLba(255, 255, 255), 255 * 4500 + 255 * 75 + 255 - 450150);
 }
 
 TEST(CdTrack, the_start_is_big_endian) {

@@ -38,7 +38,7 @@ TEST_F(IoctlBackend, asks_for_the_table_with_804_bytes_and_no_input) {
 }
 
 TEST_F(IoctlBackend, reads_a_disc_of_12_tracks) {
-    machine.answer = [](const DriveRequest& request) {
+    machine.respond = [](const DriveRequest& request) {
         auto& record = *static_cast<CDROM_TOC*>(request.output);
         record.FirstTrack = 1;
         record.LastTrack = 12;
@@ -96,7 +96,7 @@ TEST_F(IoctlBackend, moves_the_tray_by_requests_without_buffers) {
     }
 }
 
-TEST(IoctlBackendUnselected, a_read_answers_0_and_reads_nothing) {
+TEST(IoctlBackendUnselected, a_read_returns_0_and_reads_nothing) {
     FakeDrives machine;
     machine.addCdRom('D');
     cdIOCTL backend{fakeDevices()};
@@ -108,7 +108,7 @@ TEST(IoctlBackendUnselected, a_read_answers_0_and_reads_nothing) {
     EXPECT_TRUE(machine.requests.empty());
 }
 
-TEST(IoctlBackendUnselected, the_tray_answers_0_and_stays) {
+TEST(IoctlBackendUnselected, the_tray_returns_0_and_stays) {
     FakeDrives machine;
     machine.addCdRom('D');
     cdIOCTL backend{fakeDevices()};

@@ -1,4 +1,4 @@
-// The backend that the CD manager chooses, and what it answers without one.
+// The backend that the CD manager chooses, and what it returns without one.
 
 #include "ManagerFixture.h"
 #include "runtime/RuntimeError.h"
@@ -39,38 +39,38 @@ TEST_F(CdManagerChoice, is_scsi_pass_through_first_and_no_other_is_initialised) 
 }
 
 TEST_F(CdManagerChoice, falls_to_device_io_control) {
-    fakes.SPTI = 4;
+    fakes.spti = 4;
     EXPECT_TRUE(chooses());
     EXPECT_THAT(initialised(), ElementsAre("SPTI", "IOCTL"));
 }
 
 TEST_F(CdManagerChoice, falls_to_aspi_last) {
-    fakes.SPTI = fakes.IOCTL = 4;
+    fakes.spti = fakes.ioctl = 4;
     EXPECT_TRUE(chooses());
     EXPECT_THAT(initialised(), ElementsAre("SPTI", "IOCTL", "ASPI"));
 }
 
 TEST_F(CdManagerChoice, is_none_when_all_fail) {
-    fakes.SPTI = fakes.IOCTL = fakes.ASPI = 4;
+    fakes.spti = fakes.ioctl = fakes.aspi = 4;
     EXPECT_FALSE(chooses());
     EXPECT_THAT(initialised(), ElementsAre("SPTI", "IOCTL", "ASPI"));
 }
 
-TEST_F(CdManagerChoice, passes_over_device_io_control_where_it_is_disabled) {
+TEST_F(CdManagerChoice, passes_over_device_io_control_if_it_is_disabled) {
     disableIoctl = true;
-    fakes.SPTI = 4;
+    fakes.spti = 4;
     EXPECT_TRUE(chooses());
     EXPECT_THAT(initialised(), ElementsAre("SPTI", "ASPI"));
 }
 
 TEST_F(CdManagerChoice, takes_any_other_status_for_a_failure) {
-    fakes.SPTI = -1;
+    fakes.spti = -1;
     EXPECT_TRUE(chooses());
     EXPECT_THAT(initialised(), ElementsAre("SPTI", "IOCTL"));
 }
 
 TEST_F(CdManagerChoice, releases_a_failed_backend_without_DeInitMe_before_it_tries_the_next) {
-    fakes.SPTI = 4;
+    fakes.spti = 4;
     chooses();
     EXPECT_THAT(fakes.log,
                 ElementsAre("SPTI made", "IOCTL made", "ASPI made", "SPTI InitMe", "SPTI gone",
@@ -83,13 +83,13 @@ TEST_F(CdManagerChoice, can_be_made_again_from_nothing) {
     fakes.log.clear();
     EXPECT_TRUE(manager.InitManager());
     EXPECT_THAT(initialised(), ElementsAre("SPTI"));
-    fakes.SPTI = fakes.IOCTL = fakes.ASPI = 4;
+    fakes.spti = fakes.ioctl = fakes.aspi = 4;
     EXPECT_FALSE(manager.InitManager());
     EXPECT_EQ(manager.DeviceCount(), 0);
 }
 
 TEST_F(CdManagerChoice, of_none_leaves_nothing_to_deinitialise) {
-    fakes.SPTI = fakes.IOCTL = fakes.ASPI = 4;
+    fakes.spti = fakes.ioctl = fakes.aspi = 4;
     chooses();
     for (const std::string& line : fakes.log)
         EXPECT_FALSE(line.ends_with("DeInitMe")) << line;
@@ -103,7 +103,7 @@ protected:
     cdManager manager{fakes.makers()};
 };
 
-TEST_F(CdManagerWithoutBackend, answers_false_0_and_empty_text) {
+TEST_F(CdManagerWithoutBackend, returns_false_0_and_empty_text) {
     EXPECT_FALSE(manager.SelectDevice(0));
     EXPECT_EQ(manager.DeviceCount(), 0);
     for (const std::int32_t index : {0, -1, highest}) {
@@ -140,7 +140,7 @@ TEST_F(CdManagerWithoutBackend, that_was_there_before_a_read_fails) {
     fakes.machine.drives = {disc()};
     ASSERT_TRUE(manager.InitManager());
     ASSERT_EQ(manager.SelectTrack(1), 0);
-    fakes.SPTI = fakes.IOCTL = fakes.ASPI = 4;
+    fakes.spti = fakes.ioctl = fakes.aspi = 4;
     ASSERT_FALSE(manager.InitManager());
     char byte = 0;
     std::int32_t got = 0;

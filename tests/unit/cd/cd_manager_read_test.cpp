@@ -86,7 +86,7 @@ TEST_F(CdManager, four_sectors_are_read_past_the_end_of_the_track) {
     EXPECT_EQ(word(9404), 8 * minute + 3); // beyond the lead-out's start
 }
 
-TEST_F(CdManager, after_the_last_block_the_stream_has_ended_and_a_read_answers_5) {
+TEST_F(CdManager, after_the_last_block_the_stream_has_ended_and_a_read_returns_5) {
     selectTrack(3);
     seekToSector(3 * minute);
     EXPECT_FALSE(manager.EndOfStream());

@@ -39,7 +39,7 @@ TEST_F(CdManager, a_percentage_is_rounded_half_to_even) {
     EXPECT_EQ(fakes.machine.reads.back().lba, 0);
 }
 
-TEST_F(CdManager, a_seek_out_of_range_answers_3_and_stays) {
+TEST_F(CdManager, a_seek_out_of_range_returns_3_and_stays) {
     selectTrack(1);
     ASSERT_EQ(seek(manager, 30, SeekMode::seconds), 0);
     for (const std::int32_t value : {-1, 101, highest, lowest})
@@ -62,7 +62,7 @@ TEST_F(CdManager, the_bound_in_seconds_is_not_rounded) {
     EXPECT_EQ(seek(manager, 181, SeekMode::seconds), 3);
 }
 
-TEST_F(CdManager, any_other_mode_answers_0_and_stays) {
+TEST_F(CdManager, any_other_mode_returns_0_and_stays) {
     selectTrack(1);
     ASSERT_EQ(seek(manager, 30, SeekMode::seconds), 0);
     for (const std::int32_t mode : {2, -1, highest, lowest})

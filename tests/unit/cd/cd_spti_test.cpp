@@ -58,6 +58,29 @@ TEST_F(SptiBackend, fills_every_field_of_the_packet) {
     EXPECT_THAT(packet(), ElementsAreArray(expected));
 }
 
+TEST_F(SptiBackend, every_command_takes_data_in_within_5_seconds_and_14_bytes_of_sense) {
+    backend.InitMe(); // the inquiry
+    backend.SelectDevice(0);
+    backend.ReadSectorsRAW(0, 1, buffer.data());
+    backend.GetTOC(table);
+    backend.OpenCD();
+    backend.CloseCD();
+    backend.IsDiscPresent();
+    ASSERT_EQ(machine.requests.size(), 6u);
+    for (const DriveRequest& request : machine.requests) {
+        SCSI_PASS_THROUGH_DIRECT packet;
+        ASSERT_GE(request.input.size(), sizeof packet);
+        std::memcpy(&packet, request.input.data(), sizeof packet);
+        SCOPED_TRACE("command " + std::to_string(packet.Cdb[0]));
+        EXPECT_EQ(packet.Length, 44);
+        EXPECT_EQ(packet.DataIn, SCSI_IOCTL_DATA_IN);
+        EXPECT_EQ(packet.TimeOutValue, 5u);
+        EXPECT_EQ(packet.SenseInfoLength, 14);
+        EXPECT_EQ(packet.SenseInfoOffset, 44u);
+        EXPECT_EQ(request.code, 0x4D014u);
+    }
+}
+
 TEST_F(SptiBackend, reads_sectors_with_read_cd) {
     EXPECT_EQ(backend.ReadSectorsRAW(300, 4, buffer.data()), 0);
     EXPECT_THAT(cdb(), ElementsAre(0xBE, 0, 0, 0, 1, 0x2C, 0, 0, 4, 0xF8, 0, 0));
@@ -98,7 +121,7 @@ void* dataOf(const DriveRequest& request) {
 }
 
 TEST_F(SptiBackend, addresses_in_the_table_are_not_converted) {
-    machine.answer = [](const DriveRequest& request) {
+    machine.respond = [](const DriveRequest& request) {
         auto& record = *static_cast<CDROM_TOC*>(dataOf(request));
         record.LastTrack = 1;
         record.TrackData[0].TrackNumber = 1;
@@ -115,7 +138,7 @@ TEST_F(SptiBackend, addresses_in_the_table_are_not_converted) {
 
 // The driver reports CHECK CONDITION and sense data, but the request itself succeeded.
 TEST_F(SptiBackend, a_command_that_the_drive_refuses_counts_as_a_success) {
-    machine.answer = [](const DriveRequest& request) {
+    machine.respond = [](const DriveRequest& request) {
         auto* bytes = static_cast<std::uint8_t*>(request.output);
         bytes[2] = 2;
         std::memset(bytes + 44, 0x70, 14);
@@ -130,9 +153,9 @@ TEST_F(SptiBackend, a_command_that_the_drive_refuses_counts_as_a_success) {
 TEST(SptiBackendScan, names_drives_by_their_inquiry_answer) {
     FakeDrives machine;
     machine.addCdRom('D');
-    machine.answer = [](const DriveRequest& request) {
-        char answer[77] = "01234567VENDOR  PRODUCT NAME    1.0aserial";
-        std::memcpy(dataOf(request), answer, 76);
+    machine.respond = [](const DriveRequest& request) {
+        char reply[77] = "01234567VENDOR  PRODUCT NAME    1.0aserial";
+        std::memcpy(dataOf(request), reply, 76);
         return true;
     };
     cdSPTI backend{fakeDevices()};
@@ -149,7 +172,7 @@ TEST(SptiBackendScan, names_drives_by_their_inquiry_answer) {
 TEST(SptiBackendScan, a_drive_that_refuses_the_inquiry_is_listed_without_a_name) {
     FakeDrives machine;
     machine.addCdRom('D');
-    machine.answer = [](const DriveRequest&) { return false; };
+    machine.respond = [](const DriveRequest&) { return false; };
     cdSPTI backend{fakeDevices()};
     EXPECT_EQ(backend.InitMe(), 0);
     EXPECT_EQ(backend.DeviceName(0), L"  ");
@@ -167,7 +190,7 @@ TEST(SptiBackendScan, a_drive_that_opens_for_reading_only_is_skipped) {
     EXPECT_EQ(backend.InitMe(), 4);
 }
 
-TEST(SptiBackendUnselected, operations_answer_9_and_send_nothing) {
+TEST(SptiBackendUnselected, operations_return_9_and_send_nothing) {
     FakeDrives machine;
     machine.addCdRom('D');
     cdSPTI backend{fakeDevices()};

@@ -18,7 +18,7 @@ using testing::ElementsAre;
 using Both = testing::Types<cdIOCTL, cdSPTI>;
 TYPED_TEST_SUITE(DeviceBackends, Both);
 
-TYPED_TEST(DeviceBackends, outside_the_nt_family_answer_4_and_look_at_no_drive) {
+TYPED_TEST(DeviceBackends, outside_the_nt_family_return_4_and_look_at_no_drive) {
     this->machine.platformId = VER_PLATFORM_WIN32_WINDOWS;
     this->machine.addCdRom('D');
     EXPECT_EQ(this->backend.InitMe(), 4);
@@ -26,7 +26,7 @@ TYPED_TEST(DeviceBackends, outside_the_nt_family_answer_4_and_look_at_no_drive) 
     EXPECT_TRUE(this->machine.opened.empty());
 }
 
-TYPED_TEST(DeviceBackends, answer_4_when_windows_does_not_tell_its_version) {
+TYPED_TEST(DeviceBackends, answer_4_when_windows_does_not_report_its_version) {
     this->machine.versionAnswer = FALSE;
     this->machine.addCdRom('D');
     EXPECT_EQ(this->backend.InitMe(), 4);
@@ -95,7 +95,7 @@ TYPED_TEST(DeviceBackends, an_index_outside_the_list_raises_subscript_out_of_ran
     }
 }
 
-TYPED_TEST(DeviceBackends, selecting_outside_the_list_answers_3) {
+TYPED_TEST(DeviceBackends, selecting_outside_the_list_returns_3) {
     this->machine.addCdRom('D');
     ASSERT_EQ(this->backend.InitMe(), 0);
     for (const std::int32_t index : {-1, 1, highest, lowest})
@@ -138,7 +138,7 @@ TYPED_TEST(DeviceBackends, devices_stay_open_until_DeInitMe) {
     EXPECT_EQ(this->backend.DeviceCount(), 0);
 }
 
-TYPED_TEST(DeviceBackends, DeInitMe_twice_or_before_InitMe_answers_0) {
+TYPED_TEST(DeviceBackends, DeInitMe_twice_or_before_InitMe_returns_0) {
     EXPECT_EQ(this->backend.DeInitMe(), 0);
     EXPECT_EQ(this->backend.DeInitMe(), 0);
 }
@@ -179,24 +179,24 @@ TYPED_TEST(DeviceBackends, without_a_selected_drive_no_disc_is_present) {
     EXPECT_TRUE(this->machine.requests.empty());
 }
 
-TYPED_TEST(DeviceBackends, a_refused_table_request_answers_4_and_hands_back_none) {
+TYPED_TEST(DeviceBackends, a_refused_table_request_returns_4_and_hands_back_none) {
     this->selectOneDrive();
-    this->machine.answer = [](const DriveRequest&) { return false; };
+    this->machine.respond = [](const DriveRequest&) { return false; };
     this->table = std::make_unique<cTOC>();
     EXPECT_EQ(this->backend.GetTOC(this->table), 4);
     EXPECT_EQ(this->table, nullptr);
 }
 
-TYPED_TEST(DeviceBackends, a_refused_read_answers_5_and_is_not_repeated) {
+TYPED_TEST(DeviceBackends, a_refused_read_returns_5_and_is_not_repeated) {
     this->selectOneDrive();
-    this->machine.answer = [](const DriveRequest&) { return false; };
+    this->machine.respond = [](const DriveRequest&) { return false; };
     EXPECT_EQ(this->backend.ReadSectorsRAW(0, 4, this->buffer.data()), 5);
     EXPECT_EQ(this->machine.requests.size(), 1u);
 }
 
-TYPED_TEST(DeviceBackends, a_refused_tray_request_answers_4) {
+TYPED_TEST(DeviceBackends, a_refused_tray_request_returns_4) {
     this->selectOneDrive();
-    this->machine.answer = [](const DriveRequest&) { return false; };
+    this->machine.respond = [](const DriveRequest&) { return false; };
     EXPECT_EQ(this->backend.OpenCD(), 4);
     EXPECT_EQ(this->backend.CloseCD(), 4);
 }
@@ -204,11 +204,11 @@ TYPED_TEST(DeviceBackends, a_refused_tray_request_answers_4) {
 TYPED_TEST(DeviceBackends, a_refused_presence_request_means_no_disc) {
     this->selectOneDrive();
     EXPECT_TRUE(this->backend.IsDiscPresent());
-    this->machine.answer = [](const DriveRequest&) { return false; };
+    this->machine.respond = [](const DriveRequest&) { return false; };
     EXPECT_FALSE(this->backend.IsDiscPresent());
 }
 
-TYPED_TEST(DeviceBackends, sectors_fewer_than_none_answer_5_and_send_nothing) {
+TYPED_TEST(DeviceBackends, sectors_fewer_than_none_return_5_and_send_nothing) {
     this->selectOneDrive();
     EXPECT_EQ(this->backend.ReadSectorsRAW(0, -1, this->buffer.data()), 5);
     EXPECT_EQ(this->backend.ReadSectorsRAW(0, lowest, this->buffer.data()), 5);
@@ -223,7 +223,7 @@ TYPED_TEST(DeviceBackends, more_sectors_than_2_gigabytes_raise_overflow) {
     EXPECT_TRUE(this->machine.requests.empty());
 }
 
-TYPED_TEST(DeviceBackends, a_drive_that_tells_too_little_gives_a_table_without_tracks) {
+TYPED_TEST(DeviceBackends, a_drive_that_reports_too_little_gives_a_table_without_tracks) {
     this->selectOneDrive();
     EXPECT_EQ(this->backend.GetTOC(this->table), 0);
     ASSERT_TRUE(this->table);
@@ -232,7 +232,7 @@ TYPED_TEST(DeviceBackends, a_drive_that_tells_too_little_gives_a_table_without_t
 
 TYPED_TEST(DeviceBackends, a_table_of_nonsense_stays_within_bounds) {
     this->selectOneDrive();
-    this->machine.answer = [](const DriveRequest& request) {
+    this->machine.respond = [](const DriveRequest& request) {
         std::memset(request.output, 0xFF, std::min<std::size_t>(request.outputBytes, 8));
         return true;
     };

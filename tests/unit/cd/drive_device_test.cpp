@@ -14,36 +14,34 @@ TEST(DriveDevice, uses_the_first_character_of_the_drive_text) {
     FakeDrives machine;
     machine.addCdRom('D');
     const DriveDevice devices = fakeDevices();
-    FileRecord device = devices.OpenDriveDevice(L"D:\\Track01.cda", GENERIC_READ);
+    FileRecord device = devices.open(L"D:\\Track01.cda", GENERIC_READ);
     EXPECT_TRUE(device.isOpen());
     EXPECT_THAT(machine.opened, ElementsAre("\\\\.\\D:"));
-    devices.close(device);
 }
 
-TEST(DriveDevice, is_opened_where_it_exists_and_never_created) {
+TEST(DriveDevice, is_opened_if_it_exists_and_never_created) {
     FakeDrives machine;
     machine.addCdRom('D');
     const DriveDevice devices = fakeDevices();
-    FileRecord device = devices.OpenDriveDevice(L"D", GENERIC_READ);
+    FileRecord device = devices.open(L"D", GENERIC_READ);
     EXPECT_THAT(machine.openedDisposition, ElementsAre(static_cast<DWORD>(OPEN_EXISTING)));
-    devices.close(device);
 }
 
 TEST(DriveDevice, of_no_text_opens_nothing) {
     FakeDrives machine;
-    EXPECT_FALSE(fakeDevices().OpenDriveDevice(L"", GENERIC_READ).isOpen());
+    EXPECT_FALSE(fakeDevices().open(L"", GENERIC_READ).isOpen());
     EXPECT_TRUE(machine.opened.empty());
 }
 
 TEST(DriveDevice, asks_for_the_scsi_address_with_8_bytes_both_ways_and_closes) {
     FakeDrives machine;
     machine.addCdRom('D');
-    machine.answer = [](const DriveRequest& request) {
+    machine.respond = [](const DriveRequest& request) {
         const std::uint8_t address[8] = {8, 0, 0, 0, 1, 2, 3, 4};
         std::memcpy(request.output, address, 8);
         return true;
     };
-    const auto address = fakeDevices().GetScsiAddress(L"D");
+    const auto address = fakeDevices().scsiAddress(L"D");
     ASSERT_TRUE(address);
     EXPECT_EQ(address->PortNumber, 1);
     EXPECT_EQ(address->PathId, 2);
@@ -56,12 +54,12 @@ TEST(DriveDevice, asks_for_the_scsi_address_with_8_bytes_both_ways_and_closes) {
     EXPECT_TRUE(machine.open.empty());
 }
 
-TEST(DriveDevice, a_drive_that_does_not_tell_has_no_scsi_address_and_is_closed) {
+TEST(DriveDevice, a_drive_that_does_not_report_has_no_scsi_address_and_is_closed) {
     FakeDrives machine;
     machine.addCdRom('D');
-    machine.answer = [](const DriveRequest&) { return false; };
-    EXPECT_FALSE(fakeDevices().GetScsiAddress(L"D"));
-    EXPECT_FALSE(fakeDevices().GetScsiAddress(L"E"));
+    machine.respond = [](const DriveRequest&) { return false; };
+    EXPECT_FALSE(fakeDevices().scsiAddress(L"D"));
+    EXPECT_FALSE(fakeDevices().scsiAddress(L"E"));
     EXPECT_TRUE(machine.open.empty());
 }
 

@@ -1,6 +1,7 @@
 // Sizes, indexes, the window and numbers out of range.
 
 #include "graph/clsFourier.h"
+#include "runtime/BitReversal.h"
 #include "support/ErrorNumber.h"
 
 #include <cmath>
@@ -15,6 +16,16 @@ namespace {
 using test::errorNumberOf;
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
+
+TEST(Fourier, its_creation_fills_the_shared_table_of_reversed_bits) {
+    auto& table = const_cast<BitReversalTable&>(bitReversalTable());
+    table.fill(-1);
+    const clsFourier fourier;
+    EXPECT_EQ(table[0], 0);
+    EXPECT_EQ(table[1], 512);
+    EXPECT_EQ(table[1022], 511);
+    EXPECT_EQ(table[1023], 1023);
+}
 
 TEST(Fourier, a_size_that_is_no_power_of_two_is_ignored) {
     clsFourier fourier;

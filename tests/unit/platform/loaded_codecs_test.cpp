@@ -23,10 +23,13 @@ TEST_F(Codecs, are_opened_at_the_beginning_and_closed_at_the_end) {
 }
 
 TEST_F(Codecs, that_cannot_be_opened_are_passed_over_and_none_leaks_whatever_fails) {
-    forEachFault(fakeAcm.faults, [] {
-        { const LoadedCodecs codecs(fakeAcmApi); }
-        EXPECT_EQ(fakeAcm.openDrivers, 0);
-    });
+    forEachFaultAndPair(
+        fakeAcm.faults,
+        [] {
+            { const LoadedCodecs codecs(fakeAcmApi); }
+            EXPECT_EQ(fakeAcm.openDrivers, 0);
+        },
+        4);
 }
 
 TEST_F(Codecs, behind_one_that_cannot_be_opened_are_opened) {

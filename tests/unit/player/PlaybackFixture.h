@@ -15,8 +15,22 @@
 
 namespace corvina::test {
 
+// Each state that the players of this program have entered, by name.
+inline std::vector<std::string> stateLog;
+
+// Every test checks that no step was made that should not be.
+inline void logState(PlaybackState from, PlaybackState to) {
+    EXPECT_TRUE(mayFollow(from, to)) << nameOf(from) << " to " << nameOf(to);
+    stateLog.emplace_back(nameOf(to));
+}
+
 [[nodiscard]] inline PlayerPlatform fakePlatform() {
-    return {fakeWaveApi, faultyWindowApi, fakeAcmApi, systemFileApi, &makeScriptedSources};
+    return {.wave = fakeWaveApi,
+            .windows = faultyWindowApi,
+            .acm = fakeAcmApi,
+            .files = systemFileApi,
+            .makeSources = &makeScriptedSources,
+            .trace = &logState};
 }
 
 class Playback : public ::testing::Test {
@@ -29,6 +43,7 @@ protected:
         script = {};
         windowFaults.disarm();
         windowLog.clear();
+        stateLog.clear();
         script.data = noise(buffer * 100);
         file = folder.write(L"song.test", {0});
         EXPECT_EQ(host.init(), 0);

@@ -1,8 +1,6 @@
-// The playback engine when the platform, the codec or the source fails.
+// The playback engine when a call of the device or of the window fails.
 
-#include "PlaybackFixture.h"
-
-#include <new>
+#include "PlaybackFaultsFixture.h"
 
 namespace corvina::test {
 namespace {
@@ -10,22 +8,6 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
 using ::testing::IsEmpty;
-
-class PlaybackFaults : public Playback {
-protected:
-    static constexpr auto once = Faults::Lasting::once;
-    static constexpr auto forever = Faults::Lasting::forever;
-
-    // The device is closed, and its close message still waits.
-    void playUntilClosed() {
-        startAndFill();
-        host.player.PlayStop();
-        handleReturnedBuffers();
-        host.events.clear();
-    }
-};
-
-// ---------------------------------------------------------------- the start
 
 TEST_F(PlaybackFaults, a_device_that_cannot_be_opened_is_the_result_without_an_event) {
     fakeWave.faults.arm("waveOutOpen", 1, once, MMSYSERR_BADDEVICEID);
@@ -52,7 +34,7 @@ TEST_F(PlaybackFaults, a_buffer_that_cannot_be_prepared_is_the_result_and_closes
     expectTheNextPlaybackWorks();
 }
 
-TEST_F(PlaybackFaults, a_refused_post_answers_its_0_and_the_playback_ends_at_once) {
+TEST_F(PlaybackFaults, a_refused_post_returns_its_0_and_the_playback_ends_at_once) {
     for (int nth = 1; nth <= 8; ++nth) {
         SCOPED_TRACE(nth);
         windowFaults.arm("PostMessage", nth);
@@ -68,7 +50,7 @@ TEST_F(PlaybackFaults, a_refused_post_answers_its_0_and_the_playback_ends_at_onc
     expectTheNextPlaybackWorks();
 }
 
-TEST_F(PlaybackFaults, a_post_that_answers_another_number_is_the_result) {
+TEST_F(PlaybackFaults, a_post_that_returns_another_number_is_the_result) {
     windowFaults.arm("PostMessage", 5, once, 1400);
     EXPECT_EQ(start(), 1400);
     dispatchWaitingMessages();
@@ -96,8 +78,6 @@ TEST_F(PlaybackFaults, the_hosts_own_quit_message_survives_a_failed_start) {
     EXPECT_EQ(message.message, WM_QUIT);
     EXPECT_EQ(message.wParam, 77u);
 }
-
-// ---------------------------------------------------------------- the refill
 
 TEST_F(PlaybackFaults, a_failed_unprepare_is_reported_and_the_refill_goes_on) {
     ASSERT_EQ(start(), 0);
@@ -152,8 +132,6 @@ TEST_F(PlaybackFaults, after_a_lost_buffer_the_end_never_comes) {
     host.init();
     expectTheNextPlaybackWorks();
 }
-
-// ---------------------------------------------------------------- the end
 
 TEST_F(PlaybackFaults, a_failed_reset_is_reported_with_its_number_as_text_and_is_the_result) {
     startAndFill();
@@ -254,169 +232,7 @@ TEST_F(PlaybackFaults, a_device_that_never_closes_is_left_to_itself_with_its_buf
     dispatchWaitingMessages();
     EXPECT_EQ(host.player.DeInit(), 0);
     EXPECT_FALSE(host.player.IsPlaying());
-    host.player.Shutdown();
-}
-
-// ---------------------------------------------------------------- what is thrown
-
-TEST_F(PlaybackFaults, an_overflow_while_refilling_is_reported_and_ends_the_playback) {
-    startAndFill();
-    script.onRead = [] { throwOverflow(); };
-    playOut();
-    EXPECT_THAT(host.events, ElementsAre(L"WindowProcOut|6|Overflow",
-                                         L"StopPlayAudio:waveOutReset|5|5", L"DonePlay"));
-    EXPECT_FALSE(fakeWave.open);
-    EXPECT_FALSE(host.player.IsPlaying());
-    EXPECT_EQ(fakeAcm.openStreams, 0);
-    expectTheNextPlaybackWorks();
-}
-
-TEST_F(PlaybackFaults, an_overflow_at_the_first_read_ends_the_playback) {
-    script.onRead = [] { throwOverflow(); };
-    startAndFill();
-    EXPECT_THAT(host.events, ElementsAre(L"WindowProcOut|6|Overflow",
-                                         L"StopPlayAudio:waveOutReset|5|5", L"DonePlay"));
-    EXPECT_EQ(fakeWave.writes, 0);
-    expectTheNextPlaybackWorks();
-}
-
-TEST_F(PlaybackFaults, want_of_memory_while_refilling_is_reported_as_7) {
-    startAndFill();
-    script.onRead = [] { throw std::bad_alloc(); };
-    playOut();
-    EXPECT_EQ(host.events.front(), L"WindowProcOut|7|Out of memory");
-    EXPECT_EQ(host.events.back(), L"DonePlay");
-    expectTheNextPlaybackWorks();
-}
-
-TEST_F(PlaybackFaults, anything_else_thrown_is_reported_as_51) {
-    startAndFill();
-    script.onRead = [] { throw 1; };
-    playOut();
-    EXPECT_EQ(host.events.front(), L"WindowProcOut|51|Internal error");
-    EXPECT_EQ(host.events.back(), L"DonePlay");
-    expectTheNextPlaybackWorks();
-}
-
-TEST_F(PlaybackFaults, a_source_that_fails_to_close_does_not_keep_DonePlay_away) {
-    startAndFill();
-    script.onClose = [] { throwOverflow(); };
-    playOut();
-    EXPECT_THAT(host.events, ElementsAre(L"StopPlayAudio:waveOutReset|5|5",
-                                         L"WindowProcOut|6|Overflow", L"DonePlay"));
-    EXPECT_EQ(fakeAcm.openStreams, 0);
-    expectTheNextPlaybackWorks();
-}
-
-TEST_F(PlaybackFaults, a_source_that_fails_to_read_and_to_close_is_survived) {
-    startAndFill();
-    script.onRead = [] { throwOverflow(); };
-    script.onClose = [] { throwOverflow(); };
-    playOut();
-    EXPECT_EQ(host.events.back(), L"DonePlay");
-    EXPECT_FALSE(fakeWave.open);
-    expectTheNextPlaybackWorks();
-}
-
-TEST_F(PlaybackFaults, calls_in_answer_to_a_thrown_failure_are_safe) {
-    const std::function<void()> calls[] = {
-        [&] { host.player.PlayStop(); },
-        [&] { EXPECT_EQ(start(), -201); },
-        [&] { host.player.DeInit(); },
-        [&] {
-            host.player.DeInit();
-            host.init();
-            script.onRead = nullptr;
-            EXPECT_EQ(start(), 0);
-        },
-        [&] { dispatchWaitingMessages(); },
-        [&] { host.player.Shutdown(); },
-    };
-    for (std::size_t i = 0; i < std::size(calls); ++i) {
-        SCOPED_TRACE(i);
-        startAndFill();
-        script.onRead = [] { throwOverflow(); };
-        bool called = false;
-        host.onErr = [&, i](const std::wstring& function) {
-            if (function == L"WindowProcOut" && !std::exchange(called, true))
-                calls[i]();
-        };
-        playOut();
-        EXPECT_TRUE(called);
-        script.onRead = nullptr;
-        playOut();
-        EXPECT_FALSE(fakeWave.open);
-        EXPECT_FALSE(host.player.IsPlaying());
-        host.init();
-        expectTheNextPlaybackWorks();
-    }
-}
-
-// ---------------------------------------------------------------- every call, one at a time
-
-// A whole playback with pause, seek and stop, then leaving. Whatever fails, everything is released,
-// and afterwards a playback works.
-class EveryCall : public PlaybackFaults {
-protected:
-    void sweep(Faults& faults, const std::function<void()>& play) {
-        forEachFault(faults, [&] {
-            play();
-            dispatchWaitingMessages();
-            host.player.DeInit();
-            dispatchWaitingMessages();
-            EXPECT_FALSE(host.player.IsPlaying());
-            // A device that would not close is lost with what it has queued; another takes its
-            // place.
-            if (fakeWave.open) {
-                EXPECT_GT(faults.struck(), 0);
-                fakeWave.open = false;
-                fakeWave.queued.clear();
-            }
-            EXPECT_EQ(fakeAcm.openStreams, 0);
-            host.init();
-            const auto struckSoFar = faults;
-            expectTheNextPlaybackWorks();
-            faults = struckSoFar;
-            host.events.clear();
-        });
-    }
-    void playAndStop() {
-        if (start() != 0)
-            return;
-        dispatchWaitingMessages();
-        fakeWave.finishOne();
-        dispatchWaitingMessages();
-        host.player.PlayPause();
-        host.player.PlayUnPause();
-        host.player.PositionSet(0);
-        host.player.PlayStop();
-        dispatchWaitingMessages();
-    }
-    void playToTheEnd() {
-        if (start() != 0)
-            return;
-        dispatchWaitingMessages();
-        playOut();
-    }
-};
-
-TEST_F(EveryCall, of_the_device_fails_in_a_playback_that_is_stopped) {
-    sweep(fakeWave.faults, [&] { playAndStop(); });
-}
-
-TEST_F(EveryCall, of_the_device_fails_in_a_playback_to_the_end) {
-    script.data = noise(buffer * 10 + 500);
-    sweep(fakeWave.faults, [&] { playToTheEnd(); });
-}
-
-TEST_F(EveryCall, of_the_window_fails) {
-    script.data = noise(buffer * 2);
-    sweep(windowFaults, [&] { playToTheEnd(); });
-}
-
-TEST_F(EveryCall, of_the_codec_fails) {
-    script.data = noise(buffer * 30);
-    sweep(fakeAcm.faults, [&] { playToTheEnd(); });
+    host.player.shutdown();
 }
 
 } // namespace

@@ -183,6 +183,12 @@ TEST_F(Playback, the_device_notifies_the_controls_window) {
     EXPECT_EQ(fakeWave.window, host.window.handle());
 }
 
+TEST_F(Playback, the_device_is_opened_with_no_instance_data) {
+    fakeWave.instance = 1;
+    start();
+    EXPECT_EQ(fakeWave.instance, 0u);
+}
+
 TEST_F(Playback, the_requested_buffer_size_has_no_effect) {
     for (const std::int32_t size : {65536, 0, -1, INT32_MAX, INT32_MIN}) {
         fakeWave.written.clear();
@@ -212,7 +218,7 @@ TEST_F(Playback, a_source_of_8_bits_is_played_in_8) {
     EXPECT_EQ(fakeWave.format.wBitsPerSample, 8);
 }
 
-TEST_F(Playback, a_source_of_16_bits_is_played_in_8_where_no_codec_makes_16) {
+TEST_F(Playback, a_source_of_16_bits_is_played_in_8_if_no_codec_makes_16) {
     fakeAcm.refusedBits = {16};
     ASSERT_EQ(start(), 0);
     EXPECT_EQ(fakeWave.format.wBitsPerSample, 8);
@@ -267,7 +273,7 @@ TEST_F(Playback, the_states_follow_the_device) {
     EXPECT_FALSE(host.player.IsPlaying());
 }
 
-TEST_F(Playback, an_impossible_conversion_answers_5_and_does_not_open_the_device) {
+TEST_F(Playback, an_impossible_conversion_returns_5_and_does_not_open_the_device) {
     fakeAcm.refusedBits = {8, 16};
     EXPECT_EQ(start(), 5);
     EXPECT_THAT(host.events, ElementsAre(L"InitConversion|5|Can't init conversion"));

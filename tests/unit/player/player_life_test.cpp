@@ -1,5 +1,4 @@
-// The player's life: Init and DeInit in any order, its end in any state, and the calls that a host
-// makes from inside its events.
+// The life of the player: Init and DeInit in any order, and its end in any state.
 
 #include "PlaybackFixture.h"
 #include "subclass/MSubclass.h"
@@ -16,8 +15,6 @@ protected:
     // A host of its own, on which Init was not called.
     BarePlayer untouched{fakePlatform()};
 };
-
-// ---------------------------------------------------------------- Init and DeInit
 
 int attachmentsOf(HWND window) {
     const std::string name = std::string("C").append(
@@ -46,7 +43,7 @@ TEST_F(PlayerLife, Init_attaches_the_four_wave_messages_in_order) {
 
 TEST_F(PlayerLife, Init_a_second_time_attaches_nothing_again_but_adds_the_sources_again) {
     // Each attachment is refused because the control is attached already, which is what it wants;
-    // the host is told nothing of it.
+    // the host gets no event of it.
     EXPECT_EQ(script.sources, 1);
     EXPECT_EQ(host.init(), 0);
     EXPECT_EQ(attachmentsOf(host.window.handle()), 4);
@@ -97,7 +94,7 @@ TEST_F(PlayerLife, Init_on_another_window_moves_there) {
     EXPECT_EQ(attachmentsOf(host.window.handle()), 0);
     EXPECT_EQ(attachmentsOf(next.handle()), 4);
     expectTheNextPlaybackWorks();
-    host.player.Shutdown();
+    host.player.shutdown();
 }
 
 TEST_F(PlayerLife, Init_on_a_window_that_has_outlived_its_WM_DESTROY_plays_again) {
@@ -117,6 +114,35 @@ TEST_F(PlayerLife, DeInit_detaches_the_output_messages_and_keeps_those_of_input)
     EXPECT_FALSE(isAttached(window, MM_WOM_CLOSE));
     EXPECT_TRUE(isAttached(window, MM_WIM_DATA));
     EXPECT_TRUE(isAttached(window, MM_WIM_CLOSE));
+}
+
+TEST_F(PlayerLife, DeInit_stops_before_it_detaches) {
+    startAndFill();
+    fakeWave.log.clear();
+    std::vector<std::string> before;
+    script.onClose = [&] {
+        if (before.empty()) {
+            before = fakeWave.log;
+            EXPECT_TRUE(fakeWave.open);
+            EXPECT_TRUE(isAttached(host.window.handle(), MM_WOM_DONE));
+            EXPECT_TRUE(isAttached(host.window.handle(), MM_WOM_CLOSE));
+        }
+    };
+    EXPECT_EQ(host.player.DeInit(), 0);
+    script.onClose = nullptr;
+    EXPECT_THAT(before, ElementsAre("Reset"));
+}
+
+TEST_F(PlayerLife, DeInit_detaches_957_before_956) {
+    MSubclass::useWindowApi(&faultyWindowApi);
+    windowLog.clear();
+    EXPECT_EQ(host.player.DeInit(), 0);
+    MSubclass::useWindowApi(nullptr);
+    std::vector<std::string> clients;
+    for (const std::string& call : windowLog)
+        if (call.starts_with("RemoveProp") && call.ends_with("#1"))
+            clients.push_back(call.substr(call.find('#')));
+    EXPECT_THAT(clients, ElementsAre("#957#1", "#956#1"));
 }
 
 TEST_F(PlayerLife, DeInit_closes_the_opened_file_and_keeps_the_sources) {
@@ -151,7 +177,7 @@ TEST_F(PlayerLife,
     expectTheNextPlaybackWorks();
 }
 
-TEST_F(PlayerLife, DeInit_twice_and_before_Init_answers_0) {
+TEST_F(PlayerLife, DeInit_twice_and_before_Init_returns_0) {
     EXPECT_EQ(untouched.player.DeInit(), 0);
     EXPECT_EQ(host.player.DeInit(), 0);
     EXPECT_EQ(host.player.DeInit(), 0);
@@ -166,7 +192,7 @@ TEST_F(PlayerLife, PlayStart_after_DeInit_is_refused_because_no_message_would_ar
     expectTheNextPlaybackWorks();
 }
 
-TEST_F(PlayerLife, calls_before_Init_are_answered) {
+TEST_F(PlayerLife, calls_before_Init_return) {
     Player& player = untouched.player;
     EXPECT_FALSE(player.IsPlaying());
     EXPECT_TRUE(player.DonePlay());
@@ -183,13 +209,11 @@ TEST_F(PlayerLife, calls_before_Init_are_answered) {
     EXPECT_EQ(player.ErrorTextOut(-101), L"Error opening file");
 }
 
-// ---------------------------------------------------------------- the end of the control
-
-TEST_F(PlayerLife, Shutdown_in_mid_play_closes_the_device_and_detaches_everything) {
+TEST_F(PlayerLife, shutdown_in_mid_play_closes_the_device_and_detaches_everything) {
     startAndFill();
     fakeWave.log.clear();
     script.log.clear();
-    host.player.Shutdown();
+    host.player.shutdown();
     EXPECT_THAT(fakeWave.log,
                 ElementsAre("Reset", "Unprepare 0", "Unprepare 1", "Unprepare 2", "Unprepare 3",
                             "Unprepare 4", "Unprepare 5", "Unprepare 6", "Unprepare 7", "Close"));
@@ -226,7 +250,7 @@ TEST_F(PlayerLife, destruction_in_any_state_leaves_no_device_and_no_source) {
 TEST_F(PlayerLife, a_window_destroyed_in_mid_play_ends_the_playback) {
     startAndFill();
     host.window.destroy();
-    host.player.WindowDestroyed();
+    host.player.windowDestroyed();
     EXPECT_FALSE(fakeWave.open);
     EXPECT_FALSE(host.player.IsPlaying());
     EXPECT_EQ(host.player.PlayStop(), 0);
@@ -234,7 +258,7 @@ TEST_F(PlayerLife, a_window_destroyed_in_mid_play_ends_the_playback) {
     HiddenWindow next;
     EXPECT_EQ(host.player.Init(next.handle(), host.client), 0);
     expectTheNextPlaybackWorks();
-    host.player.Shutdown();
+    host.player.shutdown();
 }
 
 TEST_F(PlayerLife, a_window_destroyed_without_a_word_leaves_the_player_usable) {
@@ -244,113 +268,6 @@ TEST_F(PlayerLife, a_window_destroyed_without_a_word_leaves_the_player_usable) {
     EXPECT_EQ(host.player.PlayStop(), 0);
     EXPECT_EQ(host.player.DeInit(), 0);
     EXPECT_FALSE(fakeWave.open);
-}
-
-// ---------------------------------------------------------------- calls from inside events
-
-TEST_F(PlayerLife, PlayStop_in_answer_to_every_Err_ends_as_usual) {
-    host.onErr = [&](const std::wstring&) { host.player.PlayStop(); };
-    startAndFill();
-    playOut();
-    EXPECT_EQ(host.events, endOfPlayback);
-    expectTheNextPlaybackWorks();
-}
-
-TEST_F(PlayerLife, DeInit_in_answer_to_Err_or_DonePlay_is_safe) {
-    startAndFill();
-    host.onErr = [&](const std::wstring&) { host.player.DeInit(); };
-    host.onDonePlay = [&] { host.player.DeInit(); };
-    playOut();
-    EXPECT_FALSE(host.player.IsPlaying());
-    EXPECT_EQ(host.countOf(L"DonePlay"), 1);
-    host.init();
-    expectTheNextPlaybackWorks();
-}
-
-TEST_F(PlayerLife, PlayStart_in_answer_to_the_Err_before_DonePlay_is_stopped_with_its_playback) {
-    bool started = false;
-    host.onErr = [&](const std::wstring&) {
-        if (!std::exchange(started, true)) {
-            EXPECT_EQ(start(), 0);
-        }
-    };
-    startAndFill();
-    playOut();
-    EXPECT_TRUE(started);
-    EXPECT_FALSE(fakeWave.open);
-    EXPECT_FALSE(host.player.IsPlaying());
-    EXPECT_EQ(host.countOf(L"DonePlay"), 2);
-    expectTheNextPlaybackWorks();
-}
-
-TEST_F(PlayerLife, the_end_of_the_control_inside_Err_or_DonePlay_is_safe) {
-    for (const bool inErr : {true, false}) {
-        BarePlayer victim(fakePlatform());
-        victim.init();
-        ASSERT_EQ(victim.player.PlayStart(file, -1, 0), 0);
-        const auto end = [&] {
-            victim.player.Shutdown();
-            victim.window.destroy();
-        };
-        if (inErr)
-            victim.onErr = [&](const std::wstring&) { end(); };
-        else
-            victim.onDonePlay = end;
-        dispatchWaitingMessages();
-        victim.player.PlayStop();
-        dispatchWaitingMessages();
-        EXPECT_FALSE(fakeWave.open);
-    }
-}
-
-TEST_F(PlayerLife, calls_in_answer_to_a_failed_refill_are_safe) {
-    // The buffer that could not be unprepared is in the engine's hands while the handler runs.
-    const std::function<void()> calls[] = {
-        [&] { host.player.PlayStop(); },
-        [&] { host.player.DeInit(); },
-        [&] { EXPECT_EQ(start(), -201); },
-        [&] {
-            host.player.DeInit();
-            host.init();
-            EXPECT_EQ(start(), 0);
-        },
-        [&] {
-            host.player.DeInit();
-            host.init();
-            fakeAcm.refusedBits = {8, 16};
-            host.onErr = nullptr;
-            EXPECT_EQ(start(), 5);
-            fakeAcm.refusedBits.clear();
-        },
-        [&] { host.player.OpenAudioFile(file); },
-        [&] { host.player.OpenAudioFile(L"missing"); },
-        [&] { dispatchWaitingMessages(); },
-        [&] {
-            host.player.PlayStop();
-            dispatchWaitingMessages();
-        },
-    };
-    for (const char* call : {"waveOutUnprepareHeader", "waveOutPrepareHeader", "waveOutWrite"}) {
-        for (std::size_t i = 0; i < std::size(calls); ++i) {
-            SCOPED_TRACE(std::string(call).append(" ").append(std::to_string(i)));
-            bool called = false;
-            host.onErr = [&, i](const std::wstring& function) {
-                if (function.starts_with(L"WindowProcOut") && !std::exchange(called, true))
-                    calls[i]();
-            };
-            ASSERT_EQ(start(), 0);
-            fakeWave.faults.arm(call, 4);
-            dispatchWaitingMessages();
-            playOut();
-            EXPECT_TRUE(called);
-            // A refused write loses its buffer, and with it the end; leaving always helps.
-            host.player.DeInit();
-            EXPECT_FALSE(fakeWave.open);
-            EXPECT_FALSE(host.player.IsPlaying());
-            host.init();
-            expectTheNextPlaybackWorks();
-        }
-    }
 }
 
 } // namespace

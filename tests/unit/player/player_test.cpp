@@ -1,4 +1,4 @@
-// The player: opening files and what it tells about them.
+// The player: opening files, and the properties of an opened file.
 
 #include "PlaybackFixture.h"
 #include "support/ErrorNumber.h"
@@ -11,15 +11,13 @@ using ::testing::IsEmpty;
 
 class PlayerTest : public Playback {};
 
-// ---------------------------------------------------------------- opening
-
 TEST_F(PlayerTest, a_file_is_opened_by_the_source_of_its_extension) {
     EXPECT_EQ(host.player.OpenAudioFile(file), 0);
     EXPECT_THAT(script.log, ElementsAre(L"Open song.test"));
     EXPECT_THAT(host.events, IsEmpty());
 }
 
-TEST_F(PlayerTest, a_missing_file_answers_1) {
+TEST_F(PlayerTest, a_missing_file_returns_1) {
     EXPECT_EQ(host.player.OpenAudioFile(folder.path() + L"\\no.test"), 1);
     EXPECT_THAT(host.events, ElementsAre(L"|1|File doen't exist"));
     EXPECT_THAT(script.log, IsEmpty());
@@ -31,12 +29,12 @@ TEST_F(PlayerTest, a_missing_file_leaves_the_opened_one_open) {
     EXPECT_EQ(host.player.Info_Samplerate(), 44100);
 }
 
-TEST_F(PlayerTest, an_unknown_format_answers_2_and_raises_the_number_1) {
+TEST_F(PlayerTest, an_unknown_format_returns_2_and_raises_the_number_1) {
     EXPECT_EQ(host.player.OpenAudioFile(folder.write(L"song.xyz", {0})), 2);
     EXPECT_THAT(host.events, ElementsAre(L"|1|Format not supported"));
 }
 
-TEST_F(PlayerTest, a_file_that_cannot_be_opened_answers_3_and_raises_the_number_1) {
+TEST_F(PlayerTest, a_file_that_cannot_be_opened_returns_3_and_raises_the_number_1) {
     script.openResult = 4;
     EXPECT_EQ(host.player.OpenAudioFile(file), 3);
     EXPECT_THAT(host.events, ElementsAre(L"|1|Could not open file"));
@@ -95,8 +93,6 @@ TEST_F(PlayerTest, a_real_wav_file_is_opened_and_described) {
     EXPECT_DOUBLE_EQ(real.player.Info_Duration(), 0.5);
 }
 
-// ---------------------------------------------------------------- information
-
 TEST_F(PlayerTest, information_without_an_opened_file_raises_91) {
     const Player& player = host.player;
     EXPECT_EQ(errorNumberOf([&] { static_cast<void>(player.Info_Bitrate()); }), 91);
@@ -113,9 +109,9 @@ TEST_F(PlayerTest, the_duration_is_in_seconds_with_fraction) {
 }
 
 TEST_F(PlayerTest, tags_without_an_opened_file_raise_91_and_clear_the_texts) {
-    host.player.Tags().title = L"old";
+    host.player.tagTexts().title = L"old";
     EXPECT_EQ(errorNumberOf([&] { host.player.GetID3Tags(L"song.ogg"); }), 91);
-    EXPECT_EQ(host.player.Tags().title, L"");
+    EXPECT_EQ(host.player.tagTexts().title, L"");
 }
 
 TEST_F(PlayerTest, tags_are_those_of_the_opened_file_under_the_names_of_the_given_one) {
@@ -124,13 +120,11 @@ TEST_F(PlayerTest, tags_are_those_of_the_opened_file_under_the_names_of_the_give
     tagged.init();
     tagged.player.OpenAudioFile(file);
     EXPECT_EQ(tagged.player.GetID3Tags(L"nothing of that name.ogg"), 0);
-    EXPECT_EQ(tagged.player.Tags().title, L"the title");
-    EXPECT_EQ(tagged.player.Tags().comment, L"the comment");
+    EXPECT_EQ(tagged.player.tagTexts().title, L"the title");
+    EXPECT_EQ(tagged.player.tagTexts().comment, L"the comment");
     EXPECT_EQ(tagged.player.GetID3Tags(L"song.flac"), 0);
-    EXPECT_EQ(tagged.player.Tags().title, L"");
+    EXPECT_EQ(tagged.player.tagTexts().title, L"");
 }
-
-// ---------------------------------------------------------------- position
 
 TEST_F(PlayerTest, the_position_is_0_without_an_opened_file) {
     EXPECT_EQ(host.player.PositionGet(), 0);
@@ -158,7 +152,7 @@ TEST_F(PlayerTest, seeking_goes_to_whole_seconds) {
                                         L"Seek 2147483647 1", L"Seek -2147483648 1"));
 }
 
-TEST_F(PlayerTest, seeking_out_of_range_answers_0) {
+TEST_F(PlayerTest, seeking_out_of_range_returns_0) {
     script.seekResult = SourceResult::outOfRange;
     host.player.OpenAudioFile(file);
     EXPECT_EQ(host.player.PositionSet(1000), 0);

@@ -20,8 +20,8 @@ namespace corvina::test {
 inline constexpr std::int32_t cFile = 0x00F11E;
 inline constexpr std::int32_t commentBlock = 0x00C0DE;
 
-// What the stand-ins answer.
-struct OggAnswers {
+// What the stand-ins return.
+struct OggResults {
     std::int32_t fopen = cFile;
     std::int32_t ovOpen = 0;
     bool hasInformation = true;
@@ -36,7 +36,7 @@ struct OggAnswers {
 class OggCalls : public testing::Test {
 protected:
     OggCalls() {
-        answers = {};
+        results = {};
         libraries.add("msvcrt.dll",
                       {{"fopen", standIn(&standInFopen)}, {"fclose", standIn(&standInFclose)}});
         libraries.add("ogg.dll");
@@ -74,7 +74,7 @@ protected:
         return source.SeekTo(value, mode);
     }
 
-    static inline OggAnswers answers;
+    static inline OggResults results;
     static inline std::string openedPath;
     static inline std::string openedMode;
     static inline std::int32_t firstWordAtClear = 0;
@@ -90,7 +90,7 @@ private:
         openedPath = path;
         openedMode = mode;
         StandIns::record("fopen", {});
-        return answers.fopen;
+        return results.fopen;
     }
     static std::int32_t __cdecl standInFclose(std::int32_t file) {
         StandIns::record("fclose", {file});
@@ -101,37 +101,37 @@ private:
         StandIns::record("ov_open", {file, initial, bytes});
         state = word(decoder);
         *decoder = file;
-        return answers.ovOpen;
+        return results.ovOpen;
     }
     static const std::int32_t* __cdecl ovInfo(std::int32_t decoder, std::int32_t link) {
         StandIns::record("ov_info", {decoder, link});
-        return answers.hasInformation ? answers.information.data() : nullptr;
+        return results.hasInformation ? results.information.data() : nullptr;
     }
     static std::int64_t __cdecl ovPcmTotal(std::int32_t decoder, std::int32_t link) {
         StandIns::record("ov_pcm_total", {decoder, link});
-        return answers.pcmTotal;
+        return results.pcmTotal;
     }
     static std::int32_t __cdecl ovRead(std::int32_t decoder, std::int32_t buffer,
                                        std::int32_t bytes, std::int32_t endian, std::int32_t width,
                                        std::int32_t isSigned, std::int32_t* section) {
         StandIns::record("ov_read", {decoder, buffer, bytes, endian, width, isSigned});
         *section = 0;
-        return answers.ovRead;
+        return results.ovRead;
     }
     static std::int32_t __cdecl ovTimeSeek(std::int32_t decoder, double seconds) {
         const auto words = std::bit_cast<std::array<std::int32_t, 2>>(seconds);
         StandIns::record("ov_time_seek", {decoder, words[0], words[1]});
-        return answers.ovTimeSeek;
+        return results.ovTimeSeek;
     }
     static std::int32_t __cdecl ovComment(std::int32_t decoder, std::int32_t link) {
         StandIns::record("ov_comment", {decoder, link});
-        return answers.comments;
+        return results.comments;
     }
     static const char* __cdecl vorbisCommentQuery(std::int32_t block, const char* name,
                                                   std::int32_t index) {
         StandIns::record(std::string("vorbis_comment_query ") + name, {block, index});
-        const auto found = answers.values.find(name);
-        return found == answers.values.end() ? nullptr : found->second.c_str();
+        const auto found = results.values.find(name);
+        return found == results.values.end() ? nullptr : found->second.c_str();
     }
     static std::int32_t __cdecl ovClear(const std::int32_t* decoder) {
         StandIns::record("ov_clear", {word(decoder)});

@@ -1,4 +1,4 @@
-#include "StandInReader.h"
+#include "UnusedReaderMembers.h"
 
 #include <algorithm>
 #include <cstring>
@@ -6,6 +6,14 @@
 namespace corvina::test {
 
 StandInLibrary library;
+
+// Notes the call; the result that the test wants for the function.
+HRESULT noted(const std::string& text) {
+    if (library.noting)
+        library.calls.push_back(text);
+    const auto found = library.results.find(text.substr(0, text.find(' ')));
+    return found == library.results.end() ? S_OK : found->second;
+}
 
 namespace {
 
@@ -23,14 +31,6 @@ std::string call(const char* function, Arguments... arguments) {
     std::string text(function);
     ((text += ' ' + std::to_string(arguments)), ...);
     return text;
-}
-
-// Notes the call; the result that the test wants for the function.
-HRESULT answer(const std::string& text) {
-    if (library.noting)
-        library.calls.push_back(text);
-    const auto found = library.results.find(text.substr(0, text.find(' ')));
-    return found == library.results.end() ? S_OK : found->second;
 }
 
 // Counts the stand-in's objects that are alive.
@@ -51,12 +51,12 @@ public:
     HRESULT STDMETHODCALLTYPE GetMaxLength(DWORD*) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE GetBuffer(BYTE**) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE GetBufferAndLength(BYTE** data, DWORD* length) override {
-        const HRESULT result = answer("GetBufferAndLength");
+        const HRESULT result = noted("GetBufferAndLength");
         if (result != S_OK)
             return result;
         *data = block_.withoutData ? nullptr : block_.bytes.data();
-        *length = block_.toldBytes == 0xFFFFFFFF ? static_cast<DWORD>(block_.bytes.size())
-                                                 : block_.toldBytes;
+        *length = block_.reportedBytes == 0xFFFFFFFF ? static_cast<DWORD>(block_.bytes.size())
+                                                     : block_.reportedBytes;
         return S_OK;
     }
 
@@ -71,13 +71,13 @@ public:
 
     HRESULT STDMETHODCALLTYPE GetType(GUID*) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE GetMediaType(WM_MEDIA_TYPE* type, DWORD* size) override {
-        const HRESULT result = answer(type ? "GetMediaType" : "GetMediaTypeSize");
+        const HRESULT result = noted(type ? "GetMediaType" : "GetMediaTypeSize");
         if (result != S_OK)
             return result;
         const auto needed = static_cast<DWORD>(sizeof(WM_MEDIA_TYPE) + format_.block.size());
-        const DWORD told = format_.typeBytes ? format_.typeBytes : needed;
+        const DWORD reported = format_.typeBytes ? format_.typeBytes : needed;
         if (!type) {
-            *size = told;
+            *size = reported;
             return S_OK;
         }
         if (*size < needed)
@@ -94,7 +94,7 @@ public:
     HRESULT STDMETHODCALLTYPE SetMediaType(WM_MEDIA_TYPE* type) override {
         WAVEFORMATEX wave{};
         std::memcpy(&wave, type->pbFormat, std::min<std::size_t>(type->cbFormat, sizeof wave));
-        return answer(call("SetMediaType", wave.wBitsPerSample));
+        return noted(call("SetMediaType", wave.wBitsPerSample));
     }
     HRESULT STDMETHODCALLTYPE GetStreamGroupName(WCHAR*, WORD*) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE GetConnectionName(WCHAR*, WORD*) override { return E_NOTIMPL; }
@@ -105,20 +105,20 @@ private:
     Counted counted_;
 };
 
-class Reader final : public Implements<IWMSyncReader, IWMHeaderInfo3> {
+class Reader final : public UnusedReaderMembers {
 public:
     HRESULT STDMETHODCALLTYPE Open(const WCHAR* name) override {
-        const HRESULT result = answer("Open " + narrow(name));
+        const HRESULT result = noted("Open " + narrow(name));
         library.fileOpen = result == S_OK;
         library.next = 0;
         return result;
     }
     HRESULT STDMETHODCALLTYPE Close() override {
         library.fileOpen = false;
-        return answer("Close");
+        return noted("Close");
     }
     HRESULT STDMETHODCALLTYPE SetRange(QWORD start, LONGLONG length) override {
-        const HRESULT result = answer(call("SetRange", start, length));
+        const HRESULT result = noted(call("SetRange", start, length));
         if (result == S_OK)
             for (library.next = 0;
                  library.next < library.blocks.size() && library.blocks[library.next].time < start;
@@ -127,13 +127,13 @@ public:
         return result;
     }
     HRESULT STDMETHODCALLTYPE SetRangeByFrame(WORD stream, QWORD frame, LONGLONG count) override {
-        return answer(call("SetRangeByFrame", stream, frame, count));
+        return noted(call("SetRangeByFrame", stream, frame, count));
     }
     HRESULT STDMETHODCALLTYPE GetNextSample(WORD stream, INSSBuffer** sample, QWORD* time,
                                             QWORD* duration, DWORD* flags, DWORD* output,
                                             WORD* streamOut) override {
         const bool complete = duration && flags && output && !streamOut;
-        const HRESULT result = answer(call("GetNextSample", stream) + (complete ? "" : " ?"));
+        const HRESULT result = noted(call("GetNextSample", stream) + (complete ? "" : " ?"));
         if (result != S_OK)
             return result;
         if (library.next >= library.blocks.size())
@@ -145,17 +145,30 @@ public:
     }
     HRESULT STDMETHODCALLTYPE GetOutputCount(DWORD* count) override {
         *count = library.outputs;
-        return answer("GetOutputCount");
+        return noted("GetOutputCount");
+    }
+    HRESULT STDMETHODCALLTYPE GetStreamNumberForOutput(DWORD output, WORD* stream) override {
+        *stream = static_cast<WORD>(output + 1);
+        return noted("GetStreamNumberForOutput");
+    }
+    HRESULT STDMETHODCALLTYPE SetStreamsSelected(WORD count, WORD* streams,
+                                                 WMT_STREAM_SELECTION* selections) override {
+        std::string name = "SetStreamsSelected";
+        for (WORD index = 0; index < count; ++index) {
+            name.append(1, ' ').append(std::to_string(streams[index]));
+            name.append(selections[index] == WMT_OFF ? " off" : " on");
+        }
+        return noted(name);
     }
     HRESULT STDMETHODCALLTYPE GetOutputFormatCount(DWORD output, DWORD* count) override {
         const auto found = library.formatCounts.find(output);
         *count = found == library.formatCounts.end() ? 0 : found->second;
-        const HRESULT result = answer(call("GetOutputFormatCount", output));
+        const HRESULT result = noted(call("GetOutputFormatCount", output));
         return found == library.formatCounts.end() ? E_INVALIDARG : result;
     }
     HRESULT STDMETHODCALLTYPE GetOutputFormat(DWORD output, DWORD format,
                                               IWMOutputMediaProps** props) override {
-        const HRESULT result = answer(call("GetOutputFormat", output, format));
+        const HRESULT result = noted(call("GetOutputFormat", output, format));
         const auto found = library.formats.find({output, format});
         if (result != S_OK || found == library.formats.end())
             return E_INVALIDARG;
@@ -163,28 +176,28 @@ public:
         return S_OK;
     }
     HRESULT STDMETHODCALLTYPE SetOutputProps(DWORD output, IWMOutputMediaProps* props) override {
-        return answer(call("SetOutputProps", output) + (props ? "" : " null"));
+        return noted(call("SetOutputProps", output) + (props ? "" : " null"));
     }
     HRESULT STDMETHODCALLTYPE GetAttributeCountEx(WORD stream, WORD* count) override {
         *count = library.attributeCount ? library.attributeCount
                                         : static_cast<WORD>(library.attributes.size());
-        return answer(call("GetAttributeCountEx", stream));
+        return noted(call("GetAttributeCountEx", stream));
     }
     HRESULT STDMETHODCALLTYPE GetAttributeByIndexEx(WORD stream, WORD index, WCHAR* name,
                                                     WORD* nameLength, WMT_ATTR_DATATYPE* type,
                                                     WORD*, BYTE* value,
                                                     DWORD* valueLength) override {
         const char* const function = name ? "GetAttributeByIndexEx" : "GetAttributeLengths";
-        const HRESULT result = answer(call(function, stream, index));
+        const HRESULT result = noted(call(function, stream, index));
         if (result != S_OK)
             return result;
         const StandInAttribute& attribute = library.attributes[index % library.attributes.size()];
         *type = attribute.type;
         if (!name) {
             *nameLength = static_cast<WORD>(attribute.name.size() + !attribute.withoutTerminator);
-            *valueLength = attribute.toldBytes == 0xFFFFFFFF
+            *valueLength = attribute.reportedBytes == 0xFFFFFFFF
                                ? static_cast<DWORD>(attribute.value.size())
-                               : attribute.toldBytes;
+                               : attribute.reportedBytes;
             return S_OK;
         }
         std::memcpy(name, attribute.name.c_str(), *nameLength * sizeof(WCHAR));
@@ -193,107 +206,11 @@ public:
         return S_OK;
     }
 
-    // What the source has no use for.
-    HRESULT STDMETHODCALLTYPE SetStreamsSelected(WORD, WORD*, WMT_STREAM_SELECTION*) override {
-        return answer("SetStreamsSelected");
-    }
-    HRESULT STDMETHODCALLTYPE GetStreamSelected(WORD, WMT_STREAM_SELECTION*) override {
-        return answer("GetStreamSelected");
-    }
-    HRESULT STDMETHODCALLTYPE SetReadStreamSamples(WORD, BOOL) override {
-        return answer("SetReadStreamSamples");
-    }
-    HRESULT STDMETHODCALLTYPE GetReadStreamSamples(WORD, BOOL*) override {
-        return answer("GetReadStreamSamples");
-    }
-    HRESULT STDMETHODCALLTYPE GetOutputSetting(DWORD, LPCWSTR, WMT_ATTR_DATATYPE*, BYTE*,
-                                               WORD*) override {
-        return answer("GetOutputSetting");
-    }
-    HRESULT STDMETHODCALLTYPE SetOutputSetting(DWORD, LPCWSTR, WMT_ATTR_DATATYPE, const BYTE*,
-                                               WORD) override {
-        return answer("SetOutputSetting");
-    }
-    HRESULT STDMETHODCALLTYPE GetOutputProps(DWORD, IWMOutputMediaProps**) override {
-        return answer("GetOutputProps");
-    }
-    HRESULT STDMETHODCALLTYPE GetOutputNumberForStream(WORD, DWORD*) override {
-        return answer("GetOutputNumberForStream");
-    }
-    HRESULT STDMETHODCALLTYPE GetStreamNumberForOutput(DWORD, WORD*) override {
-        return answer("GetStreamNumberForOutput");
-    }
-    HRESULT STDMETHODCALLTYPE GetMaxOutputSampleSize(DWORD, DWORD*) override {
-        return answer("GetMaxOutputSampleSize");
-    }
-    HRESULT STDMETHODCALLTYPE GetMaxStreamSampleSize(WORD, DWORD*) override {
-        return answer("GetMaxStreamSampleSize");
-    }
-    HRESULT STDMETHODCALLTYPE OpenStream(IStream*) override { return answer("OpenStream"); }
-
-    HRESULT STDMETHODCALLTYPE GetAttributeCount(WORD, WORD*) override {
-        return answer("GetAttributeCount");
-    }
-    HRESULT STDMETHODCALLTYPE GetAttributeByIndex(WORD, WORD*, WCHAR*, WORD*, WMT_ATTR_DATATYPE*,
-                                                  BYTE*, WORD*) override {
-        return answer("GetAttributeByIndex");
-    }
-    HRESULT STDMETHODCALLTYPE GetAttributeByName(WORD*, LPCWSTR, WMT_ATTR_DATATYPE*, BYTE*,
-                                                 WORD*) override {
-        return answer("GetAttributeByName");
-    }
-    HRESULT STDMETHODCALLTYPE SetAttribute(WORD, LPCWSTR, WMT_ATTR_DATATYPE, const BYTE*,
-                                           WORD) override {
-        return answer("SetAttribute");
-    }
-    HRESULT STDMETHODCALLTYPE GetMarkerCount(WORD*) override { return answer("GetMarkerCount"); }
-    HRESULT STDMETHODCALLTYPE GetMarker(WORD, WCHAR*, WORD*, QWORD*) override {
-        return answer("GetMarker");
-    }
-    HRESULT STDMETHODCALLTYPE AddMarker(LPCWSTR_WMSDK_TYPE_SAFE, QWORD) override {
-        return answer("AddMarker");
-    }
-    HRESULT STDMETHODCALLTYPE RemoveMarker(WORD) override { return answer("RemoveMarker"); }
-    HRESULT STDMETHODCALLTYPE GetScriptCount(WORD*) override { return answer("GetScriptCount"); }
-    HRESULT STDMETHODCALLTYPE GetScript(WORD, WCHAR*, WORD*, WCHAR*, WORD*, QWORD*) override {
-        return answer("GetScript");
-    }
-    HRESULT STDMETHODCALLTYPE AddScript(LPCWSTR_WMSDK_TYPE_SAFE, LPCWSTR_WMSDK_TYPE_SAFE,
-                                        QWORD) override {
-        return answer("AddScript");
-    }
-    HRESULT STDMETHODCALLTYPE RemoveScript(WORD) override { return answer("RemoveScript"); }
-    HRESULT STDMETHODCALLTYPE GetCodecInfoCount(DWORD*) override {
-        return answer("GetCodecInfoCount");
-    }
-    HRESULT STDMETHODCALLTYPE GetCodecInfo(DWORD, WORD*, WCHAR*, WORD*, WCHAR*,
-                                           WMT_CODEC_INFO_TYPE*, WORD*, BYTE*) override {
-        return answer("GetCodecInfo");
-    }
-    HRESULT STDMETHODCALLTYPE GetAttributeIndices(WORD, LPCWSTR, WORD*, WORD*, WORD*) override {
-        return answer("GetAttributeIndices");
-    }
-    HRESULT STDMETHODCALLTYPE ModifyAttribute(WORD, WORD, WMT_ATTR_DATATYPE, WORD, const BYTE*,
-                                              DWORD) override {
-        return answer("ModifyAttribute");
-    }
-    HRESULT STDMETHODCALLTYPE AddAttribute(WORD, LPCWSTR, WORD*, WMT_ATTR_DATATYPE, WORD,
-                                           const BYTE*, DWORD) override {
-        return answer("AddAttribute");
-    }
-    HRESULT STDMETHODCALLTYPE DeleteAttribute(WORD, WORD) override {
-        return answer("DeleteAttribute");
-    }
-    HRESULT STDMETHODCALLTYPE AddCodecInfo(LPCWSTR_WMSDK_TYPE_SAFE, LPCWSTR_WMSDK_TYPE_SAFE,
-                                           WMT_CODEC_INFO_TYPE, WORD, BYTE*) override {
-        return answer("AddCodecInfo");
-    }
-
 protected:
     void* findInterface(REFIID iid) noexcept override {
         if (library.withoutHeader && iid == __uuidof(IWMHeaderInfo3))
             return nullptr;
-        return Implements::findInterface(iid);
+        return UnusedReaderMembers::findInterface(iid);
     }
 
 private:

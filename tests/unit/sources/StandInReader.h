@@ -1,7 +1,7 @@
 #pragma once
 
 // A stand-in for the system's Windows Media library: a reader that plays what a test lays into it,
-// answers each call as the test wants, and writes down every call with its arguments.
+// returns from each call what the test wants, and writes down every call with its arguments.
 
 #include "com/Implements.h"
 #include "platform/LibraryApi.h"
@@ -31,7 +31,7 @@ struct StandInFormat {
     GUID subtype = mediaPcm;
     std::vector<std::uint8_t> block; // the wave format as stored
     bool withoutBlock = false;       // the pointer to the block is null
-    DWORD typeBytes = 0;             // the size that is told, where it is not the true one
+    DWORD typeBytes = 0;             // the size that is reported, if not the true one
 };
 
 // 44100 Hz stereo of that width.
@@ -41,8 +41,8 @@ struct StandInAttribute {
     std::wstring name;
     WMT_ATTR_DATATYPE type = WMT_TYPE_STRING;
     std::vector<std::uint8_t> value;
-    bool withoutTerminator = false; // the name's length does not count one
-    DWORD toldBytes = 0xFFFFFFFF;   // the first call tells this instead of the true length
+    bool withoutTerminator = false;   // the name's length does not count one
+    DWORD reportedBytes = 0xFFFFFFFF; // the first call reports this instead of the true length
 };
 
 [[nodiscard]] StandInAttribute textAttribute(std::wstring name, const std::wstring& value);
@@ -57,11 +57,11 @@ template <typename Number>
 struct StandInBlock {
     QWORD time = 0; // units of 100 nanoseconds
     std::vector<std::uint8_t> bytes;
-    bool withoutData = false;     // the pointer to the bytes is null
-    DWORD toldBytes = 0xFFFFFFFF; // the length that is told, where it is not the true one
+    bool withoutData = false;         // the pointer to the bytes is null
+    DWORD reportedBytes = 0xFFFFFFFF; // the length that is reported, if not the true one
 };
 
-// What the library holds and how it answers; one for a test program, reset by each test.
+// What the library holds and what it returns; one for a test program, reset by each test.
 struct StandInLibrary {
     bool missing = false;
     bool withoutExport = false;
@@ -71,10 +71,10 @@ struct StandInLibrary {
     std::map<DWORD, DWORD> formatCounts;                      // by output
     std::map<std::pair<DWORD, DWORD>, StandInFormat> formats; // by output and format
     std::vector<StandInAttribute> attributes;
-    WORD attributeCount = 0; // where it is not the attributes' own: they then repeat
+    WORD attributeCount = 0; // if it is not the number of attributes: they then repeat
     std::vector<StandInBlock> blocks;
     HRESULT afterLastBlock = static_cast<HRESULT>(0xC00D0BCF);
-    std::map<std::string, HRESULT> results; // by function, where it is not the normal one
+    std::map<std::string, HRESULT> results; // by function, if not the normal one
     bool withoutHeader = false;             // the reader does not know the header's interface
 
     bool noting = true; // calls are written down

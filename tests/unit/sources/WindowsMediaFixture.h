@@ -41,12 +41,12 @@ protected:
     }
 
     static ReadResult readFrom(DecWMAMP3& source, std::int32_t count) {
-        ReadResult answer;
-        answer.bytes.assign(static_cast<std::size_t>(std::max(count, 1)), 0xEE);
+        ReadResult reading;
+        reading.bytes.assign(static_cast<std::size_t>(std::max(count, 1)), 0xEE);
         std::int32_t got = -1;
-        answer.result = source.Read(answer.bytes.data(), count, got);
-        answer.bytes.resize(static_cast<std::size_t>(got));
-        return answer;
+        reading.result = source.Read(reading.bytes.data(), count, got);
+        reading.bytes.resize(static_cast<std::size_t>(got));
+        return reading;
     }
 
     static std::int32_t seek(DecWMAMP3& source, std::int32_t value, std::int32_t mode) {

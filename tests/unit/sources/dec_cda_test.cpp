@@ -100,18 +100,18 @@ TEST_F(TrackSource, the_file_is_closed_again) {
     EXPECT_EQ(filesClosed, 1);
 }
 
-TEST_F(TrackSource, without_a_backend_answers_4_and_opens_no_file) {
-    fakes.SPTI = fakes.IOCTL = fakes.ASPI = 4;
+TEST_F(TrackSource, without_a_backend_returns_4_and_opens_no_file) {
+    fakes.spti = fakes.ioctl = fakes.aspi = 4;
     EXPECT_EQ(open(track1), 4);
     EXPECT_EQ(filesOpened, 0);
 }
 
-TEST_F(TrackSource, without_a_backend_a_deeper_path_answers_4_too) {
-    fakes.SPTI = fakes.IOCTL = fakes.ASPI = 4;
+TEST_F(TrackSource, without_a_backend_a_deeper_path_returns_4_too) {
+    fakes.spti = fakes.ioctl = fakes.aspi = 4;
     EXPECT_EQ(source().OpenSource(L"C:\\music\\Track01.cda"), 4);
 }
 
-TEST_F(TrackSource, a_deeper_path_answers_1_without_opening_the_file) {
+TEST_F(TrackSource, a_deeper_path_returns_1_without_opening_the_file) {
     for (const wchar_t* deep :
          {L"C:\\music\\Track01.cda", L"D:\\\\Track01.cda", L"\\\\.\\D:", L"\\\\", L"a\\b\\c"})
         EXPECT_EQ(source().OpenSource(deep), 1) << deep;
@@ -128,18 +128,18 @@ TEST_F(TrackSource, slashes_are_not_counted) {
     EXPECT_EQ(source().OpenSource(L"./././Track01.cda"), 0);
 }
 
-TEST_F(TrackSource, a_missing_file_answers_1) {
+TEST_F(TrackSource, a_missing_file_returns_1) {
     EXPECT_EQ(source().OpenSource(L"none.cda"), 1);
     EXPECT_EQ(source().OpenSource(L""), 1);
     EXPECT_EQ(source().OpenSource(L"D:\\none.cda"), 1);
 }
 
-TEST_F(TrackSource, a_name_that_no_file_can_have_answers_1) {
+TEST_F(TrackSource, a_name_that_no_file_can_have_returns_1) {
     EXPECT_EQ(source().OpenSource(std::wstring(L"Track01.cda\0.cda", 16)), 1);
     EXPECT_EQ(source().OpenSource(std::wstring(40000, L'x')), 1);
 }
 
-TEST_F(TrackSource, fewer_than_44_bytes_answer_1) {
+TEST_F(TrackSource, fewer_than_44_bytes_return_1) {
     EXPECT_EQ(open({}), 1);
     EXPECT_EQ(open(test::Bytes(track1.begin(), track1.end() - 1)), 1);
     EXPECT_EQ(filesClosed, filesOpened);
@@ -151,7 +151,7 @@ TEST_F(TrackSource, more_than_44_bytes_are_not_looked_at) {
     EXPECT_EQ(open(longer), 0);
 }
 
-TEST_F(TrackSource, a_file_of_another_form_answers_1) {
+TEST_F(TrackSource, a_file_of_another_form_returns_1) {
     for (const std::size_t offset : {0u, 3u, 8u, 11u, 12u, 15u}) {
         auto other = track1;
         other[offset] = 'x';
@@ -185,12 +185,12 @@ TEST_F(TrackSource, each_single_bit_of_form_or_time_matters_and_no_other) {
     EXPECT_EQ(filesClosed, filesOpened);
 }
 
-TEST_F(TrackSource, without_the_disc_answers_4) {
+TEST_F(TrackSource, without_the_disc_returns_4) {
     fakes.machine.tableReadable = [] { return false; };
     EXPECT_EQ(open(track1), 4);
 }
 
-TEST_F(TrackSource, a_start_without_its_length_answers_4) {
+TEST_F(TrackSource, a_start_without_its_length_returns_4) {
     EXPECT_EQ(open(trackFile({0, 2, 0}, {1, 0, 1})), 4);
     EXPECT_EQ(open(trackFile({0, 2, 1}, {1, 0, 0})), 4);
 }
@@ -334,12 +334,12 @@ TEST_F(TrackSource, offers_the_drives_to_the_host) {
 }
 
 TEST_F(TrackSource, without_a_backend_the_drives_are_none) {
-    fakes.SPTI = fakes.IOCTL = fakes.ASPI = 4;
+    fakes.spti = fakes.ioctl = fakes.aspi = 4;
     EXPECT_EQ(source().DeviceCount(), 0);
     EXPECT_EQ(source().DeviceName(0), L"");
     EXPECT_FALSE(source().SelectDevice(0));
     EXPECT_FALSE(source().DiscPresent());
-    EXPECT_THROW(source().toc(), RuntimeError);
+    EXPECT_THROW(static_cast<void>(source().toc()), RuntimeError);
 }
 
 } // namespace

@@ -15,7 +15,7 @@ using testing::IsEmpty;
 TEST_F(OggCalls, read_asks_once_for_little_endian_signed_16_bit_samples) {
     DecOGG& source = opened();
     char buffer[8];
-    answers.ovRead = 4;
+    results.ovRead = 4;
     std::int32_t got = -1;
     EXPECT_EQ(source.Read(buffer, 8, got), 0);
     EXPECT_EQ(got, 4); // fewer than asked is no end
@@ -26,21 +26,21 @@ TEST_F(OggCalls, the_position_grows_by_what_was_read) {
     DecOGG& source = opened();
     char buffer[8];
     std::int32_t got = 0;
-    answers.ovRead = 17640; // 100 ms
+    results.ovRead = 17640; // 100 ms
     source.Read(buffer, 8, got);
     source.Read(buffer, 8, got);
     EXPECT_EQ(source.Position(), 200);
 }
 
 TEST_F(OggCalls, half_a_millisecond_rounds_to_the_even_position) {
-    answers.information = {0, 1, 1000, 0, 0, 0, 0, 0};
+    results.information = {0, 1, 1000, 0, 0, 0, 0, 0};
     DecOGG& source = opened();
     char buffer[8];
     std::int32_t got = 0;
-    answers.ovRead = 1; // half a sample of 1 ms
+    results.ovRead = 1; // half a sample of 1 ms
     source.Read(buffer, 8, got);
     EXPECT_EQ(source.Position(), 0);
-    answers.ovRead = 3; // 1.5
+    results.ovRead = 3; // 1.5
     source.Read(buffer, 8, got);
     EXPECT_EQ(source.Position(), 2);
 }
@@ -49,9 +49,9 @@ TEST_F(OggCalls, a_count_whose_thousandfold_overflows_raises_overflow) {
     DecOGG& source = opened();
     char buffer[8];
     std::int32_t got = 0;
-    answers.ovRead = 2147484;
+    results.ovRead = 2147484;
     EXPECT_THROW(source.Read(buffer, 8, got), RuntimeError);
-    answers.ovRead = 2147482;
+    results.ovRead = 2147482;
     EXPECT_EQ(source.Read(buffer, 8, got), 0);
 }
 
@@ -68,14 +68,14 @@ TEST_F(OggCalls, a_hole_in_the_data_hands_the_negative_count_on_and_leaves_the_p
     DecOGG& source = opened();
     char buffer[8];
     std::int32_t got = 0;
-    answers.ovRead = -3;
+    results.ovRead = -3;
     EXPECT_EQ(source.Read(buffer, 8, got), 0);
     EXPECT_EQ(got, -3);
     EXPECT_EQ(source.Position(), 0);
     EXPECT_FALSE(source.EndOfStream());
 }
 
-TEST_F(OggCalls, read_on_a_closed_source_answers_1_and_calls_nothing) {
+TEST_F(OggCalls, read_on_a_closed_source_returns_1_and_calls_nothing) {
     DecOGG source(StandIns::api());
     char buffer[8];
     std::int32_t got = 77;
@@ -112,8 +112,8 @@ TEST_F(OggCalls, the_ends_of_both_ranges_are_accepted) {
 
 TEST_F(OggCalls, behind_a_seek_to_the_end_that_the_library_refuses_comes_the_end) {
     DecOGG& source = opened();
-    answers.ovTimeSeek = -131;
-    answers.ovRead = 8;
+    results.ovTimeSeek = -131;
+    results.ovRead = 8;
     EXPECT_EQ(seek(source, 10, 1), 0);
     EXPECT_FALSE(source.EndOfStream());
     libraries.calls.clear();
@@ -123,12 +123,12 @@ TEST_F(OggCalls, behind_a_seek_to_the_end_that_the_library_refuses_comes_the_end
     EXPECT_EQ(got, 0);
     EXPECT_TRUE(source.EndOfStream());
     EXPECT_THAT(libraries.calls, IsEmpty());
-    answers.ovTimeSeek = 0;
+    results.ovTimeSeek = 0;
     EXPECT_EQ(seek(source, 5, 1), 0);
     EXPECT_EQ(source.Read(buffer, 8, got), 0);
 }
 
-TEST_F(OggCalls, a_seek_out_of_range_answers_3_and_calls_nothing) {
+TEST_F(OggCalls, a_seek_out_of_range_returns_3_and_calls_nothing) {
     DecOGG& source = opened();
     constexpr std::int32_t least = std::numeric_limits<std::int32_t>::min();
     constexpr std::int32_t most = std::numeric_limits<std::int32_t>::max();

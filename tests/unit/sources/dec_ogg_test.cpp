@@ -57,7 +57,7 @@ TEST_F(OggCalls, open_calls_the_library_step_by_step) {
     EXPECT_THAT(openedPath, testing::EndsWith("\\a.ogg"));
 }
 
-TEST_F(OggCalls, any_missing_library_makes_every_open_answer_4) {
+TEST_F(OggCalls, any_missing_library_makes_every_open_return_4) {
     for (const char* missing : {"msvcrt.dll", "ogg.dll", "vorbis.dll", "vorbisfile.dll"}) {
         StandIns none;
         for (const char* library : {"msvcrt.dll", "ogg.dll", "vorbis.dll", "vorbisfile.dll"})
@@ -69,43 +69,43 @@ TEST_F(OggCalls, any_missing_library_makes_every_open_answer_4) {
     }
 }
 
-TEST_F(OggCalls, a_missing_file_answers_1_and_nothing_is_called) {
+TEST_F(OggCalls, a_missing_file_returns_1_and_nothing_is_called) {
     path = folder.path() + L"\\none.ogg";
     EXPECT_EQ(openResult(), 1);
     EXPECT_THAT(callsAtOpen, IsEmpty());
 }
 
-TEST_F(OggCalls, a_stream_that_the_library_refuses_is_cleared_and_closed_and_answers_1) {
-    answers.ovOpen = -132;
+TEST_F(OggCalls, a_stream_that_the_library_refuses_is_cleared_and_closed_and_returns_1) {
+    results.ovOpen = -132;
     EXPECT_EQ(openResult(), 1);
     EXPECT_THAT(callsAtOpen, ElementsAre(Call{"fopen", {}}, Call{"ov_open", {cFile, 0, 0}},
                                          Call{"ov_clear", {state}}, Call{"fclose", {cFile}}));
 }
 
-TEST_F(OggCalls, no_stream_information_answers_1) {
-    answers.hasInformation = false;
+TEST_F(OggCalls, no_stream_information_returns_1) {
+    results.hasInformation = false;
     EXPECT_EQ(openResult(), 1);
     EXPECT_EQ(callsAtOpen.back(), (Call{"ov_info", {state, -1}}));
 }
 
-TEST_F(OggCalls, a_rate_below_1_is_cleared_and_closed_and_answers_1) {
+TEST_F(OggCalls, a_rate_below_1_is_cleared_and_closed_and_returns_1) {
     for (const std::int32_t rate : {0, -44100}) {
-        answers.information[2] = rate;
+        results.information[2] = rate;
         EXPECT_EQ(openResult(), 1);
         EXPECT_THAT(lastTwo(callsAtOpen),
                     ElementsAre(Call{"ov_clear", {state}}, Call{"fclose", {cFile}}));
     }
 }
 
-TEST_F(OggCalls, more_than_two_channels_are_cleared_and_closed_and_answer_1) {
-    answers.information[1] = 3;
+TEST_F(OggCalls, more_than_two_channels_are_cleared_and_closed_and_return_1) {
+    results.information[1] = 3;
     EXPECT_EQ(openResult(), 1);
     EXPECT_THAT(lastTwo(callsAtOpen),
                 ElementsAre(Call{"ov_clear", {state}}, Call{"fclose", {cFile}}));
 }
 
 TEST_F(OggCalls, a_refused_file_is_closed_once) {
-    answers.ovOpen = -1;
+    results.ovOpen = -1;
     DecOGG source(StandIns::api());
     source.OpenSource(path);
     libraries.calls.clear();
@@ -178,8 +178,8 @@ TEST_F(OggCalls, the_file_of_an_open_that_raised_an_error_is_closed_with_the_sou
 }
 
 TEST_F(OggCalls, the_numbers_come_from_the_stream_information) {
-    answers.information = {0, 1, 22050, 1, 64000, 2, 3, 4};
-    answers.pcmTotal = 22051;
+    results.information = {0, 1, 22050, 1, 64000, 2, 3, 4};
+    results.pcmTotal = 22051;
     DecOGG& source = opened();
     EXPECT_EQ(source.SampleRate(), 22050);
     EXPECT_EQ(source.Channels(), 1);
@@ -204,19 +204,19 @@ TEST_F(OggCalls, the_format_record_is_16_bit_pcm) {
 }
 
 TEST_F(OggCalls, a_duration_between_two_milliseconds_rounds_to_the_even_one) {
-    answers.information[2] = 2000;
-    answers.pcmTotal = 5; // 2.5 ms
+    results.information[2] = 2000;
+    results.pcmTotal = 5; // 2.5 ms
     EXPECT_EQ(opened().Duration(), 2);
 }
 
 TEST_F(OggCalls, a_rate_whose_byte_rate_overflows_raises_overflow) {
-    answers.information[2] = 1 << 30;
+    results.information[2] = 1 << 30;
     DecOGG source(StandIns::api());
     EXPECT_THROW(source.OpenSource(path), RuntimeError);
 }
 
 TEST_F(OggCalls, tags_have_lower_case_names_and_empty_values_are_left_out) {
-    answers.values = {{"title", "t"}, {"artist", ""}, {"description", "d"}};
+    results.values = {{"title", "t"}, {"artist", ""}, {"description", "d"}};
     const StrmTags& tags = *opened().Tags();
     ASSERT_EQ(tags.TagCount(), 2);
     EXPECT_EQ(tags.TagItem(1).TagName(), L"title");
@@ -225,12 +225,29 @@ TEST_F(OggCalls, tags_have_lower_case_names_and_empty_values_are_left_out) {
 }
 
 TEST_F(OggCalls, tag_values_are_taken_byte_by_byte) {
-    answers.values = {{"title", "\xE9t\xC3\xA9"}};
+    results.values = {{"title", "\xE9t\xC3\xA9"}};
     EXPECT_EQ(opened().Tags()->TagItem(1).TagValue(), L"\u00E9t\u00C3\u00A9");
 }
 
+TEST_F(OggCalls, opening_again_begins_at_the_start_and_not_at_the_end) {
+    DecOGG& source = opened();
+    std::int32_t mode = 0;
+    std::int32_t got = 0;
+    char buffer[400];
+    ASSERT_EQ(source.SeekTo(100, mode), 0); // the end, which the library refuses
+    EXPECT_EQ(source.Read(buffer, 400, got), 5);
+    EXPECT_TRUE(source.EndOfStream());
+    EXPECT_EQ(source.Position(), 10000);
+    ASSERT_EQ(source.OpenSource(path), 0);
+    EXPECT_FALSE(source.EndOfStream());
+    EXPECT_EQ(source.Position(), 0);
+    results.ovRead = 400;
+    EXPECT_EQ(source.Read(buffer, 400, got), 0) << "it is not at the end any more";
+    EXPECT_EQ(got, 400);
+}
+
 TEST_F(OggCalls, opening_again_clears_the_tags) {
-    answers.values = {{"title", "t"}};
+    results.values = {{"title", "t"}};
     DecOGG& source = opened();
     StrmTags* const collection = source.Tags();
     source.OpenSource(path);
@@ -239,7 +256,7 @@ TEST_F(OggCalls, opening_again_clears_the_tags) {
 }
 
 TEST_F(OggCalls, without_a_comment_block_there_are_no_tags) {
-    answers.comments = 0;
+    results.comments = 0;
     EXPECT_EQ(opened().Tags()->TagCount(), 0);
 }
 

@@ -1,4 +1,4 @@
-// What DecSND asks of libsndfile to read, to seek and to tell the time.
+// What DecSND asks of libsndfile to read, to seek and for times.
 
 #include "SndFixture.h"
 #include "runtime/RuntimeError.h"
@@ -15,7 +15,7 @@ TEST_F(SndCalls, an_odd_count_asks_for_the_whole_items_below_it) {
     DecSND& source = opened();
     char buffer[4];
     std::int32_t got = 0;
-    answers.readItems = 2048;
+    results.readItems = 2048;
     EXPECT_EQ(source.Read(buffer, 4097, got), 0);
     EXPECT_EQ(got, 4096);
     EXPECT_THAT(libraries.calls,
@@ -26,7 +26,7 @@ TEST_F(SndCalls, fewer_items_than_asked_are_the_end) {
     DecSND& source = opened();
     char buffer[4];
     std::int32_t got = 0;
-    answers.readItems = 2047;
+    results.readItems = 2047;
     EXPECT_EQ(source.Read(buffer, 4096, got), 5);
     EXPECT_EQ(got, 4094);
 }
@@ -48,7 +48,7 @@ TEST_F(SndCalls, percent_reaches_99) {
 }
 
 TEST_F(SndCalls, half_a_frame_rounds_to_the_even_one) {
-    answers.end = 250;
+    results.end = 250;
     DecSND& source = opened();
     seek(source, 1, 0); // 2.5
     seek(source, 3, 0); // 7.5
@@ -57,23 +57,23 @@ TEST_F(SndCalls, half_a_frame_rounds_to_the_even_one) {
 }
 
 TEST_F(SndCalls, a_percentage_whose_product_overflows_raises_overflow) {
-    answers.end = 30'000'000;
+    results.end = 30'000'000;
     DecSND& source = opened();
     EXPECT_EQ(seek(source, 71, 0), 0);
     EXPECT_THROW(seek(source, 72, 0), RuntimeError);
 }
 
 TEST_F(SndCalls, seconds_reach_the_whole_length) {
-    answers.info.framesLow = 7999; // 7.999 s
+    results.info.framesLow = 7999; // 7.999 s
     DecSND& source = opened();
     EXPECT_EQ(seek(source, 7, 1), 0);
     EXPECT_THAT(libraries.calls, ElementsAre(Call{"sf_seek", {handle, 7000, 0, 0}}));
     EXPECT_EQ(seek(source, 8, 1), 4);
-    answers.info.framesLow = 8000;
+    results.info.framesLow = 8000;
     EXPECT_EQ(seek(opened(), 8, 1), 0);
 }
 
-TEST_F(SndCalls, a_negative_value_answers_4_in_any_mode) {
+TEST_F(SndCalls, a_negative_value_returns_4_in_any_mode) {
     DecSND& source = opened();
     for (const std::int32_t mode : {0, 1, 2, -1})
         EXPECT_EQ(seek(source, -1, mode), 4);
@@ -88,48 +88,76 @@ TEST_F(SndCalls, any_other_mode_goes_to_the_start) {
 
 TEST_F(SndCalls, the_position_is_asked_of_the_library_each_time) {
     DecSND& source = opened();
-    answers.current = 500;
+    results.current = 500;
     EXPECT_EQ(source.Position(), 500);
     EXPECT_THAT(libraries.calls, ElementsAre(Call{"sf_seek", {handle, 0, 0, 1}}));
 }
 
 TEST_F(SndCalls, half_a_millisecond_rounds_to_the_even_one) {
-    answers.info.sampleRate = 2000;
+    results.info.sampleRate = 2000;
     DecSND& source = opened();
-    answers.current = 1;
+    results.current = 1;
     EXPECT_EQ(source.Position(), 0);
-    answers.current = 3;
+    results.current = 3;
     EXPECT_EQ(source.Position(), 2);
 }
 
 TEST_F(SndCalls, the_end_is_reached_with_the_last_frame) {
     DecSND& source = opened();
-    answers.current = 999;
+    results.current = 999;
     EXPECT_FALSE(source.EndOfStream());
-    answers.current = 1000;
+    results.current = 1000;
     EXPECT_TRUE(source.EndOfStream());
 }
 
 TEST_F(SndCalls, the_end_is_where_the_library_found_it_whatever_the_record_says) {
-    answers.end = 500;
+    results.end = 500;
     DecSND& source = opened();
-    answers.current = 499;
+    results.current = 499;
     EXPECT_FALSE(source.EndOfStream());
-    answers.current = 500;
+    results.current = 500;
     EXPECT_TRUE(source.EndOfStream());
 }
 
 TEST_F(SndCalls, the_duration_of_2_to_the_31_frames_is_wrong_because_only_the_low_word_counts) {
-    answers.info.framesLow = 0x80000000u;
+    results.info.framesLow = 0x80000000u;
     EXPECT_EQ(opened().Duration(), -2147483647 - 1);
-    answers.info.framesLow = 5;
-    answers.info.framesHigh = 1;
+    results.info.framesLow = 5;
+    results.info.framesHigh = 1;
     EXPECT_EQ(opened().Duration(), 5);
 }
 
 TEST_F(SndCalls, a_rate_of_0_makes_times_a_division_by_zero) {
-    answers.info.sampleRate = 0;
+    results.info.sampleRate = 0;
     EXPECT_THROW((void)opened().Duration(), RuntimeError);
+}
+
+TEST_F(SndCalls, floating_point_files_are_read_as_such_and_keep_their_level) {
+    addExport("sf_read_float", &sfReadFloat);
+    for (const std::int32_t subtype : {6, 7}) {
+        results.info.format = 0x030000 | subtype;
+        results.floats = {0.0F, 0.5F, -0.5F, 1.0F, -1.0F, 7.5F, -7.5F, 1.0F / 32768};
+        DecSND& source = opened();
+        std::int16_t samples[8] = {};
+        std::int32_t got = 0;
+        EXPECT_EQ(source.Read(samples, 16, got), 0);
+        EXPECT_EQ(got, 16);
+        EXPECT_THAT(samples,
+                    testing::ElementsAre(0, 16384, -16384, 32767, -32768, 32767, -32768, 1));
+        EXPECT_THAT(libraries.calls, testing::ElementsAre(Call{"sf_read_float", {handle, 8, 0}}));
+        EXPECT_EQ(source.Read(samples, 18, got), 5);
+        EXPECT_EQ(got, 16);
+    }
+}
+
+TEST_F(SndCalls, a_closed_file_still_has_its_duration_and_is_at_its_start) {
+    results.info.framesLow = 8000;
+    DecSND& source = opened();
+    ASSERT_EQ(source.Duration(), 8000);
+    results.current = 0;
+    source.CloseSource();
+    EXPECT_EQ(source.Duration(), 8000);
+    EXPECT_EQ(source.Position(), 0);
 }
 
 } // namespace

@@ -19,7 +19,7 @@ TEST_F(SndCalls, creation_loads_the_library_and_release_unloads_it) {
     EXPECT_THAT(libraries.loads, ElementsAre("load libsndfile.dll", "free libsndfile.dll"));
 }
 
-TEST_F(SndCalls, every_operation_answers_3_without_the_library) {
+TEST_F(SndCalls, every_operation_returns_3_without_the_library) {
     libraries.remove("libsndfile.dll");
     DecSND source(StandIns::api());
     char buffer[4];
@@ -49,23 +49,33 @@ TEST_F(SndCalls, open_for_reading_measures_by_seeking_to_the_end_and_back) {
     EXPECT_EQ(openedPath, "C:\\folder\\a.au");
 }
 
-TEST_F(SndCalls, a_file_that_the_library_refuses_answers_1) {
-    answers.open = 0;
+TEST_F(SndCalls, a_file_that_the_library_refuses_returns_1) {
+    results.open = 0;
     DecSND source(StandIns::api());
     EXPECT_EQ(source.OpenSource(L"a.au"), 1);
     EXPECT_THAT(libraries.calls, ElementsAre(Call{"sf_open", {16}}));
 }
 
-TEST_F(SndCalls, a_path_that_would_name_another_file_answers_1_and_is_not_opened) {
+TEST_F(SndCalls, a_name_that_no_file_has_returns_1_and_is_not_opened) {
     DecSND source(StandIns::api());
-    EXPECT_EQ(source.OpenSource(L"\x4E00.au"), 1);
-    EXPECT_EQ(source.OpenSource(std::wstring(L"a.au\0b", 6)), 1);
+    for (const std::wstring& name :
+         {std::wstring(L"a.au\0b", 6), std::wstring(), std::wstring(L"AUX.au"),
+          std::wstring(L"C:\\folder\\com1.snd")})
+        EXPECT_EQ(source.OpenSource(name), 1);
     EXPECT_THAT(libraries.calls, IsEmpty());
+}
+
+TEST_F(SndCalls, a_name_that_the_code_page_lacks_is_opened_by_its_characters) {
+    addExport("sf_wchar_open", &sfWcharOpen);
+    DecSND source(StandIns::api());
+    EXPECT_EQ(source.OpenSource(L"\x4E00.au"), 0);
+    EXPECT_EQ(libraries.calls.front(), (Call{"sf_wchar_open", {16}}));
+    EXPECT_EQ(openedName, L"\x4E00.au");
 }
 
 TEST_F(SndCalls, open_on_an_open_object_closes_the_old_file_first_also_when_the_new_open_fails) {
     DecSND& source = opened();
-    answers.open = 0;
+    results.open = 0;
     EXPECT_EQ(source.OpenSource(L"b.au"), 1);
     EXPECT_THAT(libraries.calls, ElementsAre(Call{"sf_close", {handle}}, Call{"sf_open", {16}}));
     char buffer[4];
@@ -82,7 +92,7 @@ TEST_F(SndCalls, close_zeroes_the_information_and_the_format_record) {
     EXPECT_EQ(source.WFXPointer()->wFormatTag, 0);
 }
 
-TEST_F(SndCalls, closing_or_reading_or_seeking_without_a_file_answers_1) {
+TEST_F(SndCalls, closing_or_reading_or_seeking_without_a_file_returns_1) {
     DecSND source(StandIns::api());
     char buffer[4];
     std::int32_t got = 7;
@@ -130,7 +140,7 @@ TEST_F(SndCalls, the_record_has_the_width_of_the_subtype) {
     constexpr Width widths[] = {{1, 8, 1},  {5, 8, 1},  {2, 16, 2}, {3, 24, 3},   {4, 32, 4},
                                 {6, 32, 4}, {7, 64, 8}, {0, 4, 0},  {0x10, 4, 0}, {0xFFFF, 4, 0}};
     for (const Width& width : widths) {
-        answers.info = {1000, 0, 1000, 1, 0x030000 | width.subtype, 1, 1, 0};
+        results.info = {1000, 0, 1000, 1, 0x030000 | width.subtype, 1, 1, 0};
         const WAVEFORMATEX& format = *opened().WFXPointer();
         EXPECT_EQ(format.wBitsPerSample, width.bits) << width.subtype;
         EXPECT_EQ(format.nBlockAlign, width.blockAlign) << width.subtype;
@@ -139,13 +149,13 @@ TEST_F(SndCalls, the_record_has_the_width_of_the_subtype) {
 }
 
 TEST_F(SndCalls, half_a_byte_of_block_align_rounds_to_the_even_number) {
-    answers.info.format = 0x10;
-    answers.info.channels = 3; // 1.5 bytes
+    results.info.format = 0x10;
+    results.info.channels = 3; // 1.5 bytes
     EXPECT_EQ(opened().WFXPointer()->nBlockAlign, 2);
 }
 
 TEST_F(SndCalls, a_24_bit_file_says_16_bits_while_its_record_keeps_24) {
-    answers.info.format = 3;
+    results.info.format = 3;
     DecSND& source = opened();
     EXPECT_EQ(source.BitsPerSample(), 16);
     EXPECT_TRUE(source.Force16Bit());
@@ -153,12 +163,12 @@ TEST_F(SndCalls, a_24_bit_file_says_16_bits_while_its_record_keeps_24) {
 }
 
 TEST_F(SndCalls, the_bitrate_is_the_byte_rate_of_the_record) {
-    answers.info.format = 3;
+    results.info.format = 3;
     EXPECT_EQ(opened().Bitrate(), 1000 * 2 * 3);
 }
 
 TEST_F(SndCalls, a_byte_rate_that_overflows_raises_overflow_and_the_file_is_closed_at_the_end) {
-    answers.info.sampleRate = std::numeric_limits<std::int32_t>::max();
+    results.info.sampleRate = std::numeric_limits<std::int32_t>::max();
     {
         DecSND source(StandIns::api());
         EXPECT_THROW(source.OpenSource(L"a.au"), RuntimeError);
@@ -167,7 +177,7 @@ TEST_F(SndCalls, a_byte_rate_that_overflows_raises_overflow_and_the_file_is_clos
 }
 
 TEST_F(SndCalls, more_channels_than_16_bits_count_raise_overflow) {
-    answers.info.channels = 40000;
+    results.info.channels = 40000;
     DecSND source(StandIns::api());
     EXPECT_THROW(source.OpenSource(L"a.au"), RuntimeError);
 }

@@ -19,7 +19,7 @@ protected:
     void SetUp() override { fileFaults.disarm(); }
     void TearDown() override { EXPECT_EQ(openFiles, 0); }
 
-    // Uses everything a source offers. A run-time error is an answer like any other.
+    // Uses everything a source offers. A run-time error is a result like any other.
     static std::int32_t useAll(DecWAV& wav, const std::wstring& path) {
         const std::int32_t result = wav.OpenSource(path);
         const auto attempt = [](auto&& body) {
@@ -126,7 +126,7 @@ TEST_F(HostileWav, zero_fields_are_survived) {
     EXPECT_EQ(useAll(plainWav(WAVEFORMATEX{}, noise(100))), 0);
 }
 
-TEST_F(HostileWav, names_of_any_kind_answer_1) {
+TEST_F(HostileWav, names_of_any_kind_return_1) {
     DecWAV wav(faultyFileApi, faultyMmioApi);
     for (const std::size_t length : {0u, 259u, 260u, 261u, 32768u})
         EXPECT_EQ(useAll(wav, std::wstring(length, L'n')), 1) << length;
@@ -139,7 +139,7 @@ TEST_F(HostileWav, names_of_any_kind_answer_1) {
 TEST_F(HostileWav, any_failure_of_the_platform_leaves_nothing_open_and_the_next_open_works) {
     const std::wstring path = folder_.write(L"a.wav", plainWav(pcm(8000, 1, 8), noise(16000)));
     DecWAV wav(faultyFileApi, faultyMmioApi);
-    forEachFault(fileFaults, [&] {
+    forEachFaultAndPair(fileFaults, [&] {
         const std::int32_t result = useAll(wav, path);
         EXPECT_TRUE(result == 0 || result == 1);
         EXPECT_EQ(openFiles, 0);
@@ -147,7 +147,7 @@ TEST_F(HostileWav, any_failure_of_the_platform_leaves_nothing_open_and_the_next_
     EXPECT_EQ(useAll(wav, path), 0);
 }
 
-TEST_F(HostileWav, a_failure_while_opening_answers_1) {
+TEST_F(HostileWav, a_failure_while_opening_returns_1) {
     const std::wstring path = folder_.write(L"a.wav", plainWav(pcm(8000, 1, 8), noise(16000)));
     for (const char* const function : {"CreateFile", "mmioOpen", "mmioDescend", "mmioRead",
                                        "mmioSeek", "ReadFile", "mmioStringToFOURCC"}) {

@@ -1,9 +1,9 @@
+// Reading from the WAV source, above all near the end of the data.
+
 #include "WavFixture.h"
 
 namespace corvina::test {
 namespace {
-
-// ---- reading near the end
 
 TEST_F(DecWAVTest, the_doubled_limit_serves_a_small_overrun_whole) {
     openWithMoreBehind(3000);
@@ -89,142 +89,6 @@ TEST_F(DecWAVTest, a_failed_read_counts_minus_one) {
     EXPECT_EQ(got, -1);
     EXPECT_EQ(read(100, got), 0);
     EXPECT_EQ(got, 100);
-}
-
-// ---- seeking
-
-TEST_F(DecWAVTest, seeking_to_0_goes_to_the_first_byte_in_every_mode) {
-    const Bytes data = noise(500'000);
-    ASSERT_EQ(open(plainWav(pcm(44100, 2, 16), data)), 0);
-    for (const std::int32_t mode : {0, 1, 2, -1}) {
-        std::int32_t got = 0;
-        read(1001, got);
-        EXPECT_EQ(seek(0, mode), 0);
-        EXPECT_EQ(dataPosition(data), 0) << mode;
-    }
-}
-
-TEST_F(DecWAVTest, half_of_an_odd_length_is_aligned_down_to_a_block) {
-    const Bytes data = noise(1'000'002);
-    ASSERT_EQ(open(plainWav(pcm(44100, 2, 16), data)), 0);
-    EXPECT_EQ(seek(50, 0), 0);
-    EXPECT_EQ(dataPosition(data), 500'000);
-}
-
-TEST_F(DecWAVTest, half_of_an_odd_length_is_rounded_to_the_nearest_byte_ties_to_even) {
-    const std::pair<std::size_t, std::int32_t> halves[] = {{3, 2}, {5, 2}, {7, 4}};
-    for (const auto& [length, half] : halves) {
-        ASSERT_EQ(open(plainWav(pcm(1, 1, 8), noise(length))), 0);
-        EXPECT_EQ(seek(50, 0), 0);
-        EXPECT_EQ(wav_.Position(), half * 1000) << length;
-    }
-}
-
-TEST_F(DecWAVTest, seeking_to_100_percent_leaves_nothing_to_read) {
-    openPlain(4000);
-    EXPECT_EQ(seek(100, 0), 0);
-    EXPECT_TRUE(wav_.EndOfStream());
-    std::int32_t got = 77;
-    EXPECT_EQ(read(100, got), 5);
-    EXPECT_EQ(got, 0);
-}
-
-TEST_F(DecWAVTest, percentages_out_of_range_answer_3_and_stay) {
-    const Bytes data = noise(4000);
-    ASSERT_EQ(open(plainWav(pcm(44100, 2, 16), data)), 0);
-    EXPECT_EQ(seek(50, 0), 0);
-    for (const std::int32_t value : {101, -1, 2147483647, -2147483647 - 1})
-        EXPECT_EQ(seek(value, 0), 3);
-    EXPECT_EQ(dataPosition(data), 2000);
-}
-
-TEST_F(DecWAVTest, seconds_up_to_the_length_are_accepted) {
-    const Bytes data = noise(8000 * 3);
-    ASSERT_EQ(open(plainWav(pcm(8000, 1, 8), data)), 0);
-    EXPECT_EQ(seek(2, 1), 0);
-    EXPECT_EQ(wav_.Position(), 2000);
-    EXPECT_EQ(dataPosition(data), 16000);
-    EXPECT_EQ(seek(3, 1), 0);
-    EXPECT_EQ(seek(4, 1), 3);
-    EXPECT_EQ(seek(-1, 1), 3);
-    EXPECT_EQ(seek(2147483647, 1), 3);
-    EXPECT_EQ(wav_.Position(), 3000);
-}
-
-TEST_F(DecWAVTest, a_second_of_a_compressed_file_is_aligned_down_to_its_block) {
-    WAVEFORMATEX record = pcm(8000, 1, 4);
-    record.wFormatTag = WAVE_FORMAT_ADPCM;
-    record.nBlockAlign = 256;
-    record.nAvgBytesPerSec = 4096 + 100;
-    const Bytes data = noise(20'000);
-    ASSERT_EQ(open(plainWav(record, data)), 0);
-    EXPECT_EQ(seek(1, 1), 0);
-    EXPECT_EQ(dataPosition(data), 4096);
-}
-
-TEST_F(DecWAVTest, an_unknown_mode_goes_to_the_first_byte) {
-    const Bytes data = noise(4000);
-    ASSERT_EQ(open(plainWav(pcm(44100, 2, 16), data)), 0);
-    EXPECT_EQ(seek(50, 0), 0);
-    EXPECT_EQ(seek(50, 7), 0);
-    EXPECT_EQ(dataPosition(data), 0);
-}
-
-TEST_F(DecWAVTest, seeking_does_not_write_its_mode) {
-    openPlain(4000);
-    for (std::int32_t mode : {0, 1, 9}) {
-        const std::int32_t before = mode;
-        wav_.SeekTo(0, mode);
-        EXPECT_EQ(mode, before);
-    }
-}
-
-// ---- run-time errors
-
-TEST_F(DecWAVTest, an_average_rate_of_0_makes_times_fail) {
-    WAVEFORMATEX record = pcm(8000, 1, 8);
-    record.nAvgBytesPerSec = 0;
-    ASSERT_EQ(open(plainWav(record, noise(100))), 0);
-    EXPECT_EQ(errorOf([&] { (void)wav_.Duration(); }), 11);
-    EXPECT_EQ(errorOf([&] { (void)seek(0, 1); }), 11);
-    EXPECT_EQ(errorOf([&] { (void)seek(-1, 1); }), 11);
-    EXPECT_EQ(errorOf([&] { (void)wav_.Position(); }), 6); // 0 / 0
-    EXPECT_EQ(wav_.Bitrate(), 0);
-    EXPECT_EQ(seek(50, 0), 0);
-    ASSERT_EQ(open(plainWav(record, {})), 0);
-    EXPECT_EQ(errorOf([&] { (void)wav_.Duration(); }), 6); // 0 / 0
-}
-
-TEST_F(DecWAVTest, a_block_align_of_0_makes_a_seek_fail_unless_it_goes_to_0) {
-    WAVEFORMATEX record = pcm(8000, 1, 8);
-    record.nBlockAlign = 0;
-    ASSERT_EQ(open(plainWav(record, noise(100))), 0);
-    EXPECT_EQ(errorOf([&] { (void)seek(50, 0); }), 11);
-    EXPECT_EQ(errorOf([&] { (void)seek(5, 7); }), 11);
-    EXPECT_EQ(seek(0, 0), 0);
-}
-
-TEST_F(DecWAVTest, a_bit_rate_beyond_32_bits_overflows) {
-    WAVEFORMATEX record = pcm(8000, 1, 8);
-    record.nAvgBytesPerSec = 0x10000000;
-    ASSERT_EQ(open(plainWav(record, noise(100))), 0);
-    EXPECT_EQ(errorOf([&] { (void)wav_.Bitrate(); }), 6);
-}
-
-TEST_F(DecWAVTest, positions_beyond_32_bits_overflow) {
-    ASSERT_EQ(
-        open(WavBytes().format(pcm(8000, 1, 8)).chunk("data", noise(100), 0x7FFFFFFFu).bytes()), 0);
-    std::int32_t got = 0;
-    EXPECT_EQ(errorOf([&] { (void)wav_.EndOfStream(); }), 6);
-    EXPECT_EQ(errorOf([&] { (void)read(10, got); }), 6);
-    EXPECT_EQ(errorOf([&] { (void)seek(100, 0); }), 6);
-}
-
-TEST_F(DecWAVTest, a_read_count_beyond_32_bits_overflows) {
-    openPlain(100);
-    Bytes buffer(16);
-    std::int32_t got = 0;
-    EXPECT_EQ(errorOf([&] { (void)wav_.Read(buffer.data(), 2147483647, got); }), 6);
 }
 
 } // namespace

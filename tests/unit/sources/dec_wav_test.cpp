@@ -125,7 +125,7 @@ TEST_F(DecWAVTest, the_record_stays_where_it_is_while_the_source_is_used) {
     EXPECT_EQ(record->nSamplesPerSec, 44100u);
 }
 
-TEST_F(DecWAVTest, files_that_cannot_be_opened_answer_1) {
+TEST_F(DecWAVTest, files_that_cannot_be_opened_return_1) {
     EXPECT_EQ(wav_.OpenSource(folder_.path() + L"\\none.wav"), 1);
     EXPECT_EQ(wav_.OpenSource(L""), 1);
     EXPECT_EQ(wav_.OpenSource(folder_.path()), 1);

@@ -1,5 +1,5 @@
-#include "sources/DecWMAMP3.h"
 #include "StandInReader.h"
+#include "sources/DecWMAMP3.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -85,6 +85,23 @@ TEST_F(WindowsMediaFormat, a_match_is_set_for_the_outer_number) {
                             "GetMediaType", "SetMediaType 16", "SetOutputProps 1"));
 }
 
+TEST_F(WindowsMediaFormat, the_streams_of_all_other_outputs_are_switched_off_last) {
+    library.outputs = 3;
+    library.formatCounts = {{0, 2}};
+    library.formats = {{{1, 0}, pcmFormat(16)}};
+    EXPECT_EQ(open(), 0);
+    EXPECT_EQ(library.calls.back(), "SetStreamsSelected 1 off 3 off");
+}
+
+TEST_F(WindowsMediaFormat, a_file_with_one_output_keeps_its_stream_untouched) {
+    EXPECT_EQ(open(), 0);
+    EXPECT_FALSE(library.calls.empty());
+    for (const std::string& call : library.calls) {
+        EXPECT_EQ(call.find("SetStreamsSelected"), std::string::npos);
+        EXPECT_EQ(call.find("GetStreamNumberForOutput"), std::string::npos);
+    }
+}
+
 TEST_F(WindowsMediaFormat, an_output_whose_formats_cannot_be_counted_is_passed_over) {
     library.outputs = 2;
     library.formatCounts = {{1, 0}};
@@ -93,7 +110,7 @@ TEST_F(WindowsMediaFormat, an_output_whose_formats_cannot_be_counted_is_passed_o
     EXPECT_THAT(choice(), Contains("SetOutputProps 1"));
 }
 
-TEST_F(WindowsMediaFormat, a_file_without_outputs_answers_12_and_the_reader_is_closed) {
+TEST_F(WindowsMediaFormat, a_file_without_outputs_returns_12_and_the_reader_is_closed) {
     library.outputs = 0;
     EXPECT_EQ(open(), 12);
     EXPECT_THAT(choice(), ElementsAre("GetOutputCount", "Close"));
@@ -106,18 +123,18 @@ TEST_F(WindowsMediaFormat, outputs_that_cannot_be_counted_close_the_reader_twice
     EXPECT_THAT(choice(), ElementsAre("GetOutputCount", "Close", "Close"));
 }
 
-TEST_F(WindowsMediaFormat, a_video_output_answers_12) {
+TEST_F(WindowsMediaFormat, a_video_output_returns_12) {
     library.formats.at({0, 0}).major = mediaVideo;
     EXPECT_EQ(open(), 12);
     EXPECT_THAT(choice(), Not(Contains(StartsWith("SetMediaType"))));
 }
 
-TEST_F(WindowsMediaFormat, a_compressed_output_answers_12) {
+TEST_F(WindowsMediaFormat, a_compressed_output_returns_12) {
     library.formats.at({0, 0}).subtype = mediaAudio;
     EXPECT_EQ(open(), 12);
 }
 
-TEST_F(WindowsMediaFormat, only_8_or_24_bit_outputs_answer_12_and_the_reader_is_closed) {
+TEST_F(WindowsMediaFormat, only_8_or_24_bit_outputs_return_12_and_the_reader_is_closed) {
     for (const WORD bits : {WORD{8}, WORD{24}}) {
         library.formats = {{{0, 0}, pcmFormat(bits)}};
         EXPECT_EQ(open(), 12);
@@ -138,7 +155,7 @@ TEST_F(WindowsMediaFormat, a_16_bit_format_replaces_one_of_another_width_before_
     EXPECT_THAT(choice(), Contains("SetOutputProps 0"));
 }
 
-TEST_F(WindowsMediaFormat, properties_that_do_not_tell_their_type_are_passed_over) {
+TEST_F(WindowsMediaFormat, properties_that_do_not_report_their_type_are_passed_over) {
     for (const char* function : {"GetMediaTypeSize", "GetMediaType"}) {
         library.results = {{function, E_FAIL}};
         EXPECT_EQ(open(), 12);
@@ -157,7 +174,7 @@ TEST_F(WindowsMediaFormat, a_format_block_of_16_bytes_is_enough) {
     EXPECT_EQ(source.BitsPerSample(), 16);
 }
 
-TEST_F(WindowsMediaFormat, a_format_block_without_the_width_answers_12) {
+TEST_F(WindowsMediaFormat, a_format_block_without_the_width_returns_12) {
     for (const std::size_t bytes : {0u, 1u, 14u}) {
         library.formats = {{{0, 0}, pcmFormat(16)}};
         library.formats.at({0, 0}).block.resize(bytes);
@@ -165,12 +182,12 @@ TEST_F(WindowsMediaFormat, a_format_block_without_the_width_answers_12) {
     }
 }
 
-TEST_F(WindowsMediaFormat, a_null_format_block_answers_12) {
+TEST_F(WindowsMediaFormat, a_null_format_block_returns_12) {
     library.formats.at({0, 0}).withoutBlock = true;
     EXPECT_EQ(open(), 12);
 }
 
-TEST_F(WindowsMediaFormat, a_media_type_of_nonsense_size_answers_12) {
+TEST_F(WindowsMediaFormat, a_media_type_of_nonsense_size_returns_12) {
     for (const DWORD bytes : {1u, 71u, 0x7FFFFFFFu, 0xFFFFFFFFu}) {
         library.formats.at({0, 0}).typeBytes = bytes;
         EXPECT_EQ(open(), 12) << bytes;
@@ -191,7 +208,7 @@ TEST_F(WindowsMediaFormat, extra_bytes_that_the_record_counts_are_readable_behin
 TEST_F(WindowsMediaFormat, a_count_of_formats_that_never_ends_does) {
     library.formatCounts = {{0, 0xFFFFFFFF}};
     library.formats.clear();
-    library.noting = false; // so many texts have no room among guarded blocks
+    library.noting = false; // so many texts have no space among guarded blocks
     EXPECT_EQ(open(), 12);
 }
 

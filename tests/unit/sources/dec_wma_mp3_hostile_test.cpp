@@ -1,5 +1,5 @@
 // Damaged files through the system's own reader, with every block of our memory guarded.
-// support/RandomDamage.h tells how many.
+// support/RandomDamage.h says how many.
 
 #include "runtime/RuntimeError.h"
 #include "sources/DecWMAMP3.h"
@@ -34,7 +34,7 @@ constexpr Kind kinds[] = {
 
 class HostileMedia : public testing::TestWithParam<Kind> {
 protected:
-    // Opens a file with these bytes and uses all that the source offers; what the open answered.
+    // Opens a file with these bytes and uses all that the source offers; what the open returned.
     std::int32_t use(const Bytes& bytes) {
         write(bytes);
         const std::int32_t result = source_.OpenSource(path_);
@@ -70,7 +70,7 @@ protected:
         raisingAtMost([&] { (void)source_.Bitrate(); });
     }
 
-    // A run-time error is an answer too: a duration of 0, or one beyond 32 bits.
+    // A run-time error is a result too: a duration of 0, or one beyond 32 bits.
     template <typename Use>
     static void raisingAtMost(Use use) {
         try {
@@ -125,7 +125,7 @@ TEST_P(HostileMedia, cut_at_every_64th_part) {
     EXPECT_EQ(use(clip_), 0);
 }
 
-TEST_P(HostileMedia, an_empty_file_and_one_of_one_byte_answer_1) {
+TEST_P(HostileMedia, an_empty_file_and_one_of_one_byte_return_1) {
     EXPECT_EQ(use({}), 1);
     EXPECT_EQ(use({0xFF}), 1);
 }
@@ -148,7 +148,7 @@ TEST_P(HostileMedia, the_extension_does_not_matter) {
     EXPECT_EQ(source_.OpenSource(other), 0);
 }
 
-TEST_P(HostileMedia, a_file_that_somebody_else_has_locked_answers_1) {
+TEST_P(HostileMedia, a_file_that_somebody_else_has_locked_returns_1) {
     write(tune_);
     const HANDLE lock =
         ::CreateFileW(path_.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);

@@ -1,4 +1,4 @@
-// Reading from the Windows Media source, and the times and the bitrate that it tells.
+// Reading from the Windows Media source.
 
 #include "WindowsMediaFixture.h"
 #include "runtime/RuntimeError.h"
@@ -9,8 +9,6 @@ namespace corvina::test {
 namespace {
 
 using testing::ElementsAre;
-
-// ---- reading
 
 TEST_F(WindowsMedia, reading_asks_for_the_next_block_of_any_output) {
     DecWMAMP3 source(standInApi);
@@ -37,7 +35,7 @@ TEST_F(WindowsMedia, a_read_that_ends_with_its_block_does_not_fetch_the_next) {
     EXPECT_EQ(library.next, 1u);
 }
 
-TEST_F(WindowsMedia, a_read_that_meets_the_end_answers_5_with_the_bytes_left_and_then_none) {
+TEST_F(WindowsMedia, a_read_that_meets_the_end_returns_5_with_the_bytes_left_and_then_none) {
     DecWMAMP3 source(standInApi);
     source.OpenSource(L"song.wma");
     (void)readFrom(source, 33);
@@ -51,14 +49,14 @@ TEST_F(WindowsMedia, a_read_that_meets_the_end_answers_5_with_the_bytes_left_and
     EXPECT_TRUE(after.bytes.empty());
 }
 
-TEST_F(WindowsMedia, a_read_of_all_that_is_left_still_answers_0) {
+TEST_F(WindowsMedia, a_read_of_all_that_is_left_still_returns_0) {
     DecWMAMP3 source(standInApi);
     source.OpenSource(L"song.wma");
     EXPECT_EQ(readFrom(source, 40).result, 0);
     EXPECT_FALSE(source.EndOfStream());
 }
 
-TEST_F(WindowsMedia, a_fetch_that_fails_otherwise_answers_5_without_the_end) {
+TEST_F(WindowsMedia, a_fetch_that_fails_otherwise_returns_5_without_the_end) {
     library.afterLastBlock = E_FAIL;
     DecWMAMP3 source(standInApi);
     source.OpenSource(L"song.wma");
@@ -104,7 +102,7 @@ TEST_F(WindowsMedia, empty_blocks_are_passed_over) {
     EXPECT_EQ(readFrom(source, 4).bytes, counting(0, 4));
 }
 
-TEST_F(WindowsMedia, a_read_before_any_open_fetches_in_vain_and_answers_5) {
+TEST_F(WindowsMedia, a_read_before_any_open_fetches_in_vain_and_returns_5) {
     library.blocks.clear();
     DecWMAMP3 source(standInApi);
     const ReadResult read = readFrom(source, 10);
@@ -141,8 +139,8 @@ TEST_F(WindowsMedia, memory_that_cannot_be_written_is_counted_as_if_it_had_been)
 }
 
 TEST_F(WindowsMedia, a_block_whose_length_lies_is_not_read) {
-    for (const DWORD told : {0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFEu}) {
-        library.blocks[0].toldBytes = told;
+    for (const DWORD reported : {0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFEu}) {
+        library.blocks[0].reportedBytes = reported;
         DecWMAMP3 source(standInApi);
         source.OpenSource(L"song.wma");
         const ReadResult read = readFrom(source, 10);
@@ -157,51 +155,6 @@ TEST_F(WindowsMedia, a_block_with_a_length_and_no_bytes_is_not_read) {
     DecWMAMP3 source(standInApi);
     source.OpenSource(L"song.wma");
     EXPECT_EQ(readFrom(source, 10).result, 5);
-}
-
-// ---- position and duration
-
-TEST_F(WindowsMedia, the_position_moves_in_steps_of_whole_blocks) {
-    DecWMAMP3 source(standInApi);
-    source.OpenSource(L"song.wma");
-    EXPECT_EQ(source.Position(), 0);
-    (void)readFrom(source, 10);
-    EXPECT_EQ(source.Position(), 0);
-    (void)readFrom(source, 1);
-    EXPECT_EQ(source.Position(), 250);
-    (void)readFrom(source, 9);
-    EXPECT_EQ(source.Position(), 250);
-}
-
-TEST_F(WindowsMedia, the_duration_is_the_attributes_in_milliseconds) {
-    layFile(1'234'5'001, {});
-    DecWMAMP3 source(standInApi);
-    source.OpenSource(L"song.wma");
-    EXPECT_EQ(source.Duration(), 1235);
-}
-
-TEST_F(WindowsMedia, a_time_beyond_32_bits_overflows) {
-    layFile((QWORD{2147483647} + 1) * millisecond, {});
-    DecWMAMP3 source(standInApi);
-    source.OpenSource(L"song.wma");
-    EXPECT_THROW((void)source.Duration(), RuntimeError);
-}
-
-TEST_F(WindowsMedia, a_file_without_a_duration_does_not_keep_that_of_the_file_before) {
-    DecWMAMP3 source(standInApi);
-    source.OpenSource(L"song.wma");
-    ASSERT_EQ(source.Duration(), 1000);
-    source.CloseSource();
-    library.attributes.clear();
-    source.OpenSource(L"other.wma");
-    EXPECT_EQ(source.Duration(), 0);
-}
-
-TEST_F(WindowsMedia, a_bitrate_beyond_32_bits_overflows) {
-    library.attributes = {numberAttribute(L"Bitrate", WMT_TYPE_DWORD, DWORD{0x80000000})};
-    DecWMAMP3 source(standInApi);
-    source.OpenSource(L"song.wma");
-    EXPECT_THROW((void)source.Bitrate(), RuntimeError);
 }
 
 } // namespace

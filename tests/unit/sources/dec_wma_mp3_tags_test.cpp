@@ -1,5 +1,5 @@
-#include "sources/DecWMAMP3.h"
 #include "StandInReader.h"
+#include "sources/DecWMAMP3.h"
 
 #include <algorithm>
 #include <gmock/gmock.h>
@@ -138,22 +138,22 @@ TEST_F(WindowsMediaTags, a_value_shorter_than_its_type_is_filled_with_zeros) {
     EXPECT_EQ(source.Bitrate(), 5);
 }
 
-TEST_F(WindowsMediaTags, a_value_that_is_told_longer_than_it_is_reads_zeros) {
+TEST_F(WindowsMediaTags, a_value_that_is_reported_longer_than_it_is_reads_zeros) {
     StandInAttribute attribute = textAttribute(L"Title", L"Tune");
-    attribute.toldBytes = 60'000;
+    attribute.reportedBytes = 60'000;
     EXPECT_THAT(tagsOf({attribute}), ElementsAre(Pair(L"title", L"Tune")));
 }
 
-TEST_F(WindowsMediaTags, a_value_that_is_told_shorter_than_it_is_is_cut) {
+TEST_F(WindowsMediaTags, a_value_that_is_reported_shorter_than_it_is_is_cut) {
     StandInAttribute attribute = textAttribute(L"Title", L"Tune");
-    attribute.toldBytes = 4;
+    attribute.reportedBytes = 4;
     EXPECT_THAT(tagsOf({attribute}), ElementsAre(Pair(L"title", L"Tu")));
 }
 
 TEST_F(WindowsMediaTags, a_value_of_nonsense_length_is_left_out) {
     for (const DWORD bytes : {0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFEu}) {
         StandInAttribute attribute = textAttribute(L"Title", L"Tune");
-        attribute.toldBytes = bytes;
+        attribute.reportedBytes = bytes;
         EXPECT_THAT(tagsOf({attribute, textAttribute(L"WM/Genre", L"g")}),
                     ElementsAre(Pair(L"genre", L"g")));
     }
@@ -167,7 +167,7 @@ TEST_F(WindowsMediaTags, the_longest_name_is_read) {
 
 TEST_F(WindowsMediaTags, as_many_attributes_as_can_be_counted_are_read) {
     library.attributeCount = 65535;
-    library.noting = false; // so many texts have no room among guarded blocks
+    library.noting = false; // so many texts have no space among guarded blocks
     const Tags tags = tagsOf({textAttribute(L"Title", L"a")});
     EXPECT_EQ(tags.size(), 65535u);
     EXPECT_EQ(tags.back(), Tags::value_type(L"title", L"a"));

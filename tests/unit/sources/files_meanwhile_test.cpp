@@ -106,7 +106,7 @@ INSTANTIATE_TEST_SUITE_P(Formats, Meanwhile,
                              return std::string(extension.begin(), extension.end());
                          });
 
-TEST_P(Meanwhile, a_file_that_somebody_else_holds_answers_1_until_it_is_let_go) {
+TEST_P(Meanwhile, a_file_that_somebody_else_holds_returns_1_until_it_is_let_go) {
     path_ = folder_.write(GetParam().file, bytes_);
     {
         const Neighbour holder(path_, GENERIC_READ, 0);
@@ -163,7 +163,7 @@ TEST_P(Meanwhile, a_file_that_is_locked_while_it_plays_ends_and_is_let_go) {
     EXPECT_NE(::DeleteFileW(path_.c_str()), 0);
 }
 
-TEST_P(Meanwhile, its_name_may_end_in_anything_where_the_format_tells_itself) {
+TEST_P(Meanwhile, its_name_may_end_in_anything_if_the_format_identifies_itself) {
     ASSERT_EQ(source_->OpenSource(mediaFile(GetParam().file)), 0);
     const Bytes sound = readRest();
     for (const wchar_t* name : {L"a.mp3", L"a.dat", L"a", L"a.WAV"}) {

@@ -8,6 +8,7 @@
 #include "support/MemorySource.h"
 #include "support/SampleObserver.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <memory>
 
@@ -34,7 +35,7 @@ protected:
     }
 
     std::int32_t pull(std::int32_t bytes) {
-        pulled_.assign(static_cast<std::size_t>(bytes), 0xEE);
+        pulled_.assign(static_cast<std::size_t>(std::max(bytes, 0)), 0xEE);
         std::int32_t got = -1;
         EXPECT_TRUE(converter_->GetSamples(pulled_.data(), bytes, got));
         return got;

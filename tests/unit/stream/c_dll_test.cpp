@@ -133,7 +133,7 @@ TEST_F(CDll, cdecl_exports_get_one_to_forty_four_arguments) {
     expectAllCountsToPass(true);
 }
 
-TEST_F(CDll, exports_without_arguments_answer_in_both_conventions) {
+TEST_F(CDll, exports_without_arguments_return_in_both_conventions) {
     exports["stdcall"] = asExport(&answerStdcall);
     exports["cdecl"] = asExport(&answerCdecl);
     EXPECT_EQ(library.CallFunc("stdcall"), -7);

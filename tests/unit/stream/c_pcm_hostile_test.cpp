@@ -67,7 +67,7 @@ protected:
 
 TEST_F(HostileConverter, a_source_that_delivers_nothing_for_ever_ends_the_stream) {
     MemorySource source(pcm(8000, 1, 16), {});
-    source.answer = [](void*, std::int32_t, std::int32_t& got) {
+    source.respond = [](void*, std::int32_t, std::int32_t& got) {
         got = 0;
         return SourceResult::done;
     };
@@ -78,7 +78,7 @@ TEST_F(HostileConverter, a_source_that_delivers_nothing_for_ever_ends_the_stream
 TEST_F(HostileConverter, a_source_that_pauses_for_a_few_reads_goes_on) {
     MemorySource source(pcm(8000, 1, 16), {});
     int reads = 0;
-    source.answer = [&](void*, std::int32_t, std::int32_t& got) {
+    source.respond = [&](void*, std::int32_t, std::int32_t& got) {
         got = ++reads % 20 == 0 ? 100 : 0;
         return reads < 400 ? SourceResult::done : SourceResult::endOfData;
     };
@@ -92,7 +92,7 @@ TEST_F(HostileConverter, counts_that_no_read_can_have_are_not_believed) {
     for (const std::int32_t count : {-1, -2147483647 - 1, 2147483647, 8001}) {
         MemorySource source(pcm(8000, 1, 16), {});
         int reads = 0;
-        source.answer = [&](void*, std::int32_t asked, std::int32_t& got) {
+        source.respond = [&](void*, std::int32_t asked, std::int32_t& got) {
             EXPECT_LE(asked, 8000);
             EXPECT_GE(asked, 0);
             got = count;
@@ -105,7 +105,7 @@ TEST_F(HostileConverter, counts_that_no_read_can_have_are_not_believed) {
 TEST_F(HostileConverter, a_source_may_use_all_that_it_was_asked_for_and_no_more) {
     MemorySource source(pcm(8000, 1, 16), {});
     int reads = 0;
-    source.answer = [&](void* to, std::int32_t asked, std::int32_t& got) {
+    source.respond = [&](void* to, std::int32_t asked, std::int32_t& got) {
         const auto bytes = static_cast<std::size_t>(asked);
         std::memset(to, 1, bytes);
         EXPECT_FALSE(isWritable(static_cast<std::uint8_t*>(to) + bytes, 1));
@@ -127,7 +127,7 @@ TEST_F(HostileConverter, a_codec_that_claims_other_counts_than_it_had_is_not_bel
             };
             // Where nothing is used up the source cannot come to its end by itself.
             MemorySource source(pcm(8000, 1, 16), {});
-            source.answer = [reads = 0](void*, std::int32_t asked, std::int32_t& got) mutable {
+            source.respond = [reads = 0](void*, std::int32_t asked, std::int32_t& got) mutable {
                 got = asked;
                 return ++reads < 20 ? SourceResult::done : SourceResult::endOfData;
             };
@@ -250,7 +250,7 @@ TEST_F(HostileConverter, a_block_of_2_gigabytes_ends_with_the_source) {
 TEST_F(HostileConverter, a_run_time_error_of_the_source_passes_through_and_the_next_block_comes) {
     MemorySource source(pcm(8000, 1, 16), {});
     int reads = 0;
-    source.answer = [&](void* to, std::int32_t asked, std::int32_t& got) -> std::int32_t {
+    source.respond = [&](void* to, std::int32_t asked, std::int32_t& got) -> std::int32_t {
         if (++reads == 2)
             throwOverflow();
         std::memset(to, reads, static_cast<std::size_t>(asked));
@@ -269,7 +269,7 @@ TEST_F(HostileConverter, a_run_time_error_of_the_source_passes_through_and_the_n
 
 TEST_F(HostileConverter, any_failure_of_a_codec_ends_leaves_nothing_open_and_the_next_use_works) {
     MemorySource source(pcm(8000, 1, 16), noise(30'000));
-    forEachFault(fakeAcm.faults, [&] {
+    forEachFaultAndPair(fakeAcm.faults, [&] {
         source.position = 0;
         useAll(source);
         EXPECT_EQ(fakeAcm.openStreams, 0);

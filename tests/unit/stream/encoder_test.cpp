@@ -83,7 +83,7 @@ TEST_F(EncoderTest, no_bytes_are_processed_and_nothing_is_written) {
     EXPECT_EQ(::SysStringLen(extension), 0u);
 }
 
-TEST_F(EncoderTest, the_operations_answer_0_and_leave_the_callers_count_alone) {
+TEST_F(EncoderTest, the_operations_return_0_and_leave_the_callers_count_alone) {
     const BSTR name = ::SysAllocString(L"out.xyz");
     long count = 77;
     long result = 1;
@@ -106,7 +106,7 @@ TEST_F(EncoderTest, a_missing_result_is_refused) {
     EXPECT_EQ(encoder_->Init(nullptr, 0, 0, 0, nullptr, nullptr), E_POINTER);
 }
 
-TEST_F(EncoderTest, it_answers_for_its_interface_and_the_two_below) {
+TEST_F(EncoderTest, it_returns_for_its_interface_and_the_two_below) {
     EXPECT_TRUE(object_.query<IEncoder>());
     EXPECT_TRUE(object_.query<IDispatch>());
     EXPECT_TRUE(object_.query<IUnknown>());

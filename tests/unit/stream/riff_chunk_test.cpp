@@ -128,15 +128,18 @@ TEST_F(RiffChunkTest, a_plus_sign_in_a_name_is_a_character_like_any_other) {
 
 TEST_F(RiffChunkTest, any_failure_of_the_platform_finds_nothing_and_leaves_nothing_open) {
     const std::wstring path = folder_.write(L"a.wav", plainWav(pcm(8000, 1, 8), noise(10)));
-    forEachFault(fileFaults, [&path] {
-        const RiffChunk chunk = findWaveChunk(path, "data", faultyMmioApi);
-        EXPECT_EQ(openFiles, 0);
-        // Only a failed close goes unnoticed.
-        if (fileFaults.struck() > 0 && fileFaults.function() != "mmioClose")
-            expectNone(chunk);
-        else
-            EXPECT_EQ(chunk.offset, 44);
-    });
+    forEachFaultAndPair(
+        fileFaults,
+        [&path] {
+            const RiffChunk chunk = findWaveChunk(path, "data", faultyMmioApi);
+            EXPECT_EQ(openFiles, 0);
+            // Only a failed close goes unnoticed.
+            if (fileFaults.struck() > 0 && fileFaults.function() != "mmioClose")
+                expectNone(chunk);
+            else
+                EXPECT_EQ(chunk.offset, 44);
+        },
+        4);
 }
 
 } // namespace

@@ -75,7 +75,7 @@ inline BOOL CALLBACK countOne(HWND, LPSTR name, HANDLE, ULONG_PTR data) {
 
 // Those that are named after the window's own handle: the system keeps others.
 inline int countProperties(HWND window) {
-    PropertyCount properties{numberOf(window)};
+    PropertyCount properties{.number = numberOf(window)};
     ::EnumPropsExA(window, &countOne, reinterpret_cast<LPARAM>(&properties));
     return properties.count;
 }
@@ -101,10 +101,10 @@ protected:
         MSubclass::useTrace(nullptr);
     }
 
-    static SubclassClient::Handler noting(const char* name, long answer) {
+    static SubclassClient::Handler noting(const char* name, long result) {
         return [=](HWND, UINT, WPARAM, LPARAM) {
             calls.emplace_back(name);
-            return answer;
+            return result;
         };
     }
     void attach(SubclassClient& client, std::int32_t message = hello) {

@@ -7,7 +7,7 @@ namespace {
 
 using ::testing::ElementsAre;
 
-TEST_F(Subclass, a_destroyed_window_gets_its_procedure_back_where_nobody_takes_that_message) {
+TEST_F(Subclass, a_destroyed_window_gets_its_procedure_back_if_no_client_handles_that_message) {
     attach(first);
     window.destroy();
     EXPECT_THAT(calls, ElementsAre("destroyed"));

@@ -56,18 +56,21 @@ TEST_F(Subclass, the_rollback_goes_in_the_reverse_order) {
 }
 
 TEST_F(Subclass, any_failing_call_leaves_a_window_that_can_be_used_and_destroyed) {
-    forEachFault(windowFaults, [&] {
-        HiddenWindow victim(windowClass());
-        static_cast<void>(attachError(&first, victim.handle()));
-        static_cast<void>(attachError(&second, victim.handle()));
-        ::SendMessageA(victim.handle(), hello, 0, 0);
-        MSubclass::DetachMessage(&second, victim.handle(), hello);
-        MSubclass::DetachMessage(&first, victim.handle(), hello);
-        ::SendMessageA(victim.handle(), hello, 0, 0);
-        victim.destroy();
-        EXPECT_EQ(first.references, 0);
-        EXPECT_EQ(second.references, 0);
-    });
+    forEachFaultAndPair(
+        windowFaults,
+        [&] {
+            HiddenWindow victim(windowClass());
+            static_cast<void>(attachError(&first, victim.handle()));
+            static_cast<void>(attachError(&second, victim.handle()));
+            ::SendMessageA(victim.handle(), hello, 0, 0);
+            MSubclass::DetachMessage(&second, victim.handle(), hello);
+            MSubclass::DetachMessage(&first, victim.handle(), hello);
+            ::SendMessageA(victim.handle(), hello, 0, 0);
+            victim.destroy();
+            EXPECT_EQ(first.references, 0);
+            EXPECT_EQ(second.references, 0);
+        },
+        4);
 }
 
 } // namespace

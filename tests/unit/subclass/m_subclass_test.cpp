@@ -176,14 +176,14 @@ TEST_F(Subclass, the_old_procedure_can_be_called_by_a_client) {
     EXPECT_THAT(calls, ElementsAre("old"));
 }
 
-TEST_F(Subclass, calling_the_old_procedure_of_a_window_without_one_answers_0) {
+TEST_F(Subclass, calling_the_old_procedure_of_a_window_without_one_returns_0) {
     EXPECT_EQ(MSubclass::CallOldWindowProc(window.handle(), hello, 0, 0), 0);
     EXPECT_EQ(MSubclass::CallOldWindowProc(nullptr, hello, 0, 0), 0);
     EXPECT_THAT(calls, IsEmpty());
 }
 
 // A window of another host has the property too, and its number is an address over there.
-TEST_F(Subclass, calling_the_old_procedure_of_another_processs_window_answers_0) {
+TEST_F(Subclass, calling_the_old_procedure_of_another_processs_window_returns_0) {
     const HWND desktop = ::GetDesktopWindow();
     const std::string name = numberOf(desktop);
     ASSERT_TRUE(::SetPropA(desktop, name.c_str(), reinterpret_cast<HANDLE>(0x1234)));
@@ -269,7 +269,14 @@ TEST_F(Subclass, every_change_makes_a_trace_text) {
                                 hex(reinterpret_cast<LONG_PTR>(static_cast<ISubclass*>(&first))),
                             "Changed Window Proc for " + handle + " to " + old,
                             "Changed message count for " + handle + " to 1"));
+    traces.clear();
     detach(first);
+    EXPECT_THAT(traces,
+                ElementsAre("Changed message class for " + handle + message + " Index 1 to 0",
+                            "Changed message count for " + handle + message + " to 0",
+                            "Changed Window Proc for " + handle + " to 0",
+                            "Changed message count for " + handle + " to 0"));
+    MSubclass::useTrace(nullptr);
 }
 
 } // namespace

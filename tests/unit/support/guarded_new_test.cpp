@@ -17,7 +17,7 @@ TEST(GuardedNew, the_byte_behind_a_block_cannot_be_touched) {
 
 TEST(GuardedNew, a_freed_block_cannot_be_touched) {
     auto block = std::make_unique<std::uint8_t[]>(100);
-    const std::uint8_t* const dead = block.get();
+    const std::uint8_t* const volatile dead = block.get(); // or the compiler sees that it is freed
     block.reset();
     EXPECT_FALSE(isReadable(dead, 1));
 }

@@ -15,6 +15,12 @@ namespace {
 
 using namespace test;
 
+// Places in the tune.
+constexpr std::size_t headerSize = 16;
+constexpr std::size_t objectCount = 24;
+constexpr std::size_t firstObjectSize = 46;
+constexpr std::size_t smallestPacket = 30 + 92;
+
 class DamagedForWine : public testing::Test {
 protected:
     void SetUp() override {
@@ -37,20 +43,26 @@ protected:
     TempFolder folder_;
     ComPtr<IWMSyncReader> reader_;
     const Bytes tune_ = fileBytes(mediaFile(L"tune.wma"));
+
+    // The encoder decides how long the header is and how many objects it has.
+    [[nodiscard]] std::uint32_t number(std::size_t at) const {
+        std::uint32_t value = 0;
+        std::memcpy(&value, &tune_.at(at), sizeof value);
+        return value;
+    }
+    const std::size_t dataObject = number(headerSize);
+    const std::size_t firstPacket = dataObject + 50;
+    const std::size_t lastObjectSize = [this] {
+        std::size_t object = 30;
+        for (std::uint32_t left = number(objectCount); left > 1; --left)
+            object += number(object + 16);
+        return object + 16;
+    }();
 };
 
 void put(Bytes& bytes, std::size_t at, std::uint32_t value) {
     std::memcpy(&bytes.at(at), &value, sizeof value);
 }
-
-// Places in the tune, which has its header's objects in this order.
-constexpr std::size_t headerSize = 16;
-constexpr std::size_t objectCount = 24;
-constexpr std::size_t firstObjectSize = 46;
-constexpr std::size_t smallestPacket = 30 + 92;
-constexpr std::size_t lastObjectSize = 800 + 16;
-constexpr std::size_t dataObject = 900;
-constexpr std::size_t firstPacket = dataObject + 50;
 
 TEST_F(DamagedForWine, a_header_that_does_not_hold_together_is_refused_before_wine_sees_it) {
     ASSERT_EQ(open(tune_), S_OK);
