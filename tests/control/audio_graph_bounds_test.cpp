@@ -2,7 +2,6 @@
 // any corner, bounds without area and beyond every device.
 
 #include "GraphControlFixture.h"
-#include "runtime/OutOfMemory.h"
 
 #include <limits>
 
