@@ -46,9 +46,11 @@ std::wstring formatName(const std::wstring& file, cSoundSTRM& source) {
         {L"voc", L"Creative Voice"},
         {L"vox", L"Dialogic ADPCM"},
         {L"cda", L"Audio CD track"},
+        {L"flac", L"FLAC"},
+        {L"opus", L"Opus"},
     };
     const std::wstring extension = lowerCase(fileExtension(file));
-    if (extension == L"wav")
+    if (extension == L"wav" || extension == L"wave" || extension == L"bwf")
         return waveFormatName(source.WFXPointer());
     for (const auto& [known, name] : names)
         if (extension == known)

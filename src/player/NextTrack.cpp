@@ -35,8 +35,12 @@ TrackQueue::Track NextTrack::open(const std::wstring& file) {
     if (!source)
         return failed(L"Format not supported");
     const NoErrorBoxes quiet;
-    if (source->OpenSource(file) != SourceResult::done)
-        return failed(L"Could not open file");
+    // Another source may read what the first one refuses.
+    while (source->OpenSource(file) != SourceResult::done) {
+        source = sources.findNextForFile(file, source);
+        if (!source)
+            return failed(L"Could not open file");
+    }
     auto track = std::make_shared<PlayedTrack>(file, std::move(source), platform_.acm, observer_);
     return track->begin() ? track : failed(L"Can't init conversion");
 }

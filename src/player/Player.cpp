@@ -295,8 +295,12 @@ std::wstring Player::FormatName() const {
 std::wstring Player::Extensions() const {
     std::vector<std::wstring> patterns;
     for (const auto& source : platform_.makeSources())
-        for (const std::wstring& extension : source->Extensions())
-            patterns.push_back(L"*." + extension);
+        for (const std::wstring& extension : source->Extensions()) {
+            // Some files can be read by more than one source.
+            const std::wstring pattern = L"*." + extension;
+            if (std::find(patterns.begin(), patterns.end(), pattern) == patterns.end())
+                patterns.push_back(pattern);
+        }
     return join(patterns, L";");
 }
 

@@ -48,9 +48,11 @@ std::int64_t countedByWriter(const std::wstring& file) {
 
 std::optional<std::int64_t> countFrames(const std::wstring& file, cSoundSTRM& source) {
     const std::vector<std::wstring> extensions = source.Extensions();
+    const auto serves = [&](const wchar_t* extension) {
+        return std::find(extensions.begin(), extensions.end(), extension) != extensions.end();
+    };
     const WAVEFORMATEX* const format = source.WFXPointer();
-    if (std::find(extensions.begin(), extensions.end(), L"wav") == extensions.end() || !format ||
-        format->nBlockAlign == 0)
+    if (!(serves(L"wav") || serves(L"wave")) || !format || format->nBlockAlign == 0)
         return std::nullopt;
     const std::int64_t inBlock = framesInBlock(*format);
     if (inBlock == 0)

@@ -68,7 +68,7 @@ TEST_F(TypeLibrary, the_player_has_its_members_in_their_published_order) {
         L"34 get Balance(-> long)",
         L"34 put Balance(long)",
         L"35 get EqualizerGain(long Band, -> float)",
-        L"35 put EqualizerGain(long Band, float)",
+        L"35 put EqualizerGain(long, float)",
         L"36 get Looping(-> bool)",
         L"36 put Looping(bool)",
         L"37 get NextFile(-> BSTR)",
@@ -101,13 +101,12 @@ TEST_F(TypeLibrary, the_players_vtable_is_in_the_published_order) {
 }
 
 TEST_F(TypeLibrary, the_players_events_have_the_ids_1_to_6) {
-    const Lines expected{
-        L"1 DonePlay()",
-        L"2 Err(BSTR FunctionName, inout long* ErrorNumber, BSTR ErrorDecription)",
-        L"3 Ended(PlayEndReason Reason)",
-        L"4 StateChanged(PlayState State)",
-        L"5 PositionChanged(long PositionMs)",
-        L"6 NextStarted(BSTR File)"};
+    const Lines expected{L"1 DonePlay()",
+                         L"2 Err(BSTR FunctionName, inout long* ErrorNumber, BSTR ErrorDecription)",
+                         L"3 Ended(PlayEndReason Reason)",
+                         L"4 StateChanged(PlayState State)",
+                         L"5 PositionChanged(long PositionMs)",
+                         L"6 NextStarted(BSTR File)"};
     EXPECT_EQ(expected, functions(find(L"__cPlayer").get()));
 }
 
