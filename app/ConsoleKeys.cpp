@@ -22,6 +22,12 @@ std::optional<Key> meaningOf(const KEY_EVENT_RECORD& event) {
     case L'p':
     case L'P':
         return Key::previous;
+    case L'h':
+    case L'H':
+        return Key::shuffle;
+    case L'r':
+    case L'R':
+        return Key::repeat;
     case L's':
     case L'S':
         return Key::stop;

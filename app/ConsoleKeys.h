@@ -10,7 +10,7 @@
 
 namespace corvina::app {
 
-enum class Key { pause, back, forward, next, previous, stop, quit };
+enum class Key { pause, back, forward, next, previous, stop, shuffle, repeat, quit };
 
 class ConsoleKeys {
 public:

@@ -18,6 +18,7 @@ constexpr const char* keyHelp =
     "  space         pause, resume\n"
     "  left, right   seek 5 seconds back, forward\n"
     "  n, p          next, previous file\n"
+    "  h, r          shuffle, repeat the list\n"
     "  s             stop; without a window, also quit\n"
     "  q             stop and quit\n\n"
     "The exit code is the control's result for the first file that could "
@@ -39,7 +40,10 @@ ParsedOptions parseOptions(const std::vector<std::wstring>& arguments, PathStyle
     // A slash begins an option on Windows, but a file on Unix.
     parser.allow_windows_style_options(paths == PathStyle::windows);
     parser.set_version_flag("--version", "corvina-play " CORVINA_VERSION);
-    parser.add_option("files", files, "Files to play, in this order")->option_text("FILE...");
+    parser
+        .add_option("files", files,
+                    "Files, folders and lists (M3U, PLS, CUE) to play, in this order")
+        ->option_text("FILE...");
     parser
         .add_option("--device", options.device,
                     "Number of the output device, as listed by --devices")

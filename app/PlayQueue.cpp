@@ -19,20 +19,28 @@ PlayQueue::PlayQueue(QueueHandlers handlers)
       player_({[this] { onDonePlay(); }, [this](const ErrorEvent& event) { onErr(event); }}) {}
 
 void PlayQueue::remove(std::size_t index) {
-    if (index >= files_.size())
+    if (index >= list_.size())
         return;
     if (playing_ && index == current_)
         stop();
-    files_.erase(files_.begin() + static_cast<std::ptrdiff_t>(index));
+    list_.remove(index);
     if (index < current_)
         --current_;
-    if (following_ && index < *following_)
-        --*following_;
+    if (index < chosen_)
+        --chosen_;
+}
+
+void PlayQueue::move(std::size_t from, std::size_t to) {
+    if (from >= list_.size() || to >= list_.size())
+        return;
+    list_.move(from, to);
+    current_ = PlayList::movedIndex(current_, from, to);
+    chosen_ = PlayList::movedIndex(chosen_, from, to);
 }
 
 void PlayQueue::clear() {
     stop();
-    files_.clear();
+    list_.clear();
     current_ = 0;
 }
 
@@ -40,24 +48,24 @@ void PlayQueue::play(std::size_t index, long atSecond) {
     startSecond_ = atSecond;
     active_ = true;
     if (playing_)
-        stopThen(index);
+        stopThen(Then::chosen, index);
     else
         startFrom(index);
 }
 
 void PlayQueue::stop() {
     if (playing_)
-        stopThen(std::nullopt);
+        stopThen(Then::nothing);
 }
 
 void PlayQueue::next() {
     if (playing_)
-        stopThen(current_ + 1);
+        stopThen(Then::next);
 }
 
 void PlayQueue::previous() {
     if (playing_)
-        stopThen(current_ > 0 ? current_ - 1 : 0);
+        stopThen(Then::chosen, list_.before(current_));
 }
 
 void PlayQueue::togglePause() {
@@ -88,25 +96,33 @@ void PlayQueue::tick() {
     onDonePlay();
 }
 
-void PlayQueue::stopThen(std::optional<std::size_t> following) {
-    following_ = following;
+void PlayQueue::stopThen(Then then, std::size_t chosen) {
+    then_ = then;
+    chosen_ = chosen;
     if (deadline_)
         return; // is being stopped already
     deadline_ = Clock::now() + stopPatience;
     player_.stop();
 }
 
-// Plays the first file from there on that can be played.
+// Plays the first file from there on that can be played. A repeated list is tried once, not for
+// ever.
 void PlayQueue::startFrom(std::size_t index) {
-    for (current_ = index; current_ < files_.size(); ++current_)
-        if (start(files_[current_]))
+    current_ = index;
+    for (std::size_t tries = list_.size(); tries > 0 && current_ < list_.size(); --tries) {
+        list_.markPlayed(current_);
+        const std::wstring file = list_.files()[current_];
+        if (start(file))
             return;
+        current_ = list_.after(current_).value_or(list_.size());
+    }
+    current_ = std::min(current_, list_.size());
     end();
 }
 
 bool PlayQueue::start(const std::wstring& file) {
     deadline_.reset();
-    following_ = current_ + 1;
+    then_ = Then::next;
     errSeen_ = false;
     const long second = std::exchange(startSecond_, 0);
     long result = 0;
@@ -127,6 +143,7 @@ bool PlayQueue::start(const std::wstring& file) {
         return false;
     }
     playing_ = true;
+    list_.setFailure(current_, {});
     // Nothing has been read yet, so the first sound comes from there.
     if (second > 0)
         player_.seek(second);
@@ -139,10 +156,14 @@ void PlayQueue::onDonePlay() {
     if (!playing_)
         return;
     playing_ = false;
-    if (following_)
-        startFrom(*following_);
+    std::optional<std::size_t> following;
+    if (then_ == Then::next)
+        following = list_.after(current_);
+    else if (then_ == Then::chosen)
+        following = chosen_;
     else
-        end();
+        return end();
+    startFrom(following.value_or(list_.size()));
 }
 
 void PlayQueue::onErr(const ErrorEvent& event) {
@@ -157,10 +178,12 @@ void PlayQueue::onErr(const ErrorEvent& event) {
         return; // a start that fails returns its result
     remember(event.number);
     if (event.function == L"WindowProcOut:waveOutWrite")
-        stopThen(following_); // the block is lost, perhaps the device with it
+        stopThen(then_, chosen_); // the block is lost, perhaps the device with it
 }
 
-void PlayQueue::report(const std::wstring& words) const {
+// The file keeps the reason, too: the last words about it say most.
+void PlayQueue::report(const std::wstring& words) {
+    list_.setFailure(current_, words);
     if (handlers_.failed)
         handlers_.failed(words);
 }

@@ -1,9 +1,11 @@
 #include "Session.h"
 
+#include "FileLists.h"
 #include "MessageLoop.h"
 #include "window/WindowPicture.h"
 
 #include <array>
+#include <utility>
 
 namespace corvina::app {
 
@@ -18,8 +20,8 @@ constexpr auto pictureAfter = std::chrono::milliseconds(2500);
 Session::Session(const Options& options, ConsoleScreen& screen, const Interrupt& interrupt)
     : options_(options), interrupt_(interrupt), terminal_(screen), queue_(handlers()) {
     queue_.setDevice(options.device.value_or(-1));
-    for (const std::wstring& file : options.files)
-        queue_.add(file);
+    for (std::wstring& file : expandPaths(options.files))
+        queue_.add(std::move(file));
     if (!options.consoleOnly)
         window_ = std::make_unique<PlayerWindow>(queue_, options);
 }

@@ -51,6 +51,14 @@ void TerminalFront::carryOut(PlayQueue& queue, Key key) {
     case Key::previous:
         queue.previous();
         break;
+    case Key::shuffle:
+        queue.setShuffled(!queue.shuffled());
+        screen_.line(queue.shuffled() ? L"Shuffled" : L"In order");
+        break;
+    case Key::repeat:
+        queue.setRepeated(!queue.repeated());
+        screen_.line(queue.repeated() ? L"The list is repeated" : L"The list is played once");
+        break;
     case Key::quit:
         leaveRequested_ = true;
         [[fallthrough]];

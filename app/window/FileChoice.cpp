@@ -1,27 +1,40 @@
 #include "window/FileChoice.h"
 
+#include "FileLists.h"
+
 #include <cwchar>
 
 #include <commdlg.h>
+#include <objbase.h>
 #include <shellapi.h>
+#include <shlobj.h>
 
 namespace corvina::app {
 
 namespace {
 
-constexpr const wchar_t* kinds =
-    L"Audio files\0*.wav;*.mp3;*.wma;*.wmv;*.ogg;*.ape;*.au;*.snd;*.aiff;*.aifc;*.aif;*.voc;*.vox;"
-    L"*.cda\0All files\0*.*\0";
+// Pairs of a name and its patterns, each with a zero behind it, and a last zero behind all.
+std::wstring kindsOfFiles() {
+    std::wstring kinds;
+    const std::wstring audio = audioFilePatterns();
+    const std::wstring lists = fileListPatterns();
+    for (const std::wstring& text :
+         {std::wstring(L"Audio files and lists"), audio + L";" + lists, std::wstring(L"Lists"),
+          lists, std::wstring(L"All files"), std::wstring(L"*.*")})
+        kinds.append(text).push_back(L'\0');
+    return kinds;
+}
 
 } // namespace
 
 std::vector<std::wstring> chooseFiles(HWND owner) {
     // One name, or a folder and the names in it, each behind the other with a zero between.
     std::vector<wchar_t> names(64 * 1024);
+    const std::wstring kinds = kindsOfFiles();
     OPENFILENAMEW dialog{};
     dialog.lStructSize = sizeof dialog;
     dialog.hwndOwner = owner;
-    dialog.lpstrFilter = kinds;
+    dialog.lpstrFilter = kinds.c_str();
     dialog.lpstrFile = names.data();
     dialog.nMaxFile = static_cast<DWORD>(names.size());
     dialog.Flags = OFN_EXPLORER | OFN_ALLOWMULTISELECT | OFN_FILEMUSTEXIST | OFN_HIDEREADONLY |
@@ -36,6 +49,19 @@ std::vector<std::wstring> chooseFiles(HWND owner) {
     for (; *name != L'\0'; name += std::wcslen(name) + 1)
         files.push_back(first + L"\\" + name);
     return files;
+}
+
+std::wstring chooseFolder(HWND owner) {
+    BROWSEINFOW dialog{};
+    dialog.hwndOwner = owner;
+    dialog.lpszTitle = L"A folder of music";
+    dialog.ulFlags = BIF_RETURNONLYFSDIRS | BIF_NEWDIALOGSTYLE;
+    const PIDLIST_ABSOLUTE chosen = SHBrowseForFolderW(&dialog);
+    wchar_t path[MAX_PATH] = L"";
+    if (chosen && !SHGetPathFromIDListW(chosen, path))
+        path[0] = L'\0';
+    CoTaskMemFree(chosen);
+    return path;
 }
 
 std::optional<COLORREF> chooseColor(HWND owner, COLORREF present) {

@@ -50,6 +50,7 @@ PlayerControls::PlayerControls(HWND parent) : parent_(parent) {
     SendMessageW(device_, CB_SETITEMHEIGHT, static_cast<WPARAM>(-1), scaled(18));
     list_ = add(WS_EX_CLIENTEDGE, L"LISTBOX", L"",
                 LBS_NOTIFY | LBS_NOINTEGRALHEIGHT | WS_VSCROLL | WS_TABSTOP, CTL_LIST);
+    MakeDragList(list_);
     message_ = add(0, STATUSCLASSNAMEW, L"", SBARS_SIZEGRIP, 0);
 }
 
@@ -67,7 +68,10 @@ int PlayerControls::scaled(int length) const noexcept {
 }
 
 void PlayerControls::place(HWND control, int left, int top, int width, int height) {
-    MoveWindow(control, left, top, std::max(width, 0), std::max(height, 0), TRUE);
+    // Copied pixels of the old place would be left behind where another control has moved
+    // meanwhile.
+    SetWindowPos(control, nullptr, left, top, std::max(width, 0), std::max(height, 0),
+                 SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS);
 }
 
 RECT PlayerControls::layOut() {
@@ -82,8 +86,7 @@ RECT PlayerControls::layOut() {
     const int width = area.right - 2 * margin;
     const int bottom = area.bottom - (bar.bottom - bar.top) - margin;
     const int graphHeight = std::max(scaled(60), (bottom - margin) * 2 / 5);
-    const int timeWidth = scaled(120);
-    const int deviceList = scaled(300);
+    const int timeWidth = std::min(scaled(120), width / 2);
 
     int top = margin + graphHeight + scaled(8);
     place(title_, left, top, width - timeWidth - margin, scaled(22));
@@ -94,18 +97,31 @@ RECT PlayerControls::layOut() {
     place(seek_, left - scaled(6), top, width + scaled(12), scaled(28));
     top += scaled(32);
 
-    const int buttonWidth = scaled(72);
-    const int buttonHeight = scaled(26);
+    top += layOutButtons(left, top, width) + scaled(10);
+    place(list_, left, top, width, bottom - top);
+    RedrawWindow(parent_, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+    return {left, margin, left + std::max(width, 0), margin + graphHeight};
+}
+
+int PlayerControls::layOutButtons(int left, int top, int width) {
+    const int gap = scaled(6);
+    const int height = scaled(26);
+    const int listHeight = scaled(300); // of the devices, when it is open
+    const int leastDevice = scaled(110);
+    const int buttonWidth = std::clamp((width - 3 * gap) / 4, 0, scaled(72));
     int x = left;
     for (const HWND button : {previous_, play_, stop_, next_}) {
-        place(button, x, top, buttonWidth, buttonHeight);
-        x += buttonWidth + scaled(6);
+        place(button, x, top, buttonWidth, height);
+        x += buttonWidth + gap;
     }
-    const int deviceWidth = std::clamp(left + width - x - margin, 0, scaled(220));
-    place(device_, left + width - deviceWidth, top + scaled(1), deviceWidth, deviceList);
-    top += buttonHeight + scaled(10);
-    place(list_, left, top, width, bottom - top);
-    return {left, margin, left + width, margin + graphHeight};
+    const int beside = left + width - x - scaled(4);
+    if (beside >= leastDevice) {
+        const int deviceWidth = std::min(beside, scaled(220));
+        place(device_, left + width - deviceWidth, top + scaled(1), deviceWidth, listHeight);
+        return height;
+    }
+    place(device_, left, top + height + gap, width, listHeight);
+    return 2 * height + gap;
 }
 
 void PlayerControls::setHeadline(const std::wstring& title, const std::wstring& details) {
@@ -125,12 +141,15 @@ void PlayerControls::setMessage(const std::wstring& text) {
     setText(message_, text);
 }
 
-void PlayerControls::setFiles(const std::vector<std::wstring>& names, std::size_t current) {
+void PlayerControls::setFiles(const std::vector<FileLine>& files, std::size_t current) {
     const int selected = selectedFile();
     SendMessageW(list_, WM_SETREDRAW, FALSE, 0);
     SendMessageW(list_, LB_RESETCONTENT, 0, 0);
-    for (std::size_t index = 0; index < names.size(); ++index) {
-        const std::wstring line = (index == current ? L"\x25B6  " : L"     ") + names[index];
+    for (std::size_t index = 0; index < files.size(); ++index) {
+        const auto& [name, failure] = files[index];
+        const std::wstring line = index == current  ? L"\x25B6  " + name
+                                  : failure.empty() ? L"     " + name
+                                                    : L"\x2717  " + name + L" \x2013 " + failure;
         SendMessageW(list_, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(line.c_str()));
     }
     SendMessageW(list_, LB_SETCURSEL, static_cast<WPARAM>(selected), 0);
@@ -144,6 +163,33 @@ int PlayerControls::selectedFile() const {
 
 void PlayerControls::selectFile(std::size_t index) {
     SendMessageW(list_, LB_SETCURSEL, index, 0);
+}
+
+LRESULT PlayerControls::dragMessage(LPARAM information, std::optional<Drop>& drop) {
+    const auto& drag = *reinterpret_cast<const DRAGLISTINFO*>(information);
+    if (drag.hWnd != list_)
+        return 0;
+    // Before which line it would be dropped; behind the last it is none.
+    const int before = LBItemFromPt(list_, drag.ptCursor, drag.uNotification == DL_DRAGGING);
+    switch (drag.uNotification) {
+    case DL_BEGINDRAG:
+        return selectedFile() >= 0;
+    case DL_DRAGGING:
+        DrawInsert(parent_, list_, before);
+        return DL_MOVECURSOR;
+    case DL_DROPPED: {
+        DrawInsert(parent_, list_, -1);
+        const auto from = static_cast<std::size_t>(std::max(selectedFile(), 0));
+        const auto count = static_cast<std::size_t>(SendMessageW(list_, LB_GETCOUNT, 0, 0));
+        const std::size_t place = before >= 0 ? static_cast<std::size_t>(before) : count;
+        if (count > 0)
+            drop = Drop{.from = from, .to = from < place ? place - 1 : place};
+        return 0;
+    }
+    default:
+        DrawInsert(parent_, list_, -1);
+        return 0;
+    }
 }
 
 void PlayerControls::setDevices(const std::vector<std::wstring>& names, int selected) {

@@ -5,6 +5,7 @@
 
 #include "Owners.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 #include <windows.h>
@@ -27,10 +28,23 @@ public:
     void setPlaying(bool playing);
     void setMessage(const std::wstring& text);
 
-    void setFiles(const std::vector<std::wstring>& names, std::size_t current);
+    // One line for each file. current: the file that plays.
+    struct FileLine {
+        std::wstring name;
+        std::wstring failure; // why it cannot be played; usually empty
+    };
+    void setFiles(const std::vector<FileLine>& files, std::size_t current);
     // Index of the chosen line; -1 for none.
     [[nodiscard]] int selectedFile() const;
     void selectFile(std::size_t index);
+
+    // The reply to a message about a line of the list that is dragged. Once it is dropped, from and
+    // to are its old and its new place.
+    struct Drop {
+        std::size_t from;
+        std::size_t to;
+    };
+    LRESULT dragMessage(LPARAM information, std::optional<Drop>& drop);
 
     void setDevices(const std::vector<std::wstring>& names, int selected);
     [[nodiscard]] int selectedDevice() const;
@@ -45,6 +59,8 @@ public:
 private:
     HWND add(DWORD extendedStyle, const wchar_t* kind, const wchar_t* text, DWORD style, int id);
     static void place(HWND control, int left, int top, int width, int height);
+    // The buttons and, beside or below them, the devices; returns the height they take.
+    int layOutButtons(int left, int top, int width);
 
     HWND parent_;
     int dpi_;

@@ -15,7 +15,6 @@ namespace {
 constexpr const wchar_t* className = L"CorvinaPlayer";
 constexpr UINT_PTR graphTimer = 1;
 constexpr UINT pictureMs = 33; // 30 pictures a second
-constexpr long seekSeconds = 5;
 
 } // namespace
 
@@ -41,7 +40,10 @@ PlayerWindow::PlayerWindow(PlayQueue& queue, const Options& options)
                               CW_USEDEFAULT, CW_USEDEFAULT, 0, 0, nullptr, nullptr, instance, this);
     if (!window_)
         _com_issue_error(HRESULT_FROM_WIN32(GetLastError()));
-    discs_ = DiscMenu(GetSubMenu(GetMenu(window_), POS_DISCS));
+    const HMENU menu = GetMenu(window_);
+    discs_ = DiscMenu(GetSubMenu(menu, POS_DISCS));
+    recent_ = RecentMenu(GetSubMenu(GetSubMenu(menu, POS_FILE), POS_RECENT));
+    dragMessage_ = RegisterWindowMessage(DRAGLISTMSGSTRING);
     controls_ = std::make_unique<PlayerControls>(window_);
     graph_ = std::make_unique<GraphView>(window_);
     devices_ = std::make_unique<DeviceChoice>(queue_, *controls_, settings_);
@@ -49,6 +51,7 @@ PlayerWindow::PlayerWindow(PlayQueue& queue, const Options& options)
     applyColors();
     setGraphStyle(options.style.value_or(static_cast<AudioGraphStyle>(settings_.graphStyle)));
     devices_->fill(options.device);
+    showModes();
     controls_->setSeekRange(0);
     view_->showFiles();
 
@@ -107,11 +110,13 @@ LRESULT PlayerWindow::handle(UINT message, WPARAM wParam, LPARAM lParam) {
             queue_.seekTo(controls_->seekPosition());
         return 0;
     case WM_DROPFILES:
-        addFiles(takeDroppedFiles(reinterpret_cast<HANDLE>(wParam)), !queue_.isActive());
+        openPaths(takeDroppedFiles(reinterpret_cast<HANDLE>(wParam)), !queue_.isActive());
         return 0;
     case WM_INITMENUPOPUP:
         if (discs_.is(reinterpret_cast<HMENU>(wParam)))
             discs_.fill();
+        if (recent_.is(reinterpret_cast<HMENU>(wParam)))
+            recent_.fill(settings_.recentFiles);
         return DefWindowProcW(window_, message, wParam, lParam);
     case WM_TIMER:
         onTimer();
@@ -121,13 +126,15 @@ LRESULT PlayerWindow::handle(UINT message, WPARAM wParam, LPARAM lParam) {
             graph_->moveTo(controls_->layOut());
         return 0;
     case WM_GETMINMAXINFO:
-        reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {controls_->scaled(460),
-                                                                 controls_->scaled(380)};
+        reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {controls_->scaled(260),
+                                                                 controls_->scaled(360)};
         return 0;
     case WM_CLOSE:
         close();
         return 0;
     default:
+        if (message == dragMessage_)
+            return onDrag(lParam);
         return DefWindowProcW(window_, message, wParam, lParam);
     }
 }
@@ -140,79 +147,6 @@ bool PlayerWindow::translate(MSG& message) {
     if (!typedLetter && TranslateAcceleratorW(window_, keys_, &message))
         return true;
     return IsDialogMessageW(window_, &message) != FALSE;
-}
-
-void PlayerWindow::onCommand(int command, int notification) {
-    switch (command) {
-    case CMD_OPEN:
-        addFiles(chooseFiles(window_), true);
-        break;
-    case CMD_ADD:
-        addFiles(chooseFiles(window_), false);
-        break;
-    case CMD_REMOVE:
-        if (const int selected = controls_->selectedFile(); selected >= 0)
-            queue_.remove(static_cast<std::size_t>(selected));
-        view_->showFiles();
-        break;
-    case CMD_CLEAR:
-        queue_.clear();
-        view_->showFiles();
-        break;
-    case CMD_EXIT:
-        close();
-        break;
-    case CMD_PLAY_SELECTED:
-        playSelected();
-        break;
-    case CMD_PAUSE:
-        playOrPause();
-        break;
-    case CMD_STOP:
-        queue_.stop();
-        break;
-    case CMD_NEXT:
-        queue_.next();
-        break;
-    case CMD_PREVIOUS:
-        queue_.previous();
-        break;
-    case CMD_BACK:
-        queue_.seekBy(-seekSeconds);
-        break;
-    case CMD_FORWARD:
-        queue_.seekBy(seekSeconds);
-        break;
-    case CMD_SPECTRUM:
-        setGraphStyle(FREQUENCY_STYLE);
-        break;
-    case CMD_WAVEFORM:
-        setGraphStyle(AMPLITUDE_STYLE);
-        break;
-    case CMD_BAR_COLOR:
-        changeColor(&Settings::barColor);
-        break;
-    case CMD_CURVE_COLOR:
-        changeColor(&Settings::curveColor);
-        break;
-    case CMD_BACKGROUND_COLOR:
-        changeColor(&Settings::backgroundColor);
-        break;
-    case CMD_ABOUT:
-        queue_.player().showAbout();
-        break;
-    case CTL_LIST:
-        if (notification == LBN_DBLCLK)
-            playSelected();
-        break;
-    case CTL_DEVICE:
-        if (notification == CBN_SELCHANGE)
-            devices_->takeSelected();
-        break;
-    default:
-        addFiles(discs_.tracksOf(command), true);
-        break;
-    }
 }
 
 // May come while the graph draws, which dispatches pending messages.
@@ -242,49 +176,6 @@ void PlayerWindow::close() {
     }
     ShowWindow(window_, SW_HIDE);
     queue_.stop();
-}
-
-void PlayerWindow::addFiles(std::vector<std::wstring> files, bool replace) {
-    if (files.empty())
-        return;
-    if (replace)
-        queue_.clear();
-    const std::size_t first = queue_.files().size();
-    for (std::wstring& file : files)
-        queue_.add(std::move(file));
-    if (!queue_.isPlaying())
-        queue_.play(first);
-    view_->showFiles();
-}
-
-void PlayerWindow::playSelected() {
-    if (const int selected = controls_->selectedFile(); selected >= 0)
-        queue_.play(static_cast<std::size_t>(selected));
-}
-
-void PlayerWindow::playOrPause() {
-    if (queue_.isPlaying())
-        queue_.togglePause();
-    else if (!queue_.files().empty())
-        queue_.play(queue_.current() < queue_.files().size() ? queue_.current() : 0);
-}
-
-void PlayerWindow::setGraphStyle(AudioGraphStyle style) {
-    settings_.graphStyle = style;
-    graph_->setStyle(style);
-    CheckMenuRadioItem(GetMenu(window_), CMD_SPECTRUM, CMD_WAVEFORM,
-                       style == FREQUENCY_STYLE ? CMD_SPECTRUM : CMD_WAVEFORM, MF_BYCOMMAND);
-}
-
-void PlayerWindow::changeColor(DWORD Settings::*color) {
-    if (const std::optional<COLORREF> chosen = chooseColor(window_, settings_.*color)) {
-        settings_.*color = *chosen;
-        applyColors();
-    }
-}
-
-void PlayerWindow::applyColors() {
-    graph_->setColors(settings_.barColor, settings_.curveColor, settings_.backgroundColor);
 }
 
 void PlayerWindow::onStarted() {

@@ -11,6 +11,7 @@
 #include "window/GraphView.h"
 #include "window/PlayerControls.h"
 #include "window/QueueView.h"
+#include "window/RecentMenu.h"
 #include "window/Settings.h"
 
 #include <memory>
@@ -46,6 +47,13 @@ private:
     void close();
 
     void addFiles(std::vector<std::wstring> files, bool replace);
+    // Files, folders and lists that the user chose.
+    void openPaths(const std::vector<std::wstring>& paths, bool replace);
+    void moveFile(std::size_t from, std::size_t to);
+    void moveSelected(int lines);
+    LRESULT onDrag(LPARAM information);
+    // Takes shuffle and repeat over into the queue and the menu.
+    void showModes();
     void playSelected();
     void playOrPause();
     void setGraphStyle(AudioGraphStyle style);
@@ -60,6 +68,8 @@ private:
     HWND window_ = nullptr;
     HACCEL keys_;
     DiscMenu discs_{nullptr};
+    RecentMenu recent_{nullptr};
+    UINT dragMessage_ = 0;
     std::unique_ptr<PlayerControls> controls_;
     std::unique_ptr<GraphView> graph_;
     std::unique_ptr<DeviceChoice> devices_;

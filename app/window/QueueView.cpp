@@ -16,10 +16,10 @@ std::wstring nameOf(const std::wstring& path) {
 } // namespace
 
 void QueueView::showFiles() {
-    std::vector<std::wstring> names;
-    for (const std::wstring& file : queue_.files())
-        names.push_back(nameOf(file));
-    controls_.setFiles(names, queue_.isActive() ? queue_.current() : names.size());
+    std::vector<PlayerControls::FileLine> lines;
+    for (std::size_t index = 0; index < queue_.files().size(); ++index)
+        lines.push_back({nameOf(queue_.files()[index]), queue_.failure(index)});
+    controls_.setFiles(lines, queue_.isActive() ? queue_.current() : lines.size());
 }
 
 void QueueView::showPosition() {
@@ -68,6 +68,7 @@ void QueueView::showFailure(const std::wstring& words) {
                                   ? nameOf(queue_.files()[queue_.current()]) + L": "
                                   : L"";
     controls_.setMessage(file + words);
+    showFiles();
 }
 
 } // namespace corvina::app

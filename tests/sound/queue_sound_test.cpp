@@ -92,6 +92,28 @@ TEST_F(Queue, goes_on_to_the_next_file_and_back) {
     EXPECT_EQ(started, (Indexes{0, 1, 0, 0}));
 }
 
+TEST_F(Queue, begins_again_if_it_is_repeated) {
+    for (int count = 0; count < 2; ++count)
+        queue->add(longFile);
+    queue->setRepeated(true);
+    queue->play(1);
+    queue->next();
+    ASSERT_TRUE(waitForStarts(2));
+    queue->stop();
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_EQ(started, (Indexes{1, 0}));
+}
+
+TEST_F(Queue, repeated_without_a_file_that_can_be_played_it_ends) {
+    queue->setRepeated(true);
+    for (const wchar_t* name : {L"no such file.wav", L"nor this.wav"})
+        queue->add(name);
+    queue->play(1);
+    EXPECT_EQ(ended, 1);
+    EXPECT_FALSE(queue->failure(0).empty());
+    EXPECT_FALSE(queue->failure(1).empty());
+}
+
 TEST_F(Queue, ends_behind_the_last_file) {
     queue->add(longFile);
     queue->play(0);

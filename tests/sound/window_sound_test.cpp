@@ -143,6 +143,87 @@ TEST_F(Window, says_in_words_what_went_wrong) {
     EXPECT_NE(textOf(bar).find(L"no such file.wav"), std::wstring::npos);
 }
 
+TEST_F(Window, marks_a_file_that_cannot_be_played_with_its_reason) {
+    queue->clear();
+    queue->add(L"no such file.wav");
+    queue->add(file(signal(10 * 44100)));
+    queue->play(0);
+    ASSERT_TRUE(queue->isPlaying());
+    wchar_t line[MAX_PATH];
+    ::SendMessageW(list(), LB_GETTEXT, 0, reinterpret_cast<LPARAM>(line));
+    EXPECT_EQ(line[0], L'\x2717');
+    EXPECT_NE(std::wstring(line).find(queue->failure(0)), std::wstring::npos);
+    EXPECT_FALSE(queue->failure(0).empty());
+    ::SendMessageW(list(), LB_GETTEXT, 1, reinterpret_cast<LPARAM>(line));
+    EXPECT_EQ(line[0], L'\x25B6');
+}
+
+TEST_F(Window, moves_the_chosen_file_by_key_while_another_plays) {
+    const std::vector<std::wstring> before = queue->files();
+    queue->play(1);
+    ::SendMessageW(list(), LB_SETCURSEL, 0, 0);
+    command(CMD_MOVE_UP); // is the first already
+    EXPECT_EQ(queue->files(), before);
+    command(CMD_MOVE_DOWN);
+    EXPECT_EQ(queue->files(), (std::vector<std::wstring>{before[1], before[0], before[2]}));
+    EXPECT_EQ(queue->current(), 0u);
+    EXPECT_EQ(::SendMessageW(list(), LB_GETCURSEL, 0, 0), 1);
+    EXPECT_TRUE(queue->isPlaying());
+}
+
+TEST_F(Window, moves_a_file_that_is_dragged_to_another_line) {
+    const std::vector<std::wstring> before = queue->files();
+    const UINT message = ::RegisterWindowMessage(DRAGLISTMSGSTRING);
+    ::SendMessageW(list(), LB_SETCURSEL, 0, 0);
+    RECT line{};
+    ::SendMessageW(list(), LB_GETITEMRECT, 2, reinterpret_cast<LPARAM>(&line));
+    POINT point{line.left + 5, (line.top + line.bottom) / 2};
+    ::ClientToScreen(list(), &point);
+    DRAGLISTINFO drag{DL_BEGINDRAG, list(), point};
+    const auto send = [&](UINT notification) {
+        drag.uNotification = notification;
+        return ::SendMessageW(window->handle(), message, CTL_LIST, reinterpret_cast<LPARAM>(&drag));
+    };
+    EXPECT_TRUE(send(DL_BEGINDRAG));
+    EXPECT_EQ(send(DL_DRAGGING), DL_MOVECURSOR);
+    send(DL_DROPPED); // before the third line
+    EXPECT_EQ(queue->files(), (std::vector<std::wstring>{before[1], before[0], before[2]}));
+    drag.ptCursor = {point.x, point.y + 10000}; // behind the last line
+    ::SendMessageW(list(), LB_SETCURSEL, 0, 0);
+    send(DL_DROPPED);
+    EXPECT_EQ(queue->files(), (std::vector<std::wstring>{before[0], before[2], before[1]}));
+}
+
+TEST_F(Window, switches_shuffle_and_repeat) {
+    command(CMD_SHUFFLE);
+    command(CMD_REPEAT);
+    EXPECT_TRUE(queue->shuffled());
+    EXPECT_TRUE(queue->repeated());
+    const HMENU menu = ::GetMenu(window->handle());
+    EXPECT_TRUE(::GetMenuState(menu, CMD_SHUFFLE, MF_BYCOMMAND) & MF_CHECKED);
+    command(CMD_SHUFFLE);
+    command(CMD_REPEAT);
+    EXPECT_FALSE(queue->shuffled());
+    EXPECT_FALSE(::GetMenuState(menu, CMD_REPEAT, MF_BYCOMMAND) & MF_CHECKED);
+}
+
+TEST_F(Window, keeps_every_control_inside_at_any_width) {
+    for (const int width : {900, 620, 420, 330, 260, 200}) {
+        ::SetWindowPos(window->handle(), nullptr, 0, 0, width, 520, SWP_NOMOVE | SWP_NOZORDER);
+        RECT client{};
+        ::GetClientRect(window->handle(), &client);
+        ::MapWindowPoints(window->handle(), nullptr, reinterpret_cast<POINT*>(&client), 2);
+        for (const int control :
+             {CMD_PREVIOUS, CMD_PAUSE, CMD_STOP, CMD_NEXT, CTL_DEVICE, CTL_LIST, CTL_SEEK}) {
+            RECT place{};
+            ::GetWindowRect(::GetDlgItem(window->handle(), control), &place);
+            EXPECT_GE(place.left, client.left) << control << " at " << width;
+            EXPECT_LE(place.right, client.right) << control << " at " << width;
+            EXPECT_GT(place.right - place.left, 30) << control << " at " << width;
+        }
+    }
+}
+
 TEST_F(Window, ends_what_plays_when_it_is_closed) {
     queue->play(0);
     ASSERT_TRUE(pumpUntil([this] { return queue->player().positionSeconds() > 0; }));
