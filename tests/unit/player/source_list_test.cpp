@@ -54,6 +54,16 @@ TEST(FileExtension, is_the_text_after_the_last_dot) {
     EXPECT_EQ(fileExtension(L"C:\\a.b\\song"), L"b\\song") << "a dot of the folder counts too";
 }
 
+TEST_F(Sources, behind_one_that_refuses_have_the_next_of_the_whole_extension) {
+    EXPECT_EQ(list.findNextForFile(L"song.WAV", wav), again);
+    EXPECT_EQ(list.findNextForFile(L"song.wav", again), nullptr);
+    EXPECT_EQ(list.findNextForFile(L"song.au", snd), nullptr);
+    EXPECT_EQ(list.findNextForFile(L"song.wa", wav), nullptr) << "a part is not enough here";
+    EXPECT_EQ(list.findNextForFile(L"song", ape), nullptr);
+    const NamedSource stranger({L"wav"});
+    EXPECT_EQ(list.findNextForFile(L"song.wav", &stranger), nullptr);
+}
+
 TEST_F(Sources, are_found_by_extension_in_any_case) {
     EXPECT_EQ(list.findForFile(L"song.WaV"), wav);
     EXPECT_EQ(list.findForFile(L"song.SND"), snd);
