@@ -12,13 +12,14 @@ target_compile_definitions(corvina_own INTERFACE
   WIN32_LEAN_AND_MEAN NOMINMAX STRICT _WIN32_WINNT=0x0601
   CORVINA_VERSION="${PROJECT_VERSION}")
 if(MSVC)
-  target_compile_options(corvina_own INTERFACE /W4 /WX /permissive- /utf-8)
+  # C4996 calls functions deprecated that old drives and Windows 7 need.
+  target_compile_options(corvina_own INTERFACE /W4 /WX /permissive- /utf-8 /wd4996)
 else()
   target_compile_options(corvina_own INTERFACE
     -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
   # The heap of 32-bit Windows aligns to 8 bytes; the compiler believes 16. With the truth told, types
   # that need 16 get them.
-  target_compile_options(corvina_own INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-faligned-new=8>)
+  target_compile_options(corvina_own INTERFACE $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-faligned-new=8>)
 endif()
 
 # corvina_module(name SOURCES file... [USES module-or-library...])

@@ -75,7 +75,7 @@ HRESULT ConnectionPoint::EnumConnections(IEnumConnections** result) {
     return enterFilling(result, [&] {
         return giveEnumerator<IEnumConnections, CONNECTDATA, Connection>(
             connections_,
-            +[](const Connection& from, CONNECTDATA& to) noexcept {
+            [](const Connection& from, CONNECTDATA& to) noexcept {
                 to = {ComPtr<IUnknown>(from.listener).detach(), from.cookie};
                 return true;
             },

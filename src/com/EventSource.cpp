@@ -1,6 +1,7 @@
 #include "com/EventSource.h"
 
 #include "com/Bstr.h"
+#include "com/HandlerCall.h"
 
 #include <algorithm>
 
@@ -50,7 +51,7 @@ void EventSource::fire(DISPID id, Arguments arguments, WhenFrozen whenFrozen) no
         else
             raise(event);
     } catch (...) {
-        // No memory, or a listener in this process that throws.
+        // No memory.
     }
 }
 
@@ -77,9 +78,11 @@ void EventSource::raise(Event& event) {
         Arguments arguments = event.arguments;
         Parameters parameters(arguments);
         DISPPARAMS params = parameters.get();
-        static_cast<IDispatch*>(listener.get())
-            ->Invoke(event.id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &params, nullptr,
-                     nullptr, nullptr);
+        callHandler([&] {
+            static_cast<IDispatch*>(listener.get())
+                ->Invoke(event.id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &params, nullptr,
+                         nullptr, nullptr);
+        });
     }
 }
 

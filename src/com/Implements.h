@@ -49,6 +49,7 @@ public:
         const ULONG left = --references_;
         if (left == 0) {
             references_ = destructionReference;
+            beforeDestruction();
             delete this;
         }
         return left;
@@ -57,6 +58,9 @@ public:
 protected:
     Implements() noexcept { thisModule().lock(); }
     virtual ~Implements() { thisModule().unlock(); }
+
+    // The last reference is gone; the whole object is still there.
+    virtual void beforeDestruction() noexcept {}
 
     // The interface of that identifier, without a new reference; null if there is none.
     virtual void* findInterface(REFIID iid) noexcept {

@@ -4,6 +4,7 @@
 #include "com/Guard.h"
 #include "com/Variant.h"
 
+#include <algorithm>
 #include <oleauto.h>
 #include <vector>
 
@@ -106,12 +107,34 @@ struct Arguments {
     std::vector<VARIANT*> pointers;
 };
 
+// For each parameter the place of its argument: the named ones come first and say which parameter
+// they are for, the others come last first.
+HRESULT findArguments(const DISPPARAMS& given, UINT inputs, std::vector<UINT>& places) {
+    constexpr UINT none = static_cast<UINT>(-1);
+    if (given.cArgs > inputs)
+        return DISP_E_BADPARAMCOUNT;
+    places.assign(inputs, none);
+    const UINT positional = given.cArgs - given.cNamedArgs;
+    for (UINT i = 0; i < positional; ++i)
+        places[i] = given.cArgs - 1 - i;
+    for (UINT place = 0; place < given.cNamedArgs; ++place) {
+        const auto parameter = static_cast<UINT>(given.rgdispidNamedArgs[place]);
+        if (parameter >= inputs || places[parameter] != none)
+            return DISP_E_PARAMNOTFOUND;
+        places[parameter] = place;
+    }
+    return std::ranges::count(places, none) == 0 ? S_OK : DISP_E_BADPARAMCOUNT;
+}
+
 // E_NOTIMPL if none of the parameters is a record.
 HRESULT convert(ITypeInfo& info, const Method& method, UINT inputs, const DISPPARAMS& given,
                 Arguments& arguments, UINT* badArgument) {
+    std::vector<UINT> places;
+    if (const HRESULT found = findArguments(given, inputs, places); FAILED(found))
+        return found;
     bool anyRecord = false;
     for (UINT i = 0; i < inputs; ++i) {
-        const UINT place = inputs - 1 - i; // arguments come last first
+        const UINT place = places[i];
         VARIANT& argument = plain(given.rgvarg[place]);
         const TYPEDESC& type = method->lprgelemdescParam[i].tdesc;
         GUID record;
@@ -137,11 +160,6 @@ HRESULT call(ITypeInfo& info, IUnknown* object, const Method& method, const DISP
         parameters > 0 &&
         (method->lprgelemdescParam[parameters - 1].paramdesc.wParamFlags & PARAMFLAG_FRETVAL);
     const UINT inputs = returns ? parameters - 1 : parameters;
-    if (given.cNamedArgs > 0)
-        return DISP_E_NONAMEDARGS;
-    if (given.cArgs != inputs)
-        return DISP_E_BADPARAMCOUNT;
-
     Arguments arguments(parameters);
     if (const HRESULT ready = convert(info, method, inputs, given, arguments, badArgument);
         FAILED(ready))

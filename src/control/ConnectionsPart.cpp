@@ -1,19 +1,26 @@
 #include "control/ConnectionsPart.h"
 
 #include "com/Enumerator.h"
+#include "com/HandlerCall.h"
 
 namespace corvina {
 
 bool ConnectionsPart::mayChange(DISPID property) const {
-    for (const ComPtr<IUnknown>& listener : propertyChanges_.listeners())
-        if (static_cast<IPropertyNotifySink*>(listener.get())->OnRequestEdit(property) == S_FALSE)
+    for (const ComPtr<IUnknown>& listener : propertyChanges_.listeners()) {
+        HRESULT allowed = S_OK;
+        callHandler([&] {
+            allowed = static_cast<IPropertyNotifySink*>(listener.get())->OnRequestEdit(property);
+        });
+        if (allowed == S_FALSE)
             return false;
+    }
     return true;
 }
 
 void ConnectionsPart::notifyChanged(DISPID property) const {
     for (const ComPtr<IUnknown>& listener : propertyChanges_.listeners())
-        static_cast<IPropertyNotifySink*>(listener.get())->OnChanged(property);
+        callHandler(
+            [&] { static_cast<IPropertyNotifySink*>(listener.get())->OnChanged(property); });
 }
 
 void ConnectionsPart::disconnectAll() noexcept {
@@ -26,7 +33,7 @@ HRESULT ConnectionsPart::EnumConnectionPoints(IEnumConnectionPoints** result) {
         using Kept = ComPtr<IConnectionPoint>;
         return giveEnumerator<IEnumConnectionPoints, IConnectionPoint*, Kept>(
             {Kept(&events_), Kept(&propertyChanges_)},
-            +[](const Kept& from, IConnectionPoint*& to) noexcept {
+            [](const Kept& from, IConnectionPoint*& to) noexcept {
                 to = Kept(from).detach();
                 return true;
             },

@@ -30,15 +30,19 @@ struct ControlClass {
     SIZE naturalPixels;
     // If both are above 0 the control always has this size, in its container's units.
     SIZE fixedUnits = {};
-    // There is a picture worth printing: the control offers a metafile of itself.
-    bool hasPicture = true;
+    // False for a component: at run time it shows nothing, takes no focus and is not worth
+    // printing, so it offers no metafile of itself.
+    bool visibleAtRunTime = true;
     // Persisted in this order; append only.
     std::span<const Property> properties = {};
 };
 
-// What containers ask about every control, the same in the registry and from GetMiscStatus.
-inline constexpr DWORD controlMiscStatus = OLEMISC_RECOMPOSEONRESIZE | OLEMISC_CANTLINKINSIDE |
-                                           OLEMISC_INSIDEOUT | OLEMISC_ACTIVATEWHENVISIBLE |
-                                           OLEMISC_SETCLIENTSITEFIRST;
+// What containers ask about a control, the same in the registry and from GetMiscStatus.
+[[nodiscard]] constexpr DWORD miscStatus(const ControlClass& controlClass) noexcept {
+    constexpr DWORD ofAll = OLEMISC_RECOMPOSEONRESIZE | OLEMISC_CANTLINKINSIDE | OLEMISC_INSIDEOUT |
+                            OLEMISC_ACTIVATEWHENVISIBLE | OLEMISC_SETCLIENTSITEFIRST;
+    constexpr DWORD ofComponents = OLEMISC_INVISIBLEATRUNTIME | OLEMISC_NOUIACTIVATE;
+    return controlClass.visibleAtRunTime ? ofAll : ofAll | ofComponents;
+}
 
 } // namespace corvina

@@ -5,6 +5,8 @@
 #include "control/ControlClass.h"
 #include "control/ControlSite.h"
 
+#include <cstdlib>
+
 namespace corvina {
 
 class ControlExtent {
@@ -25,6 +27,11 @@ public:
             return DV_E_DVASPECT;
         size = get();
         return S_OK;
+    }
+    // Whether that size is the extent, as far as the screen's pixels show it.
+    [[nodiscard]] bool isShownAs(SIZE himetric) const noexcept {
+        const SIZE own = pixels(), other = pixelsFromHimetric(himetric);
+        return std::abs(own.cx - other.cx) <= 1 && std::abs(own.cy - other.cy) <= 1;
     }
     [[nodiscard]] SIZE natural() const noexcept { return himetricFromPixels(class_.naturalPixels); }
     [[nodiscard]] SIZE pixels() const noexcept { return pixelsFromHimetric(get()); }

@@ -41,6 +41,12 @@ SIZE pixelsFromHimetric(SIZE himetric) noexcept {
             ::MulDiv(himetric.cy, dpi.y, himetricPerInch)};
 }
 
+SIZE devicePixels(SIZE himetric, const DeviceSize& device) noexcept {
+    constexpr int himetricPerMillimetre = 100;
+    return {::MulDiv(himetric.cx, device.pixels.cx, device.millimetres.cx * himetricPerMillimetre),
+            ::MulDiv(himetric.cy, device.pixels.cy, device.millimetres.cy * himetricPerMillimetre)};
+}
+
 void ControlSite::set(IOleClientSite* site) noexcept {
     site_ = ComPtr<IOleClientSite>(site);
 }

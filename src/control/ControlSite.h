@@ -30,6 +30,16 @@ private:
     ComPtr<IOleClientSite> site_;
 };
 
+// How large a device is: physically, and in pixels.
+struct DeviceSize {
+    SIZE millimetres;
+    SIZE pixels;
+};
+
+// A size in the pixels of a device by the device's physical size, which metafiles go by. The
+// logical inches that everything else goes by may be larger or smaller.
+[[nodiscard]] SIZE devicePixels(SIZE himetric, const DeviceSize& device) noexcept;
+
 // Sizes by the screen's resolution.
 [[nodiscard]] SIZE himetricFromPixels(SIZE pixels) noexcept;
 [[nodiscard]] SIZE pixelsFromHimetric(SIZE himetric) noexcept;

@@ -36,10 +36,10 @@ private:
 // every window, and a host that pumps no messages would hold up whoever sends one.
 const HWND nowhere = HWND_MESSAGE;
 
-void setStyle(HWND window, LONG_PTR style) noexcept {
+void setStyle(HWND window, DWORD style) noexcept {
     const LONG_PTR kept =
         ::GetWindowLongPtrW(window, GWL_STYLE) & ~static_cast<LONG_PTR>(WS_POPUP | WS_CHILD);
-    ::SetWindowLongPtrW(window, GWL_STYLE, static_cast<LONG>(kept | style));
+    ::SetWindowLongPtrW(window, GWL_STYLE, static_cast<LONG>(kept) | static_cast<LONG>(style));
 }
 
 } // namespace
@@ -48,23 +48,32 @@ HWND ControlWindow::ensure() {
     if (window_)
         return window_;
     static const WindowClass windowClass(&ControlWindow::procedure);
-    window_ = ::CreateWindowExW(WS_EX_NOPARENTNOTIFY, className, L"",
-                                WS_POPUP | WS_CLIPSIBLINGS | WS_CLIPCHILDREN, 0, 0, 0, 0, nowhere,
-                                nullptr, windowClass.instance(), this);
+    // The window is known from its first message on: what is called during its creation may ask for
+    // it, and must not make a second one.
+    ::CreateWindowExW(WS_EX_NOPARENTNOTIFY, className, L"",
+                      WS_POPUP | WS_CLIPSIBLINGS | WS_CLIPCHILDREN, 0, 0, 0, 0, nowhere, nullptr,
+                      windowClass.instance(), this);
     if (!window_)
         throw RuntimeError(7, L"Out of memory");
     return window_;
 }
 
-void ControlWindow::moveInto(HWND container, const RECT& position) {
+bool ControlWindow::moveInto(HWND container, const RECT& position) {
     const HWND window = ensure();
+    const unsigned move = ++moves_;
     // A child style before the parent and a popup style after it is gone, as SetParent asks.
     setStyle(window, WS_CHILD);
-    if (!::SetParent(window, container)) {
+    if (move != moves_)
+        return false;
+    const bool moved = ::SetParent(window, container) != nullptr;
+    if (move != moves_)
+        return false;
+    if (!moved) {
         setStyle(window, WS_POPUP);
         throw RuntimeError(5, L"The container's window takes no child");
     }
     moveTo(position);
+    return move == moves_;
 }
 
 void ControlWindow::moveTo(const RECT& position) noexcept {
@@ -75,12 +84,18 @@ void ControlWindow::moveTo(const RECT& position) noexcept {
 }
 
 void ControlWindow::moveOut() noexcept {
-    if (!window_)
+    const HWND window = window_;
+    if (!window)
         return;
-    ::ShowWindow(window_, SW_HIDE);
-    ::SetWindowRgn(window_, nullptr, FALSE);
-    ::SetParent(window_, nowhere);
-    setStyle(window_, WS_POPUP);
+    const unsigned move = ++moves_;
+    const auto mayGoOn = [&] { return move == moves_; };
+    ::ShowWindow(window, SW_HIDE);
+    if (mayGoOn())
+        ::SetWindowRgn(window, nullptr, FALSE);
+    if (mayGoOn())
+        ::SetParent(window, nowhere);
+    if (mayGoOn())
+        setStyle(window, WS_POPUP);
 }
 
 void ControlWindow::silence() noexcept {
@@ -90,6 +105,7 @@ void ControlWindow::silence() noexcept {
 
 void ControlWindow::destroy() noexcept {
     silence();
+    ++moves_;
     if (const HWND window = std::exchange(window_, nullptr))
         ::DestroyWindow(window);
 }
@@ -100,6 +116,7 @@ LRESULT CALLBACK ControlWindow::procedure(HWND window, UINT message, WPARAM wPar
         const auto* created = reinterpret_cast<const CREATESTRUCTW*>(lParam);
         ::SetWindowLongPtrW(window, GWLP_USERDATA,
                             reinterpret_cast<LONG_PTR>(created->lpCreateParams));
+        static_cast<ControlWindow*>(created->lpCreateParams)->window_ = window;
     }
     auto* self = reinterpret_cast<ControlWindow*>(::GetWindowLongPtrW(window, GWLP_USERDATA));
     if (!self || self->window_ != window)
@@ -109,10 +126,12 @@ LRESULT CALLBACK ControlWindow::procedure(HWND window, UINT message, WPARAM wPar
     try {
         LRESULT result = 0;
         if (message == WM_DESTROY) {
+            ++self->moves_;
             self->client_.windowLost();
         } else if (message == WM_NCDESTROY) {
             ::SetWindowLongPtrW(window, GWLP_USERDATA, 0);
             self->window_ = nullptr;
+            ++self->moves_;
         } else if (self->client_.windowMessage(message, wParam, lParam, result)) {
             return result;
         }

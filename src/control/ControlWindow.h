@@ -33,8 +33,9 @@ public:
     [[nodiscard]] HWND handle() const noexcept { return window_; }
     // Makes the window if there is none; raises Out of memory (7) if the system has none left.
     [[nodiscard]] HWND ensure();
-    // Shows the window inside a container's.
-    void moveInto(HWND container, const RECT& position);
+    // Puts the window inside a container's, without showing it. False if something that was called
+    // meanwhile has moved the window again or destroyed it.
+    bool moveInto(HWND container, const RECT& position);
     void moveTo(const RECT& position) noexcept;
     // Hides the window and takes it out of the container's.
     void moveOut() noexcept;
@@ -49,6 +50,9 @@ private:
 
     Client& client_;
     HWND window_ = nullptr;
+    // Counts what changes the window's place. Each step of a move sends messages to the window,
+    // during which the container may begin another.
+    unsigned moves_ = 0;
 };
 
 } // namespace corvina

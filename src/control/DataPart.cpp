@@ -45,6 +45,11 @@ struct GlobalMemoryTraits {
 };
 using GlobalMemory = UniqueHandle<GlobalMemoryTraits>;
 
+DeviceSize sizeOf(HDC dc) noexcept {
+    return {.millimetres = {::GetDeviceCaps(dc, HORZSIZE), ::GetDeviceCaps(dc, VERTSIZE)},
+            .pixels = {::GetDeviceCaps(dc, HORZRES), ::GetDeviceCaps(dc, VERTRES)}};
+}
+
 // A plain metafile as it is handed over: with its size in HIMETRIC.
 GlobalMemory metafilePicture(Metafile file, SIZE himetric) {
     GlobalMemory memory(allocated(::GlobalAlloc(GMEM_MOVEABLE, sizeof(METAFILEPICT))));
@@ -59,11 +64,13 @@ GlobalMemory metafilePicture(Metafile file, SIZE himetric) {
 
 EnhancedMetafile DataPart::enhancedMetafile() {
     const SIZE himetric = extent_.get();
-    const SIZE pixels = extent_.pixels();
     const RECT frame{0, 0, himetric.cx, himetric.cy};
     EnhancedRecording recording(
         allocated(::CreateEnhMetaFileW(nullptr, nullptr, &frame, L"Corvina\0")));
-    hooks_.draw(recording.get(), {0, 0, pixels.cx, pixels.cy});
+    // The frame is physical, so the picture fills it in pixels of the device's physical size.
+    const SIZE pixels = devicePixels(himetric, sizeOf(recording.get()));
+    if (pixels.cx > 0 && pixels.cy > 0)
+        hooks_.draw(recording.get(), {0, 0, pixels.cx, pixels.cy});
     return EnhancedMetafile(::CloseEnhMetaFile(recording.release()));
 }
 
@@ -131,7 +138,7 @@ HRESULT DataPart::EnumFormatEtc(DWORD direction, IEnumFORMATETC** result) {
             return E_NOTIMPL;
         return giveEnumerator<IEnumFORMATETC, FORMATETC, FORMATETC>(
             {std::begin(formats), std::end(formats)},
-            +[](const FORMATETC& from, FORMATETC& to) noexcept {
+            [](const FORMATETC& from, FORMATETC& to) noexcept {
                 to = from;
                 return true;
             },

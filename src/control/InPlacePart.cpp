@@ -2,65 +2,102 @@
 
 #include "platform/GdiHandles.h"
 
+#include <utility>
+
 namespace corvina {
+
+unsigned InPlacePart::changeTo(State state) noexcept {
+    state_ = state;
+    return ++changes_;
+}
 
 HRESULT InPlacePart::activate(bool withUi) {
     return enter([&]() -> HRESULT {
-        if (!active_)
-            if (const HRESULT begun = begin(); FAILED(begun))
-                return begun;
-        // The container may have taken the control away again meanwhile.
-        if (active_) {
-            ::ShowWindow(window_.ensure(), SW_SHOWNA);
-            if (withUi && !uiActive_)
-                return beginUi();
+        if (state_ == State::activating) {
+            uiWanted_ = uiWanted_ || withUi;
+            return S_OK; // the call that is under way does it
         }
+        if (state_ == State::deactivating)
+            return OLE_E_NOT_INPLACEACTIVE;
+        bool uiFollows = withUi;
+        if (state_ == State::inactive) {
+            if (const HRESULT begun = begin(withUi); FAILED(begun))
+                return begun;
+            uiFollows = std::exchange(uiWanted_, false);
+        }
+        // From here on the container may have taken the control away again.
+        if (active())
+            ::ShowWindow(window_.handle(), SW_SHOWNA);
+        if (!uiFollows || !class_.visibleAtRunTime)
+            return S_OK;
+        if (state_ == State::active)
+            return beginUi();
+        if (state_ == State::uiActive)
+            takeFocus();
         return S_OK;
     });
 }
 
-HRESULT InPlacePart::begin() {
-    const auto site = clientSite_.get().query<IOleInPlaceSite>();
-    if (!site)
+HRESULT InPlacePart::begin(bool withUi) {
+    const ComPtr<IOleClientSite> client = clientSite_.get();
+    const auto site = client.query<IOleInPlaceSite>();
+    // Another activation may have begun during the query.
+    if (!site || state_ != State::inactive)
         return OLE_E_NOT_INPLACEACTIVE;
-    if (site->CanInPlaceActivate() != S_OK)
-        return E_FAIL;
-    if (const HRESULT told = site->OnInPlaceActivate(); FAILED(told))
-        return told;
+    const unsigned change = changeTo(State::activating);
+    uiWanted_ = withUi;
+    announced_ = false;
+    site_ = site;
     HRESULT entered;
     try {
-        entered = enterContainer(*site.get());
+        entered = enterContainer(*site.get(), change);
     } catch (...) {
-        entered = currentExceptionToHresult(IID_IOleObject, L"");
+        entered = currentExceptionToHresult(IID_IOleInPlaceObject, L"");
     }
     if (FAILED(entered)) {
-        frame_.reset();
-        document_.reset();
-        site->OnInPlaceDeactivate();
+        if (isLatest(change))
+            leave();
         return entered;
     }
-    const ComPtr<IOleClientSite> client = clientSite_.get();
-    if (client)
-        client->ShowObject();
-    if (active_ && extent_.fixed())
+    client->ShowObject();
+    if (active() && extent_.fixed())
         extentChanged();
     return S_OK;
 }
 
-HRESULT InPlacePart::enterContainer(IOleInPlaceSite& site) {
+HRESULT InPlacePart::enterContainer(IOleInPlaceSite& site, unsigned change) {
+    if (site.CanInPlaceActivate() != S_OK)
+        return E_FAIL;
+    if (!isLatest(change))
+        return OLE_E_NOT_INPLACEACTIVE;
+    announced_ = true;
+    if (const HRESULT notified = site.OnInPlaceActivate(); FAILED(notified)) {
+        announced_ = false;
+        return notified;
+    }
     HWND container = nullptr;
+    if (!isLatest(change))
+        return OLE_E_NOT_INPLACEACTIVE;
     if (FAILED(site.GetWindow(&container)) || !::IsWindow(container))
         return E_FAIL;
+    ComPtr<IOleInPlaceFrame> frame;
+    ComPtr<IOleInPlaceUIWindow> document;
     RECT position{}, clip{};
     OLEINPLACEFRAMEINFO frameInfo{};
     frameInfo.cb = sizeof frameInfo;
-    if (const HRESULT told =
-            site.GetWindowContext(frame_.put(), document_.put(), &position, &clip, &frameInfo);
-        FAILED(told))
-        return told;
-    window_.moveInto(container, sized(position));
-    site_ = ComPtr<IOleInPlaceSite>(&site);
-    active_ = true;
+    if (!isLatest(change))
+        return OLE_E_NOT_INPLACEACTIVE;
+    if (const HRESULT notified =
+            site.GetWindowContext(frame.put(), document.put(), &position, &clip, &frameInfo);
+        FAILED(notified))
+        return notified;
+    const RECT wanted = sized(position);
+    if (!isLatest(change) || !::IsWindow(container) || !window_.moveInto(container, wanted) ||
+        !isLatest(change))
+        return OLE_E_NOT_INPLACEACTIVE;
+    frame_ = std::move(frame);
+    document_ = std::move(document);
+    changeTo(State::active);
     place(position, &clip);
     return S_OK;
 }
@@ -69,27 +106,34 @@ HRESULT InPlacePart::beginUi() {
     const ComPtr<IOleInPlaceSite> site = site_;
     const ComPtr<IOleInPlaceUIWindow> around[] = {ComPtr<IOleInPlaceUIWindow>(frame_.get()),
                                                   document_};
-    uiActive_ = true;
-    if (const HRESULT told = site->OnUIActivate(); FAILED(told)) {
-        uiActive_ = false;
-        return told;
+    const unsigned change = changeTo(State::uiActive);
+    if (const HRESULT notified = site->OnUIActivate(); FAILED(notified)) {
+        if (isLatest(change))
+            changeTo(State::active);
+        return notified;
     }
-    // Each of these calls may bring the container to deactivate the control.
-    if (uiActive_)
-        ::SetFocus(window_.ensure());
+    if (isLatest(change))
+        takeFocus();
     for (const ComPtr<IOleInPlaceUIWindow>& window : around)
-        if (window && uiActive_)
+        if (window && isLatest(change))
             window->SetActiveObject(this, class_.description);
     // No tools of our own in the container's borders.
     for (const ComPtr<IOleInPlaceUIWindow>& window : around)
-        if (window && uiActive_)
+        if (window && isLatest(change))
             window->SetBorderSpace(nullptr);
     return S_OK;
 }
 
+// Not every container ends the UI activation when the focus goes elsewhere, so a control that is
+// UI active already takes the focus again.
+void InPlacePart::takeFocus() noexcept {
+    if (const HWND window = window_.handle(); window && ::GetFocus() != window)
+        ::SetFocus(window);
+}
+
 void InPlacePart::hide() noexcept {
     UIDeactivate();
-    if (active_)
+    if (active())
         ::ShowWindow(window_.handle(), SW_HIDE);
 }
 
@@ -111,15 +155,16 @@ void InPlacePart::place(RECT position, const RECT* clip) noexcept {
     ::OffsetRect(&visible, -position_.left, -position_.top);
     visible_ = visible;
     showVisiblePart();
-    window_.moveTo(position_);
+    if (active())
+        window_.moveTo(position_);
 }
 
-// At run time a control without a picture covers nothing of the form and takes none of its clicks,
+// At run time an invisible control covers nothing of the form and takes none of its clicks,
 // though its window is there.
 void InPlacePart::showVisiblePart() noexcept {
     // The container is asked, and may deactivate the control meanwhile.
-    const bool hidden = !class_.hasPicture && clientSite_.userMode();
-    if (!active_)
+    const bool hidden = !class_.visibleAtRunTime && clientSite_.userMode();
+    if (!active())
         return;
     const RECT all{0, 0, position_.right - position_.left, position_.bottom - position_.top};
     const RECT shown = hidden ? RECT{} : visible_;
@@ -129,28 +174,31 @@ void InPlacePart::showVisiblePart() noexcept {
 }
 
 void InPlacePart::extentChanged() noexcept {
-    if (!active_)
+    const ComPtr<IUnknown> alive(&object());
+    const SIZE size = extent_.pixels(); // the container is asked for its units
+    if (!active())
         return;
-    const SIZE size = extent_.pixels();
     const RECT wanted{position_.left, position_.top, position_.left + size.cx,
                       position_.top + size.cy};
-    const ComPtr<IUnknown> alive(&object());
     const ComPtr<IOleInPlaceSite> site = site_;
     site->OnPosRectChange(&wanted);
 }
 
 void InPlacePart::windowLost() noexcept {
-    active_ = uiActive_ = false;
-    site_.reset();
-    frame_.reset();
-    document_.reset();
+    // What releases them may call in again, so they go after the state has changed.
+    const ComPtr<IOleInPlaceSite> site = std::move(site_);
+    const ComPtr<IOleInPlaceFrame> frame = std::move(frame_);
+    const ComPtr<IOleInPlaceUIWindow> document = std::move(document_);
+    changeTo(State::inactive);
 }
 
 HRESULT InPlacePart::GetWindow(HWND* result) {
-    if (!result)
-        return E_POINTER;
-    *result = active_ ? window_.handle() : nullptr;
-    return active_ ? S_OK : E_FAIL;
+    return enterFilling(result, [&] {
+        if (!active())
+            return E_FAIL;
+        *result = window_.handle();
+        return S_OK;
+    });
 }
 
 HRESULT InPlacePart::ContextSensitiveHelp(BOOL) {
@@ -158,42 +206,58 @@ HRESULT InPlacePart::ContextSensitiveHelp(BOOL) {
 }
 
 HRESULT InPlacePart::InPlaceDeactivate() {
-    if (!active_)
-        return S_OK;
-    const ComPtr<IUnknown> alive(&object());
-    UIDeactivate();
-    if (!active_)
-        return S_OK;
-    active_ = false;
+    return enter([&] {
+        UIDeactivate();
+        if (state_ == State::activating || state_ == State::active)
+            leave();
+    });
+}
+
+// Ends the activation. The window, if it may be in the container's, is taken out first.
+void InPlacePart::leave() noexcept {
+    const unsigned change = changeTo(State::deactivating);
+    const bool announced = announced_;
     const ComPtr<IOleInPlaceSite> site = std::move(site_);
-    frame_.reset();
-    document_.reset();
+    const ComPtr<IOleInPlaceFrame> frame = std::move(frame_);
+    const ComPtr<IOleInPlaceUIWindow> document = std::move(document_);
     window_.moveOut();
-    site->OnInPlaceDeactivate();
-    return S_OK;
+    if (isLatest(change)) // unless the window was destroyed
+        changeTo(State::inactive);
+    if (announced)
+        site->OnInPlaceDeactivate();
 }
 
 HRESULT InPlacePart::UIDeactivate() {
-    if (!uiActive_)
-        return S_OK;
-    uiActive_ = false;
-    const ComPtr<IUnknown> alive(&object());
-    const ComPtr<IOleInPlaceSite> site = site_;
-    if (const ComPtr<IOleInPlaceFrame> frame = frame_)
-        frame->SetActiveObject(nullptr, nullptr);
-    if (const ComPtr<IOleInPlaceUIWindow> document = document_)
-        document->SetActiveObject(nullptr, nullptr);
-    site->OnUIDeactivate(FALSE);
-    return S_OK;
+    return enter([&] {
+        uiWanted_ = false;
+        if (state_ != State::uiActive)
+            return;
+        const ComPtr<IOleInPlaceSite> site = site_;
+        const ComPtr<IOleInPlaceFrame> frame = frame_;
+        const ComPtr<IOleInPlaceUIWindow> document = document_;
+        changeTo(State::active);
+        if (frame)
+            frame->SetActiveObject(nullptr, nullptr);
+        if (document)
+            document->SetActiveObject(nullptr, nullptr);
+        site->OnUIDeactivate(FALSE);
+    });
 }
 
 HRESULT InPlacePart::SetObjectRects(LPCRECT position, LPCRECT clip) {
     if (!position)
         return E_POINTER;
-    if (!active_)
-        return E_UNEXPECTED;
-    place(*position, clip);
-    return S_OK;
+    return enter([&] {
+        if (!active())
+            return E_UNEXPECTED;
+        place(*position, clip);
+        const bool refused = !::EqualRect(position, &position_);
+        if (refused && extent_.fixed() && !std::exchange(askingForSize_, true)) {
+            extentChanged();
+            askingForSize_ = false;
+        }
+        return S_OK;
+    });
 }
 
 HRESULT InPlacePart::ReactivateAndUndo() {
@@ -204,8 +268,7 @@ HRESULT InPlacePart::ReactivateAndUndo() {
 HRESULT InPlacePart::TranslateAccelerator(MSG* message) {
     if (!message)
         return E_POINTER;
-    const ComPtr<IUnknown> alive(&object());
-    return clientSite_.translateAccelerator(*message) ? S_OK : S_FALSE;
+    return enter([&] { return clientSite_.translateAccelerator(*message) ? S_OK : S_FALSE; });
 }
 
 HRESULT InPlacePart::OnFrameWindowActivate(BOOL) {

@@ -2,8 +2,15 @@
 
 // In-place activation: the control's window inside the container's.
 //
-// inactive -> active (the window is a child of the container's) -> UI active (it has the focus and
-// the container's frame knows it), and back.
+//   inactive -> activating -> active -> UI active    (DoVerb)
+//   UI active -> active -> deactivating -> inactive  (UIDeactivate, InPlaceDeactivate)
+//
+// active: the window is a child of the container's. UI active: it also has the focus, and the
+// container's frame knows it. Every step calls the container or sends messages to the window, and
+// from within each of them the container may call anything here, destroy the window or let go of
+// the control. So each step first looks whether the state is still the one that it was left in.
+// While the control is being activated another activation changes nothing but whether the UI
+// follows; while it is being deactivated none begins.
 
 #include "com/Part.h"
 #include "control/ControlExtent.h"
@@ -27,7 +34,10 @@ public:
                 const ControlExtent& extent, ControlWindow& window) noexcept
         : Part(outer), class_(controlClass), clientSite_(site), extent_(extent), window_(window) {}
 
-    [[nodiscard]] bool active() const noexcept { return active_; }
+    [[nodiscard]] bool active() const noexcept {
+        return state_ == State::active || state_ == State::uiActive;
+    }
+    // OLE_E_NOT_INPLACEACTIVE without a container, or if the container ends the activation.
     HRESULT activate(bool withUi);
     // Hides the window and leaves the control active.
     void hide() noexcept;
@@ -55,9 +65,18 @@ public:
     HRESULT STDMETHODCALLTYPE EnableModeless(BOOL enable) override;
 
 private:
-    HRESULT begin();
-    HRESULT enterContainer(IOleInPlaceSite& site);
+    enum class State { inactive, activating, active, uiActive, deactivating };
+
+    // Every change of the state has a number: what has called the container goes on only if the
+    // latest change is still its own.
+    unsigned changeTo(State state) noexcept;
+    [[nodiscard]] bool isLatest(unsigned change) const noexcept { return change == changes_; }
+
+    HRESULT begin(bool withUi);
+    HRESULT enterContainer(IOleInPlaceSite& site, unsigned change);
+    void leave() noexcept;
     HRESULT beginUi();
+    void takeFocus() noexcept;
     void place(RECT position, const RECT* clip) noexcept;
     void showVisiblePart() noexcept;
     [[nodiscard]] RECT sized(RECT position) const noexcept;
@@ -66,13 +85,19 @@ private:
     const ControlSite& clientSite_;
     const ControlExtent& extent_;
     ControlWindow& window_;
+
+    State state_ = State::inactive;
+    unsigned changes_ = 0;
+    bool announced_ = false; // the container was notified of the activation, and expects its end
+    bool uiWanted_ = false;  // while activating: the UI is to follow
+    // The container is being asked for a rectangle of the fixed size. What it sets meanwhile is its
+    // decision, after which it is not asked again.
+    bool askingForSize_ = false;
     ComPtr<IOleInPlaceSite> site_;
     ComPtr<IOleInPlaceFrame> frame_;
     ComPtr<IOleInPlaceUIWindow> document_;
     RECT position_{};
     RECT visible_{}; // of the window, in its own coordinates
-    bool active_ = false;
-    bool uiActive_ = false;
 };
 
 } // namespace corvina

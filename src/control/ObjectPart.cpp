@@ -139,6 +139,9 @@ HRESULT ObjectPart::SetExtent(DWORD aspect, SIZEL* size) {
         const SIZE before = extent_.get();
         if (!extent_.set({size->cx, size->cy}))
             return E_INVALIDARG;
+        // A container that is refused asks for the extent, and shows that.
+        if (extent_.fixed() && !extent_.isShownAs({size->cx, size->cy}))
+            return E_FAIL;
         const SIZE after = extent_.get();
         if (before.cx != after.cx || before.cy != after.cy) {
             properties_.setDirty(true);
@@ -171,7 +174,7 @@ HRESULT ObjectPart::EnumAdvise(IEnumSTATDATA** result) {
 
 HRESULT ObjectPart::GetMiscStatus(DWORD aspect, DWORD* status) {
     return enterReturning(
-        status, [&] { return aspect == DVASPECT_CONTENT ? controlMiscStatus : DWORD{0}; });
+        status, [&] { return aspect == DVASPECT_CONTENT ? miscStatus(class_) : DWORD{0}; });
 }
 
 HRESULT ObjectPart::SetColorScheme(LOGPALETTE*) {

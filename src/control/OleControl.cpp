@@ -51,7 +51,7 @@ void* OleControl::find(REFIID iid) noexcept {
     for (const auto found :
          {object_.find(iid), control_.find(iid), view_.find(iid), inPlace_.find(iid),
           persist_.find(iid), connections_.find(iid), classInfo_.find(iid), errorInfo_.find(iid),
-          quickActivate_.find(iid), class_.hasPicture ? data_.find(iid) : nullptr})
+          quickActivate_.find(iid), class_.visibleAtRunTime ? data_.find(iid) : nullptr})
         if (found)
             return found;
     return nullptr;

@@ -1,6 +1,6 @@
 #include "control/ViewPart.h"
 
-#include "platform/SavedContext.h"
+#include "control/UprightDrawing.h"
 
 namespace corvina {
 
@@ -20,8 +20,10 @@ HRESULT ViewPart::Draw(DWORD aspect, LONG, void*, DVTARGETDEVICE*, HDC, HDC dc, 
     if (!bounds || !dc)
         return E_INVALIDARG;
     return enter([&] {
-        const SavedContext saved(dc);
-        hooks_.draw(dc, {bounds->left, bounds->top, bounds->right, bounds->bottom});
+        const UprightDrawing drawing(dc,
+                                     {bounds->left, bounds->top, bounds->right, bounds->bottom});
+        if (drawing.bounds())
+            hooks_.draw(dc, *drawing.bounds());
     });
 }
 

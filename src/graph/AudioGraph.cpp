@@ -1,10 +1,13 @@
 #include "graph/AudioGraph.h"
 
 #include "graph/AmplitudeCurve.h"
+#include "graph/ChannelCurves.h"
 #include "graph/Painting.h"
 #include "platform/SavedContext.h"
 
 #include <algorithm>
+#include <array>
+#include <utility>
 
 namespace corvina {
 namespace {
@@ -33,23 +36,15 @@ bool isMetafile(HDC dc) noexcept {
     return kind == OBJ_METADC || kind == OBJ_ENHMETADC;
 }
 
-// A flag that is set until the end of a scope.
-class ScopedFlag {
-public:
-    explicit ScopedFlag(bool& flag) noexcept : flag_(flag) { flag_ = true; }
-    ScopedFlag(const ScopedFlag&) = delete;
-    ScopedFlag& operator=(const ScopedFlag&) = delete;
-    ~ScopedFlag() { flag_ = false; }
+// The published bars have neither decibels nor octaves.
+bool hasPublishedBars(const GraphSettings& settings) noexcept {
+    return settings.levelScale == LevelScale::linear &&
+           settings.frequencyAxis == FrequencyAxis::bands;
+}
 
-private:
-    bool& flag_;
-};
-
-void drawBars(Surface& surface, const BandLevels& bands, const GraphSettings& settings, SIZE size) {
-    if (!surface.resize(size))
-        return;
-    surface.clear(settings.backgroundColor);
-    paintBars(surface.dc(), Frame(size), usedLevels(bands, settings.bands), settings);
+void paintChannels(HDC dc, const Frame& frame, const SampleBlock& block, COLORREF color) {
+    for (const std::vector<POINT>& curve : channelCurves(block, frame.picture()))
+        paintCurve(dc, frame, curve, color);
 }
 
 // Draws the line in one go, after it was computed: until then the picture before is painted.
@@ -63,13 +58,65 @@ void drawCurve(Surface& surface, const std::vector<POINT>& corners, const GraphS
 
 } // namespace
 
+void AudioGraph::takeSamples(const void* block) noexcept {
+    samples_.take(block);
+    block_.samples.clear();
+}
+
+void AudioGraph::takeBlock(SampleBlock block) {
+    std::array<std::int16_t, SampleBuffer::sampleCount / 2> first{};
+    static_assert(sizeof first >= SampleBuffer::blockBytes);
+    std::copy_n(block.samples.begin(), std::min(block.samples.size(), first.size()), first.begin());
+    samples_.take(first.data());
+    block_ = std::move(block);
+}
+
+SampleBlock AudioGraph::currentBlock() const {
+    if (!block_.samples.empty())
+        return block_;
+    SampleBlock block;
+    for (std::size_t index = 0; index + 1 < SampleBuffer::blockBytes / 2; ++index)
+        block.samples.push_back(samples_[index]);
+    return block;
+}
+
+void AudioGraph::updateBars(const GraphSettings& settings) {
+    if (hasPublishedBars(settings))
+        bars_.reset();
+    else
+        bars_.update(samples_, currentBlock(), settings);
+    if (settings.peakHold)
+        peaks_.update(barLevels(settings), settings.framesPerSecond);
+    else
+        peaks_.reset();
+}
+
+std::span<const double> AudioGraph::barLevels(const GraphSettings& settings) const noexcept {
+    return hasPublishedBars(settings) ? usedLevels(bands_, settings.bands) : bars_.levels();
+}
+
+void AudioGraph::drawBars(Surface& surface, const GraphSettings& settings, SIZE size) const {
+    if (!surface.resize(size))
+        return;
+    surface.clear(settings.backgroundColor);
+    paintBars(surface.dc(), Frame(size), barLevels(settings), settings);
+    paintPeaks(surface.dc(), Frame(size), peaks_.levels(), settings);
+}
+
 void AudioGraph::display(const GraphSettings& settings, SIZE size,
                          const std::function<void()>& betweenColumns) {
-    if (displaying_)
+    if (displaying_.underWay())
         return;
-    const ScopedFlag displaying(displaying_);
+    const Nesting::Scope displaying(displaying_);
     const SIZE picture = pictureSize(settings, size);
-    if (settings.style == GraphStyle::amplitude) {
+    if (settings.style == GraphStyle::amplitude && settings.channelWaveforms) {
+        shownBlock_ = currentBlock();
+        content_ = Content::channelWaveforms;
+        if (visible_.resize(picture)) {
+            visible_.clear(settings.backgroundColor);
+            paintChannels(visible_.dc(), Frame(picture), shownBlock_, settings.amplitudeColor);
+        }
+    } else if (settings.style == GraphStyle::amplitude) {
         drawCurve(visible_, amplitudeCurve(samples_, picture, betweenColumns), settings, picture);
         content_ = Content::waveform;
         shownSamples_ = samples_;
@@ -81,13 +128,14 @@ void AudioGraph::display(const GraphSettings& settings, SIZE size,
     // The level comes from the spectrum in both styles, so the spectrum is always computed.
     bands_.update(samples_, settings.bands);
     level_ = bands_.loudness();
-    drawBars(settings.style == GraphStyle::amplitude ? hidden_ : visible_, bands_, settings,
-             picture);
+    updateBars(settings);
+    drawBars(settings.style == GraphStyle::amplitude ? hidden_ : visible_, settings, picture);
 }
 
 void AudioGraph::clear(const GraphSettings& settings) {
     content_ = Content::nothing;
     shown_ = settings;
+    peaks_.reset();
     for (Surface* surface : {&visible_, &hidden_})
         surface->clear(settings.backgroundColor);
 }
@@ -98,7 +146,10 @@ void AudioGraph::paint(HDC dc, const RECT& bounds, SIZE size) {
     if (border > 0)
         paintBorder(dc, control);
     const SIZE picture = pictureSize(shown_, size);
-    const RECT inside = control.at(RECT{border, border, border + picture.cx, border + picture.cy});
+    // Not in order: bounds that run upwards keep their direction, and the picture stays upright.
+    const POINT first = control.at(border, border);
+    const POINT last = control.at(border + picture.cx, border + picture.cy);
+    const RECT inside{first.x, first.y, last.x, last.y};
     if (!isMetafile(dc) && showAtSize(picture)) {
         ::StretchBlt(dc, inside.left, inside.top, inside.right - inside.left,
                      inside.bottom - inside.top, visible_.dc(), 0, 0, picture.cx, picture.cy,
@@ -121,12 +172,16 @@ bool AudioGraph::showAtSize(SIZE picture) {
 }
 
 void AudioGraph::paintContent(HDC dc, const Frame& frame) const {
-    fill(dc, frame.bounds(), shown_.backgroundColor);
+    fill(dc, frame.at(RECT{0, 0, frame.picture().cx, frame.picture().cy}), shown_.backgroundColor);
     if (content_ == Content::waveform)
         paintCurve(dc, frame, amplitudeCurve(shownSamples_, frame.picture()),
                    shown_.amplitudeColor);
-    else if (content_ == Content::bars)
-        paintBars(dc, frame, usedLevels(bands_, shown_.bands), shown_);
+    else if (content_ == Content::channelWaveforms)
+        paintChannels(dc, frame, shownBlock_, shown_.amplitudeColor);
+    else if (content_ == Content::bars) {
+        paintBars(dc, frame, barLevels(shown_), shown_);
+        paintPeaks(dc, frame, peaks_.levels(), shown_);
+    }
 }
 
 } // namespace corvina

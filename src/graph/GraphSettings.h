@@ -8,6 +8,8 @@
 namespace corvina {
 
 enum class GraphStyle : std::int32_t { amplitude = 0, frequency = 1 };
+enum class LevelScale : std::int32_t { linear = 0, decibels = 1 };
+enum class FrequencyAxis : std::int32_t { bands = 0, octaves = 1 };
 
 struct GraphSettings {
     GraphStyle style = GraphStyle::frequency;
@@ -18,6 +20,11 @@ struct GraphSettings {
     COLORREF amplitudeColor = RGB(0, 255, 0);
     COLORREF freqColor = RGB(0, 255, 0);
     bool border = false;
+    std::int32_t framesPerSecond = 30;
+    LevelScale levelScale = LevelScale::linear;
+    FrequencyAxis frequencyAxis = FrequencyAxis::bands;
+    bool peakHold = false;
+    bool channelWaveforms = false;
 };
 
 } // namespace corvina

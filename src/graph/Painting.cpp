@@ -24,6 +24,25 @@ std::span<const POINT> visiblePart(std::span<const POINT> corners, LONG width) n
     return corners.first(std::min(count + 1, corners.size()));
 }
 
+// Fills a part of each bar's rectangle, as far as it lies in the picture.
+template <typename PartOf>
+void fillEachBar(HDC dc, const Frame& frame, std::span<const double> levels,
+                 const GraphSettings& settings, PartOf partOf) {
+    const Brush brush{::CreateSolidBrush(settings.freqColor)};
+    if (!brush)
+        return;
+    const auto [width, height] = frame.picture();
+    for (std::size_t band = 0; band < levels.size(); ++band) {
+        RECT bar = partOf(barRectangle(static_cast<int>(band), levels[band], settings, height));
+        bar.left = std::max(bar.left, LONG{0});
+        bar.right = std::min(bar.right, width);
+        if (bar.left < bar.right && bar.top < bar.bottom) {
+            const RECT area = frame.at(bar);
+            ::FillRect(dc, &area, brush.get());
+        }
+    }
+}
+
 } // namespace
 
 POINT Frame::at(LONG x, LONG y) const noexcept {
@@ -62,19 +81,16 @@ RECT barRectangle(int band, double level, const GraphSettings& settings, LONG he
 
 void paintBars(HDC dc, const Frame& frame, std::span<const double> levels,
                const GraphSettings& settings) {
-    const Brush brush{::CreateSolidBrush(settings.freqColor)};
-    if (!brush)
-        return;
-    const auto [width, height] = frame.picture();
-    for (std::size_t band = 0; band < levels.size(); ++band) {
-        RECT bar = barRectangle(static_cast<int>(band), levels[band], settings, height);
-        bar.left = std::max(bar.left, LONG{0});
-        bar.right = std::min(bar.right, width);
-        if (bar.left < bar.right && bar.top < bar.bottom) {
-            const RECT area = frame.at(bar);
-            ::FillRect(dc, &area, brush.get());
-        }
-    }
+    fillEachBar(dc, frame, levels, settings, [](RECT bar) { return bar; });
+}
+
+void paintPeaks(HDC dc, const Frame& frame, std::span<const double> levels,
+                const GraphSettings& settings) {
+    constexpr LONG markHeight = 2;
+    fillEachBar(dc, frame, levels, settings, [](RECT bar) {
+        bar.bottom = std::min(bar.bottom, bar.top + markHeight);
+        return bar;
+    });
 }
 
 void paintCurve(HDC dc, const Frame& frame, std::span<const POINT> corners, COLORREF color) {

@@ -42,6 +42,10 @@ void fill(HDC dc, const RECT& area, COLORREF color) noexcept;
 void paintBars(HDC dc, const Frame& frame, std::span<const double> levels,
                const GraphSettings& settings);
 
+// A mark two pixels high where the top of a bar of that level would be; none for level 0.
+void paintPeaks(HDC dc, const Frame& frame, std::span<const double> levels,
+                const GraphSettings& settings);
+
 // A line through the corners on what is already there.
 void paintCurve(HDC dc, const Frame& frame, std::span<const POINT> corners, COLORREF color);
 

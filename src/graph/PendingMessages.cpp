@@ -1,5 +1,7 @@
 #include "graph/PendingMessages.h"
 
+#include "com/HandlerCall.h"
+
 namespace corvina {
 namespace {
 
@@ -30,7 +32,7 @@ void PendingMessages::handle() noexcept {
             return;
         }
         ::TranslateMessage(&message);
-        ::DispatchMessageW(&message);
+        callHandler([&] { ::DispatchMessageW(&message); });
     }
 }
 

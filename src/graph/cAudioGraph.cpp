@@ -2,10 +2,13 @@
 
 #include "graph/PendingMessages.h"
 #include "graph/SamplePicture.h"
-#include "platform/MemoryProbe.h"
+#include "platform/GuardedCopy.h"
 #include "runtime/RuntimeError.h"
 
+#include <array>
+#include <cstdint>
 #include <olectl.h>
+#include <utility>
 
 namespace corvina {
 namespace {
@@ -21,11 +24,30 @@ enum PropertyIndex {
     backgroundColor,
     amplitudeColor,
     freqColor,
-    borderStyle
+    borderStyle,
+    framesPerSecond,
+    levelScale,
+    frequencyAxis,
+    peakHold,
+    channelWaveforms
 };
+
+constexpr std::int32_t fewestFrames = 1;
+constexpr std::int32_t mostFrames = 100; // the system's timers are hardly faster
+
+constexpr UINT_PTR pictureTimer = 1;
 
 bool isZeroOrOne(std::int32_t value) {
     return value == 0 || value == 1;
+}
+
+// Forms keep a Boolean as 0 or -1; people who write them by hand also as 1.
+bool isBoolean(std::int32_t value) {
+    return value == VARIANT_FALSE || value == VARIANT_TRUE || value == 1;
+}
+
+bool isFrameRate(std::int32_t value) {
+    return value >= fewestFrames && value <= mostFrames;
 }
 
 constexpr GraphSettings initial;
@@ -46,6 +68,23 @@ constexpr Property properties[] = {
     {.name = L"AmplitudeColor", .id = 6, .initial = number(initial.amplitudeColor)},
     {.name = L"FreqColor", .id = 7, .initial = number(initial.freqColor)},
     {.name = L"BorderStyle", .id = 8, .initial = initial.border, .accepts = &isZeroOrOne},
+    {.name = L"FramesPerSecond",
+     .id = 16,
+     .initial = initial.framesPerSecond,
+     .accepts = &isFrameRate},
+    {.name = L"LevelScale",
+     .id = 17,
+     .initial = static_cast<std::int32_t>(initial.levelScale),
+     .accepts = &isZeroOrOne},
+    {.name = L"FrequencyAxis",
+     .id = 18,
+     .initial = static_cast<std::int32_t>(initial.frequencyAxis),
+     .accepts = &isZeroOrOne},
+    {.name = L"PeakHold", .id = 19, .initial = initial.peakHold, .accepts = &isBoolean},
+    {.name = L"ChannelWaveforms",
+     .id = 20,
+     .initial = initial.channelWaveforms,
+     .accepts = &isBoolean},
 };
 
 // A host's colour may be a number that stands for one of the system's colours.
@@ -55,10 +94,14 @@ COLORREF translated(std::int32_t color) noexcept {
     return SUCCEEDED(::OleTranslateColor(value, nullptr, &result)) ? result : value & 0xFFFFFF;
 }
 
-const void* samplesAt(LONG address) {
-    const void* samples = reinterpret_cast<const void*>(address);
+using HostSamples = std::array<std::uint8_t, SampleBuffer::blockBytes>;
+
+// A copy, because another thread of the host may free the memory meanwhile.
+HostSamples samplesAt(LONG address) {
+    HostSamples samples;
     // No block of 16-bit samples begins at an odd address.
-    if (address % 2 != 0 || !isReadable(samples, SampleBuffer::blockBytes))
+    if (address % 2 != 0 ||
+        !copyIfReadable(samples.data(), reinterpret_cast<const void*>(address), samples.size()))
         throw RuntimeError(5, L"Invalid procedure call or argument: no samples can be read at the "
                               L"address that was passed to SetAudioData");
     return samples;
@@ -75,9 +118,10 @@ constinit const ControlClass audioGraphClass{.clsid = CLSID_cAudioGraph,
                                              .naturalPixels = {200, 100},
                                              .properties = properties};
 
-cAudioGraph::cAudioGraph() : Control(audioGraphClass) {}
+cAudioGraph::cAudioGraph(IUnknown* outer) : Control(audioGraphClass, outer) {}
 
 cAudioGraph::~cAudioGraph() {
+    feed_.reset();
     ole().disconnect();
 }
 
@@ -89,6 +133,15 @@ HRESULT cAudioGraph::get(int property, Value* result) noexcept {
 template <typename Value>
 HRESULT cAudioGraph::put(int property, Value value) noexcept {
     return enter([&] { return ole().setProperty(property, static_cast<std::int32_t>(value)); });
+}
+
+HRESULT cAudioGraph::getBoolean(int property, VARIANT_BOOL* result) noexcept {
+    return enterReturning(
+        result, [&] { return ole().property(property) != 0 ? VARIANT_TRUE : VARIANT_FALSE; });
+}
+
+HRESULT cAudioGraph::putBoolean(int property, VARIANT_BOOL value) noexcept {
+    return put(property, value != VARIANT_FALSE ? VARIANT_TRUE : VARIANT_FALSE);
 }
 
 HRESULT cAudioGraph::get_GraphStyle(AudioGraphStyle* result) {
@@ -146,9 +199,8 @@ HRESULT cAudioGraph::get_hWnd(LONG* result) {
 
 HRESULT cAudioGraph::SetAudioData(LONG pAudioData, LONG* result) {
     return enterReturning(result, [&] {
-        graph_.takeSamples(samplesAt(pAudioData));
-        ole().events().fire(levelChangedEvent, {graph_.level()},
-                            EventSource::WhenFrozen::keepLatest);
+        graph_.takeSamples(samplesAt(pAudioData).data());
+        fireLevelChanged();
         return 0;
     });
 }
@@ -178,6 +230,119 @@ HRESULT cAudioGraph::DeInit(LONG* result) {
     return enterReturning(result, [] { return 0; });
 }
 
+HRESULT cAudioGraph::get_Player(IDispatch** result) {
+    return enterFilling(result, [&] {
+        if (feed_)
+            *result = feed_->player().query<IDispatch>().detach();
+    });
+}
+
+HRESULT cAudioGraph::put_Player(IDispatch* value) {
+    return enter([&] {
+        const auto player = ComPtr<IDispatch>(value).query<IFollowedPlayer>();
+        if (value && !player)
+            throw RuntimeError(380, L"Player must be a cPlayer control or Nothing");
+        feed_ = player ? player->sampleFeed() : nullptr;
+        updateTimer();
+    });
+}
+
+HRESULT cAudioGraph::putref_Player(IDispatch* value) {
+    return put_Player(value);
+}
+
+HRESULT cAudioGraph::get_FramesPerSecond(LONG* result) {
+    return get(framesPerSecond, result);
+}
+HRESULT cAudioGraph::put_FramesPerSecond(LONG value) {
+    if (isFrameRate(value))
+        return put(framesPerSecond, value);
+    return enter([] { throw RuntimeError(380, L"FramesPerSecond must be 1 to 100"); });
+}
+HRESULT cAudioGraph::get_LevelScale(AudioGraphLevelScale* result) {
+    return get(levelScale, result);
+}
+HRESULT cAudioGraph::put_LevelScale(AudioGraphLevelScale value) {
+    if (isZeroOrOne(value))
+        return put(levelScale, value);
+    return enter([] {
+        throw RuntimeError(380, L"LevelScale must be 0 (LINEAR_SCALE) or 1 (DECIBEL_SCALE)");
+    });
+}
+HRESULT cAudioGraph::get_FrequencyAxis(AudioGraphFrequencyAxis* result) {
+    return get(frequencyAxis, result);
+}
+HRESULT cAudioGraph::put_FrequencyAxis(AudioGraphFrequencyAxis value) {
+    if (isZeroOrOne(value))
+        return put(frequencyAxis, value);
+    return enter(
+        [] { throw RuntimeError(380, L"FrequencyAxis must be 0 (BAND_AXIS) or 1 (OCTAVE_AXIS)"); });
+}
+HRESULT cAudioGraph::get_PeakHold(VARIANT_BOOL* result) {
+    return getBoolean(peakHold, result);
+}
+HRESULT cAudioGraph::put_PeakHold(VARIANT_BOOL value) {
+    return putBoolean(peakHold, value);
+}
+HRESULT cAudioGraph::get_ChannelWaveforms(VARIANT_BOOL* result) {
+    return getBoolean(channelWaveforms, result);
+}
+HRESULT cAudioGraph::put_ChannelWaveforms(VARIANT_BOOL value) {
+    return putBoolean(channelWaveforms, value);
+}
+
+// The timer belongs to the control's window and is made again with it.
+void cAudioGraph::updateTimer() {
+    if (feed_ && ole().userMode()) {
+        const UINT interval = 1000U / static_cast<UINT>(ole().property(framesPerSecond));
+        timerWindow_ = ole().window();
+        ::SetTimer(timerWindow_, pictureTimer, interval, nullptr);
+    } else if (const HWND window = std::exchange(timerWindow_, nullptr)) {
+        ::KillTimer(window, pictureTimer);
+    }
+}
+
+void cAudioGraph::followPlayer() {
+    SampleBlock block;
+    if (feed_ && feed_->latestSamples(block)) {
+        following_ = true;
+        graph_.takeBlock(std::move(block));
+        fireLevelChanged();
+        // No message is dispatched while this is drawn: the host waits for no call of its own.
+        graph_.display(settings(), ole().pixelSize(), [] {});
+        showPicture();
+        return;
+    }
+    if (std::exchange(following_, false)) {
+        graph_.clear(settings());
+        showPicture();
+    }
+    if (!feed_ || !feed_->connected()) {
+        feed_.reset();
+        updateTimer();
+    }
+}
+
+void cAudioGraph::fireLevelChanged() noexcept {
+    ole().events().fire(levelChangedEvent, {graph_.level()}, EventSource::WhenFrozen::keepLatest);
+}
+
+bool cAudioGraph::windowMessage(UINT message, WPARAM wParam, LPARAM, LRESULT&) {
+    if (message != WM_TIMER || wParam != pictureTimer)
+        return false;
+    followPlayer();
+    return true;
+}
+
+void cAudioGraph::windowLost() {
+    timerWindow_ = nullptr;
+}
+
+void cAudioGraph::windowResized(SIZE) {
+    if (feed_ && !timerWindow_)
+        updateTimer();
+}
+
 GraphSettings cAudioGraph::settings() const {
     return {.style = static_cast<GraphStyle>(ole().property(graphStyle)),
             .bands = ole().property(bands),
@@ -186,7 +351,12 @@ GraphSettings cAudioGraph::settings() const {
             .backgroundColor = translated(ole().property(backgroundColor)),
             .amplitudeColor = translated(ole().property(amplitudeColor)),
             .freqColor = translated(ole().property(freqColor)),
-            .border = ole().property(borderStyle) != StyleNone};
+            .border = ole().property(borderStyle) != StyleNone,
+            .framesPerSecond = ole().property(framesPerSecond),
+            .levelScale = static_cast<LevelScale>(ole().property(levelScale)),
+            .frequencyAxis = static_cast<FrequencyAxis>(ole().property(frequencyAxis)),
+            .peakHold = ole().property(peakHold) != 0,
+            .channelWaveforms = ole().property(channelWaveforms) != 0};
 }
 
 // At once, not when the host next waits for messages: hosts draw from within long loops too.
@@ -204,6 +374,8 @@ void cAudioGraph::draw(HDC dc, const RECT& bounds) {
 }
 
 void cAudioGraph::propertiesChanged(std::optional<int> index) {
+    if (timerWindow_ && (!index || *index == framesPerSecond))
+        updateTimer();
     if (!index)
         graph_.clear(settings()); // properties were loaded: show their background
     else if (!ole().userMode())

@@ -43,4 +43,27 @@ std::size_t cIIRFilter::filter(std::span<std::int16_t> samples) noexcept {
     return done;
 }
 
+void cIIRFilter::processFractions(std::span<float> samples) noexcept {
+    // What fades out below this is silence. Much smaller numbers would slow the processor down.
+    constexpr float silence = 1e-15F;
+    const auto [b0, b1, b2, a1, a2] = coefficients_;
+    auto [x1, x2, y1, y2] = delay_;
+    for (float& sample : samples) {
+        const float x = sample;
+        const float y = b0 * x + b1 * x1 + b2 * x2 - a1 * y1 - a2 * y2;
+        sample = y;
+        x2 = x1;
+        x1 = x;
+        y2 = y1;
+        y1 = std::fabs(y) < silence ? 0.0F : y;
+    }
+    delay_ = {x1, x2, y1, y2};
+    if (std::isfinite(y1) && std::isfinite(y2))
+        return;
+    delay_ = {};
+    for (float& sample : samples)
+        if (!std::isfinite(sample))
+            sample = 0.0F;
+}
+
 } // namespace corvina

@@ -41,6 +41,9 @@ public:
     // Errors: 9 (subscript) when lastIndex is beyond the samples, 6 (overflow) when an output is no
     // finite number. What was filtered until then stays filtered.
     void ProcessSamples(std::span<std::int16_t> samples, std::int32_t lastIndex);
+    // The same on fractions, which are neither rounded nor limited: for filters one behind the
+    // other. An output that is no finite number clears the delay line and becomes 0.
+    void processFractions(std::span<float> samples) noexcept;
 
 private:
     struct DelayLine {

@@ -8,10 +8,11 @@ HRESULT ClassFactory::CreateInstance(IUnknown* outer, REFIID iid, void** result)
     if (!result)
         return E_POINTER;
     *result = nullptr;
-    if (outer)
+    // An outer object can hold nothing but the inner unknown.
+    if (outer && (!entry_.control || iid != IID_IUnknown))
         return CLASS_E_NOAGGREGATION;
     return guarded(IID_IClassFactory, entry_.progId, [&] {
-        const auto object = ComPtr<IUnknown>::adopt(entry_.create());
+        const auto object = ComPtr<IUnknown>::adopt(entry_.create(outer));
         return object->QueryInterface(iid, result);
     });
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-// Makes the objects of one class of the table. Objects are not aggregated.
+// Makes the objects of one class of the table. Controls can be aggregated.
 
 #include "com/Implements.h"
 #include "library/ClassTable.h"

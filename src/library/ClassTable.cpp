@@ -10,30 +10,32 @@
 namespace corvina {
 namespace {
 
-template <typename Interface, typename Class>
-IUnknown* create() {
-    return static_cast<Interface*>(makeCom<Class>().detach());
-}
-
-template <typename Interface, typename Class>
+template <typename Class>
 ClassEntry control(const ControlClass& controlClass, int toolboxBitmap) {
     return {.clsid = controlClass.clsid,
             .progId = controlClass.progId,
             .description = controlClass.description,
-            .create = &create<Interface, Class>,
+            .create = +[](IUnknown* outer) -> IUnknown* {
+                return &makeCom<Class>(outer).detach()->inner();
+            },
+            .control = &controlClass,
             .toolboxBitmap = toolboxBitmap};
+}
+
+IUnknown* createSubclassing(IUnknown*) {
+    return static_cast<_GSubclass*>(makeCom<GSubclass>().detach());
 }
 
 } // namespace
 
 std::span<const ClassEntry> classTable() noexcept {
     static const ClassEntry classes[] = {
-        control<_cPlayer, cPlayer>(playerClass, CORVINA_BITMAP_PLAYER),
-        control<_cAudioGraph, cAudioGraph>(audioGraphClass, CORVINA_BITMAP_GRAPH),
+        control<cPlayer>(playerClass, CORVINA_BITMAP_PLAYER),
+        control<cAudioGraph>(audioGraphClass, CORVINA_BITMAP_GRAPH),
         {.clsid = CLSID_GSubclass,
          .progId = L"Corvina.GSubclass",
          .description = L"Corvina window subclassing",
-         .create = &create<_GSubclass, GSubclass>},
+         .create = &createSubclassing},
     };
     return classes;
 }

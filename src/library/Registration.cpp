@@ -4,7 +4,7 @@
 #include "com/TypeLibrary.h"
 #include "control/Verbs.h"
 #include "library/ClassTable.h"
-#include "platform/RegistryKey.h"
+#include "library/RegistryChanges.h"
 
 #include <oleauto.h>
 #include <string>
@@ -22,13 +22,6 @@ namespace corvina {
 namespace {
 
 using Text = std::wstring;
-
-// One text value below Software\Classes; the key is made if it is missing.
-struct Value {
-    Text key;
-    const wchar_t* name; // null for the key's default value
-    Text data;
-};
 
 constexpr const wchar_t* controlCategory = L"{40FC6ED4-2438-11CF-A3DB-080036F12502}";
 constexpr const wchar_t* programmableCategory = L"{40FC6ED5-2438-11CF-A3DB-080036F12502}";
@@ -48,10 +41,6 @@ Text modulePath() {
             return path.substr(0, length);
         path.resize(path.size() * 2);
     }
-}
-
-HRESULT resultOf(LSTATUS status) {
-    return HRESULT_FROM_WIN32(static_cast<DWORD>(status));
 }
 
 // What the type library says about itself.
@@ -93,10 +82,11 @@ Text verbText(const Verb& verb) {
     return Text(verb.name) + L",0," + std::to_wstring(verb.attributes);
 }
 
-std::vector<Value> valuesOf(const ClassEntry& entry, const Library& library, const Text& path) {
+std::vector<RegistryValue> valuesOf(const ClassEntry& entry, const Library& library,
+                                    const Text& path) {
     const Text key = classKey(entry), clsid = textOfGuid(entry.clsid), generic = entry.progId;
     const Text versioned = versionedProgId(entry, library);
-    std::vector<Value> values{
+    std::vector<RegistryValue> values{
         {key, nullptr, entry.description},
         {key + L"\\InprocServer32", nullptr, path},
         {key + L"\\InprocServer32", L"ThreadingModel", L"Apartment"},
@@ -112,12 +102,12 @@ std::vector<Value> valuesOf(const ClassEntry& entry, const Library& library, con
         {versioned, nullptr, entry.description},
         {versioned + L"\\CLSID", nullptr, clsid},
     };
-    if (entry.toolboxBitmap != 0) {
-        const std::vector<Value> control{
+    if (entry.control) {
+        const std::vector<RegistryValue> control{
             {key + L"\\Control", nullptr, L""},
             {key + L"\\Implemented Categories\\" + controlCategory, nullptr, L""},
             {key + L"\\MiscStatus", nullptr, L"0"},
-            {key + L"\\MiscStatus\\1", nullptr, std::to_wstring(controlMiscStatus)},
+            {key + L"\\MiscStatus\\1", nullptr, std::to_wstring(miscStatus(*entry.control))},
             {key + L"\\ToolboxBitmap32", nullptr,
              path + L", " + std::to_wstring(entry.toolboxBitmap)},
         };
@@ -130,40 +120,6 @@ std::vector<Value> valuesOf(const ClassEntry& entry, const Library& library, con
     return values;
 }
 
-// The registry's Software\Classes of a scope.
-class Classes {
-public:
-    explicit Classes(RegistrationScope scope) noexcept
-        : root_(scope == RegistrationScope::machine ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER) {}
-
-    [[nodiscard]] HRESULT write(const Value& value) const {
-        RegistryKey key;
-        const LSTATUS made = ::RegCreateKeyExW(root_, full(value.key).c_str(), 0, nullptr, 0,
-                                               KEY_WRITE, nullptr, key.put(), nullptr);
-        if (made != ERROR_SUCCESS)
-            return resultOf(made);
-        return resultOf(::RegSetValueExW(
-            key.get(), value.name, 0, REG_SZ, reinterpret_cast<const BYTE*>(value.data.c_str()),
-            static_cast<DWORD>((value.data.size() + 1) * sizeof(wchar_t))));
-    }
-
-    [[nodiscard]] bool has(const Text& key) const {
-        RegistryKey opened;
-        return ::RegOpenKeyExW(root_, full(key).c_str(), 0, KEY_READ, opened.put()) !=
-               ERROR_FILE_NOT_FOUND;
-    }
-
-    [[nodiscard]] HRESULT remove(const Text& key) const {
-        const LSTATUS removed = ::RegDeleteTreeW(root_, full(key).c_str());
-        return removed == ERROR_FILE_NOT_FOUND ? S_OK : resultOf(removed);
-    }
-
-private:
-    static Text full(const Text& key) { return L"Software\\Classes\\" + key; }
-
-    HKEY root_;
-};
-
 HRESULT registerTypeLibrary(const Library& library, RegistrationScope scope, Text path) {
     // Headers differ in the constness that each of the two declares.
     return scope == RegistrationScope::machine
@@ -171,22 +127,24 @@ HRESULT registerTypeLibrary(const Library& library, RegistrationScope scope, Tex
                : ::RegisterTypeLibForUser(library.library.get(), path.data(), nullptr);
 }
 
+Text typeLibraryKey(const Library& library) {
+    return L"TypeLib\\" + textOfGuid(library.guid) + L"\\" + library.version();
+}
+
 HRESULT unregisterTypeLibrary(const Library& library, RegistrationScope scope) {
-    if (!Classes(scope).has(L"TypeLib\\" + textOfGuid(library.guid) + L"\\" + library.version()))
+    if (!RegistryChanges(scope).has(typeLibraryKey(library)))
         return S_OK;
     const auto unregister =
         scope == RegistrationScope::machine ? &::UnRegisterTypeLib : &::UnRegisterTypeLibForUser;
     return unregister(library.guid, library.major, library.minor, library.locale, SYS_WIN32);
 }
 
-HRESULT registerAll(const Library& library, RegistrationScope scope) {
-    const Text path = modulePath();
-    const Classes classes(scope);
+HRESULT writeClasses(const Library& library, const Text& path, RegistryChanges& changes) {
     for (const ClassEntry& entry : classTable())
-        for (const Value& value : valuesOf(entry, library, path))
-            if (const HRESULT written = classes.write(value); FAILED(written))
+        for (const RegistryValue& value : valuesOf(entry, library, path))
+            if (const HRESULT written = changes.write(value); FAILED(written))
                 return written;
-    return registerTypeLibrary(library, scope, path);
+    return S_OK;
 }
 
 } // namespace
@@ -195,9 +153,22 @@ HRESULT registerLibrary(RegistrationScope scope) {
     Library library;
     if (const HRESULT loaded = library.load(); FAILED(loaded))
         return loaded;
-    const HRESULT registered = registerAll(library, scope);
+    const Text path = modulePath();
+    RegistryChanges changes(scope);
+    HRESULT registered = writeClasses(library, path, changes);
+    if (SUCCEEDED(registered)) {
+        // Of a library that was registered before only these values can have been others.
+        const Text key = typeLibraryKey(library);
+        const bool registeredBefore = changes.has(key);
+        if (registeredBefore)
+            for (const Text& below : {key, key + L"\\0\\win32", key + L"\\HELPDIR"})
+                changes.remember(below, nullptr);
+        registered = registerTypeLibrary(library, scope, path);
+        if (FAILED(registered) && !registeredBefore)
+            static_cast<void>(unregisterTypeLibrary(library, scope));
+    }
     if (FAILED(registered))
-        static_cast<void>(unregisterLibrary(scope));
+        changes.takeBack();
     return registered;
 }
 
@@ -206,7 +177,7 @@ HRESULT unregisterLibrary(RegistrationScope scope) {
     if (const HRESULT loaded = library.load(); FAILED(loaded))
         return loaded;
     HRESULT first = unregisterTypeLibrary(library, scope);
-    const Classes classes(scope);
+    const RegistryChanges classes(scope);
     for (const ClassEntry& entry : classTable())
         for (const Text& key :
              {classKey(entry), Text(entry.progId), versionedProgId(entry, library)})

@@ -18,6 +18,7 @@ struct WaveApi {
     decltype(&::waveOutPause) outPause = &::waveOutPause;
     decltype(&::waveOutRestart) outRestart = &::waveOutRestart;
     decltype(&::waveOutClose) outClose = &::waveOutClose;
+    decltype(&::waveOutGetPosition) outGetPosition = &::waveOutGetPosition;
     decltype(&::waveOutGetNumDevs) outGetNumDevs = &::waveOutGetNumDevs;
     decltype(&::waveOutGetDevCapsA) outGetDevCaps = &::waveOutGetDevCapsA;
     decltype(&::waveInGetNumDevs) inGetNumDevs = &::waveInGetNumDevs;

@@ -19,6 +19,8 @@ struct WindowApi {
     decltype(&::PostMessageA) postMessage = &::PostMessageA;
     decltype(&::PeekMessageA) peekMessage = &::PeekMessageA;
     decltype(&::PostQuitMessage) postQuitMessage = &::PostQuitMessage;
+    decltype(&::SetTimer) setTimer = &::SetTimer;
+    decltype(&::KillTimer) killTimer = &::KillTimer;
 };
 
 inline const WindowApi systemWindowApi;

@@ -3,8 +3,11 @@
 #include "player/ErrorText.h"
 #include "player/ExceptionReport.h"
 #include "player/PlayerEvents.h"
-#include "stream/cSoundSTRM.h"
+#include "runtime/RuntimeError.h"
 
+#include <algorithm>
+#include <cstddef>
+#include <span>
 #include <string>
 #include <utility>
 
@@ -13,15 +16,23 @@ namespace {
 
 // What AudioDataOut shows before the first refill.
 constexpr std::size_t samplesBeforeFirstRefill = 1024;
-constexpr UINT headerBytes = sizeof(WAVEHDR);
 constexpr std::int32_t conversionImpossible = 5;
 
 } // namespace
 
-PlaybackEngine::PlaybackEngine(PlayerEvents& events, cCallback* observer, cSoundSTRM* const& source,
-                               const PlayerPlatform& platform) noexcept
-    : events_(events), observer_(observer), source_(source), wave_(platform.wave),
-      acm_(platform.acm), trace_(platform.trace), messages_(platform.windows) {}
+PlaybackEngine::PlaybackEngine(PlayerEvents& events, TrackSupply& supply,
+                               const PlaybackOptions& options, const PlayerPlatform& platform)
+    : events_(events), supply_(supply), options_(options), wave_(platform.wave),
+      trace_(platform.trace), messages_(platform.windows), device_(platform.wave),
+      timer_(platform.windows,
+             [this] {
+                 // A handler may release the owner of all this.
+                 PlayerEvents& owner = events_;
+                 owner.hold();
+                 tick();
+                 owner.letGo();
+             }),
+      life_(events) {}
 
 PlaybackEngine::~PlaybackEngine() {
     disconnect();
@@ -30,6 +41,7 @@ PlaybackEngine::~PlaybackEngine() {
 // The only place that changes the state.
 void PlaybackEngine::enter(PlaybackState next) noexcept {
     const PlaybackState former = std::exchange(state_, next);
+    life_.setDeviceClosed(playback_, next == PlaybackState::closed);
     if (trace_ && former != next)
         trace_(former, next);
 }
@@ -37,6 +49,10 @@ void PlaybackEngine::enter(PlaybackState next) noexcept {
 void PlaybackEngine::stopFeeding() noexcept {
     if (state_ == PlaybackState::feeding)
         enter(PlaybackState::draining);
+}
+
+bool PlaybackEngine::uses(const cSoundSTRM* source) const noexcept {
+    return (playing() || !done_) && tracks_.uses(source);
 }
 
 bool PlaybackEngine::playing() const noexcept {
@@ -55,51 +71,45 @@ void PlaybackEngine::disconnect() noexcept {
     messages_.discardReturned();
     while (messages_.discardClose())
         ;
+    timer_.stop();
     messages_.setWindow(nullptr);
-    converter_.reset();
+    // The player closes its source; one that is the engine's alone closes itself.
+    tracks_.forget();
     done_ = true;
 }
 
-std::int32_t PlaybackEngine::start(std::int32_t deviceIndex, WAVEFORMATEX format) {
+void PlaybackEngine::reportEnds() noexcept {
+    try {
+        life_.endAll(PLAYEND_STOPPED);
+    } catch (const std::bad_alloc&) {
+        // The events are lost.
+    }
+}
+
+std::int32_t PlaybackEngine::start(std::int32_t deviceIndex, TrackQueue::Track track) {
+    const WAVEFORMATEX sourceFormat = track->sourceFormat();
     const bool closedFormer = closeFormerDevice();
     ++playback_;
-    if (!beginConversion()) {
+    ++session_;
+    // The converter of a start that fails stays until the next start or stop.
+    const bool convertible = track->begin();
+    tracks_.begin(std::move(track));
+    if (!convertible) {
         events_.Err(L"InitConversion", conversionImpossible, L"Can't init conversion");
         return conversionImpossible;
     }
-    // Everything that needs memory comes before the device is opened.
-    ring_ = std::make_unique<WaveRing>();
-    std::vector<std::int16_t> silence(samplesBeforeFirstRefill);
-    // Without a window that listens nothing would ever fill the ring, so the device is not opened.
-    if (!messages_.window())
-        return MMSYSERR_INVALPARAM;
-    if (const MMRESULT opened = openDevice(deviceIndex, format); opened != MMSYSERR_NOERROR)
-        return static_cast<std::int32_t>(opened);
-    if (const MMRESULT prepared = ring_->prepare(wave_, device_); prepared != MMSYSERR_NOERROR) {
-        abandonStart();
-        return static_cast<std::int32_t>(prepared);
-    }
-    audioData_ = std::move(silence);
-
-    const BOOL primed = messages_.postReturned(WaveRing::playedBuffers,
-                                               reinterpret_cast<LPARAM>(&ring_->first().header));
-    if (primed != TRUE && primed != FALSE) {
-        abandonStart();
-        return primed;
-    }
+    deviceIndex_ = deviceIndex;
+    if (const std::int32_t result = openSession(deviceIndex, sourceFormat); result != 0)
+        return result;
     if (closedFormer)
         messages_.discardClose();
     paused_ = false;
     done_ = false;
-    drained_ = 0;
-    if (primed == TRUE) {
-        enter(PlaybackState::feeding);
-    } else {
-        // A refused post returns 0, and that is the result for the host, to which it means success:
-        // it gets a playback that ends at once, with its DonePlay, and not one that hangs.
-        messages_.discardReturned();
-        closeDrained();
-    }
+    intervalChanged();
+    const std::uint32_t session = session_;
+    life_.begun(playback_);
+    if (session == session_ && !primed_)
+        endUnprimed();
     return 0;
 }
 
@@ -114,40 +124,68 @@ bool PlaybackEngine::closeFormerDevice() noexcept {
     return closed;
 }
 
-bool PlaybackEngine::beginConversion() {
-    converter_ = std::make_unique<cPCM>(acm_);
-    return source_ && converter_->InitConversion(*source_, observer_, false);
-}
-
-MMRESULT PlaybackEngine::openDevice(std::int32_t deviceIndex, WAVEFORMATEX format) noexcept {
+// Opens the device for the current track and has the ring filled. If the device fails, nothing of
+// it is left, and its result is returned.
+std::int32_t PlaybackEngine::openSession(std::int32_t deviceIndex, const WAVEFORMATEX& format) {
+    ++session_;
+    format_ = tracks_.current()->format();
+    // Everything that needs memory comes before the device is opened.
+    ring_ = std::make_unique<WaveRing>(format_, options_.sound);
+    std::vector<std::int16_t> silence(samplesBeforeFirstRefill);
+    // Without a window that listens nothing would ever fill the ring, so the device is not opened.
+    if (!messages_.window())
+        return MMSYSERR_INVALPARAM;
     // Block align and average rate stay the source's even if the converter changes the width. This
     // mixed record is on purpose: it is what devices have always been opened with here. They go by
     // the width and accept it.
-    format.nSamplesPerSec = static_cast<DWORD>(converter_->OutputSamplerate());
-    format.nChannels = static_cast<WORD>(converter_->OutputChannels());
-    format.wBitsPerSample = static_cast<WORD>(converter_->OutputBitsPerSample());
-    const DWORD mapping = deviceIndex == -1 ? 0 : WAVE_MAPPED;
-    HWAVEOUT opened = nullptr;
-    const MMRESULT result = wave_.outOpen(&opened, static_cast<UINT>(deviceIndex), &format,
-                                          reinterpret_cast<DWORD_PTR>(messages_.window()), 0,
-                                          CALLBACK_WINDOW | mapping);
-    if (result == MMSYSERR_NOERROR) {
-        device_ = opened;
-        enter(PlaybackState::opening);
+    WAVEFORMATEX mixed = format;
+    mixed.nSamplesPerSec = static_cast<DWORD>(format_.sampleRate);
+    mixed.nChannels = static_cast<WORD>(format_.channels);
+    mixed.wBitsPerSample = static_cast<WORD>(format_.bits);
+    MMRESULT result = device_.open(deviceIndex, mixed, messages_.window());
+    if (result != MMSYSERR_NOERROR)
+        return static_cast<std::int32_t>(result);
+    enter(PlaybackState::opening);
+    result = ring_->prepare(wave_, device_.handle());
+    if (result != MMSYSERR_NOERROR) {
+        abandonSession();
+        return static_cast<std::int32_t>(result);
     }
-    return result;
+    audioData_ = std::move(silence);
+    drained_ = 0;
+    lost_ = 0;
+    const BOOL posted = messages_.postReturned(WaveRing::playedBuffers,
+                                               reinterpret_cast<LPARAM>(&ring_->first().header));
+    if (posted != TRUE && posted != FALSE) {
+        abandonSession();
+        return posted;
+    }
+    // A refused post returns 0, and that is the result for the host, to which it means success: it
+    // gets a playback that ends at once, with its DonePlay, and not one that hangs.
+    primed_ = posted == TRUE;
+    watchedFrame_ = 0;
+    progressAt_ = ::GetTickCount64();
+    enter(PlaybackState::feeding);
+    return 0;
 }
 
 // The host is notified of the failure by the result alone: no message of this device may follow.
-void PlaybackEngine::abandonStart() noexcept {
+void PlaybackEngine::abandonSession() noexcept {
     const bool closed = closeAtOnce();
     messages_.discardReturned();
     if (closed)
         messages_.discardClose();
 }
 
+void PlaybackEngine::endUnprimed() {
+    messages_.discardReturned();
+    stopFeeding();
+    if (state_ == PlaybackState::draining)
+        closeDrained();
+}
+
 void PlaybackEngine::handleMessage(UINT message) noexcept {
-    const std::uint32_t playback = playback_;
+    const std::uint32_t session = session_;
     try {
         if (message == MM_WOM_DONE)
             bufferReturned();
@@ -155,50 +193,43 @@ void PlaybackEngine::handleMessage(UINT message) noexcept {
             deviceClosed();
     } catch (...) {
         stopFeeding();
+        life_.setReason(playback_, PLAYEND_ERROR);
         reportCurrentException(events_);
-        failPlayback(playback);
+        failPlayback(session);
     }
 }
 
 void PlaybackEngine::bufferReturned() {
-    const std::uint32_t playback = playback_;
-    if (state_ == PlaybackState::feeding && refill())
-        return;
-    if (playback == playback_)
-        countDrained();
+    const std::uint32_t session = session_;
+    progressAt_ = ::GetTickCount64();
+    if (state_ != PlaybackState::feeding || !refill()) {
+        if (session == session_)
+            countDrained();
+    }
+    if (session == session_ && playing())
+        reportHeard();
 }
 
 // Fills and queues the next buffer. False if that was not done because the playback was stopped, so
 // that the buffer counts as returned.
 bool PlaybackEngine::refill() {
-    const std::uint32_t playback = playback_;
+    const std::uint32_t session = session_;
     // A handler of Err can have stopped this playback, or stopped it and begun another.
-    const auto stopped = [&] { return !converter_ || playback != playback_; };
+    const auto stopped = [&] { return !tracks_.current() || session != session_; };
     const auto failed = [this](const wchar_t* function, MMRESULT result) {
         const auto number = static_cast<std::int32_t>(result);
         events_.Err(function, number, errorText(number));
     };
 
     WaveBuffer& buffer = ring_->next();
-    MMRESULT result = wave_.outUnprepareHeader(device_, &buffer.header, headerBytes);
+    MMRESULT result = device_.unprepare(buffer.header);
     if (result != MMSYSERR_NOERROR) {
         failed(L"WindowProcOut:waveOutUnprepareHeader", result);
         if (stopped())
             return false;
     }
-    // The header keeps its full length even for the last, short block: what lies behind the
-    // delivered bytes, from the buffer's former use, is heard too. Devices have always been given
-    // whole blocks here.
-    std::int32_t delivered = 0;
-    converter_->GetSamples(buffer.data.data(), WaveRing::bufferBytes, delivered);
-    // The converter meets the end of the source up to half a second before its last sample has its
-    // turn, so EndOfStream alone would cut the file short.
-    if (converter_->Exhausted())
-        stopFeeding();
-    // Made while the former copy still exists, so that it has another address.
-    audioData_ = std::vector<std::int16_t>(buffer.data);
-
-    result = wave_.outPrepareHeader(device_, &buffer.header, headerBytes);
+    fill(buffer);
+    result = device_.prepare(buffer.header);
     if (result != MMSYSERR_NOERROR) {
         failed(L"WindowProcOut:waveOutPrepareHeader", result);
         if (stopped())
@@ -207,140 +238,103 @@ bool PlaybackEngine::refill() {
     // A buffer that the device refuses never comes back. The ring goes on without it, and the count
     // at the end stays short of eight, so that the device is not closed. Hosts know this: a
     // DonePlay without all of the sound would be a different promise.
-    result = wave_.outWrite(device_, &buffer.header, headerBytes);
-    if (result != MMSYSERR_NOERROR)
+    result = device_.write(buffer.header);
+    if (result != MMSYSERR_NOERROR) {
+        ++lost_;
         failed(L"WindowProcOut:waveOutWrite", result);
+        // Without any buffer no message would ever come again.
+        if (session == session_ && lost_ == WaveRing::playedBuffers && playing())
+            loseDevice();
+    }
+    if (session == session_)
+        supply_.reportFailures();
     return true;
 }
 
-void PlaybackEngine::countDrained() {
-    if (state_ == PlaybackState::draining && ++drained_ == WaveRing::playedBuffers)
-        closeDrained();
+void PlaybackEngine::fill(WaveBuffer& buffer) {
+    const std::span<std::uint8_t> bytes = buffer.bytes();
+    // A handler may have let the playback come to its end before this buffer had its turn.
+    if (state_ == PlaybackState::feeding) {
+        const bool exactly = options_.cleanEnd || options_.loops || !options_.nextFile.empty();
+        const TrackQueue::Filled filled =
+            tracks_.fill(bytes, {.loops = options_.loops, .exactly = exactly, .next = [this] {
+                                     return supply_.takeNext();
+                                 }});
+        if (filled.ended)
+            stopFeeding();
+        // The header keeps its full length even for the last, short block: what lies behind the
+        // delivered bytes, from the buffer's former use, is heard too. Devices have always been
+        // given whole blocks here; only CleanEnd makes the rest silent.
+        if (options_.cleanEnd)
+            std::fill(bytes.begin() + filled.bytes, bytes.end(), format_.silence());
+    }
+    ring_->applySettings(buffer);
+    // Made while the former copy still exists, so that it has another address.
+    audioData_ = std::vector<std::int16_t>(buffer.data);
 }
 
-// Closes a device that has no buffer any more.
-void PlaybackEngine::closeDrained() {
-    const std::uint32_t playback = playback_;
-    // A handler of Err can have closed the device.
-    const auto closed = [&] { return state_ == PlaybackState::closed || playback != playback_; };
-    enter(PlaybackState::closing);
-    for (std::size_t i = 0; i < WaveRing::playedBuffers; ++i) {
-        // Always the spare record, which was never prepared, and not buffer i. This is on purpose:
-        // the buffers keep their prepared state until the device is closed, as drivers have come to
-        // expect.
-        const auto result = static_cast<std::int32_t>(
-            wave_.outUnprepareHeader(device_, &ring_->spare().header, headerBytes));
-        if (result == MMSYSERR_NOERROR)
-            continue;
-        events_.Err(L"StopPlayProc:waveOutUnprepareHeader :hdr(" + std::to_wstring(i) + L")",
-                    result, errorText(result));
-        if (closed())
-            return;
-    }
-    const auto result = static_cast<std::int32_t>(wave_.outClose(device_));
-    if (result == MMSYSERR_NOERROR) {
-        device_ = nullptr;
-        enter(PlaybackState::closed);
+void PlaybackEngine::countDrained() {
+    if (state_ != PlaybackState::draining)
         return;
-    }
-    events_.Err(L"StopPlayProc:waveOutClose", result, std::to_wstring(result));
-    if (!closed())
-        enter(PlaybackState::closeRefused);
+    if (++drained_ == WaveRing::playedBuffers)
+        closeDrained();
+    else if (drained_ + lost_ == WaveRing::playedBuffers)
+        life_.end(playback_, PLAYEND_ERROR);
 }
 
 void PlaybackEngine::deviceClosed() {
     try {
+        if (continueWithOther())
+            return;
         // Done is still clear, so this resets a device that is closed, which the device layer
         // refuses with 5. The Err before every DonePlay is on purpose: hosts take it for the sign
         // of the end. A playback started before this message was handled is stopped by it.
         stop();
     } catch (...) {
         reportCurrentException(events_);
-        converter_.reset();
+        tracks_.forget();
     }
     done_ = true;
     events_.DonePlay();
+    life_.raiseDue();
 }
 
-std::int32_t PlaybackEngine::stop() {
-    if (done_)
-        return 0;
-    const std::int32_t result = resetDevice();
-    dropConversion();
-    return result;
-}
-
-std::int32_t PlaybackEngine::resetDevice() {
-    stopFeeding();
-    const auto result = static_cast<std::int32_t>(wave_.outReset(device_));
-    // A handler that responds to this event with PlayStop comes here again: it gets its result, but
-    // not the same event without end.
-    const FailedReset failed{playback_, device_};
-    if (result != MMSYSERR_NOERROR && reported_ != failed) {
-        const FailedReset outer = std::exchange(reported_, failed);
-        events_.Err(L"StopPlayAudio:waveOutReset", result, std::to_wstring(result));
-        reported_ = outer;
+// The next track has another format: the device that played the former one is closed, and it gets
+// one of its own.
+bool PlaybackEngine::continueWithOther() {
+    if (state_ != PlaybackState::closed || done_ || !tracks_.other())
+        return false;
+    const TrackQueue::Track other = tracks_.takeOther();
+    tracks_.close();
+    const WAVEFORMATEX format = other->sourceFormat();
+    tracks_.begin(other);
+    const std::int32_t result = openSession(deviceIndex_, format);
+    if (result != 0) {
+        life_.setReason(playback_, PLAYEND_ERROR);
+        events_.Err(L"StartPlayAudio:waveOutOpen", result, std::to_wstring(result));
+        return false;
     }
-    return result;
+    if (!primed_)
+        endUnprimed();
+    supply_.nextHeard(other);
+    events_.NextStarted(other->file());
+    return true;
 }
 
-void PlaybackEngine::dropConversion() {
-    // A playback that a handler of the reset's Err has begun ends with the one that is stopped.
-    stopFeeding();
-    if (source_)
-        source_->CloseSource();
-    if (converter_)
-        converter_->CloseConverter();
-    converter_.reset();
-}
-
-std::int32_t PlaybackEngine::pause() noexcept {
-    const auto result = static_cast<std::int32_t>(wave_.outPause(device_));
-    if (result == MMSYSERR_NOERROR)
-        paused_ = true;
-    return result;
-}
-
-std::int32_t PlaybackEngine::resume() noexcept {
-    const auto result = static_cast<std::int32_t>(wave_.outRestart(device_));
-    if (result == MMSYSERR_NOERROR)
-        paused_ = false;
-    return result;
-}
-
-// Ends a playback in which something was thrown, without waiting for its buffers: the one being
-// refilled will not come back. The close message follows as at every end.
-void PlaybackEngine::failPlayback(std::uint32_t playback) {
-    const auto over = [&] { return playback != playback_ || state_ == PlaybackState::closed; };
-    if (over())
-        return;
-    try {
-        resetDevice();
-        if (over())
-            return;
-        messages_.discardReturned();
-        if (state_ == PlaybackState::draining)
-            enter(PlaybackState::closing);
-        dropConversion();
-    } catch (...) {
-        // The source could not be closed either; it is closed when it is opened again.
-        converter_.reset();
+bool PlaybackEngine::latestSamples(SampleBlock& block) const {
+    // Before the first refill audioData is a stand-in of silence.
+    if (!playing() || audioData_.size() <= samplesBeforeFirstRefill)
+        return false;
+    block.channels = format_.channels;
+    block.sampleRate = format_.sampleRate;
+    block.samples = audioData_;
+    if (format_.bits == 8) {
+        block.samples.clear();
+        for (const std::byte sample : std::as_bytes(std::span(audioData_)))
+            block.samples.push_back(
+                static_cast<std::int16_t>((std::to_integer<int>(sample) - 128) * 256));
     }
-    static_cast<void>(closeAtOnce());
-}
-
-// Closes the device without events and without waiting for its buffers. Whether it accepted that,
-// so that its close message comes.
-bool PlaybackEngine::closeAtOnce() noexcept {
-    wave_.outReset(device_);
-    ring_->unprepare(wave_, device_);
-    const bool closed = wave_.outClose(device_) == MMSYSERR_NOERROR;
-    // A device that refuses to close may still read the buffers: they are left to it.
-    if (!closed)
-        static_cast<void>(ring_.release());
-    device_ = nullptr;
-    enter(PlaybackState::closed);
-    return closed;
+    return true;
 }
 
 } // namespace corvina

@@ -1,23 +1,29 @@
 #pragma once
 
 // Moves decoded sound to a wave output device: a ring of eight 8000-byte buffers, each refilled
-// from the converter when the device returns it.
+// from the track when the device returns it.
 //
 // Everything happens on the thread that owns the window, driven by that window's messages: there is
 // no thread of its own and no lock. The states are those of PlaybackState.h:
 //   start         opens the device and posts eight MM_WOM_DONE messages, which fill the ring
 //   MM_WOM_DONE   while feeding, refills and queues the next buffer. The message that meets the
-//                 end of the source, or stop, ends feeding; eight more close the device.
+//                 end of the sound, or stop, ends feeding; eight more close the device.
 //   MM_WOM_CLOSE  stops what is left, sets done and raises DonePlay
-// A handler of Err or DonePlay may call every member. An exception that is thrown while a message
-// is handled ends the playback and is reported through Err as "WindowProcOut". The texts of the
-// events are published, and older than the names of the functions here.
+// A handler of any event may call every member. An exception that is thrown while a message is
+// handled ends the playback and is reported through Err as "WindowProcOut". The texts of the events
+// are published, and older than the names of the functions here.
 
+#include "player/PlaybackLife.h"
+#include "player/PlaybackOptions.h"
 #include "player/PlaybackState.h"
 #include "player/PlayerPlatform.h"
+#include "player/TrackQueue.h"
+#include "player/TrackSupply.h"
+#include "player/WaveDevice.h"
 #include "player/WaveMessages.h"
 #include "player/WaveRing.h"
-#include "stream/cPCM.h"
+#include "player/WindowTimer.h"
+#include "stream/SampleFeed.h"
 
 #include <cstdint>
 #include <memory>
@@ -25,13 +31,11 @@
 
 namespace corvina {
 
-class PlayerEvents;
-
 class PlaybackEngine {
 public:
-    // source: where the player keeps its current source, null if none. All must outlive the engine.
-    PlaybackEngine(PlayerEvents& events, cCallback* observer, cSoundSTRM* const& source,
-                   const PlayerPlatform& platform) noexcept;
+    // All must outlive the engine.
+    PlaybackEngine(PlayerEvents& events, TrackSupply& supply, const PlaybackOptions& options,
+                   const PlayerPlatform& platform);
     ~PlaybackEngine(); // disconnect
     PlaybackEngine(const PlaybackEngine&) = delete;
     PlaybackEngine& operator=(const PlaybackEngine&) = delete;
@@ -40,15 +44,30 @@ public:
     // playback: that one then plays to its end and its DonePlay, and stop has nothing to stop.
     void connect(HWND window) noexcept;
     // Messages do not arrive any longer: a device still open is closed at once, without an event,
-    // and nothing plays afterwards.
+    // and nothing plays afterwards. Then reportEnds raises the Ended that are due.
     void disconnect() noexcept;
+    void reportEnds() noexcept;
 
-    // Returns 0, 5 if the source's format cannot be converted, or the device result.
-    std::int32_t start(std::int32_t deviceIndex, WAVEFORMATEX format);
+    // Returns 0, 5 if the track cannot be converted, or the device result.
+    std::int32_t start(std::int32_t deviceIndex, TrackQueue::Track track);
     void handleMessage(UINT message) noexcept;
     std::int32_t stop();
     std::int32_t pause() noexcept;
     std::int32_t resume() noexcept;
+
+    // The sound settings, or the interval of PositionChanged, are others.
+    void soundChanged();
+    void intervalChanged() noexcept;
+    // Drops what is queued and goes on at that time of the track that is heard. Does nothing if
+    // nothing plays; raises error 5 if the source cannot be moved.
+    void jump(std::int32_t milliseconds);
+    // What is heard now; no track if nothing plays. The last place until the host is notified of
+    // the end.
+    [[nodiscard]] TrackQueue::Place heard();
+    // The peak of what is heard now, in parts of full scale. Mono sound has it in every channel.
+    [[nodiscard]] double level(std::int32_t channel);
+    // A playback that has not ended has this source.
+    [[nodiscard]] bool uses(const cSoundSTRM* source) const noexcept;
 
     // A device plays, or has still to return its buffers.
     [[nodiscard]] bool playing() const noexcept;
@@ -56,13 +75,17 @@ public:
     [[nodiscard]] bool done() const noexcept { return done_; }
     // From a successful pause to a successful resume or the next start; stop leaves it.
     [[nodiscard]] bool paused() const noexcept { return paused_; }
+    [[nodiscard]] PlayState playState() const noexcept { return life_.state(); }
     // A copy of the samples last sent to the device, at a new address after every refill; null
     // before the first playback.
     [[nodiscard]] const std::int16_t* audioData() const noexcept { return audioData_.data(); }
+    // The same samples with their format, 8 bits widened to 16. False if nothing plays,
+    // or nothing was sent yet.
+    [[nodiscard]] bool latestSamples(SampleBlock& block) const;
 
 private:
     struct FailedReset {
-        std::uint32_t playback = 0;
+        std::uint32_t session = 0;
         HWAVEOUT device = nullptr;
         bool operator==(const FailedReset&) const = default;
     };
@@ -71,44 +94,60 @@ private:
     void stopFeeding() noexcept;
 
     [[nodiscard]] bool closeFormerDevice() noexcept;
-    [[nodiscard]] bool beginConversion();
-    [[nodiscard]] MMRESULT openDevice(std::int32_t deviceIndex, WAVEFORMATEX format) noexcept;
-    void abandonStart() noexcept;
+    std::int32_t openSession(std::int32_t deviceIndex, const WAVEFORMATEX& format);
+    void abandonSession() noexcept;
+    void endUnprimed();
 
     void bufferReturned();
     [[nodiscard]] bool refill();
+    void fill(WaveBuffer& buffer);
     void countDrained();
     void closeDrained();
     void deviceClosed();
+    [[nodiscard]] bool continueWithOther();
 
     std::int32_t resetDevice();
-    void dropConversion();
-    void failPlayback(std::uint32_t playback);
+    void dropTracks();
+    void giveBackUnheard();
+    void failPlayback(std::uint32_t session);
+    void loseDevice();
+    [[nodiscard]] bool recover(const TrackQueue::Place& place);
     [[nodiscard]] bool closeAtOnce() noexcept;
 
+    [[nodiscard]] std::int64_t heardFrame() noexcept;
+    void reportHeard();
+    void tick() noexcept;
+    void watchDevice();
+
     PlayerEvents& events_;
-    cCallback* const observer_;
-    cSoundSTRM* const& source_;
+    TrackSupply& supply_;
+    const PlaybackOptions& options_;
     const WaveApi& wave_;
-    const AcmApi& acm_;
     const PlaybackTrace trace_;
     WaveMessages messages_;
+    WaveDevice device_;
+    WindowTimer timer_;
+    PlaybackLife life_;
 
     PlaybackState state_ = PlaybackState::closed;
     bool done_ = true;
     bool paused_ = false;
-    // Null while closed: the system gives a closed device's handle to the next one that opens,
-    // which may be another control's.
-    HWAVEOUT device_ = nullptr;
-    // Buffers returned since feeding stopped.
-    std::size_t drained_ = 0;
-    // Counts the starts, so that whoever raised an event notices that its handler has begun another
-    // playback.
+    bool primed_ = false; // the messages that fill the ring were accepted
+    std::int32_t deviceIndex_ = -1;
+    std::size_t drained_ = 0; // buffers returned since feeding stopped
+    std::size_t lost_ = 0;    // buffers that the device refused
+    // Counts the starts.
     std::uint32_t playback_ = 0;
+    // Counts the openings of the device, so that whoever raised an event notices that its handler
+    // has begun another one.
+    std::uint32_t session_ = 0;
     FailedReset reported_; // by the Err that is being raised
-    std::unique_ptr<cPCM> converter_;
+    TrackQueue tracks_;
+    PlayedFormat format_;
     std::unique_ptr<WaveRing> ring_;
     std::vector<std::int16_t> audioData_;
+    std::int64_t watchedFrame_ = 0;
+    std::uint64_t progressAt_ = 0; // when the device was last seen to play, in milliseconds
 };
 
 } // namespace corvina

@@ -25,12 +25,12 @@ bool mayFollow(PlaybackState from, PlaybackState to) noexcept {
     switch (from) {
     case closed:
         return to == opening;
-    case opening: // closing: the messages that fill the ring could not be posted
-        return to == feeding || to == closing || to == closed;
+    case opening:
+        return to == feeding || to == closed;
     case feeding: // closed: at once, because the host leaves
         return to == draining || to == closed;
-    case draining:
-        return to == closing || to == closed;
+    case draining: // feeding: the host moved the playback back
+        return to == feeding || to == closing || to == closed;
     case closing:
         return to == closed || to == closeRefused;
     case closeRefused:

@@ -2,13 +2,16 @@
 
 #include "platform/ErrorBoxes.h"
 #include "player/ErrorText.h"
+#include "player/FormatName.h"
 #include "player/TimeText.h"
+#include "player/WaveLength.h"
 #include "runtime/Rounding.h"
 #include "runtime/RuntimeError.h"
+#include "runtime/Text.h"
 #include "stream/FileListing.h"
-#include "stream/PcmFormat.h"
 #include "subclass/MSubclass.h"
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -40,7 +43,9 @@ void attachUnlessAttached(ISubclass& client, HWND window, std::int32_t message) 
 } // namespace
 
 Player::Player(PlayerEvents& events, cCallback* observer, const PlayerPlatform& platform)
-    : events_(events), platform_(platform), engine_(events, observer, source_, platform_) {}
+    : events_(events), observer_(observer), platform_(platform),
+      next_(events, settings_.options(), platform_, observer),
+      engine_(events, next_, settings_.options(), platform_) {}
 
 Player::~Player() {
     shutdown();
@@ -73,8 +78,8 @@ std::int32_t Player::DeInit() {
     // The device's messages do not arrive any more, so it cannot be closed by them.
     engine_.disconnect();
     codecs_.reset();
-    if (cSoundSTRM* const source = std::exchange(source_, nullptr))
-        source->CloseSource();
+    closeCurrentSource();
+    engine_.reportEnds();
     return 0;
 }
 
@@ -90,11 +95,11 @@ void Player::shutdown() noexcept {
     client_ = nullptr;
     window_ = nullptr;
     try {
-        if (cSoundSTRM* const source = std::exchange(source_, nullptr))
-            source->CloseSource();
+        closeCurrentSource();
     } catch (...) {
         // The source closes itself when it is opened again or destroyed.
     }
+    engine_.reportEnds();
 }
 
 void Player::handleMessage(UINT message) noexcept {
@@ -113,18 +118,41 @@ std::int32_t Player::OpenAudioFile(const std::wstring& file) {
     // The text is published with this spelling, and hosts compare it.
     if (!isFileListed(file, platform_.files))
         return failed(L"File doen't exist", noSuchFile);
-    if (cSoundSTRM* const previous = std::exchange(source_, nullptr))
-        previous->CloseSource();
+    closeCurrentSource();
     source_ = sources_.findForFile(file);
     if (!source_)
         return failed(L"Format not supported", notSupported);
-    const auto opened = [&] {
+    file_ = file;
+    const auto opens = [&](SourceList::Source& source) {
+        if (engine_.uses(source.get()))
+            source = freshSource(source);
         const NoErrorBoxes quiet;
-        return source_->OpenSource(file);
+        return source->OpenSource(file) == SourceResult::done;
     };
-    if (opened() != SourceResult::done)
-        return failed(L"Could not open file", couldNotOpen);
-    return 0;
+    if (opens(source_))
+        return 0;
+    for (auto next = source_; (next = sources_.findNextForFile(file, next));)
+        if (opens(next)) {
+            source_ = next;
+            return 0;
+        }
+    return failed(L"Could not open file", couldNotOpen);
+}
+
+// A playback keeps its source and closes it itself.
+void Player::closeCurrentSource() {
+    next_.forgetHeard();
+    const SourceList::Source source = std::exchange(source_, nullptr);
+    if (source && !engine_.uses(source.get()))
+        source->CloseSource();
+}
+
+// One of the same class, in the place of one that plays.
+SourceList::Source Player::freshSource(const SourceList::Source& used) {
+    std::vector<std::unique_ptr<cSoundSTRM>> made = platform_.makeSources();
+    SourceList::Source fresh = std::move(made[sources_.indexOf(used) % made.size()]);
+    sources_.replace(used, fresh);
+    return fresh;
 }
 
 std::int32_t Player::PlayStart(const std::wstring& file, std::int32_t deviceIndex, std::int32_t) {
@@ -132,9 +160,26 @@ std::int32_t Player::PlayStart(const std::wstring& file, std::int32_t deviceInde
         return PlayerError::alreadyPlaying;
     if (const std::int32_t result = OpenAudioFile(file); result != 0)
         return result;
-    return engine_.start(deviceIndex, pcmFormat(static_cast<DWORD>(Info_Samplerate()),
-                                                static_cast<WORD>(Info_Channels()),
-                                                static_cast<WORD>(Info_BitsPerSample())));
+    const std::wstring& named = settings_.options().device;
+    if (deviceIndex == -1 && !named.empty()) {
+        deviceIndex = deviceNamed(named);
+        if (deviceIndex == -1)
+            return MMSYSERR_BADDEVICEID;
+    }
+    return engine_.start(deviceIndex,
+                         std::make_shared<PlayedTrack>(file, source_, platform_.acm, observer_));
+}
+
+// -1 if there is no output device of that name now.
+std::int32_t Player::deviceNamed(const std::wstring& name) const {
+    const std::int32_t count = countAudioDevices(platform_.wave, AudioDirection::output);
+    for (std::int32_t i = 0; i < count; ++i) {
+        AudioDevice device;
+        if (describeAudioDevice(platform_.wave, i, AudioDirection::output, device) == 0 &&
+            device.name == name)
+            return i;
+    }
+    return -1;
 }
 
 std::int32_t Player::PlayStop() {
@@ -166,10 +211,16 @@ std::int32_t Player::GetID3Tags(const std::wstring& file) {
     return 0;
 }
 
+// A next file that has begun to be heard is the opened one from then on.
+cSoundSTRM* Player::currentSource() const noexcept {
+    return next_.heardSource() ? next_.heardSource() : source_.get();
+}
+
 cSoundInf& Player::openedFile() const {
-    if (!source_)
+    cSoundSTRM* const source = currentSource();
+    if (!source)
         throwObjectNotSet();
-    return source_->Info();
+    return source->Info();
 }
 
 std::int32_t Player::Info_Bitrate() const {
@@ -189,19 +240,64 @@ std::int32_t Player::Info_Samplerate() const {
 }
 
 std::int32_t Player::PositionGet() const {
-    return source_ ? roundToInt32(source_->Info().Position() / 1000.0) : 0;
+    cSoundSTRM* const source = currentSource();
+    return source ? roundToInt32(source->Info().Position() / 1000.0) : 0;
 }
 
 std::int32_t Player::PositionSet(std::int32_t seconds) {
     // What is queued on the device, and what the converter holds, plays out first. A converter that
     // has met the end of the source asks it for nothing more. A position out of range leaves the
     // place as it is and has the same result: hosts' sliders have always run over the end.
-    if (source_) {
+    if (cSoundSTRM* const source = currentSource()) {
         const NoErrorBoxes quiet;
         std::int32_t mode = SeekMode::seconds;
-        static_cast<void>(source_->SeekTo(seconds, mode));
+        static_cast<void>(source->SeekTo(seconds, mode));
     }
     return 0;
+}
+
+std::int32_t Player::PositionMs() {
+    const TrackQueue::Place place = engine_.heard();
+    if (!place.track)
+        return 0;
+    // What is heard behind the end, to the end of the last block, is no part of the file.
+    const std::int32_t duration = place.track->durationMs();
+    return duration > 0 ? std::min(place.milliseconds, duration) : place.milliseconds;
+}
+
+void Player::setPositionMs(std::int32_t milliseconds) {
+    requireRange(L"PositionMs", milliseconds, 0, DurationMs());
+    engine_.jump(milliseconds);
+}
+
+std::int32_t Player::DurationMs() {
+    if (const TrackQueue::Place place = engine_.heard(); place.track)
+        return place.track->durationMs();
+    if (!source_)
+        return 0;
+    const std::optional<std::int64_t> frames = countFrames(file_, *source_);
+    const std::int32_t rate = source_->Info().SampleRate();
+    return frames && rate > 0 ? static_cast<std::int32_t>(*frames * 1000 / rate)
+                              : source_->Info().Duration();
+}
+
+std::int32_t Player::Level(std::int32_t channel) {
+    requireRange(L"Channel", channel, 1, 2);
+    return roundToInt32(100 * engine_.level(channel - 1));
+}
+
+std::wstring Player::FormatName() const {
+    cSoundSTRM* const source = currentSource();
+    return source ? formatName(next_.heardSource() ? next_.heardFile() : file_, *source)
+                  : std::wstring();
+}
+
+std::wstring Player::Extensions() const {
+    std::vector<std::wstring> patterns;
+    for (const auto& source : platform_.makeSources())
+        for (const std::wstring& extension : source->Extensions())
+            patterns.push_back(L"*." + extension);
+    return join(patterns, L";");
 }
 
 std::wstring Player::GetSecondsAsTimeString(std::int32_t seconds) const {

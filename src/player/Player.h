@@ -16,7 +16,9 @@
 
 #include "platform/LoadedCodecs.h"
 #include "player/AudioDevices.h"
+#include "player/NextTrack.h"
 #include "player/PlaybackEngine.h"
+#include "player/PlaybackSettings.h"
 #include "player/PlayerEvents.h"
 #include "player/PlayerPlatform.h"
 #include "player/SourceList.h"
@@ -45,11 +47,11 @@ public:
     // always has: a file is still opened by the first that fits, so only memory is spent.
     std::int32_t Init(HWND window, ISubclass& client);
     std::int32_t DeInit();
-    // Closes the device at once and lets go of the window, without an event: for the control's end.
+    // Closes the device at once and lets go of the window, without DonePlay: for the control's end.
     void shutdown() noexcept;
     // For the control's ISubclass.WindowProc. Messages other than the device's are ignored.
     void handleMessage(UINT message) noexcept;
-    // The window that Init took is being destroyed: playback ends at once, without an event.
+    // The window that Init took is being destroyed: playback ends at once, without DonePlay.
     void windowDestroyed() noexcept;
 
     std::int32_t OpenAudioFile(const std::wstring& file);
@@ -65,6 +67,10 @@ public:
     [[nodiscard]] bool IsPlaying() const noexcept;
     // Address of the samples last sent to the device; 0 before the first playback.
     [[nodiscard]] std::int32_t AudioDataOut() const noexcept;
+    // For graphs that follow the player. False if nothing plays.
+    [[nodiscard]] bool latestSamples(SampleBlock& block) const {
+        return engine_.latestSamples(block);
+    }
 
     std::int32_t GetID3Tags(const std::wstring& file);
     // The seven texts behind the Tag_ properties, to read and to write.
@@ -80,6 +86,22 @@ public:
     [[nodiscard]] std::int32_t PositionGet() const; // seconds
     std::int32_t PositionSet(std::int32_t seconds);
 
+    // To change by its own functions; soundChanged and intervalChanged bring it to a playback.
+    [[nodiscard]] PlaybackSettings& settings() noexcept { return settings_; }
+    void soundChanged() { engine_.soundChanged(); }
+    void intervalChanged() noexcept { engine_.intervalChanged(); }
+    [[nodiscard]] std::wstring NextFile() const { return next_.file(); }
+    [[nodiscard]] PlayState State() const noexcept { return engine_.playState(); }
+    // Of what is heard; 0 when nothing plays. Setting raises error 380 outside of the duration.
+    [[nodiscard]] std::int32_t PositionMs();
+    void setPositionMs(std::int32_t milliseconds);
+    // Of what is heard, otherwise of the opened file; 0 without one.
+    [[nodiscard]] std::int32_t DurationMs();
+    // channel: 1 (left) or 2; 0 to 100.
+    [[nodiscard]] std::int32_t Level(std::int32_t channel);
+    [[nodiscard]] std::wstring FormatName() const; // empty without an opened file
+    [[nodiscard]] std::wstring Extensions() const; // "*.wav;*.mp3" and so on
+
     [[nodiscard]] std::wstring GetSecondsAsTimeString(std::int32_t seconds) const;
     [[nodiscard]] std::wstring ErrorTextOut(std::int32_t number) const;
 
@@ -89,11 +111,19 @@ public:
 
 private:
     [[nodiscard]] cSoundInf& openedFile() const;
+    [[nodiscard]] cSoundSTRM* currentSource() const noexcept;
+    void closeCurrentSource();
+    [[nodiscard]] SourceList::Source freshSource(const SourceList::Source& used);
+    [[nodiscard]] std::int32_t deviceNamed(const std::wstring& name) const;
 
     PlayerEvents& events_;
+    cCallback* const observer_;
     const PlayerPlatform platform_;
     SourceList sources_;
-    cSoundSTRM* source_ = nullptr; // the current one, owned by sources_
+    SourceList::Source source_; // the current one
+    std::wstring file_;         // that it has opened
+    PlaybackSettings settings_;
+    NextTrack next_;
     TagTexts tags_;
     std::optional<LoadedCodecs> codecs_; // from Init to DeInit: a start need not load them
     PlaybackEngine engine_;

@@ -1,7 +1,5 @@
 #include "player/WaveMessages.h"
 
-#include <mmsystem.h>
-
 namespace corvina {
 
 BOOL WaveMessages::postReturned(std::size_t buffers, LPARAM header) noexcept {
@@ -16,8 +14,8 @@ void WaveMessages::discardReturned() noexcept {
         ;
 }
 
-bool WaveMessages::discardClose() noexcept {
-    return discard(MM_WOM_CLOSE);
+void WaveMessages::postClose() noexcept {
+    windows_.postMessage(window_, MM_WOM_CLOSE, 0, 0);
 }
 
 bool WaveMessages::discard(UINT message) noexcept {

@@ -9,6 +9,8 @@
 
 #include <cstddef>
 
+#include <mmsystem.h>
+
 namespace corvina {
 
 class WaveMessages {
@@ -23,9 +25,13 @@ public:
     // that is not accepted; what the last post returned.
     [[nodiscard]] BOOL postReturned(std::size_t buffers, LPARAM header) noexcept;
 
+    // As if the device had reported that it is closed.
+    void postClose() noexcept;
+
     void discardReturned() noexcept;
     // Whether there was one.
-    bool discardClose() noexcept;
+    bool discardOneReturned() noexcept { return discard(MM_WOM_DONE); }
+    bool discardClose() noexcept { return discard(MM_WOM_CLOSE); }
 
 private:
     [[nodiscard]] bool discard(UINT message) noexcept;

@@ -3,24 +3,39 @@
 // The buffers of one playback, which go round between the engine and the wave device.
 //
 // The device knows headers and samples by their addresses: a ring stays where it is, and is kept
-// until its device is closed.
+// until its device is closed. Frames are those of the device since its last reset.
 
 #include "platform/WaveApi.h"
+#include "player/SampleChain.h"
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
+#include <span>
+#include <utility>
 #include <vector>
 
 namespace corvina {
 
-// The device's header of a buffer, and the samples that it points to.
+// The device's header of a buffer, the samples that it points to, and how they came about.
 struct WaveBuffer {
     WAVEHDR header{};
     std::vector<std::int16_t> data;
     // The same as header.lpData. Nothing reads it; the record has always had this field, and tools
     // that look at a host's memory know its layout.
     std::int32_t dataAddress = 0;
+
+    std::int64_t firstFrame = 0;
+    // The samples before the chain changed them; empty if it left them alone.
+    std::vector<std::int16_t> unchanged;
+    // The chain before this buffer, and what it was set to within it, by byte.
+    std::optional<SampleChain> chain;
+    std::vector<std::pair<std::size_t, SoundSettings>> changes;
+
+    [[nodiscard]] std::span<std::uint8_t> bytes() noexcept {
+        return {reinterpret_cast<std::uint8_t*>(data.data()), data.size() * sizeof(std::int16_t)};
+    }
 };
 
 class WaveRing {
@@ -29,7 +44,7 @@ public:
     static constexpr std::int32_t bufferBytes = 8000;
 
     // All buffers hold silence.
-    WaveRing();
+    WaveRing(const PlayedFormat& format, const SoundSettings& settings);
     WaveRing(const WaveRing&) = delete;
     WaveRing& operator=(const WaveRing&) = delete;
 
@@ -44,9 +59,28 @@ public:
     // A ninth record, which is never given samples, prepared or queued.
     [[nodiscard]] WaveBuffer& spare() noexcept { return buffers_[playedBuffers]; }
 
+    // The buffer holds the next frames of the stream: changes them by the settings.
+    void applySettings(WaveBuffer& buffer);
+    // What was filled so far will not be heard: the next frame is 0.
+    void restart() noexcept { filledFrames_ = 0; }
+    [[nodiscard]] std::int64_t filledFrames() const noexcept { return filledFrames_; }
+    // Changes what is still to be heard, from that frame on, in the buffers that the device has.
+    void setSettings(const SoundSettings& settings, std::int64_t fromFrame);
+
+    // A buffer is with the device, which has not finished it.
+    [[nodiscard]] bool anyQueued() const noexcept;
+    // The largest sample of a channel in so many frames from that one on, in parts of full scale.
+    [[nodiscard]] double peak(std::int32_t channel, std::int64_t fromFrame,
+                              std::int64_t frames) const noexcept;
+
 private:
+    void renderAgain(WaveBuffer& buffer, std::size_t fromByte);
+
+    PlayedFormat format_;
+    SampleChain chain_; // behind the buffer filled last
     std::array<WaveBuffer, playedBuffers + 1> buffers_;
     std::size_t current_ = playedBuffers - 1;
+    std::int64_t filledFrames_ = 0;
 };
 
 } // namespace corvina

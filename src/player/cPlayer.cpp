@@ -8,8 +8,6 @@
 namespace corvina {
 namespace {
 
-enum Event : DISPID { donePlayEvent = 1, errEvent = 2 };
-
 VARIANT_BOOL boolean(bool value) {
     return value ? VARIANT_TRUE : VARIANT_FALSE;
 }
@@ -24,16 +22,23 @@ constinit const ControlClass playerClass{.clsid = CLSID_cPlayer,
                                          .description = L"Corvina audio player",
                                          .naturalPixels = {512, 512},
                                          .fixedUnits = {512, 512},
-                                         .hasPicture = false};
+                                         .visibleAtRunTime = false};
 
-cPlayer::cPlayer() : Control(playerClass), player_(*this, this) {
+cPlayer::cPlayer(IUnknown* outer)
+    : Control(playerClass, outer), player_(*this, this), followed_(object(), *this) {
     // A host creates the player first, so the player prepares the table of the graph's spectrum.
     fillBitReversalTable();
 }
 
 cPlayer::~cPlayer() {
+    followed_.disconnect();
     ole().disconnect();
     player_.shutdown();
+}
+
+void* cPlayer::findInterface(REFIID iid) noexcept {
+    void* found = Control::findInterface(iid);
+    return found ? found : followed_.find(iid);
 }
 
 HRESULT cPlayer::getTag(TagText tag, BSTR* result) noexcept {
@@ -217,20 +222,6 @@ HRESULT cPlayer::WindowProc(long, long iMsg, long, long, long* result) {
 // The player is its converter's observer only because the converter asks for one.
 HRESULT cPlayer::Samples(SAFEARRAY**, long, short) {
     return S_OK;
-}
-
-void cPlayer::Err(const std::wstring& functionName, std::int32_t number,
-                  const std::wstring& description) noexcept {
-    try {
-        ole().events().fire(errEvent,
-                            {functionName, EventSource::ByReference{number}, description});
-    } catch (const std::bad_alloc&) {
-        // Without memory for its arguments the event is lost.
-    }
-}
-
-void cPlayer::DonePlay() noexcept {
-    ole().events().fire(donePlayEvent, {});
 }
 
 void cPlayer::draw(HDC dc, const RECT& bounds) {

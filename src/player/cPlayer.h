@@ -6,6 +6,7 @@
 #include "control/Control.h"
 #include "player/Player.h"
 #include "player/PlayerEvents.h"
+#include "stream/SampleFeed.h"
 
 #include "Corvina.h"
 
@@ -13,9 +14,11 @@ namespace corvina {
 
 extern const ControlClass playerClass;
 
-class cPlayer final : public Control<_cPlayer, ISubclass, cCallback>, private PlayerEvents {
+class cPlayer final : public Control<_cPlayer, ISubclass, cCallback>,
+                      private PlayerEvents,
+                      private SampleProvider {
 public:
-    cPlayer();
+    explicit cPlayer(IUnknown* outer = nullptr);
     ~cPlayer() override;
 
     // _cPlayer
@@ -60,6 +63,33 @@ public:
                                                AudioDeviceDetails* DeviceDetails,
                                                long* result) override;
     HRESULT STDMETHODCALLTYPE NumOfAudioDevices(long iInOut, long* result) override;
+    HRESULT STDMETHODCALLTYPE get_Volume(long* result) override;
+    HRESULT STDMETHODCALLTYPE put_Volume(long value) override;
+    HRESULT STDMETHODCALLTYPE get_Mute(VARIANT_BOOL* result) override;
+    HRESULT STDMETHODCALLTYPE put_Mute(VARIANT_BOOL value) override;
+    HRESULT STDMETHODCALLTYPE get_Balance(long* result) override;
+    HRESULT STDMETHODCALLTYPE put_Balance(long value) override;
+    HRESULT STDMETHODCALLTYPE get_EqualizerGain(long Band, float* result) override;
+    HRESULT STDMETHODCALLTYPE put_EqualizerGain(long Band, float value) override;
+    HRESULT STDMETHODCALLTYPE get_Looping(VARIANT_BOOL* result) override;
+    HRESULT STDMETHODCALLTYPE put_Looping(VARIANT_BOOL value) override;
+    HRESULT STDMETHODCALLTYPE get_NextFile(BSTR* result) override;
+    HRESULT STDMETHODCALLTYPE put_NextFile(BSTR value) override;
+    HRESULT STDMETHODCALLTYPE get_PositionMs(long* result) override;
+    HRESULT STDMETHODCALLTYPE put_PositionMs(long value) override;
+    HRESULT STDMETHODCALLTYPE get_DurationMs(long* result) override;
+    HRESULT STDMETHODCALLTYPE get_State(PlayState* result) override;
+    HRESULT STDMETHODCALLTYPE get_PositionInterval(long* result) override;
+    HRESULT STDMETHODCALLTYPE put_PositionInterval(long value) override;
+    HRESULT STDMETHODCALLTYPE get_Device(BSTR* result) override;
+    HRESULT STDMETHODCALLTYPE put_Device(BSTR value) override;
+    HRESULT STDMETHODCALLTYPE get_Recover(VARIANT_BOOL* result) override;
+    HRESULT STDMETHODCALLTYPE put_Recover(VARIANT_BOOL value) override;
+    HRESULT STDMETHODCALLTYPE get_CleanEnd(VARIANT_BOOL* result) override;
+    HRESULT STDMETHODCALLTYPE put_CleanEnd(VARIANT_BOOL value) override;
+    HRESULT STDMETHODCALLTYPE get_Level(long Channel, long* result) override;
+    HRESULT STDMETHODCALLTYPE get_FormatName(BSTR* result) override;
+    HRESULT STDMETHODCALLTYPE get_Extensions(BSTR* result) override;
 
     // ISubclass
     HRESULT STDMETHODCALLTYPE get_MsgResponse(EMsgResponse* result) override;
@@ -75,17 +105,30 @@ private:
     using TagText = std::wstring TagTexts::*;
     HRESULT getTag(TagText tag, BSTR* result) noexcept;
     HRESULT putTag(TagText tag, BSTR value) noexcept;
+    void fireNumber(DISPID event, std::int32_t number) noexcept;
 
     // PlayerEvents
     void Err(const std::wstring& functionName, std::int32_t number,
              const std::wstring& description) noexcept override;
     void DonePlay() noexcept override;
+    void Ended(PlayEndReason reason) noexcept override;
+    void StateChanged(PlayState state) noexcept override;
+    void PositionChanged(std::int32_t milliseconds) noexcept override;
+    void NextStarted(const std::wstring& file) noexcept override;
+    void hold() noexcept override;
+    void letGo() noexcept override;
+
+    // SampleProvider
+    bool latestSamples(SampleBlock& block) override { return player_.latestSamples(block); }
+
+    void* findInterface(REFIID iid) noexcept override;
 
     // ControlHooks
     void draw(HDC dc, const RECT& bounds) override;
     void windowLost() override;
 
     Player player_;
+    FollowedPlayerPart followed_;
 };
 
 } // namespace corvina

@@ -71,11 +71,11 @@ bool MediaFormat::takeOver(const BYTE* block, std::size_t blockBytes) {
     return true;
 }
 
-bool selectPcmOutput(IWMSyncReader& reader, MediaFormat& format) {
+std::optional<MediaOutput> selectPcmOutput(IWMSyncReader& reader, MediaFormat& format) {
     DWORD outputs = 0;
     if (reader.GetOutputCount(&outputs) != S_OK) {
         reader.Close();
-        return false;
+        return std::nullopt;
     }
     for (DWORD i = 0; i < std::min(outputs, mostOutputs); ++i) {
         DWORD formats = 0;
@@ -91,11 +91,25 @@ bool selectPcmOutput(IWMSyncReader& reader, MediaFormat& format) {
                 continue;
             if (acceptProps(*props.get(), format)) {
                 reader.SetOutputProps(i, props.get());
-                return true;
+                return MediaOutput{j, outputs};
             }
         }
     }
-    return false;
+    return std::nullopt;
+}
+
+void playOnly(IWMSyncReader& reader, const MediaOutput& output) {
+    if (output.number >= output.outputs)
+        return;
+    std::vector<WORD> others;
+    for (DWORD number = 0; number < std::min(output.outputs, mostOutputs); ++number) {
+        WORD stream = 0;
+        if (number != output.number && reader.GetStreamNumberForOutput(number, &stream) == S_OK)
+            others.push_back(stream);
+    }
+    std::vector<WMT_STREAM_SELECTION> off(others.size(), WMT_OFF);
+    if (!others.empty())
+        reader.SetStreamsSelected(static_cast<WORD>(others.size()), others.data(), off.data());
 }
 
 } // namespace corvina

@@ -4,6 +4,7 @@
 // bytes behind it. All zero until a format is taken over.
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 #include <windows.h>
 
@@ -26,9 +27,18 @@ private:
     std::vector<std::uint8_t> bytes_ = std::vector<std::uint8_t>(sizeof(WAVEFORMATEX));
 };
 
-// Lets the reader deliver its first output format that is uncompressed 16-bit PCM audio. False
-// if it has none. The format of PCM of another width stays in format until a later one replaces
-// it.
-[[nodiscard]] bool selectPcmOutput(IWMSyncReader& reader, MediaFormat& format);
+struct MediaOutput {
+    DWORD number = 0;
+    DWORD outputs = 0; // that the file has
+};
+
+// Lets the reader deliver its first output format that is uncompressed 16-bit PCM audio. Empty if
+// it has none. The format of PCM of another width stays in format until a later one replaces it.
+[[nodiscard]] std::optional<MediaOutput> selectPcmOutput(IWMSyncReader& reader,
+                                                         MediaFormat& format);
+
+// Switches off the streams of all other outputs: pictures, and sound in other languages. A file
+// with one output is left alone.
+void playOnly(IWMSyncReader& reader, const MediaOutput& output);
 
 } // namespace corvina

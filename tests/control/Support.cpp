@@ -83,7 +83,7 @@ HRESULT callByName(IDispatch* object, const wchar_t* name, WORD flags,
     std::vector<VARIANT> lastFirst(arguments.rbegin(), arguments.rend());
     DISPID put = DISPID_PROPERTYPUT;
     DISPPARAMS parameters{lastFirst.data(), nullptr, static_cast<UINT>(lastFirst.size()), 0};
-    if (flags & DISPATCH_PROPERTYPUT) {
+    if (flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) {
         parameters.rgdispidNamedArgs = &put;
         parameters.cNamedArgs = 1;
     }

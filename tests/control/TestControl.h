@@ -28,10 +28,17 @@ inline const ControlClass testControlClass{.clsid = CLSID_cAudioGraph,
                                            .naturalPixels = {200, 100},
                                            .properties = testControlProperties};
 
-// The same without a picture, as the player is.
-inline const ControlClass classWithoutPicture = [] {
+// The same as a component, which nobody sees at run time.
+inline const ControlClass invisibleClass = [] {
     ControlClass result = testControlClass;
-    result.hasPicture = false;
+    result.visibleAtRunTime = false;
+    return result;
+}();
+
+// The same with a fixed size.
+inline const ControlClass fixedSizeClass = [] {
+    ControlClass result = testControlClass;
+    result.fixedUnits = {100, 50};
     return result;
 }();
 

@@ -26,9 +26,9 @@ inline std::wstring helpOf(ITypeInfo* info, MEMBERID member = MEMBERID_NIL) {
 
 inline std::wstring typeText(ITypeInfo* info, const TYPEDESC& type) {
     static const std::map<VARTYPE, std::wstring> names{
-        {VT_I2, L"short"},        {VT_I4, L"long"},   {VT_R4, L"float"},
-        {VT_R8, L"double"},       {VT_BSTR, L"BSTR"}, {VT_BOOL, L"bool"},
-        {VT_HRESULT, L"HRESULT"}, {VT_VOID, L"void"}, {VT_UI4, L"ulong"}};
+        {VT_I2, L"short"},  {VT_I4, L"long"},        {VT_R4, L"float"},        {VT_R8, L"double"},
+        {VT_BSTR, L"BSTR"}, {VT_BOOL, L"bool"},      {VT_HRESULT, L"HRESULT"}, {VT_VOID, L"void"},
+        {VT_UI4, L"ulong"}, {VT_DISPATCH, L"object"}};
     if (type.vt == VT_PTR)
         return typeText(info, *type.lptdesc) + L"*";
     if (type.vt == VT_SAFEARRAY)
@@ -48,9 +48,10 @@ inline std::wstring functionLine(ITypeInfo* info, const FUNCDESC& function) {
     UINT count = 0;
     info->GetNames(function.memid, names, 16, &count);
     std::wstring line = std::to_wstring(function.memid);
-    line += function.invkind == INVOKE_PROPERTYGET   ? L" get "
-            : function.invkind == INVOKE_PROPERTYPUT ? L" put "
-                                                     : L" ";
+    line += function.invkind == INVOKE_PROPERTYGET      ? L" get "
+            : function.invkind == INVOKE_PROPERTYPUT    ? L" put "
+            : function.invkind == INVOKE_PROPERTYPUTREF ? L" putref "
+                                                        : L" ";
     line += textOf(names[0]) + L"(";
     for (int i = 0; i < function.cParams; ++i) {
         const ELEMDESC& parameter = function.lprgelemdescParam[i];
@@ -62,7 +63,8 @@ inline std::wstring functionLine(ITypeInfo* info, const FUNCDESC& function) {
         else
             line += std::wstring((flags & PARAMFLAG_FOUT) ? L"inout " : L"") +
                     typeText(info, parameter.tdesc) +
-                    (nameIndex < count && function.invkind != INVOKE_PROPERTYPUT
+                    (nameIndex < count &&
+                             !(function.invkind & (INVOKE_PROPERTYPUT | INVOKE_PROPERTYPUTREF))
                          ? L" " + textOf(names[nameIndex])
                          : L"");
     }

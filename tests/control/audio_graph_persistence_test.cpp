@@ -20,6 +20,11 @@ void changeEverything(_cAudioGraph& graph) {
     graph.put_AmplitudeColor(red);
     graph.put_FreqColor(blue);
     graph.put_BorderStyle(StyleFixed);
+    graph.put_FramesPerSecond(12);
+    graph.put_LevelScale(DECIBEL_SCALE);
+    graph.put_FrequencyAxis(OCTAVE_AXIS);
+    graph.put_PeakHold(VARIANT_TRUE);
+    graph.put_ChannelWaveforms(VARIANT_TRUE);
 }
 
 // The same as a property bag holds it.
@@ -31,7 +36,12 @@ const std::pair<const wchar_t*, long> everythingChanged[] = {
     {L"BackgroundColor", static_cast<long>(0x80000005)},
     {L"AmplitudeColor", static_cast<long>(red)},
     {L"FreqColor", static_cast<long>(blue)},
-    {L"BorderStyle", StyleFixed}};
+    {L"BorderStyle", StyleFixed},
+    {L"FramesPerSecond", 12},
+    {L"LevelScale", DECIBEL_SCALE},
+    {L"FrequencyAxis", OCTAVE_AXIS},
+    {L"PeakHold", VARIANT_TRUE},
+    {L"ChannelWaveforms", VARIANT_TRUE}};
 
 void expectEverythingChanged(_cAudioGraph& graph) {
     AudioGraphStyle style{};
@@ -54,6 +64,20 @@ void expectEverythingChanged(_cAudioGraph& graph) {
     EXPECT_EQ(red, amplitude);
     EXPECT_EQ(blue, frequency);
     EXPECT_EQ(StyleFixed, border);
+    long frames = 0;
+    AudioGraphLevelScale scale{};
+    AudioGraphFrequencyAxis axis{};
+    VARIANT_BOOL peaks = VARIANT_FALSE, channels = VARIANT_FALSE;
+    graph.get_FramesPerSecond(&frames);
+    graph.get_LevelScale(&scale);
+    graph.get_FrequencyAxis(&axis);
+    graph.get_PeakHold(&peaks);
+    graph.get_ChannelWaveforms(&channels);
+    EXPECT_EQ(12, frames);
+    EXPECT_EQ(DECIBEL_SCALE, scale);
+    EXPECT_EQ(OCTAVE_AXIS, axis);
+    EXPECT_EQ(VARIANT_TRUE, peaks);
+    EXPECT_EQ(VARIANT_TRUE, channels);
 }
 
 TEST_F(GraphControl, a_property_bag_gets_every_value_under_its_name) {
@@ -89,7 +113,7 @@ TEST_F(GraphControl, listeners_are_notified_of_each_property_change_by_its_numbe
         ASSERT_EQ(S_OK, graph->GetIDsOfNames(IID_NULL, &text, 1, LOCALE_USER_DEFAULT,
                                              &numbers.emplace_back()));
     }
-    EXPECT_EQ((std::vector<DISPID>{1, 2, 3, 4, 5, 6, 7, 8}), numbers);
+    EXPECT_EQ((std::vector<DISPID>{1, 2, 3, 4, 5, 6, 7, 8, 16, 17, 18, 19, 20}), numbers);
     EXPECT_EQ(numbers, sink.received);
 }
 
@@ -157,6 +181,58 @@ TEST_F(GraphControl, a_stream_keeps_everything) {
     const auto other = create<_cAudioGraph>(CLSID_cAudioGraph);
     ASSERT_EQ(S_OK, other.query<IPersistStreamInit>()->Load(stream.get()));
     expectEverythingChanged(*other.get());
+}
+
+// The eight values of the first version: signature, extent, number of values, the values.
+TEST_F(GraphControl, a_stream_without_the_newer_values_brings_their_defaults) {
+    const std::int32_t saved[] = {1000, 500,      8,        AMPLITUDE_STYLE, 20,        4,
+                                  7,    0x112233, 0x445566, 0x778899,        StyleFixed};
+    const auto stream = memoryStream();
+    stream->Write("Crv1", 4, nullptr);
+    stream->Write(saved, sizeof saved, nullptr);
+    rewind(stream);
+    changeEverything(*graph.get());
+    ASSERT_EQ(S_OK, as<IPersistStreamInit>()->Load(stream.get()));
+    BorderStyle border{};
+    long frames = 0;
+    AudioGraphLevelScale scale = DECIBEL_SCALE;
+    AudioGraphFrequencyAxis axis = OCTAVE_AXIS;
+    VARIANT_BOOL peaks = VARIANT_TRUE, channels = VARIANT_TRUE;
+    graph->get_BorderStyle(&border);
+    graph->get_FramesPerSecond(&frames);
+    graph->get_LevelScale(&scale);
+    graph->get_FrequencyAxis(&axis);
+    graph->get_PeakHold(&peaks);
+    graph->get_ChannelWaveforms(&channels);
+    EXPECT_EQ(StyleFixed, border);
+    EXPECT_EQ(30, frames);
+    EXPECT_EQ(LINEAR_SCALE, scale);
+    EXPECT_EQ(BAND_AXIS, axis);
+    EXPECT_EQ(VARIANT_FALSE, peaks);
+    EXPECT_EQ(VARIANT_FALSE, channels);
+}
+
+TEST_F(GraphControl, newer_values_out_of_range_are_replaced_by_the_defaults) {
+    for (const long frames : {0L, 101L, -1L}) {
+        MemoryPropertyBag bag;
+        bag.put(L"FramesPerSecond", Variant(frames));
+        bag.put(L"LevelScale", Variant(2L));
+        bag.put(L"FrequencyAxis", Variant(-1L));
+        bag.put(L"PeakHold", Variant(2L));
+        bag.put(L"ChannelWaveforms", Variant(1L)); // as people write it
+        ASSERT_EQ(S_OK, as<IPersistPropertyBag>()->Load(&bag, nullptr));
+        long loaded = 0;
+        AudioGraphLevelScale scale = DECIBEL_SCALE;
+        VARIANT_BOOL peaks = VARIANT_TRUE, channels = VARIANT_FALSE;
+        graph->get_FramesPerSecond(&loaded);
+        graph->get_LevelScale(&scale);
+        graph->get_PeakHold(&peaks);
+        graph->get_ChannelWaveforms(&channels);
+        EXPECT_EQ(30, loaded);
+        EXPECT_EQ(LINEAR_SCALE, scale);
+        EXPECT_EQ(VARIANT_FALSE, peaks);
+        EXPECT_EQ(VARIANT_TRUE, channels);
+    }
 }
 
 TEST_F(GraphControl, a_storage_keeps_everything) {

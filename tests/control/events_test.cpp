@@ -303,7 +303,7 @@ TEST_F(Events, the_control_may_be_released_while_it_is_activated_quickly) {
     filled.cbSize = sizeof filled;
     IQuickActivate* const raw = as<IQuickActivate>().get();
     EXPECT_EQ(S_OK, raw->QuickActivate(&host, &filled));
-    EXPECT_EQ(controlMiscStatus, filled.dwMiscStatus);
+    EXPECT_EQ(miscStatus(testControlClass), filled.dwMiscStatus);
     EXPECT_EQ(0, TestControl::alive);
 }
 
@@ -318,7 +318,7 @@ TEST_F(Events, quick_activation_connects_everything_at_once) {
     filled.cbSize = sizeof filled;
     const auto quick = ComPtr<IUnknown>(unknown()).query<IQuickActivate>();
     ASSERT_EQ(S_OK, quick->QuickActivate(&host, &filled));
-    EXPECT_EQ(controlMiscStatus, filled.dwMiscStatus);
+    EXPECT_EQ(miscStatus(testControlClass), filled.dwMiscStatus);
     EXPECT_NE(0u, filled.dwEventCookie);
     fire(3);
     control->base().setProperty(TestControl::level, 1);

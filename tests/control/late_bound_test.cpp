@@ -195,6 +195,62 @@ TEST_F(DeviceRecord, may_be_given_without_a_reference) {
     EXPECT_EQ(L"0", textOf(details.DeviceDriver));
 }
 
+class NamedArguments : public DeviceRecord {
+protected:
+    // The members of GetDetailsDevice as a script names them, in the order that it writes them.
+    HRESULT describeByName(std::vector<const wchar_t*> names, std::vector<Variant> positional) {
+        std::vector<const wchar_t*> asked{L"GetDetailsDevice"};
+        asked.insert(asked.end(), names.begin(), names.end());
+        std::vector<DISPID> ids(asked.size());
+        if (const HRESULT found = player->GetIDsOfNames(
+                IID_NULL, const_cast<wchar_t**>(asked.data()), static_cast<UINT>(asked.size()),
+                LOCALE_USER_DEFAULT, ids.data());
+            FAILED(found))
+            return found;
+        std::vector<VARIANT> values;
+        for (const wchar_t* name : names)
+            values.push_back(valueOf(name));
+        values.insert(values.end(), positional.rbegin(), positional.rend());
+        DISPPARAMS parameters{values.data(), ids.data() + 1, static_cast<UINT>(values.size()),
+                              static_cast<UINT>(names.size())};
+        ::VariantClear(&result);
+        return player->Invoke(ids[0], IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &parameters,
+                              &result, &exception, nullptr);
+    }
+
+private:
+    VARIANT valueOf(const std::wstring& name) {
+        VARIANT value{};
+        if (name == L"DeviceDetails") {
+            V_VT(&value) = VT_RECORD | VT_BYREF;
+            V_RECORD(&value) = &details;
+            V_RECORDINFO(&value) = info.get();
+        } else {
+            V_VT(&value) = VT_I4;
+            V_I4(&value) = name == L"DeviceIndex" ? 9999 : 2;
+        }
+        return value;
+    }
+};
+
+TEST_F(NamedArguments, may_come_in_any_order) {
+    EXPECT_EQ(S_OK, describeByName({L"DeviceDetails", L"DeviceIndex", L"iInOut"}, {}));
+    EXPECT_EQ(badDeviceId, V_I4(&result));
+    EXPECT_EQ(L"0", textOf(details.DeviceDriver));
+}
+
+TEST_F(NamedArguments, may_follow_positional_ones) {
+    EXPECT_EQ(S_OK, describeByName({L"DeviceDetails", L"iInOut"}, {Variant(9999)}));
+    EXPECT_EQ(badDeviceId, V_I4(&result));
+}
+
+TEST_F(NamedArguments, given_twice_or_missing_are_refused) {
+    EXPECT_TRUE(FAILED(describeByName({L"DeviceDetails", L"DeviceIndex"}, {Variant(1)})));
+    EXPECT_TRUE(FAILED(describeByName({L"DeviceDetails"}, {Variant(1)})));
+    EXPECT_TRUE(FAILED(describeByName({L"DeviceDetails"}, {Variant(1), Variant(2), Variant(3)})));
+    EXPECT_EQ(nullptr, details.DeviceDriver);
+}
+
 TEST_F(DeviceRecord, frees_the_texts_it_held_before) {
     details.DeviceName = ::SysAllocString(L"old");
     EXPECT_EQ(S_OK, describe(9999, 2));

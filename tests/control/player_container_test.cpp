@@ -37,10 +37,10 @@ TEST_F(PlayerControl, forces_its_width_and_height_to_512_each) {
     }
 }
 
-TEST_F(PlayerControl, refuses_any_other_extent_silently) {
+TEST_F(PlayerControl, refuses_any_other_extent) {
     SIZEL size{1000, 1000}, got{};
     const auto object = player.query<IOleObject>();
-    EXPECT_EQ(S_OK, object->SetExtent(DVASPECT_CONTENT, &size));
+    EXPECT_EQ(E_FAIL, object->SetExtent(DVASPECT_CONTENT, &size));
     EXPECT_EQ(S_OK, object->GetExtent(DVASPECT_CONTENT, &got));
     const ScreenContext screen(::GetDC(nullptr));
     EXPECT_EQ(::MulDiv(512, 2540, ::GetDeviceCaps(screen.get(), LOGPIXELSX)), got.cx);

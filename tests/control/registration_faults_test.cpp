@@ -44,6 +44,19 @@ public:
         create(key, REG_OPTION_VOLATILE);
     }
 
+    void remove(const std::wstring& key) const { ::RegDeleteTreeW(root_.get(), key.c_str()); }
+    void write(const std::wstring& key, const std::wstring& text) const {
+        ASSERT_EQ(ERROR_SUCCESS,
+                  ::RegSetKeyValueW(root_.get(), key.c_str(), nullptr, REG_SZ, text.c_str(),
+                                    static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t))));
+    }
+    [[nodiscard]] std::wstring read(const std::wstring& key) const {
+        wchar_t text[MAX_PATH]{};
+        DWORD bytes = sizeof text;
+        ::RegGetValueW(root_.get(), key.c_str(), nullptr, RRF_RT_REG_SZ, nullptr, text, &bytes);
+        return text;
+    }
+
     // Every key below Software\Classes.
     [[nodiscard]] std::set<std::wstring> keys() const {
         std::set<std::wstring> found;
@@ -112,6 +125,21 @@ TEST_F(FailingRegistration, leaves_nothing_of_itself_wherever_it_fails) {
             EXPECT_TRUE(parent == key || parent.starts_with(key + L"\\") || isShared(key))
                 << ::testing::PrintToString(key);
     }
+}
+
+TEST_F(FailingRegistration, leaves_the_registration_before_as_it_was) {
+    const std::wstring graph = classes + L"\\CLSID\\{1BF4D8EB-FE35-495D-86F8-9A0675E9538C}";
+    const std::wstring server =
+        classes + L"\\CLSID\\{38604A89-7915-4ACE-91A0-1EB6D82D92B3}\\InprocServer32";
+    const UserRegistry registry;
+    ASSERT_EQ(S_OK, install(TRUE, L"user"));
+    registry.write(server, L"C:\\elsewhere\\Corvina.ocx");
+    registry.remove(graph + L"\\MiscStatus");
+    registry.close(graph + L"\\MiscStatus");
+    const auto before = registry.keys();
+    EXPECT_TRUE(FAILED(install(TRUE, L"user")));
+    EXPECT_EQ(before, registry.keys());
+    EXPECT_EQ(L"C:\\elsewhere\\Corvina.ocx", registry.read(server));
 }
 
 TEST_F(FailingRegistration, can_be_repeated_with_success) {

@@ -18,8 +18,21 @@ const std::wstring libraryId = L"{571663B9-3AB5-4B9A-900E-7BA18431BC3F}";
 struct RegisteredControl {
     std::wstring key;
     int bitmap;
+    DWORD status; // of OLEMISC
 };
-const RegisteredControl controls[] = {{player, 101}, {graph, 102}};
+constexpr DWORD statusOfGraph = OLEMISC_RECOMPOSEONRESIZE | OLEMISC_CANTLINKINSIDE |
+                                OLEMISC_INSIDEOUT | OLEMISC_ACTIVATEWHENVISIBLE |
+                                OLEMISC_SETCLIENTSITEFIRST;
+constexpr DWORD statusOfPlayer = statusOfGraph | OLEMISC_INVISIBLEATRUNTIME | OLEMISC_NOUIACTIVATE;
+const RegisteredControl controls[] = {{.key = player, .bitmap = 101, .status = statusOfPlayer},
+                                      {.key = graph, .bitmap = 102, .status = statusOfGraph}};
+
+// What an object says about its class.
+DWORD statusOf(REFCLSID clsid) {
+    DWORD status = 0;
+    EXPECT_EQ(S_OK, create<IOleObject>(clsid)->GetMiscStatus(DVASPECT_CONTENT, &status));
+    return status;
+}
 
 // A text below Software\Classes of the machine or the user; "<none>" if there is no such key.
 std::wstring read(const std::wstring& key, const wchar_t* name = nullptr,
@@ -50,6 +63,13 @@ std::set<std::wstring> keysBelow(const std::wstring& parent) {
          ++i, length = 256)
         result.insert(name);
     return result;
+}
+
+// What the registry or an activation context says about a class.
+DWORD registeredStatus(REFCLSID clsid) {
+    DWORD status = 0;
+    EXPECT_EQ(S_OK, ::OleRegGetMiscStatus(clsid, DVASPECT_CONTENT, &status));
+    return status;
 }
 
 // The library is registered before and after each test.
@@ -87,16 +107,23 @@ TEST_F(Registration, the_class_names_its_type_library_and_version) {
 }
 
 TEST_F(Registration, a_control_is_marked_as_a_control) {
-    for (const auto& [key, bitmap] : controls) {
+    for (const auto& [key, bitmap, status] : controls) {
         SCOPED_TRACE(bitmap);
         EXPECT_TRUE(exists(key + L"\\Control"));
         EXPECT_TRUE(exists(key + L"\\Programmable"));
         EXPECT_TRUE(
             exists(key + L"\\Implemented Categories\\{40FC6ED4-2438-11CF-A3DB-080036F12502}"));
-        EXPECT_EQ(L"131473", read(key + L"\\MiscStatus\\1"));
+        EXPECT_EQ(std::to_wstring(status), read(key + L"\\MiscStatus\\1"));
         EXPECT_EQ(libraryPath() + L", " + std::to_wstring(bitmap),
                   read(key + L"\\ToolboxBitmap32"));
     }
+}
+
+TEST_F(Registration, the_controls_say_the_same_about_themselves) {
+    ::CoInitialize(nullptr);
+    EXPECT_EQ(statusOfPlayer, statusOf(CLSID_cPlayer));
+    EXPECT_EQ(statusOfGraph, statusOf(CLSID_cAudioGraph));
+    ::CoUninitialize();
 }
 
 TEST_F(Registration, the_subclassing_front_is_no_control) {
@@ -109,7 +136,7 @@ TEST_F(Registration, the_toolbox_bitmap_can_be_loaded) {
     const HMODULE library =
         ::LoadLibraryExW(libraryPath().c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
     ASSERT_NE(nullptr, library);
-    for (const auto& [key, number] : controls) {
+    for (const auto& [key, number, status] : controls) {
         SCOPED_TRACE(number);
         const HBITMAP bitmap = ::LoadBitmapW(library, MAKEINTRESOURCEW(number));
         BITMAP description{};
@@ -198,6 +225,8 @@ TEST_F(Registration, the_example_manifest_takes_the_place_of_the_registration) {
         EXPECT_EQ(S_OK, ::CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IUnknown,
                                            object.putVoid()));
     }
+    EXPECT_EQ(statusOfPlayer, registeredStatus(CLSID_cPlayer));
+    EXPECT_EQ(statusOfGraph, registeredStatus(CLSID_cAudioGraph));
     {
         const auto object = create<_cPlayer>(CLSID_cPlayer);
         ComPtr<IStream> forAnotherThread;

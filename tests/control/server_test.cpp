@@ -65,10 +65,17 @@ TEST_F(Server, refuses_a_factory_by_a_foreign_interface) {
     EXPECT_EQ(E_POINTER, getClassObject(CLSID_cPlayer, IID_IClassFactory, nullptr));
 }
 
-TEST_F(Server, refuses_aggregation) {
-    const auto maker = factory(CLSID_cPlayer);
+TEST_F(Server, refuses_to_aggregate_a_class_that_is_no_control) {
+    const auto maker = factory(CLSID_GSubclass);
     void* result = this;
     EXPECT_EQ(CLASS_E_NOAGGREGATION, maker->CreateInstance(maker.get(), IID_IUnknown, &result));
+    EXPECT_EQ(nullptr, result);
+}
+
+TEST_F(Server, aggregates_by_the_inner_unknown_alone) {
+    const auto maker = factory(CLSID_cPlayer);
+    void* result = this;
+    EXPECT_EQ(CLASS_E_NOAGGREGATION, maker->CreateInstance(maker.get(), IID_IOleObject, &result));
     EXPECT_EQ(nullptr, result);
 }
 

@@ -61,6 +61,33 @@ TEST_F(TypeLibrary, the_player_has_its_members_in_their_published_order) {
         L"DeviceDetails, "
         L"-> long)",
         L"31 NumOfAudioDevices(long iInOut, -> long)",
+        L"32 get Volume(-> long)",
+        L"32 put Volume(long)",
+        L"33 get Mute(-> bool)",
+        L"33 put Mute(bool)",
+        L"34 get Balance(-> long)",
+        L"34 put Balance(long)",
+        L"35 get EqualizerGain(long Band, -> float)",
+        L"35 put EqualizerGain(long Band, float)",
+        L"36 get Looping(-> bool)",
+        L"36 put Looping(bool)",
+        L"37 get NextFile(-> BSTR)",
+        L"37 put NextFile(BSTR)",
+        L"38 get PositionMs(-> long)",
+        L"38 put PositionMs(long)",
+        L"39 get DurationMs(-> long)",
+        L"40 get State(-> PlayState)",
+        L"41 get PositionInterval(-> long)",
+        L"41 put PositionInterval(long)",
+        L"42 get Device(-> BSTR)",
+        L"42 put Device(BSTR)",
+        L"43 get Recover(-> bool)",
+        L"43 put Recover(bool)",
+        L"44 get CleanEnd(-> bool)",
+        L"44 put CleanEnd(bool)",
+        L"45 get Level(long Channel, -> long)",
+        L"46 get FormatName(-> BSTR)",
+        L"47 get Extensions(-> BSTR)",
     };
     EXPECT_EQ(expected, functions(vtable(L"_cPlayer").get()));
 }
@@ -70,13 +97,17 @@ TEST_F(TypeLibrary, the_players_vtable_is_in_the_published_order) {
     // Seven slots of IDispatch come first, each four bytes.
     int slot = 7;
     each(table.get(), [&](const FUNCDESC& function) { EXPECT_EQ(4 * slot++, function.oVft); });
-    EXPECT_EQ(7 + 38, slot);
+    EXPECT_EQ(7 + 38 + 27, slot);
 }
 
-TEST_F(TypeLibrary, the_players_events_have_ids_1_and_2) {
+TEST_F(TypeLibrary, the_players_events_have_the_ids_1_to_6) {
     const Lines expected{
         L"1 DonePlay()",
-        L"2 Err(BSTR FunctionName, inout long* ErrorNumber, BSTR ErrorDecription)"};
+        L"2 Err(BSTR FunctionName, inout long* ErrorNumber, BSTR ErrorDecription)",
+        L"3 Ended(PlayEndReason Reason)",
+        L"4 StateChanged(PlayState State)",
+        L"5 PositionChanged(long PositionMs)",
+        L"6 NextStarted(BSTR File)"};
     EXPECT_EQ(expected, functions(find(L"__cPlayer").get()));
 }
 
@@ -104,6 +135,19 @@ TEST_F(TypeLibrary, the_graph_has_its_members_in_their_published_order) {
         L"12 ClearGraph(-> long)",
         L"13 Init(-> long)",
         L"14 DeInit(-> long)",
+        L"15 get Player(-> object)",
+        L"15 put Player(object)",
+        L"15 putref Player(object)",
+        L"16 get FramesPerSecond(-> long)",
+        L"16 put FramesPerSecond(long)",
+        L"17 get LevelScale(-> AudioGraphLevelScale)",
+        L"17 put LevelScale(AudioGraphLevelScale)",
+        L"18 get FrequencyAxis(-> AudioGraphFrequencyAxis)",
+        L"18 put FrequencyAxis(AudioGraphFrequencyAxis)",
+        L"19 get PeakHold(-> bool)",
+        L"19 put PeakHold(bool)",
+        L"20 get ChannelWaveforms(-> bool)",
+        L"20 put ChannelWaveforms(bool)",
     };
     EXPECT_EQ(expected, functions(vtable(L"_cAudioGraph").get()));
 }
@@ -154,6 +198,11 @@ TEST_F(TypeLibrary, the_encoder_has_its_members_in_their_published_order) {
 
 TEST_F(TypeLibrary, the_enumerations_have_their_published_values) {
     EXPECT_EQ((Lines{L"AUDIOIN = 1", L"AUDIOOUT = 2"}), members(L"InOut"));
+    EXPECT_EQ((Lines{L"PLAY_STOPPED = 0", L"PLAY_PLAYING = 1", L"PLAY_PAUSED = 2"}),
+              members(L"PlayState"));
+    EXPECT_EQ((Lines{L"PLAYEND_FINISHED = 0", L"PLAYEND_STOPPED = 1", L"PLAYEND_DEVICE_LOST = 2",
+                     L"PLAYEND_ERROR = 3"}),
+              members(L"PlayEndReason"));
     EXPECT_EQ((Lines{L"STEREO_MODE = 0", L"JOINT_STEREO_MODE = 1", L"DUAL_CHANNEL_MODE = 2",
                      L"MONO_MODE = 3", L"NOT_SET_MODE = 4", L"FORCE_JOINT_STEREO_MODE = 5"}),
               members(L"MPEGMode"));
@@ -172,6 +221,8 @@ TEST_F(TypeLibrary, the_enumerations_have_their_published_values) {
     EXPECT_EQ((Lines{L"emrConsume = 0", L"emrPostProcess = 1", L"emrPreprocess = 2"}),
               members(L"EMsgResponse"));
     EXPECT_EQ((Lines{L"AMPLITUDE_STYLE = 0", L"FREQUENCY_STYLE = 1"}), members(L"AudioGraphStyle"));
+    EXPECT_EQ((Lines{L"LINEAR_SCALE = 0", L"DECIBEL_SCALE = 1"}), members(L"AudioGraphLevelScale"));
+    EXPECT_EQ((Lines{L"BAND_AXIS = 0", L"OCTAVE_AXIS = 1"}), members(L"AudioGraphFrequencyAxis"));
     EXPECT_EQ((Lines{L"StyleNone = 0", L"StyleFixed = 1"}), members(L"BorderStyle"));
 }
 

@@ -58,6 +58,8 @@ public:
     HRESULT uiActivation = S_OK;
     HWND containerWindow = nullptr; // in place of its own
     std::function<void()> onUiActivate;
+    std::function<void()> onPosRectChange;
+    std::vector<RECT> rectangles; // that the control has asked for
     const ComPtr<Frame> frame;
 
     HRESULT STDMETHODCALLTYPE CanInPlaceActivate() override { return noted("CanInPlaceActivate"); }
@@ -106,7 +108,12 @@ public:
     HRESULT STDMETHODCALLTYPE Scroll(SIZE) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE DiscardUndoState() override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE DeactivateAndUndo() override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE OnPosRectChange(LPCRECT) override { return S_OK; }
+    HRESULT STDMETHODCALLTYPE OnPosRectChange(LPCRECT rectangle) override {
+        rectangles.push_back(*rectangle);
+        if (onPosRectChange)
+            onPosRectChange();
+        return S_OK;
+    }
     HRESULT STDMETHODCALLTYPE SaveObject() override { return S_OK; }
     HRESULT STDMETHODCALLTYPE GetMoniker(DWORD, DWORD, IMoniker**) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE GetContainer(IOleContainer**) override { return E_NOTIMPL; }
@@ -126,7 +133,9 @@ private:
 class UiActivation : public ControlBaseTest {
 protected:
     UiActivation() { as<IOleObject>()->SetClientSite(site.get()); }
-    ~UiActivation() override { site->frame->onActiveObject = site->onUiActivate = nullptr; }
+    ~UiActivation() override {
+        site->frame->onActiveObject = site->onUiActivate = site->onPosRectChange = nullptr;
+    }
 
     // The container holds the control only while it is in place.
     void TearDown() override {
@@ -201,14 +210,73 @@ TEST_F(UiActivation, survives_a_container_that_lets_the_control_go_meanwhile) {
     EXPECT_EQ("OnUIActivate", log.back());
 }
 
-class WithoutPicture : public UiActivation {
+TEST_F(UiActivation, a_second_click_takes_the_focus_again) {
+    EXPECT_EQ(S_OK, activate());
+    const HWND window = control->base().window();
+    ASSERT_EQ(window, ::GetFocus());
+    const HiddenWindow elsewhere;
+    ::SetFocus(elsewhere.handle());
+    ASSERT_NE(window, ::GetFocus());
+    log.clear();
+    ::SendMessageW(window, WM_LBUTTONDOWN, 0, 0);
+    EXPECT_EQ(window, ::GetFocus());
+    EXPECT_THAT(log, ElementsAre());
+}
+
+class FixedSize : public UiActivation {
 protected:
-    WithoutPicture() {
+    FixedSize() {
         as<IOleObject>()->SetClientSite(nullptr);
-        control = makeCom<TestControl>(classWithoutPicture);
+        control = makeCom<TestControl>(fixedSizeClass);
         as<IOleObject>()->SetClientSite(site.get());
     }
-    ~WithoutPicture() override { site->onUserMode = nullptr; }
+    SIZEL extent() {
+        SIZEL size{};
+        EXPECT_EQ(S_OK, as<IOleObject>()->GetExtent(DVASPECT_CONTENT, &size));
+        return size;
+    }
+};
+
+TEST_F(FixedSize, another_extent_is_refused_and_its_own_one_taken) {
+    SIZEL own = extent(), other{9000, 9000};
+    EXPECT_EQ(E_FAIL, as<IOleObject>()->SetExtent(DVASPECT_CONTENT, &other));
+    EXPECT_EQ(S_OK, as<IOleObject>()->SetExtent(DVASPECT_CONTENT, &own));
+    EXPECT_EQ(own.cx, extent().cx);
+    EXPECT_EQ(own.cy, extent().cy);
+}
+
+TEST_F(FixedSize, a_rectangle_of_another_size_makes_the_control_ask_for_its_own_once) {
+    ASSERT_EQ(S_OK, activate());
+    site->rectangles.clear();
+    const RECT given{5, 5, 305, 405};
+    site->onPosRectChange = [&] { as<IOleInPlaceObject>()->SetObjectRects(&given, &given); };
+    EXPECT_EQ(S_OK, as<IOleInPlaceObject>()->SetObjectRects(&given, &given));
+    ASSERT_EQ(1u, site->rectangles.size());
+    EXPECT_EQ(5, site->rectangles[0].left);
+    EXPECT_EQ(105, site->rectangles[0].right);
+    EXPECT_EQ(55, site->rectangles[0].bottom);
+    RECT client{};
+    ::GetClientRect(control->base().window(), &client);
+    EXPECT_EQ(100, client.right);
+    EXPECT_EQ(50, client.bottom);
+}
+
+TEST_F(FixedSize, a_rectangle_of_its_own_size_is_taken_silently) {
+    ASSERT_EQ(S_OK, activate());
+    site->rectangles.clear();
+    const RECT given{5, 5, 105, 55};
+    EXPECT_EQ(S_OK, as<IOleInPlaceObject>()->SetObjectRects(&given, &given));
+    EXPECT_TRUE(site->rectangles.empty());
+}
+
+class Invisible : public UiActivation {
+protected:
+    Invisible() {
+        as<IOleObject>()->SetClientSite(nullptr);
+        control = makeCom<TestControl>(invisibleClass);
+        as<IOleObject>()->SetClientSite(site.get());
+    }
+    ~Invisible() override { site->onUserMode = nullptr; }
 
     // The kind of the window's region; ERROR if it has none.
     int regionKind() {
@@ -221,7 +289,7 @@ protected:
     }
 };
 
-TEST_F(WithoutPicture, a_control_is_seen_at_design_time_alone) {
+TEST_F(Invisible, a_control_is_seen_at_design_time_alone) {
     EXPECT_EQ(S_OK, activate());
     EXPECT_EQ(NULLREGION, regionKind());
     goOver(true);
@@ -232,7 +300,19 @@ TEST_F(WithoutPicture, a_control_is_seen_at_design_time_alone) {
     EXPECT_EQ(ERROR, regionKind());
 }
 
-TEST_F(WithoutPicture, a_control_may_be_taken_away_while_it_asks_whether_it_is_seen) {
+TEST_F(Invisible, a_control_is_not_ui_activated_and_takes_no_focus) {
+    EXPECT_EQ(S_OK, activate());
+    EXPECT_THAT(log, ElementsAre("CanInPlaceActivate", "OnInPlaceActivate", "ShowObject"));
+    EXPECT_NE(control->base().window(), ::GetFocus());
+    ::SendMessageW(control->base().window(), WM_LBUTTONDOWN, 0, 0);
+    EXPECT_NE(control->base().window(), ::GetFocus());
+    DWORD status = 0;
+    EXPECT_EQ(S_OK, as<IOleObject>()->GetMiscStatus(DVASPECT_CONTENT, &status));
+    EXPECT_EQ(DWORD{OLEMISC_INVISIBLEATRUNTIME | OLEMISC_NOUIACTIVATE},
+              status & (OLEMISC_INVISIBLEATRUNTIME | OLEMISC_NOUIACTIVATE));
+}
+
+TEST_F(Invisible, a_control_may_be_taken_away_while_it_asks_whether_it_is_seen) {
     ASSERT_EQ(S_OK, activate());
     const auto inPlace = as<IOleInPlaceObject>();
     site->onUserMode = [&inPlace] { inPlace->InPlaceDeactivate(); };

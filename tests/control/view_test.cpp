@@ -119,6 +119,29 @@ TEST_F(View, an_enhanced_metafile_has_the_controls_size) {
     ::ReleaseStgMedium(&medium);
 }
 
+// A screen of 597 x 336 millimetres with 2560 x 1440 pixels, whose logical inch has 96 of them.
+TEST_F(View, a_metafile_goes_by_the_physical_size_of_the_device) {
+    const SIZE pixels = devicePixels({5970, 3360}, {{597, 336}, {2560, 1440}});
+    EXPECT_EQ(256, pixels.cx);
+    EXPECT_EQ(144, pixels.cy);
+}
+
+TEST_F(View, an_enhanced_metafile_is_filled_to_its_edges) {
+    FORMATETC format{CF_ENHMETAFILE, nullptr, DVASPECT_CONTENT, -1, TYMED_ENHMF};
+    SIZEL size{30000, 20000};
+    ASSERT_EQ(S_OK, as<IOleObject>()->SetExtent(DVASPECT_CONTENT, &size));
+    STGMEDIUM medium{};
+    ASSERT_EQ(S_OK, as<IDataObject>()->GetData(&format, &medium));
+    ENHMETAHEADER header{};
+    ASSERT_NE(0u, ::GetEnhMetaFileHeader(medium.hEnhMetaFile, sizeof header, &header));
+    const SIZE pixels =
+        devicePixels({size.cx, size.cy}, {{header.szlMillimeters.cx, header.szlMillimeters.cy},
+                                          {header.szlDevice.cx, header.szlDevice.cy}});
+    EXPECT_NEAR(pixels.cx, header.rclBounds.right, 2);
+    EXPECT_NEAR(pixels.cy, header.rclBounds.bottom, 2);
+    ::ReleaseStgMedium(&medium);
+}
+
 TEST_F(View, a_plain_metafile_comes_with_its_size) {
     FORMATETC format{CF_METAFILEPICT, nullptr, DVASPECT_CONTENT, -1, TYMED_MFPICT};
     STGMEDIUM medium{};

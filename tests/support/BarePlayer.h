@@ -22,8 +22,11 @@ public:
 
     // "FunctionName|number|description" for an Err, "DonePlay" for the end.
     std::vector<std::wstring> events;
+    // "Ended 0", "State 1", "Position 250", "Next song.wav" in order.
+    std::vector<std::wstring> progress;
     std::function<void(const std::wstring&)> onErr;
     std::function<void()> onDonePlay;
+    std::function<void(const std::wstring&)> onProgress;
 
     HiddenWindow window;
     SubclassClient client{[this](HWND, UINT message, WPARAM, LPARAM) {
@@ -46,8 +49,28 @@ public:
             onDonePlay();
     }
 
+    void Ended(PlayEndReason reason) noexcept override {
+        report(L"Ended " + std::to_wstring(reason));
+    }
+    void StateChanged(PlayState state) noexcept override {
+        report(L"State " + std::to_wstring(state));
+    }
+    void PositionChanged(std::int32_t milliseconds) noexcept override {
+        report(L"Position " + std::to_wstring(milliseconds));
+    }
+    void NextStarted(const std::wstring& file) noexcept override {
+        report(L"Next " + file.substr(file.find_last_of(L'\\') + 1));
+    }
+
     [[nodiscard]] long countOf(const std::wstring& event) const {
         return static_cast<long>(std::count(events.begin(), events.end(), event));
+    }
+
+private:
+    void report(const std::wstring& event) {
+        progress.push_back(event);
+        if (onProgress)
+            onProgress(event);
     }
 };
 

@@ -35,6 +35,10 @@ struct FakeWave {
     int writes = 0;
     int opens = 0;
     int closes = 0;
+    // Where the device is: what it has finished since the last reset, and a part of the next
+    // buffer.
+    std::int64_t finishedFrames = 0;
+    std::int64_t framesBeyond = 0;
 
     void reset() { *this = {}; }
 
@@ -42,6 +46,9 @@ struct FakeWave {
     bool finishOne() {
         if (queued.empty() || paused)
             return false;
+        finishedFrames += queued.front()->dwBufferLength * 8 /
+                          static_cast<DWORD>(format.nChannels * format.wBitsPerSample);
+        framesBeyond = 0;
         giveBack();
         return true;
     }
@@ -88,6 +95,8 @@ inline MMRESULT WINAPI waveOutOpen(LPHWAVEOUT result, UINT device, LPCWAVEFORMAT
     fakeWave.flags = flags;
     fakeWave.format = *format;
     fakeWave.prepared.clear();
+    fakeWave.finishedFrames = 0;
+    fakeWave.framesBeyond = 0;
     ++fakeWave.opens;
     *result = reinterpret_cast<HWAVEOUT>(FakeWave::handle);
     return 0;
@@ -148,6 +157,8 @@ inline MMRESULT WINAPI waveOutReset(HWAVEOUT device) {
     if (!fakeWave.owns(device))
         return MMSYSERR_INVALHANDLE;
     fakeWave.paused = false;
+    fakeWave.finishedFrames = 0;
+    fakeWave.framesBeyond = 0;
     while (!fakeWave.queued.empty())
         fakeWave.giveBack();
     return 0;
@@ -187,6 +198,16 @@ inline MMRESULT WINAPI waveOutClose(HWAVEOUT device) {
     return 0;
 }
 
+inline MMRESULT WINAPI waveOutGetPosition(HWAVEOUT device, LPMMTIME time, UINT) {
+    if (fakeWave.faults.strikes("waveOutGetPosition"))
+        return fakeWave.failure();
+    if (!fakeWave.owns(device))
+        return MMSYSERR_INVALHANDLE;
+    time->wType = TIME_SAMPLES;
+    time->u.sample = static_cast<DWORD>(fakeWave.finishedFrames + fakeWave.framesBeyond);
+    return 0;
+}
+
 } // namespace fake
 
 inline const WaveApi fakeWaveApi = [] {
@@ -199,6 +220,7 @@ inline const WaveApi fakeWaveApi = [] {
     api.outPause = fake::waveOutPause;
     api.outRestart = fake::waveOutRestart;
     api.outClose = fake::waveOutClose;
+    api.outGetPosition = fake::waveOutGetPosition;
     return api;
 }();
 

@@ -6,7 +6,9 @@
 #include "platform/WindowApi.h"
 #include "support/Faults.h"
 
+#include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace corvina::test {
@@ -14,6 +16,8 @@ namespace corvina::test {
 inline Faults windowFaults;
 // "Post 957 0 4096" (message, wParam, lParam), "SetWindowLong" and so on; for tests of orders.
 inline std::vector<std::string> windowLog;
+// By identifier: the interval and what is called.
+inline std::map<UINT_PTR, std::pair<UINT, TIMERPROC>> fakeTimers;
 
 namespace faulty {
 
@@ -68,7 +72,23 @@ inline BOOL WINAPI peekMessage(LPMSG message, HWND window, UINT first, UINT last
            ::PeekMessageA(message, window, first, last, remove);
 }
 
+// Timers tick when a test says so.
+inline BOOL WINAPI killTimer(HWND, UINT_PTR id) {
+    return fakeTimers.erase(id) > 0;
+}
+
+inline UINT_PTR WINAPI setTimer(HWND, UINT_PTR id, UINT milliseconds, TIMERPROC procedure) {
+    fakeTimers[id] = {milliseconds, procedure};
+    return id;
+}
+
 } // namespace faulty
+
+inline void tickTimers() {
+    const auto timers = fakeTimers;
+    for (const auto& [id, timer] : timers)
+        timer.second(nullptr, WM_TIMER, id, 0);
+}
 
 inline const WindowApi faultyWindowApi{faulty::isWindow,
                                        faulty::getWindowThreadProcessId,
@@ -80,6 +100,8 @@ inline const WindowApi faultyWindowApi{faulty::isWindow,
                                        faulty::callWindowProc,
                                        faulty::postMessage,
                                        faulty::peekMessage,
-                                       &::PostQuitMessage};
+                                       &::PostQuitMessage,
+                                       faulty::setTimer,
+                                       faulty::killTimer};
 
 } // namespace corvina::test

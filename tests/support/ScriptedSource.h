@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cstring>
 #include <functional>
+#include <map>
 #include <set>
 #include <string>
 #include <utility>
@@ -23,6 +24,11 @@ struct Script {
     std::vector<std::wstring> extensions{L"test"};
     WAVEFORMATEX format = pcm(44100, 2, 16);
     Bytes data;
+    // Of the files with these names, in place of the above.
+    std::map<std::wstring, Bytes> otherData;
+    std::map<std::wstring, WAVEFORMATEX> otherFormats;
+    // SeekTo moves; otherwise it only returns seekResult.
+    bool moves = false;
     std::int32_t openResult = 0;
     std::int32_t seekResult = 0;
     std::int32_t positionMs = 0;
@@ -54,11 +60,12 @@ public:
 
     cSoundInf& Info() override { return *this; }
     std::vector<std::wstring> Extensions() override { return script.extensions; }
-    bool EndOfStream() override { return position_ >= script.data.size(); }
+    bool EndOfStream() override { return position_ >= data().size(); }
     bool Seekable() override { return true; }
-    const WAVEFORMATEX* WFXPointer() override { return &script.format; }
+    const WAVEFORMATEX* WFXPointer() override { return &format(); }
     std::int32_t OpenSource(const std::wstring& Source) override {
-        script.log.push_back(L"Open " + Source.substr(Source.find_last_of(L'\\') + 1));
+        name_ = Source.substr(Source.find_last_of(L'\\') + 1);
+        script.log.push_back(L"Open " + name_);
         script.errorModes.insert(::GetThreadErrorMode());
         position_ = 0;
         open_ = script.openResult == 0;
@@ -78,9 +85,9 @@ public:
         if (!open_)
             return SourceResult::notOpen;
         const std::size_t bytes =
-            std::min(static_cast<std::size_t>(cBytes), script.data.size() - position_);
+            std::min(static_cast<std::size_t>(cBytes), data().size() - position_);
         if (bytes > 0)
-            std::memcpy(pBuffer, script.data.data() + position_, bytes);
+            std::memcpy(pBuffer, data().data() + position_, bytes);
         position_ += bytes;
         cBytesRead = static_cast<std::int32_t>(bytes);
         return EndOfStream() ? SourceResult::endOfData : SourceResult::done;
@@ -88,25 +95,39 @@ public:
     std::int32_t SeekTo(std::int32_t Value, std::int32_t& Mode) override {
         script.log.push_back(L"Seek " + std::to_wstring(Value) + L" " + std::to_wstring(Mode));
         script.errorModes.insert(::GetThreadErrorMode());
+        if (script.moves)
+            position_ = std::min(static_cast<std::size_t>(Value) *
+                                     static_cast<std::size_t>(format().nAvgBytesPerSec),
+                                 data().size());
         return script.seekResult;
     }
 
     StrmTags* Tags() override { return &tags_; }
     bool Force16Bit() override { return false; }
     std::int32_t SampleRate() override {
-        return static_cast<std::int32_t>(script.format.nSamplesPerSec);
+        return static_cast<std::int32_t>(format().nSamplesPerSec);
     }
-    std::int16_t Channels() override { return static_cast<std::int16_t>(script.format.nChannels); }
+    std::int16_t Channels() override { return static_cast<std::int16_t>(format().nChannels); }
     std::int16_t BitsPerSample() override {
-        return static_cast<std::int16_t>(script.format.wBitsPerSample);
+        return static_cast<std::int16_t>(format().wBitsPerSample);
     }
     std::int32_t Bitrate() override {
-        return static_cast<std::int32_t>(script.format.nAvgBytesPerSec) * 8;
+        return static_cast<std::int32_t>(format().nAvgBytesPerSec) * 8;
     }
     std::int32_t Position() override { return script.positionMs; }
     std::int32_t Duration() override { return script.durationMs; }
 
 private:
+    [[nodiscard]] const Bytes& data() const {
+        const auto found = script.otherData.find(name_);
+        return found == script.otherData.end() ? script.data : found->second;
+    }
+    [[nodiscard]] const WAVEFORMATEX& format() const {
+        const auto found = script.otherFormats.find(name_);
+        return found == script.otherFormats.end() ? script.format : found->second;
+    }
+
+    std::wstring name_;
     StrmTags tags_;
     std::size_t position_ = 0;
     bool open_ = false;

@@ -255,10 +255,11 @@ TEST_F(Playback, forged_messages_in_mid_play_are_survived) {
     expectTheNextPlaybackWorks();
 }
 
-TEST_F(Playback, opening_a_file_in_mid_play_ends_the_playback_with_what_was_read) {
+TEST_F(Playback, opening_a_file_in_mid_play_leaves_the_playback_alone) {
     startAndFill();
     EXPECT_EQ(host.player.OpenAudioFile(file), 0);
     playOut();
+    EXPECT_TRUE(std::equal(script.data.begin(), script.data.end(), fakeWave.written.begin()));
     EXPECT_EQ(host.events, endOfPlayback);
     expectTheNextPlaybackWorks();
 }
@@ -275,6 +276,7 @@ TEST_F(Playback, ten_thousand_rounds_leave_handles_and_memory_as_they_were) {
         fakeWave.log.clear();
         script.log.clear();
         host.events.clear();
+        host.progress.clear();
         windowLog.clear();
         stateLog.clear();
         fakeAcm.openings.clear();

@@ -18,11 +18,12 @@ TEST(PlaybackState, each_has_a_name_of_its_own) {
     EXPECT_FALSE(names.contains(""));
 }
 
-TEST(PlaybackState, only_a_device_that_is_opening_can_begin_to_be_fed) {
+TEST(PlaybackState, only_a_device_that_is_opening_or_draining_can_begin_to_be_fed) {
     using enum PlaybackState;
-    for (const PlaybackState from : {closed, feeding, draining, closing, closeRefused})
+    for (const PlaybackState from : {closed, feeding, closing, closeRefused})
         EXPECT_FALSE(mayFollow(from, feeding)) << nameOf(from);
     EXPECT_TRUE(mayFollow(opening, feeding));
+    EXPECT_TRUE(mayFollow(draining, feeding)) << "a jump back from the end";
 }
 
 TEST_F(States, of_a_playback_to_the_end) {
@@ -64,7 +65,7 @@ TEST_F(States, of_a_start_that_fails_behind_the_opening) {
 TEST_F(States, of_a_start_whose_messages_are_refused) {
     windowFaults.arm("PostMessage", 1);
     EXPECT_EQ(start(), 0);
-    EXPECT_THAT(stateLog, ElementsAre("opening", "closing", "closed"));
+    EXPECT_THAT(stateLog, ElementsAre("opening", "feeding", "draining", "closing", "closed"));
 }
 
 TEST_F(States, of_a_device_that_refuses_to_close_and_is_closed_by_the_next_start) {

@@ -33,18 +33,17 @@ private:
 
 class Sources : public ::testing::Test {
 protected:
-    cSoundSTRM* add(std::vector<std::wstring> extensions) {
-        auto source = std::make_unique<NamedSource>(std::move(extensions));
-        cSoundSTRM* const added = source.get();
-        list.add(std::move(source));
+    SourceList::Source add(std::vector<std::wstring> extensions) {
+        SourceList::Source added = std::make_shared<NamedSource>(std::move(extensions));
+        list.add(added);
         return added;
     }
 
     SourceList list;
-    cSoundSTRM* ape = add({L"ape"});
-    cSoundSTRM* wav = add({L"wav"});
-    cSoundSTRM* snd = add({L"au", L"snd", L"aiff"});
-    cSoundSTRM* again = add({L"wav"});
+    SourceList::Source ape = add({L"ape"});
+    SourceList::Source wav = add({L"wav"});
+    SourceList::Source snd = add({L"au", L"snd", L"aiff"});
+    SourceList::Source again = add({L"wav"});
 };
 
 TEST(FileExtension, is_the_text_after_the_last_dot) {

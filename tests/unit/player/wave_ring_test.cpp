@@ -22,7 +22,7 @@ protected:
     }
 
     HWAVEOUT device = nullptr;
-    WaveRing ring;
+    WaveRing ring{{.sampleRate = 44100, .channels = 2, .bits = 16}, {}};
 };
 
 TEST_F(Ring, has_eight_buffers_of_8000_silent_bytes_that_know_their_number) {

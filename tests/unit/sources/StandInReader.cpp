@@ -147,6 +147,19 @@ public:
         *count = library.outputs;
         return noted("GetOutputCount");
     }
+    HRESULT STDMETHODCALLTYPE GetStreamNumberForOutput(DWORD output, WORD* stream) override {
+        *stream = static_cast<WORD>(output + 1);
+        return noted("GetStreamNumberForOutput");
+    }
+    HRESULT STDMETHODCALLTYPE SetStreamsSelected(WORD count, WORD* streams,
+                                                 WMT_STREAM_SELECTION* selections) override {
+        std::string name = "SetStreamsSelected";
+        for (WORD index = 0; index < count; ++index) {
+            name.append(1, ' ').append(std::to_string(streams[index]));
+            name.append(selections[index] == WMT_OFF ? " off" : " on");
+        }
+        return noted(name);
+    }
     HRESULT STDMETHODCALLTYPE GetOutputFormatCount(DWORD output, DWORD* count) override {
         const auto found = library.formatCounts.find(output);
         *count = found == library.formatCounts.end() ? 0 : found->second;

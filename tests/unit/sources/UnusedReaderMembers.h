@@ -11,9 +11,6 @@ namespace corvina::test {
 
 class UnusedReaderMembers : public Implements<IWMSyncReader, IWMHeaderInfo3> {
 public:
-    HRESULT STDMETHODCALLTYPE SetStreamsSelected(WORD, WORD*, WMT_STREAM_SELECTION*) override {
-        return noted("SetStreamsSelected");
-    }
     HRESULT STDMETHODCALLTYPE GetStreamSelected(WORD, WMT_STREAM_SELECTION*) override {
         return noted("GetStreamSelected");
     }
@@ -36,9 +33,6 @@ public:
     }
     HRESULT STDMETHODCALLTYPE GetOutputNumberForStream(WORD, DWORD*) override {
         return noted("GetOutputNumberForStream");
-    }
-    HRESULT STDMETHODCALLTYPE GetStreamNumberForOutput(DWORD, WORD*) override {
-        return noted("GetStreamNumberForOutput");
     }
     HRESULT STDMETHODCALLTYPE GetMaxOutputSampleSize(DWORD, DWORD*) override {
         return noted("GetMaxOutputSampleSize");

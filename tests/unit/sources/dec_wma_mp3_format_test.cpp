@@ -85,6 +85,23 @@ TEST_F(WindowsMediaFormat, a_match_is_set_for_the_outer_number) {
                             "GetMediaType", "SetMediaType 16", "SetOutputProps 1"));
 }
 
+TEST_F(WindowsMediaFormat, the_streams_of_all_other_outputs_are_switched_off_last) {
+    library.outputs = 3;
+    library.formatCounts = {{0, 2}};
+    library.formats = {{{1, 0}, pcmFormat(16)}};
+    EXPECT_EQ(open(), 0);
+    EXPECT_EQ(library.calls.back(), "SetStreamsSelected 1 off 3 off");
+}
+
+TEST_F(WindowsMediaFormat, a_file_with_one_output_keeps_its_stream_untouched) {
+    EXPECT_EQ(open(), 0);
+    EXPECT_FALSE(library.calls.empty());
+    for (const std::string& call : library.calls) {
+        EXPECT_EQ(call.find("SetStreamsSelected"), std::string::npos);
+        EXPECT_EQ(call.find("GetStreamNumberForOutput"), std::string::npos);
+    }
+}
+
 TEST_F(WindowsMediaFormat, an_output_whose_formats_cannot_be_counted_is_passed_over) {
     library.outputs = 2;
     library.formatCounts = {{1, 0}};

@@ -70,7 +70,7 @@ TEST_F(SndfileOperations, transfers_pass_handle_buffer_and_the_count_low_word_fi
 }
 
 TEST_F(SndfileOperations, writing_16_bit_items_calls_the_reading_function) {
-    char buffer[1];
+    char buffer[1]{};
     EXPECT_THAT(
         words("sf_read_short", 4, [&](SndfileLibrary& l) { return l.writeShort(9, buffer, 3); }),
         ElementsAre(9, word(buffer), 3, 0));

@@ -1,0 +1,106 @@
+#include "player/PlayedTrack.h"
+
+#include "platform/ErrorBoxes.h"
+#include "player/WaveLength.h"
+#include "stream/PcmFormat.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace corvina {
+
+PlayedTrack::PlayedTrack(std::wstring file, std::shared_ptr<cSoundSTRM> source, const AcmApi& acm,
+                         cCallback* observer)
+    : file_(std::move(file)), source_(std::move(source)), observer_(observer), converter_(acm) {}
+
+bool PlayedTrack::begin() {
+    return open_ && converter_.InitConversion(*source_, observer_, false);
+}
+
+PlayedFormat PlayedTrack::format() const noexcept {
+    return {.sampleRate = converter_.OutputSamplerate(),
+            .channels = converter_.OutputChannels(),
+            .bits = converter_.OutputBitsPerSample()};
+}
+
+WAVEFORMATEX PlayedTrack::sourceFormat() const {
+    cSoundInf& info = source_->Info();
+    return pcmFormat(static_cast<DWORD>(info.SampleRate()), static_cast<WORD>(info.Channels()),
+                     static_cast<WORD>(info.BitsPerSample()));
+}
+
+std::optional<std::int64_t> PlayedTrack::frames() {
+    if (!frames_)
+        frames_ = countFrames(file_, *source_);
+    return *frames_;
+}
+
+std::int32_t PlayedTrack::durationMs() {
+    const std::optional<std::int64_t> known = frames();
+    return known ? static_cast<std::int32_t>(format().millisecondsOf(*known))
+                 : source_->Info().Duration();
+}
+
+std::int32_t PlayedTrack::read(void* destination, std::int32_t bytes, bool exactly) {
+    const std::int32_t frameBytes = std::max(format().frameBytes(), 1);
+    if (exactly && frames()) {
+        const std::int64_t left = std::max<std::int64_t>(*frames() - position_, 0) * frameBytes;
+        bytes = static_cast<std::int32_t>(std::min<std::int64_t>(bytes, left));
+    }
+    std::int32_t delivered = 0;
+    if (bytes > 0)
+        converter_.GetSamples(destination, bytes, delivered);
+    position_ += delivered / frameBytes;
+    return delivered;
+}
+
+bool PlayedTrack::finished(bool exactly) {
+    // The converter meets the end of the source up to half a second before its last sample has its
+    // turn, so EndOfStream alone would cut the file short.
+    return converter_.Exhausted() || (exactly && frames() && position_ >= *frames());
+}
+
+bool PlayedTrack::goTo(std::int32_t seconds) {
+    const NoErrorBoxes quiet;
+    std::int32_t mode = SeekMode::seconds;
+    if (source_->SeekTo(seconds, mode) == SourceResult::done)
+        return true;
+    // A source that cannot be moved can be opened again, which is its beginning.
+    if (seconds != 0)
+        return false;
+    source_->CloseSource();
+    return source_->OpenSource(file_) == SourceResult::done;
+}
+
+bool PlayedTrack::seek(std::int32_t milliseconds) {
+    constexpr std::int32_t second = 1000;
+    if (!open_ || !goTo(milliseconds / second) || !begin())
+        return false;
+    // Sources are moved to whole seconds, or to the block of compressed sound before; the rest is
+    // read and dropped.
+    constexpr std::int32_t longestBlock = 500;
+    const std::int32_t asked = milliseconds / second * second;
+    const std::int32_t reached = source_->Info().Position();
+    position_ =
+        format().framesOf(reached < asked && reached >= asked - longestBlock ? reached : asked);
+    std::int64_t excess = (format().framesOf(milliseconds) - position_) * format().frameBytes();
+    std::array<std::uint8_t, 8000> dropped;
+    while (excess > 0) {
+        const auto piece = static_cast<std::int32_t>(std::min<std::int64_t>(excess, 8000));
+        const std::int32_t got = read(dropped.data(), piece, false);
+        if (got == 0)
+            break;
+        excess -= got;
+    }
+    return true;
+}
+
+void PlayedTrack::close() {
+    if (!std::exchange(open_, false))
+        return;
+    source_->CloseSource();
+    converter_.CloseConverter();
+}
+
+} // namespace corvina

@@ -1,0 +1,286 @@
+#include "sources/SndfileSource.h"
+
+#include "runtime/Rounding.h"
+#include "runtime/RuntimeError.h"
+#include "runtime/Text.h"
+#include "sources/MediaFileSize.h"
+#include "sources/Utf8Text.h"
+#include "stream/PcmFormat.h"
+#include "stream/SeekTarget.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <limits>
+#include <mmreg.h>
+
+#include <ksmedia.h>
+
+namespace corvina {
+namespace {
+
+constexpr std::int32_t noLibrary = 3;
+constexpr std::int32_t unusable = 12;
+constexpr std::int32_t seekRefused = 4;
+
+// The library's open mode, origins of a seek and commands.
+constexpr std::int32_t forReading = 16;
+constexpr std::int32_t fromStart = 0;
+constexpr std::int32_t getChannelMap = 0x1100;
+constexpr std::int32_t setClipping = 0x10C0;
+
+// Parts of its format number.
+constexpr std::int32_t containerMask = 0x0FFF0000;
+constexpr std::int32_t mpegContainer = 0x00230000;
+constexpr std::int32_t oggContainer = 0x00200000;
+
+// A frame of MPEG audio is decoded with what is left from those before it.
+constexpr std::int64_t mpegPreRoll = 8 * 1152;
+
+constexpr std::int32_t mostChannels = 64;
+
+struct TagRule {
+    std::int32_t type; // the library's number of the text
+    const wchar_t* name;
+};
+constexpr TagRule tagRules[] = {{1, L"title"},  {4, L"artist"},      {7, L"album"},  {6, L"year"},
+                                {16, L"genre"}, {9, L"tracknumber"}, {5, L"comment"}};
+
+// The speakers of the library's channel map, in the order of its numbers.
+constexpr DWORD mapSpeakers[] = {0, // none
+                                 KSAUDIO_SPEAKER_MONO,
+                                 SPEAKER_FRONT_LEFT,
+                                 SPEAKER_FRONT_RIGHT,
+                                 SPEAKER_FRONT_CENTER,
+                                 SPEAKER_FRONT_LEFT,
+                                 SPEAKER_FRONT_RIGHT,
+                                 SPEAKER_FRONT_CENTER,
+                                 SPEAKER_BACK_CENTER,
+                                 SPEAKER_BACK_LEFT,
+                                 SPEAKER_BACK_RIGHT,
+                                 SPEAKER_LOW_FREQUENCY,
+                                 SPEAKER_FRONT_LEFT_OF_CENTER,
+                                 SPEAKER_FRONT_RIGHT_OF_CENTER,
+                                 SPEAKER_SIDE_LEFT,
+                                 SPEAKER_SIDE_RIGHT,
+                                 SPEAKER_TOP_CENTER,
+                                 SPEAKER_TOP_FRONT_LEFT,
+                                 SPEAKER_TOP_FRONT_RIGHT,
+                                 SPEAKER_TOP_FRONT_CENTER,
+                                 SPEAKER_TOP_BACK_LEFT,
+                                 SPEAKER_TOP_BACK_RIGHT,
+                                 SPEAKER_TOP_BACK_CENTER};
+
+// The order of Vorbis and Opus, for each number of channels.
+constexpr DWORD left = SPEAKER_FRONT_LEFT;
+constexpr DWORD right = SPEAKER_FRONT_RIGHT;
+constexpr DWORD center = SPEAKER_FRONT_CENTER;
+constexpr DWORD low = SPEAKER_LOW_FREQUENCY;
+constexpr DWORD backLeft = SPEAKER_BACK_LEFT;
+constexpr DWORD backRight = SPEAKER_BACK_RIGHT;
+constexpr DWORD sideLeft = SPEAKER_SIDE_LEFT;
+constexpr DWORD sideRight = SPEAKER_SIDE_RIGHT;
+constexpr std::array<DWORD, 8> oggSpeakers[] = {
+    {center},
+    {left, right},
+    {left, center, right},
+    {left, right, backLeft, backRight},
+    {left, center, right, backLeft, backRight},
+    {left, center, right, backLeft, backRight, low},
+    {left, center, right, sideLeft, sideRight, SPEAKER_BACK_CENTER, low},
+    {left, center, right, sideLeft, sideRight, backLeft, backRight, low},
+};
+
+std::int16_t toSample(float value) {
+    constexpr float fullScale = 32768.0F;
+    if (!(value >= -1.0F)) // also no number at all
+        return value != value ? std::int16_t{0} : std::numeric_limits<std::int16_t>::min();
+    return value >= 32767.0F / fullScale ? std::numeric_limits<std::int16_t>::max()
+                                         : roundWithinInt16(value * fullScale);
+}
+
+} // namespace
+
+SndfileSource::~SndfileSource() {
+    try {
+        SndfileSource::CloseSource();
+    } catch (const RuntimeError&) {
+        // The library lacks the function that closes its file.
+    }
+}
+
+std::vector<std::wstring> SndfileSource::Extensions() {
+    return split(L"flac;oga;opus;ogg;w64;caf;rf64;mp2;mp3", L';');
+}
+
+std::int32_t SndfileSource::OpenSource(const std::wstring& source) {
+    if (!library_.loaded())
+        return noLibrary;
+    CloseSource();
+    forget();
+    file_ = library_.openWide(source, forReading, info_);
+    if (file_ == 0)
+        return SourceResult::notOpen;
+    if (prepare(source))
+        return SourceResult::done;
+    CloseSource();
+    forget();
+    return unusable;
+}
+
+void SndfileSource::forget() {
+    info_ = {};
+    format_ = {};
+    totalFrames_ = 0;
+    nextFrame_ = 0;
+    bitrate_ = 0;
+    ended_ = false;
+    tags_.ClearTags();
+}
+
+bool SndfileSource::prepare(const std::wstring& path) {
+    if (info_.channels < 1 || info_.channels > mostChannels || info_.sampleRate < 1)
+        return false;
+    format_ = pcmFormat(static_cast<DWORD>(info_.sampleRate),
+                        static_cast<WORD>(std::min(info_.channels, 2)), 16);
+    const std::int32_t subtype = info_.format & SndfileSubtype::mask;
+    asFloat_ = subtype == SndfileSubtype::float32 || subtype == SndfileSubtype::float64;
+    std::int32_t on = 1;
+    library_.command(file_, setClipping, nullptr, on);
+    if (info_.channels > 2)
+        mix_ = StereoMix(speakers());
+    // Streamed files may lack their length, which then is the largest number.
+    const auto frames = static_cast<std::int64_t>(
+        static_cast<std::uint64_t>(static_cast<std::uint32_t>(info_.framesHigh)) << 32 |
+        info_.framesLow);
+    totalFrames_ = frames == std::numeric_limits<std::int64_t>::max() ? 0 : frames;
+    if (totalFrames_ > 0)
+        bitrate_ = averageBitrate(path, static_cast<double>(totalFrames_) / info_.sampleRate);
+    readTags();
+    return true;
+}
+
+std::vector<DWORD> SndfileSource::speakers() {
+    const auto channels = static_cast<std::size_t>(info_.channels);
+    if ((info_.format & containerMask) == oggContainer && channels <= std::size(oggSpeakers)) {
+        const auto& speakers = oggSpeakers[channels - 1];
+        return {speakers.begin(), speakers.begin() + info_.channels};
+    }
+    std::vector<std::int32_t> map(channels);
+    if (library_.command(file_, getChannelMap, map.data(),
+                         static_cast<std::int32_t>(channels * sizeof map[0])) == 0)
+        return StereoMix::speakersOf(channels);
+    std::vector<DWORD> result;
+    for (const std::int32_t number : map) {
+        const bool known = number >= 0 && static_cast<std::size_t>(number) < std::size(mapSpeakers);
+        result.push_back(known ? mapSpeakers[number] : 0);
+    }
+    return result;
+}
+
+void SndfileSource::readTags() {
+    for (const TagRule& rule : tagRules) {
+        const std::int32_t text = library_.getString(file_, rule.type);
+        if (text == 0)
+            continue;
+        std::wstring value = fromUtf8(std::bit_cast<const char*>(text));
+        if (!value.empty())
+            tags_.AddTag(rule.name, std::move(value));
+    }
+}
+
+std::int32_t SndfileSource::CloseSource() {
+    if (!library_.loaded())
+        return noLibrary;
+    if (file_ == 0)
+        return SourceResult::notOpen;
+    library_.close(file_);
+    file_ = 0;
+    return SourceResult::done;
+}
+
+std::int32_t SndfileSource::Read(void* buffer, std::int32_t bytes, std::int32_t& bytesRead) {
+    bytesRead = 0;
+    if (!library_.loaded())
+        return noLibrary;
+    if (file_ == 0)
+        return SourceResult::notOpen;
+    const std::int32_t wanted = bytes > 0 ? bytes / format_.nBlockAlign : 0;
+    const std::int32_t got = readFrames(static_cast<std::int16_t*>(buffer), wanted);
+    nextFrame_ += got;
+    bytesRead = got * format_.nBlockAlign;
+    ended_ = got < wanted || (totalFrames_ > 0 && nextFrame_ >= totalFrames_);
+    return got < wanted ? SourceResult::endOfData : SourceResult::done;
+}
+
+std::int32_t SndfileSource::readFrames(std::int16_t* to, std::int32_t frames) {
+    if (info_.channels <= 2)
+        return decode(to, frames);
+    unmixed_.resize(static_cast<std::size_t>(frames) * static_cast<std::size_t>(info_.channels));
+    const std::int32_t got = decode(unmixed_.data(), frames);
+    mix_.apply(unmixed_.data(), to, static_cast<std::size_t>(got));
+    return got;
+}
+
+// Fewer frames than asked for are all that there are.
+std::int32_t SndfileSource::decode(std::int16_t* to, std::int32_t frames) {
+    if (!asFloat_)
+        return std::clamp(library_.readFramesShort(file_, to, frames), 0, frames);
+    const auto channels = static_cast<std::size_t>(info_.channels);
+    floats_.resize(static_cast<std::size_t>(frames) * channels);
+    const std::int32_t got =
+        std::clamp(library_.readFramesFloat(file_, floats_.data(), frames), 0, frames);
+    std::transform(floats_.begin(),
+                   floats_.begin() + static_cast<std::ptrdiff_t>(got) * info_.channels, to,
+                   &toSample);
+    return got;
+}
+
+std::int32_t SndfileSource::SeekTo(std::int32_t value, std::int32_t& mode) {
+    if (!library_.loaded())
+        return noLibrary;
+    if (file_ == 0)
+        return SourceResult::notOpen;
+    // Not to 100: at the very end there is nothing to deliver.
+    constexpr std::int32_t lastPercent = 99;
+    const std::optional<std::int64_t> frame = seekTarget(
+        *this, value, mode,
+        [&] { return totalFrames_ / 100 * value + totalFrames_ % 100 * value / 100; },
+        [&] { return std::int64_t{info_.sampleRate} * value; }, lastPercent);
+    return frame && seekFrame(*frame) ? SourceResult::done : seekRefused;
+}
+
+bool SndfileSource::seekFrame(std::int64_t frame) {
+    const bool mpeg = (info_.format & containerMask) == mpegContainer;
+    const std::int64_t from = mpeg ? std::max<std::int64_t>(frame - mpegPreRoll, 0) : frame;
+    constexpr std::int32_t refused = -1;
+    if (library_.seek(file_, from, fromStart) == refused)
+        return false;
+    std::vector<std::int16_t> passedOver(static_cast<std::size_t>(frame - from) *
+                                         static_cast<std::size_t>(info_.channels));
+    if (frame > from)
+        (void)decode(passedOver.data(), static_cast<std::int32_t>(frame - from));
+    nextFrame_ = frame;
+    ended_ = totalFrames_ > 0 && nextFrame_ >= totalFrames_;
+    return true;
+}
+
+std::int32_t SndfileSource::SampleRate() {
+    return static_cast<std::int32_t>(format_.nSamplesPerSec);
+}
+
+std::int32_t SndfileSource::Position() {
+    return milliseconds(nextFrame_);
+}
+
+std::int32_t SndfileSource::Duration() {
+    return milliseconds(totalFrames_);
+}
+
+std::int32_t SndfileSource::milliseconds(std::int64_t frames) const {
+    return info_.sampleRate < 1
+               ? 0
+               : roundToInt32(static_cast<double>(frames) / info_.sampleRate * 1000);
+}
+
+} // namespace corvina

@@ -1,0 +1,178 @@
+// Ended comes exactly once for every successful start, whatever a host does and whatever fails.
+
+#include "PlaybackFaultsFixture.h"
+
+#include <random>
+
+namespace corvina::test {
+namespace {
+
+class RandomHost : public PlaybackFaults {
+protected:
+    RandomHost() {
+        script.moves = true;
+        script.durationMs = 1000;
+        next = folder.write(L"next.test", {0});
+        script.otherData[L"next.test"] = noise(buffer * 3, 5);
+        other = folder.write(L"other.test", {0});
+        script.otherData[L"other.test"] = noise(buffer * 2, 6);
+        script.otherFormats[L"other.test"] = pcm(22050, 1, 16);
+        host.onErr = [this](const std::wstring&) { perhapsAct(); };
+        host.onDonePlay = [this] { perhapsAct(); };
+        host.onProgress = [this](const std::wstring&) { perhapsAct(); };
+    }
+
+    [[nodiscard]] unsigned below(unsigned count) { return random() % count; }
+    // Handlers act too, but not without end.
+    void perhapsAct() {
+        if (depth < 3 && below(8) == 0)
+            act();
+    }
+    void begin() {
+        try {
+            if (start() == 0)
+                ++starts;
+        } catch (const RuntimeError&) {
+        }
+    }
+    void failOnce() {
+        static constexpr const char* calls[] = {
+            "waveOutOpen",  "waveOutPrepareHeader", "waveOutWrite",   "waveOutUnprepareHeader",
+            "waveOutReset", "waveOutClose",         "waveOutRestart", "waveOutGetPosition"};
+        fakeWave.faults.arm(calls[below(std::size(calls))], 1 + static_cast<int>(below(10)),
+                            below(4) == 0 ? forever : once);
+    }
+    void change() {
+        PlaybackOptions& options = host.player.settings().options();
+        switch (below(6)) {
+        case 0:
+            options.loops = !options.loops;
+            break;
+        case 1:
+            options.nextFile = below(2) ? next : other;
+            break;
+        case 2:
+            options.cleanEnd = !options.cleanEnd;
+            break;
+        case 3:
+            options.recovers = !options.recovers;
+            break;
+        case 4:
+            options.sound.volume = static_cast<std::int32_t>(below(101));
+            host.player.soundChanged();
+            break;
+        default:
+            options.positionInterval = static_cast<std::int32_t>(below(2) * 50);
+            host.player.intervalChanged();
+        }
+    }
+    void act() {
+        ++depth;
+        switch (below(16)) {
+        case 0:
+        case 1:
+            begin();
+            break;
+        case 2:
+            host.player.PlayStop();
+            break;
+        case 3:
+            host.player.PlayPause();
+            break;
+        case 4:
+            host.player.PlayUnPause();
+            break;
+        case 5:
+            host.player.OpenAudioFile(below(2) ? next : file);
+            break;
+        case 6:
+            try {
+                host.player.setPositionMs(static_cast<std::int32_t>(below(1000)));
+            } catch (const RuntimeError&) {
+            }
+            break;
+        case 7:
+            host.player.DeInit();
+            host.init();
+            break;
+        case 8:
+            failOnce();
+            break;
+        case 9:
+            fakeWave.faults.disarm();
+            break;
+        case 10:
+            change();
+            break;
+        case 11:
+            tickTimers();
+            break;
+        case 12:
+            script.onRead =
+                below(3) == 0 ? std::function<void()>([] { throwOverflow(); }) : nullptr;
+            break;
+        case 13:
+            ::PostMessageA(host.window.handle(), below(2) ? MM_WOM_DONE : MM_WOM_CLOSE, 0, 0);
+            break;
+        default:
+            fakeWave.finishOne();
+            dispatchWaitingMessages();
+        }
+        --depth;
+    }
+    // The player is left, and a device that never closed is replaced.
+    void leave() {
+        fakeWave.faults.disarm();
+        script.onRead = nullptr;
+        host.player.DeInit();
+        dispatchWaitingMessages();
+        host.player.DeInit();
+        fakeWave.open = false;
+        fakeWave.queued.clear();
+        host.player.settings().options() = {};
+        host.init();
+    }
+
+    std::mt19937 random{12345};
+    std::wstring next;
+    std::wstring other;
+    int depth = 0;
+    long starts = 0;
+};
+
+TEST_F(RandomHost, gets_one_Ended_for_each_start_in_ten_thousand_sequences) {
+    script.data = noise(buffer * 4 + 500);
+    long all = 0;
+    for (int sequence = 0; sequence < 10'000; ++sequence) {
+        host.progress.clear();
+        host.events.clear();
+        fakeWave.written.clear();
+        fakeWave.log.clear();
+        script.log.clear();
+        windowLog.clear();
+        stateLog.clear();
+        fakeAcm.openings.clear();
+        fakeAcm.conversions.clear();
+        fakeAcm.measured.clear();
+        starts = 0;
+        begin();
+        const unsigned steps = 5 + below(25);
+        for (unsigned step = 0; step < steps; ++step)
+            act();
+        leave();
+        const auto ends =
+            std::count_if(host.progress.begin(), host.progress.end(),
+                          [](const std::wstring& event) { return event.starts_with(L"Ended"); });
+        ASSERT_EQ(ends, starts) << "sequence " << sequence;
+        ASSERT_EQ(host.player.State(), PLAY_STOPPED) << "sequence " << sequence;
+        all += starts;
+    }
+    EXPECT_GT(all, 10'000);
+    host.onErr = nullptr;
+    host.onDonePlay = nullptr;
+    host.onProgress = nullptr;
+    expectTheNextPlaybackWorks();
+}
+
+} // namespace
+} // namespace corvina::test

@@ -1,0 +1,161 @@
+// The chain of equalizer, limiter and gains by itself.
+
+#include "player/SampleChain.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <numbers>
+#include <vector>
+
+namespace corvina::test {
+namespace {
+
+constexpr PlayedFormat stereo{.sampleRate = 44100, .channels = 2, .bits = 16};
+using Samples = std::vector<std::int16_t>;
+
+Samples sine(double frequency, double amplitude, std::size_t frames) {
+    Samples samples;
+    for (std::size_t i = 0; i < frames; ++i) {
+        const double angle = 2 * std::numbers::pi * frequency * static_cast<double>(i) / 44100;
+        const auto sample = static_cast<std::int16_t>(std::lround(amplitude * std::sin(angle)));
+        samples.insert(samples.end(), 2, sample);
+    }
+    return samples;
+}
+
+std::span<std::uint8_t> bytesOf(Samples& samples) {
+    return {reinterpret_cast<std::uint8_t*>(samples.data()), samples.size() * 2};
+}
+
+// The gain in decibels of a tone, from the energy behind the first half.
+double gainOf(SampleChain& chain, double frequency, double amplitude = 3000) {
+    Samples samples = sine(frequency, amplitude, 44100);
+    const Samples original = samples;
+    chain.process(bytesOf(samples));
+    double before = 0;
+    double after = 0;
+    for (std::size_t i = samples.size() / 2; i < samples.size(); ++i) {
+        before += 1.0 * original[i] * original[i];
+        after += 1.0 * samples[i] * samples[i];
+    }
+    return 10 * std::log10(after / before);
+}
+
+// What ten bands in a row come to at a frequency, from their coefficients in double precision.
+double curve(const SoundSettings& settings, double frequency) {
+    double decibels = 0;
+    const double w = 2 * std::numbers::pi * frequency / 44100;
+    for (std::size_t band = 0; band < SoundSettings::bands; ++band) {
+        const double centre = 31.25 * std::pow(2, static_cast<double>(band));
+        const double w0 = 2 * std::numbers::pi * centre / 44100;
+        const double a = std::pow(10, settings.bandGains[band] / 40.0);
+        const double alpha = std::sin(w0) * std::sinh(std::log(2.0) / 2 * w0 / std::sin(w0));
+        const auto square = [w](double c0, double c1, double c2) {
+            const double real = c0 + c1 * std::cos(w) + c2 * std::cos(2 * w);
+            const double imaginary = c1 * std::sin(w) + c2 * std::sin(2 * w);
+            return real * real + imaginary * imaginary;
+        };
+        decibels += 10 * std::log10(square(1 + alpha * a, -2 * std::cos(w0), 1 - alpha * a) /
+                                    square(1 + alpha / a, -2 * std::cos(w0), 1 - alpha / a));
+    }
+    return decibels;
+}
+
+TEST(SampleChain, with_neutral_settings_leaves_every_sample_alone) {
+    SampleChain chain(stereo, {});
+    Samples samples{INT16_MIN, INT16_MAX, 1, -1, 0, 12345};
+    const Samples original = samples;
+    chain.process(bytesOf(samples));
+    EXPECT_EQ(samples, original);
+    EXPECT_TRUE(chain.neutral());
+}
+
+TEST(SampleChain, has_each_band_within_half_a_decibel_of_its_curve) {
+    for (std::size_t band = 0; band < SoundSettings::bands; ++band)
+        for (const float gain : {12.0F, -12.0F, 5.0F}) {
+            SoundSettings settings;
+            settings.bandGains[band] = gain;
+            const double centre = 31.25 * std::pow(2, static_cast<double>(band));
+            for (const double frequency : {centre, centre * 1.4, centre / 1.4, 1000.0})
+                if (frequency < 20000) {
+                    SampleChain chain(stereo, settings);
+                    EXPECT_NEAR(gainOf(chain, frequency), curve(settings, frequency), 0.5)
+                        << "band " << band << " at " << frequency << " Hz";
+                }
+            SampleChain chain(stereo, settings);
+            EXPECT_NEAR(gainOf(chain, centre), gain, 0.5);
+        }
+}
+
+TEST(SampleChain, limits_softly_and_never_wraps_around) {
+    SoundSettings settings;
+    settings.bandGains.fill(12.0F);
+    SampleChain chain(stereo, settings);
+    Samples samples = sine(1000, 32767, 8820);
+    chain.process(bytesOf(samples));
+    for (std::size_t i = 2; i < samples.size(); ++i)
+        if (std::abs(samples[i]) > 20000 && std::abs(samples[i - 2]) > 20000) {
+            ASSERT_EQ(samples[i] > 0, samples[i - 2] > 0) << i;
+        }
+    EXPECT_GT(*std::max_element(samples.begin(), samples.end()), 30000);
+}
+
+TEST(SampleChain, reaches_a_new_volume_over_20_ms_without_a_jump) {
+    SampleChain chain(stereo, {});
+    SoundSettings quiet;
+    quiet.volume = 0;
+    Samples samples(2 * 2000, 10000);
+    chain.setTarget(quiet);
+    chain.process(bytesOf(samples));
+    EXPECT_EQ(samples.front(), 10000);
+    for (std::size_t i = 2; i < samples.size(); ++i)
+        ASSERT_LE(std::abs(samples[i] - samples[i - 2]), 13) << i;
+    EXPECT_GT(samples[2 * 800], 0);
+    EXPECT_EQ(samples[2 * 882], 0);
+}
+
+TEST(SampleChain, changes_the_equalizer_without_a_jump_larger_than_the_signals_own) {
+    SampleChain chain(stereo, {});
+    Samples samples = sine(1000, 6000, 4410);
+    SoundSettings loud;
+    loud.bandGains[5] = 6.0F;
+    auto bytes = bytesOf(samples);
+    chain.process(bytes.first(bytes.size() / 2));
+    chain.setTarget(loud);
+    chain.process(bytes.last(bytes.size() / 2));
+    // The steepest step of the louder tone.
+    const double steepest = 2 * 6000 * 2 * std::numbers::pi * 1000 / 44100 * 1.05;
+    for (std::size_t i = 2; i < samples.size(); ++i)
+        ASSERT_LE(std::abs(samples[i] - samples[i - 2]), steepest) << i;
+}
+
+TEST(SampleChain, goes_on_in_a_copy_as_the_original_would) {
+    SoundSettings settings;
+    settings.bandGains.fill(3.0F);
+    SampleChain chain(stereo, settings);
+    Samples first = sine(440, 9000, 1000);
+    chain.process(bytesOf(first));
+    SampleChain copy = chain;
+    Samples one = sine(440, 9000, 1000);
+    Samples other = one;
+    chain.process(bytesOf(one));
+    copy.process(bytesOf(other));
+    EXPECT_EQ(one, other);
+}
+
+TEST(SampleChain, has_no_balance_in_mono_and_changes_8_bit_sound) {
+    SoundSettings settings;
+    settings.balance = 100;
+    settings.volume = 50;
+    SampleChain chain({.sampleRate = 8000, .channels = 1, .bits = 8}, settings);
+    std::vector<std::uint8_t> bytes{0x80, 0xFF, 0x00, 0xC0, 0x40};
+    chain.process(bytes);
+    const std::vector<std::uint8_t> expected{0x80, 0xA0, 0x60, 0x90, 0x70};
+    EXPECT_EQ(bytes, expected);
+}
+
+} // namespace
+} // namespace corvina::test
