@@ -123,7 +123,7 @@ TEST_F(AllocationFaults, of_the_players_members_are_survived) {
         ::SysFreeString(details.DeviceDriver);
         return result;
     });
-    EXPECT_GT(failures_, 60);
+    EXPECT_GT(failures_, 40);
 }
 
 TEST_F(AllocationFaults, of_init_and_deinit_are_survived) {
@@ -155,7 +155,7 @@ TEST_F(AllocationFaults, of_a_start_leave_no_playback_that_hangs) {
 TEST_F(AllocationFaults, of_the_graphs_members_are_survived) {
     const std::vector<short> samples(4000, 1000);
     const auto address = static_cast<LONG>(reinterpret_cast<INT_PTR>(samples.data()));
-    for (const LONG style : {0L, 1L, 2L, 3L}) {
+    for (const LONG style : {0L, 1L}) {
         eachFails("GraphStyle",
                   [&] { return graph()->put_GraphStyle(static_cast<AudioGraphStyle>(style)); });
         eachFails("SetAudioData", [&] { return graph()->SetAudioData(address, &number_); });

@@ -6,6 +6,8 @@ namespace {
 FakeDrives* machine = nullptr;
 
 BOOL WINAPI fakeVersion(LPOSVERSIONINFOA version) {
+    if (version->dwOSVersionInfoSize != sizeof *version)
+        return FALSE;
     version->dwPlatformId = machine->platformId;
     return machine->versionAnswer;
 }
@@ -39,6 +41,8 @@ BOOL WINAPI fakeCloseHandle(HANDLE handle) {
 
 BOOL WINAPI fakeIoControl(HANDLE device, DWORD code, LPVOID input, DWORD inputBytes, LPVOID output,
                           DWORD outputBytes, LPDWORD got, LPOVERLAPPED) {
+    if ((!input && inputBytes != 0) || (!output && outputBytes != 0))
+        return FALSE;
     DriveRequest request{device, code, {}, output, outputBytes};
     if (input)
         request.input.assign(static_cast<std::uint8_t*>(input),

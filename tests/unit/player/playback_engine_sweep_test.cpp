@@ -33,6 +33,9 @@ protected:
         host.init();
         const auto struckSoFar = faults;
         expectTheNextPlaybackWorks();
+        // The codecs too are there again for the next run.
+        host.player.DeInit();
+        host.init();
         faults = struckSoFar;
         host.events.clear();
     }
