@@ -192,7 +192,8 @@ TEST_P(ReenteringContainer, may_do_everything_from_within_every_callback) {
         callbacks = ordinary.seen();
         EXPECT_EQ("", ordinary.leftBehind());
     }
-    EXPECT_GT(callbacks.size(), 20u);
+    // The player is invisible at run time, so it never asks to be active in the user interface.
+    EXPECT_GT(callbacks.size(), GetParam() == CLSID_cPlayer ? 18u : 20u);
     for (const auto& [callback, count] : callbacks)
         for (const int occurrence : std::set<int>{1, std::min(2, count), std::min(3, count), count})
             for (const auto& [name, reaction] : reactions) {

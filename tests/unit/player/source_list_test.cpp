@@ -60,8 +60,9 @@ TEST_F(Sources, behind_one_that_refuses_have_the_next_of_the_whole_extension) {
     EXPECT_EQ(list.findNextForFile(L"song.au", snd), nullptr);
     EXPECT_EQ(list.findNextForFile(L"song.wa", wav), nullptr) << "a part is not enough here";
     EXPECT_EQ(list.findNextForFile(L"song", ape), nullptr);
-    const NamedSource stranger({L"wav"});
-    EXPECT_EQ(list.findNextForFile(L"song.wav", &stranger), nullptr);
+    const SourceList::Source stranger =
+        std::make_shared<NamedSource>(std::vector<std::wstring>{L"wav"});
+    EXPECT_EQ(list.findNextForFile(L"song.wav", stranger), nullptr);
 }
 
 TEST_F(Sources, are_found_by_extension_in_any_case) {
