@@ -9,6 +9,8 @@
 #include "support/TempFolder.h"
 #include "support/WavBytes.h"
 
+#include <algorithm>
+
 using namespace corvina;
 using namespace corvina::test;
 
@@ -90,7 +92,9 @@ TEST_F(ThrowingPlayerHost, still_gets_done_play_after_an_err_that_threw) {
             raise(ofCpp);
     };
     play();
-    EXPECT_TRUE(pumpUntil([&] { return !sink.received.empty() && sink.received.back().id == 1; }));
+    EXPECT_TRUE(pumpUntil([&] {
+        return std::ranges::count(sink.received, DISPID{1}, &EventSink::Event::id) == 1;
+    }));
     VARIANT_BOOL playing = VARIANT_TRUE;
     EXPECT_EQ(S_OK, player->IsPlaying(&playing));
     EXPECT_EQ(VARIANT_FALSE, playing);
