@@ -27,8 +27,6 @@ set(CMAKE_C_FLAGS_INIT "${flags} ${headers}")
 set(CMAKE_CXX_FLAGS_INIT "${flags} -isystem ${gcc}/include/c++ -isystem ${gcc}/include/c++/i686-w64-mingw32 ${headers}")
 
 # The whole thread library: clang names the libraries that need it only after all others.
-set(corvina_link_flags "-static -L${gcc}")
+set(corvina_link_flags "-static -L${gcc} -Wl,--whole-archive -lpthread -Wl,--no-whole-archive")
 set(CMAKE_EXE_LINKER_FLAGS_INIT "${corvina_link_flags}")
 set(CMAKE_SHARED_LINKER_FLAGS_INIT "${corvina_link_flags}")
-set(CMAKE_C_STANDARD_LIBRARIES_INIT "-Wl,--whole-archive -lpthread -Wl,--no-whole-archive -luser32 -lgdi32 -lole32 -loleaut32 -luuid -ladvapi32")
-set(CMAKE_CXX_STANDARD_LIBRARIES_INIT "${CMAKE_C_STANDARD_LIBRARIES_INIT}")

@@ -8,7 +8,8 @@ namespace corvina::test {
 
 inline constexpr char functionsOfWindows7[] = R"(
 advapi32.dll:
-    RegCloseKey RegCreateKeyExW RegDeleteTreeW RegGetValueW RegOpenKeyExW RegSetValueExW
+    RegCloseKey RegCreateKeyExW RegDeleteKeyValueW RegDeleteTreeW RegGetValueW RegOpenKeyExW
+    RegSetValueExW
 bcrypt.dll:
     BCryptCloseAlgorithmProvider BCryptGenRandom BCryptOpenAlgorithmProvider
 comctl32.dll:
@@ -19,25 +20,27 @@ gdi32.dll:
     BitBlt CloseEnhMetaFile CloseMetaFile CreateCompatibleBitmap CreateCompatibleDC
     CreateDIBSection CreateEnhMetaFileW CreateFontIndirectW CreateMetaFileW CreatePen
     CreateRectRgnIndirect CreateSolidBrush DeleteDC DeleteEnhMetaFile DeleteMetaFile
-    DeleteObject GetDeviceCaps GetObjectType GetStockObject IntersectClipRect Polygon
-    Polyline Rectangle RestoreDC SaveDC SelectObject SetDCBrushColor SetMapMode
-    SetWindowExtEx SetWindowOrgEx StretchBlt
+    DeleteObject GetDeviceCaps GetGraphicsMode GetLayout GetObjectType GetStockObject
+    GetWorldTransform IntersectClipRect LPtoDP ModifyWorldTransform Polygon Polyline
+    RectVisible Rectangle RestoreDC SaveDC SelectObject SetDCBrushColor SetMapMode
+    SetViewportOrgEx SetWindowExtEx SetWindowOrgEx StretchBlt
 gdiplus.dll:
     GdipAlloc GdipCloneImage GdipCreateBitmapFromHBITMAP GdipDisposeImage GdipFree
     GdipSaveImageToFile GdiplusShutdown GdiplusStartup
 kernel32.dll:
-    AddVectoredExceptionHandler CloseHandle CreateEventA CreateEventW CreateFileA
-    CreateFileMappingW CreateFileW CreateHardLinkW CreateSemaphoreA DeleteCriticalSection
-    DeleteFileW DeviceIoControl DuplicateHandle EnterCriticalSection FileTimeToSystemTime
-    FindClose FindFirstFileA FindFirstFileW FindFirstVolumeW FindNextFileA FindNextFileW
-    FindNextVolumeW FindVolumeClose FlushFileBuffers FlushInstructionCache FormatMessageA
-    FreeConsole FreeLibrary GetACP GetCommandLineW GetConsoleMode GetConsoleProcessList
-    GetConsoleScreenBufferInfo GetConsoleWindow GetCurrentProcess GetCurrentProcessId
-    GetCurrentThread GetCurrentThreadId GetDiskFreeSpaceExW GetDriveTypeA GetDriveTypeW
-    GetFileAttributesW GetFileInformationByHandle GetFileSizeEx GetFileType GetFullPathNameA
-    GetFullPathNameW GetHandleInformation GetLastError GetLogicalDrives GetModuleFileNameW
-    GetModuleHandleA GetModuleHandleExW GetModuleHandleW GetNumberOfConsoleInputEvents
-    GetProcAddress GetProcessAffinityMask GetProcessTimes GetStartupInfoA GetStdHandle
+    AcquireSRWLockExclusive AddVectoredExceptionHandler CloseHandle CreateEventA
+    CreateEventW CreateFileA CreateFileMappingW CreateFileW CreateHardLinkW CreateSemaphoreA
+    DeleteCriticalSection DeleteFileW DeviceIoControl DuplicateHandle EnterCriticalSection
+    FileTimeToSystemTime FindClose FindFirstFileA FindFirstFileW FindFirstVolumeW
+    FindNextFileA FindNextFileW FindNextVolumeW FindVolumeClose FlushFileBuffers
+    FlushInstructionCache FormatMessageA FreeConsole FreeLibrary GetACP GetCommandLineW
+    GetConsoleMode GetConsoleProcessList GetConsoleScreenBufferInfo GetConsoleWindow
+    GetCurrentProcess GetCurrentProcessId GetCurrentThread GetCurrentThreadId
+    GetDiskFreeSpaceExW GetDriveTypeA GetDriveTypeW GetFileAttributesExW GetFileAttributesW
+    GetFileInformationByHandle GetFileSizeEx GetFileType GetFullPathNameA GetFullPathNameW
+    GetHandleInformation GetLastError GetLogicalDrives GetModuleFileNameW GetModuleHandleA
+    GetModuleHandleExW GetModuleHandleW GetNumberOfConsoleInputEvents GetProcAddress
+    GetProcessAffinityMask GetProcessTimes GetStartupInfoA GetStdHandle
     GetSystemTimeAdjustment GetSystemTimeAsFileTime GetTempPathW GetThreadContext
     GetThreadErrorMode GetThreadPriority GetThreadTimes GetTickCount64
     GetTimeZoneInformation GetVersionExA GetVolumeInformationW GlobalAlloc GlobalFree
@@ -45,20 +48,21 @@ kernel32.dll:
     IsDebuggerPresent LeaveCriticalSection LoadLibraryA LoadLibraryExW LoadLibraryW
     LocalAlloc LocalFree MapViewOfFile MoveFileExA MoveFileExW MulDiv MultiByteToWideChar
     OpenProcess OutputDebugStringA QueryPerformanceCounter QueryPerformanceFrequency
-    RaiseException ReadConsoleInputW ReadFile ReleaseSemaphore RemoveDirectoryW
-    RemoveVectoredExceptionHandler ResetEvent ResumeThread SetConsoleCtrlHandler
-    SetConsoleMode SetConsoleTextAttribute SetEndOfFile SetErrorMode SetEvent SetFilePointer
-    SetFilePointerEx SetLastError SetProcessAffinityMask SetSystemTime SetThreadContext
-    SetThreadErrorMode SetThreadPriority SetUnhandledExceptionFilter Sleep SuspendThread
-    TlsAlloc TlsFree TlsGetValue TlsSetValue TryEnterCriticalSection UnmapViewOfFile
-    VirtualProtect VirtualQuery WaitForMultipleObjects WaitForSingleObject
-    WideCharToMultiByte WriteConsoleW WriteFile
+    RaiseException ReadConsoleInputW ReadFile ReleaseSRWLockExclusive ReleaseSemaphore
+    RemoveDirectoryW RemoveVectoredExceptionHandler ResetEvent ResumeThread RtlUnwind
+    SetConsoleCtrlHandler SetConsoleMode SetConsoleTextAttribute SetEndOfFile SetErrorMode
+    SetEvent SetFilePointer SetFilePointerEx SetLastError SetProcessAffinityMask
+    SetSystemTime SetThreadContext SetThreadErrorMode SetThreadPriority
+    SetUnhandledExceptionFilter Sleep SuspendThread TlsAlloc TlsFree TlsGetValue TlsSetValue
+    TryEnterCriticalSection UnmapViewOfFile VirtualProtect VirtualQuery
+    WaitForMultipleObjects WaitForSingleObject WideCharToMultiByte WriteConsoleW WriteFile
 msacm32.dll:
     acmDriverClose acmDriverEnum acmDriverOpen acmStreamClose acmStreamConvert acmStreamOpen
     acmStreamPrepareHeader acmStreamSize acmStreamUnprepareHeader
 ole32.dll:
     CoCreateInstance CoInitialize CoTaskMemAlloc CoUninitialize CreateDataAdviseHolder
-    CreateErrorInfo CreateOleAdviseHolder GetErrorInfo SetErrorInfo StringFromGUID2
+    CreateErrorInfo CreateOleAdviseHolder GetErrorInfo PropVariantClear SetErrorInfo
+    StringFromGUID2
 oleaut32.dll:
     DispCallFunc LoadTypeLibEx OleTranslateColor RegisterTypeLib RegisterTypeLibForUser
     SafeArrayDestroy SysAllocStringLen SysFreeString SysStringLen UnRegisterTypeLib
@@ -83,8 +87,8 @@ user32.dll:
 winmm.dll:
     mmioClose mmioDescend mmioOpenA mmioRead mmioSeek mmioStringToFOURCCA waveInGetDevCapsA
     waveInGetNumDevs waveOutClose waveOutGetDevCapsA waveOutGetErrorTextW waveOutGetNumDevs
-    waveOutOpen waveOutPause waveOutPrepareHeader waveOutReset waveOutRestart
-    waveOutUnprepareHeader waveOutWrite
+    waveOutGetPosition waveOutOpen waveOutPause waveOutPrepareHeader waveOutReset
+    waveOutRestart waveOutUnprepareHeader waveOutWrite
 )";
 
 } // namespace corvina::test
