@@ -17,6 +17,10 @@ struct FileApi {
     decltype(&::FindFirstFileA) findFirstFile = &::FindFirstFileA;
     decltype(&::FindNextFileA) findNextFile = &::FindNextFileA;
     decltype(&::FindClose) findClose = &::FindClose;
+    // For names that the functions above cannot take.
+    decltype(&::CreateFileW) createFileWide = &::CreateFileW;
+    decltype(&::FindFirstFileW) findFirstFileWide = &::FindFirstFileW;
+    decltype(&::FindNextFileW) findNextFileWide = &::FindNextFileW;
 };
 
 inline const FileApi systemFileApi;

@@ -6,6 +6,7 @@
 #include "sources/DecSND.h"
 #include "sources/DecWAV.h"
 #include "sources/DecWMAMP3.h"
+#include "sources/SourceAlias.h"
 
 namespace corvina {
 namespace {
@@ -17,6 +18,15 @@ std::unique_ptr<cSoundSTRM> make() {
     return std::make_unique<Source>();
 }
 
+std::unique_ptr<cSoundSTRM> makeWaveAlias() {
+    return std::make_unique<SourceAlias<DecWAV>>(
+        std::vector<std::wstring>{L"wave", L"bwf", L"rf64", L"bw64"});
+}
+
+std::unique_ptr<cSoundSTRM> makeMediaAlias() {
+    return std::make_unique<SourceAlias<DecWMAMP3>>(std::vector<std::wstring>{L"mp2", L"asf"});
+}
+
 // The order in which the sources are tried for a file.
 constexpr SourceFactory sourceFactories[] = {
     &make<DecAPE>,    // Monkey's Audio
@@ -25,6 +35,8 @@ constexpr SourceFactory sourceFactories[] = {
     &make<DecSND>,    // what libsndfile reads
     &make<DecWMAMP3>, // what Windows Media reads
     &make<DecCDA>,    // audio CD tracks
+    &makeWaveAlias,   // further names of RIFF/WAVE files
+    &makeMediaAlias,  // and of what Windows Media reads
 };
 
 } // namespace

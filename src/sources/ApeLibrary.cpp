@@ -12,6 +12,7 @@ namespace {
 constexpr const wchar_t* libraryName = L"MACDll.dll";
 
 using Create = std::int32_t(__stdcall*)(const char*, std::int32_t*);
+using CreateWide = std::int32_t(__stdcall*)(const wchar_t*, std::int32_t*);
 using GetInfo = std::int32_t(__stdcall*)(std::int32_t, std::int32_t, std::int32_t, std::int32_t);
 using GetData = std::int32_t(__stdcall*)(std::int32_t, void*, std::int32_t, std::int32_t*);
 using Seek = std::int32_t(__stdcall*)(std::int32_t, std::int32_t);
@@ -21,6 +22,10 @@ using Destroy = std::int32_t(__stdcall*)(std::int32_t);
 
 std::int32_t ApeLibrary::create(const char* ansiPath, std::int32_t& error) {
     return function<Create>("c_APEDecompress_Create")(ansiPath, &error);
+}
+
+std::int32_t ApeLibrary::createWide(const wchar_t* path, std::int32_t& error) {
+    return function<CreateWide>("c_APEDecompress_CreateW")(path, &error);
 }
 
 std::int32_t ApeLibrary::getInfo(std::int32_t handle, std::int32_t field) {

@@ -16,6 +16,8 @@ public:
 
     // A decoder's handle; 0 if the file cannot be decoded.
     std::int32_t create(const char* ansiPath, std::int32_t& error);
+    // The same for a name that the ANSI code page cannot spell, or a long one.
+    std::int32_t createWide(const wchar_t* path, std::int32_t& error);
     std::int32_t getInfo(std::int32_t handle, std::int32_t field);
     // A block is one sample of every channel.
     std::int32_t getData(std::int32_t handle, void* buffer, std::int32_t blocks,

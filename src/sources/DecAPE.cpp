@@ -1,9 +1,9 @@
 #include "sources/DecAPE.h"
 
-#include "platform/AnsiText.h"
 #include "runtime/Checked.h"
 #include "runtime/Rounding.h"
 #include "sources/ApeTag.h"
+#include "stream/FileName.h"
 #include "stream/PcmFormat.h"
 #include "stream/SeekTarget.h"
 
@@ -42,7 +42,9 @@ std::int32_t DecAPE::OpenSource(const std::wstring& source) {
     opened_ = false;
     // The handle is not tested: what the library returns for a handle of 0 is taken as it comes.
     std::int32_t error = 0;
-    decoder_ = library_.create(toAnsi(source).text.c_str(), error);
+    const FileName name = fileName(source);
+    decoder_ = name.fitsAnsi ? library_.create(name.ansi.c_str(), error)
+                             : library_.createWide(name.wide.c_str(), error);
     readInformation();
     tags_.ClearTags();
     readApeTag(access_, source, tags_);

@@ -4,6 +4,7 @@
 #include "runtime/Checked.h"
 #include "runtime/Rounding.h"
 #include "runtime/RuntimeError.h"
+#include "stream/FileName.h"
 #include "stream/PcmFormat.h"
 #include "stream/SeekTarget.h"
 
@@ -50,7 +51,9 @@ std::int32_t DecOGG::OpenSource(const std::wstring& source) {
         CloseSource();
     if (!access_.exists(source))
         return SourceResult::notOpen;
-    file_ = runtime_.CallFunc("fopen", toAnsi(source).text.c_str(), "rb");
+    const FileName name = fileName(source);
+    file_ = name.fitsAnsi ? runtime_.CallFunc("fopen", name.ansi.c_str(), "rb")
+                          : runtime_.CallFunc("_wfopen", name.wide.c_str(), L"rb");
     decoder_.fill(std::byte{0});
     if (vorbisfile_.CallFunc("ov_open", file_, decoder_.data(), 0, 0) < 0) {
         CloseSource();

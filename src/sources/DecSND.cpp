@@ -1,9 +1,9 @@
 #include "sources/DecSND.h"
 
-#include "platform/AnsiText.h"
 #include "runtime/Checked.h"
 #include "runtime/Rounding.h"
 #include "runtime/Text.h"
+#include "stream/FileName.h"
 #include "stream/PcmFormat.h"
 #include "stream/SeekTarget.h"
 
@@ -66,12 +66,15 @@ std::int32_t DecSND::OpenSource(const std::wstring& source) {
         return noLibrary;
     path_ = source;
     CloseSource();
-    const AnsiText path = toAnsi(path_);
-    if (path.lossy) // the name of some other file
+    const FileName name = fileName(path_);
+    if (name.impossible)
         return notOpen;
-    file_ = library_.open(path.text, forReading, info_);
+    file_ = name.fitsAnsi ? library_.open(name.ansi, forReading, info_)
+                          : library_.openWide(name.wide, forReading, info_);
     if (file_ == 0)
         return notOpen;
+    rate_ = info_.sampleRate;
+    frames_ = static_cast<std::int32_t>(info_.framesLow);
     format_ = pcmFormat(static_cast<DWORD>(info_.sampleRate),
                         static_cast<WORD>(narrow16(info_.channels)), bitsOfSubtype(info_.format));
     totalFrames_ = library_.seek(file_, 0, fromEnd);
@@ -103,7 +106,10 @@ std::int32_t DecSND::Read(void* buffer, std::int32_t bytes, std::int32_t& bytesR
 }
 
 std::int32_t DecSND::readItems(void* to, std::int32_t items) {
-    if ((info_.format & SndfileSubtype::mask) != SndfileSubtype::voxAdpcm || items % 2 == 0)
+    const std::int32_t subtype = info_.format & SndfileSubtype::mask;
+    if (subtype == SndfileSubtype::float32 || subtype == SndfileSubtype::float64)
+        return readFloats(to, items);
+    if (subtype != SndfileSubtype::voxAdpcm || items % 2 == 0)
         return library_.readShort(file_, to, items);
     // A byte of this subtype holds two samples. The library writes and counts both, even if it is
     // asked for one, and the caller's buffer has no space for the second.
@@ -111,6 +117,21 @@ std::int32_t DecSND::readItems(void* to, std::int32_t items) {
     const std::int32_t got = std::min(library_.readShort(file_, withSpare.data(), items), items);
     if (got > 0)
         std::memcpy(to, withSpare.data(), static_cast<std::size_t>(got) * 2);
+    return got;
+}
+
+// As whole numbers the library would return floating-point samples either near silence or blown up
+// to the file's loudest one.
+std::int32_t DecSND::readFloats(void* to, std::int32_t items) {
+    floats_.resize(static_cast<std::size_t>(std::max(items, std::int32_t{0})));
+    const std::int32_t got = std::min(library_.readFloat(file_, floats_.data(), items), items);
+    auto* const samples = static_cast<std::uint8_t*>(to);
+    for (std::int32_t item = 0; item < got; ++item) {
+        const std::int16_t sample =
+            rounding_.round(double{floats_[static_cast<std::size_t>(item)]});
+        std::memcpy(samples + static_cast<std::size_t>(item) * sizeof sample, &sample,
+                    sizeof sample);
+    }
     return got;
 }
 
@@ -149,7 +170,7 @@ std::int32_t DecSND::Position() {
 }
 
 std::int32_t DecSND::Duration() {
-    return milliseconds(static_cast<std::int32_t>(info_.framesLow));
+    return milliseconds(frames_);
 }
 
 std::int32_t DecSND::currentFrame() {
@@ -157,7 +178,7 @@ std::int32_t DecSND::currentFrame() {
 }
 
 std::int32_t DecSND::milliseconds(std::int32_t frames) const {
-    return roundToInt32(divide(frames, info_.sampleRate) * 1000);
+    return roundToInt32(divide(frames, rate_) * 1000);
 }
 
 } // namespace corvina

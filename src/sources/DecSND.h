@@ -6,10 +6,12 @@
 // last three return 1. A seek out of range returns 4. The tags are always empty.
 
 #include "sources/SndfileLibrary.h"
+#include "stream/SampleRounding.h"
 #include "stream/StrmTags.h"
 #include "stream/cSoundSTRM.h"
 
 #include <cstdint>
+#include <vector>
 
 namespace corvina {
 
@@ -27,9 +29,8 @@ public:
     bool EndOfStream() override;
     bool Seekable() override { return true; }
     // The bits and the block align are those of the file's own samples, which need not be the 16
-    // bits that Read delivers: BitsPerSample and Force16Bit say these. A host reads the file's
-    // width here, so it stays; but the converter takes it for that of the bytes, and makes noise of
-    // files of 8 and 24 bits and refuses compressed ones.
+    // bits that Read delivers: BitsPerSample and Force16Bit say these, and the converter goes by
+    // them. A host reads the file's width here, so it stays.
     const WAVEFORMATEX* WFXPointer() override { return &format_; }
     std::int32_t OpenSource(const std::wstring& source) override;
     std::int32_t CloseSource() override;
@@ -49,6 +50,7 @@ public:
 
 private:
     [[nodiscard]] std::int32_t readItems(void* to, std::int32_t items);
+    [[nodiscard]] std::int32_t readFloats(void* to, std::int32_t items);
     [[nodiscard]] std::int32_t currentFrame();
     [[nodiscard]] std::int32_t milliseconds(std::int32_t frames) const;
 
@@ -58,6 +60,11 @@ private:
     std::int32_t file_ = 0;
     WAVEFORMATEX format_{};
     std::int32_t totalFrames_ = 0;
+    // Of the file opened last, also after it was closed: a host asks for times then, too.
+    std::int32_t rate_ = 0;
+    std::int32_t frames_ = 0;
+    std::vector<float> floats_;
+    SampleRounding rounding_;
     StrmTags tags_;
 };
 

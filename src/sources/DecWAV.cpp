@@ -2,6 +2,7 @@
 
 #include "runtime/Checked.h"
 #include "runtime/Rounding.h"
+#include "stream/FileName.h"
 #include "stream/SeekTarget.h"
 
 #include <algorithm>
@@ -32,8 +33,9 @@ const WAVEFORMATEX* DecWAV::WFXPointer() {
 std::int32_t DecWAV::OpenSource(const std::wstring& source) {
     if (!access_.exists(source))
         return SourceResult::notOpen;
-    const RiffChunk data = findWaveChunk(source, "data", mmio_);
-    const RiffChunk format = findWaveChunk(source, "fmt ", mmio_);
+    const WaveChunks chunks = findChunks(source);
+    const RiffChunk& format = chunks.format;
+    const RiffChunk& data = chunks.data;
     if (data.offset == 0 || format.offset == 0 || format.size < smallestFormat ||
         format.size > largestFormat)
         return SourceResult::notOpen;
@@ -46,14 +48,46 @@ std::int32_t DecWAV::OpenSource(const std::wstring& source) {
         return SourceResult::notOpen;
 
     std::vector<std::uint8_t> bytes;
-    if (!readFormat(format, bytes) || !goTo(data.offset)) {
+    const bool formatRead = readFormat(format, bytes);
+    const std::int32_t length = lengthInFile(data);
+    if (!formatRead || !goTo(data.offset)) {
         file_.close();
         return SourceResult::notOpen;
     }
-    data_ = data;
+    data_ = {.offset = data.offset, .size = length};
     formatBytes_ = std::move(bytes);
     std::memcpy(&format_, formatBytes_.data(), sizeof format_);
     return SourceResult::done;
+}
+
+WaveChunks DecWAV::findChunks(const std::wstring& path) const {
+    WaveChunks chunks;
+    const bool fitsAnsi = fileName(path).fitsAnsi;
+    if (fitsAnsi) {
+        chunks.data = findWaveChunk(path, "data", mmio_);
+        chunks.format = findWaveChunk(path, "fmt ", mmio_);
+        if (chunks.data.offset != 0 && chunks.format.offset != 0)
+            return chunks;
+    }
+    const FileRecord file = access_.openForReading(path);
+    if (!file.isOpen())
+        return {};
+    const std::optional<WaveChunks> read = readWaveChunks(access_, file);
+    // About a RIFF file with a length the system's functions have the last word, if they take its
+    // name.
+    return read && (read->is64 || read->isOpenEnded || !fitsAnsi) ? *read : chunks;
+}
+
+// The data's length. A writer that could not go back to the header has left a length there that no
+// file reaches: then the data ends with the file. Moves the position.
+std::int32_t DecWAV::lengthInFile(const RiffChunk& data) const noexcept {
+    const auto size = static_cast<std::uint32_t>(data.size);
+    if (size < leastUnknownLength)
+        return data.size;
+    const std::int32_t position = access_.setPosition(file_, 0, MoveMethod::fromEnd);
+    // Beyond 2 GB the position does not fit and comes out negative.
+    const std::int32_t end = position < 0 ? std::numeric_limits<std::int32_t>::max() : position;
+    return std::max(std::int32_t{0}, end - data.offset);
 }
 
 bool DecWAV::goTo(std::int32_t position) const noexcept {

@@ -12,6 +12,7 @@
 #include "stream/FileAccess.h"
 #include "stream/RiffChunk.h"
 #include "stream/StrmTags.h"
+#include "stream/WaveChunks.h"
 #include "stream/cSoundSTRM.h"
 
 #include <cstdint>
@@ -47,6 +48,8 @@ public:
     std::int32_t Duration() override;
 
 private:
+    [[nodiscard]] WaveChunks findChunks(const std::wstring& path) const;
+    [[nodiscard]] std::int32_t lengthInFile(const RiffChunk& data) const noexcept;
     [[nodiscard]] bool readFormat(const RiffChunk& chunk, std::vector<std::uint8_t>& bytes) const;
     bool goTo(std::int32_t position) const noexcept;
     [[nodiscard]] std::int32_t milliseconds(std::int32_t bytes) const;

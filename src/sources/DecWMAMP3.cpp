@@ -6,6 +6,7 @@
 #include "runtime/RuntimeError.h"
 #include "runtime/Text.h"
 #include "sources/MediaTime.h"
+#include "stream/FileName.h"
 #include "stream/SeekTarget.h"
 
 #include <cstring>
@@ -52,8 +53,13 @@ std::vector<std::wstring> DecWMAMP3::Extensions() {
 std::int32_t DecWMAMP3::OpenSource(const std::wstring& source) {
     if (!reader_)
         return noReader;
-    if (reader_->Open(source.c_str()) != S_OK)
+    if (isDeviceName(source))
         return SourceResult::notOpen;
+    if (reader_->Open(source.c_str()) != S_OK) {
+        const FileName name = fileName(source);
+        if (name.impossible || name.wide == source || reader_->Open(name.wide.c_str()) != S_OK)
+            return SourceResult::notOpen;
+    }
     // An open that is given up halfway ends with the reader closed.
     struct OpenReader {
         DecWMAMP3& owner;

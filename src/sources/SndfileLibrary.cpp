@@ -22,6 +22,11 @@ std::int32_t SndfileLibrary::open(const std::string& ansiPath, std::int32_t mode
     return library_.CallFunc("sf_open", ansiPath.c_str(), mode, &info);
 }
 
+std::int32_t SndfileLibrary::openWide(const std::wstring& path, std::int32_t mode,
+                                      SndfileInfo& info) {
+    return library_.CallFunc("sf_wchar_open", path.c_str(), mode, &info);
+}
+
 std::int32_t SndfileLibrary::error(std::int32_t file) {
     return library_.CallFunc("sf_error", file);
 }

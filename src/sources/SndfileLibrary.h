@@ -19,6 +19,7 @@ public:
     [[nodiscard]] bool loaded() const noexcept { return library_.ModuleHandle() != 0; }
 
     std::int32_t open(const std::string& ansiPath, std::int32_t mode, SndfileInfo& info);
+    std::int32_t openWide(const std::wstring& path, std::int32_t mode, SndfileInfo& info);
     std::int32_t error(std::int32_t file);
     std::int32_t strerror(std::int32_t file);
     std::int32_t errorNumber(std::int32_t number);

@@ -1,18 +1,21 @@
 #include "stream/FileAccess.h"
 
-#include "platform/AnsiText.h"
+#include "stream/FileName.h"
 
 namespace corvina {
 
 FileRecord FileAccess::open(const std::wstring& path, DWORD desiredAccess, DWORD shareMode,
                             DWORD creationDisposition) const {
-    const AnsiText name = toAnsi(path);
-    if (name.lossy)
-        return {.handle = {}, .path = path};
-    return {.handle =
-                FileHandle(files_, files_.createFile(name.text.c_str(), desiredAccess, shareMode,
-                                                     nullptr, creationDisposition, 0, nullptr)),
-            .path = path};
+    const FileName name = fileName(path);
+    FileHandle handle;
+    if (name.fitsAnsi)
+        handle = FileHandle(files_, files_.createFile(name.ansi.c_str(), desiredAccess, shareMode,
+                                                      nullptr, creationDisposition, 0, nullptr));
+    else if (!name.impossible)
+        handle =
+            FileHandle(files_, files_.createFileWide(name.wide.c_str(), desiredAccess, shareMode,
+                                                     nullptr, creationDisposition, 0, nullptr));
+    return {.handle = std::move(handle), .path = path};
 }
 
 FileRecord FileAccess::openForReading(const std::wstring& path) const {

@@ -3,8 +3,8 @@
 // The file functions that sources share: thin wrappers over the platform's, with 32-bit positions.
 //
 // A record is an open file and the path it was opened with; it closes the file at its own end. A
-// path that the ANSI code page cannot spell, or that holds a character of code 0, would open some
-// other file and so opens none.
+// path opens its own file and no other, also if the ANSI code page cannot spell it or if it is
+// longer than 260 characters. The name of a device opens nothing.
 
 #include "platform/FileApi.h"
 

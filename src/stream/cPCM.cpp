@@ -3,6 +3,9 @@
 #include "platform/ErrorBoxes.h"
 #include "runtime/OutOfMemory.h"
 #include "runtime/Rounding.h"
+#include "stream/AcmConversion.h"
+#include "stream/ConverterFormats.h"
+#include "stream/LinearConversion.h"
 #include "stream/PcmFormat.h"
 #include "stream/cSoundSTRM.h"
 
@@ -24,47 +27,9 @@ constexpr std::int32_t largestBuffer = 64 * 1024 * 1024;
 // sound the stream counts as ended.
 constexpr int mostFillsWithoutOutput = 64;
 
-// 4-bit ADPCM plays as 8 bits, 24 and 32 bits as 16.
-std::uint16_t outputWidth(std::uint16_t sourceBits, bool force16Bit) {
-    return force16Bit || sourceBits > 8 ? 16 : 8;
-}
-
-// In these formats the number of samples in a block follows the record; in the first one also the
-// seven pairs of coefficients, and their number.
-bool countsSamples(const WAVEFORMATEX& record) {
-    switch (record.wFormatTag) {
-    case WAVE_FORMAT_ADPCM:
-        return record.cbSize == 2 * sizeof(WORD) + 7 * sizeof(ADPCMCOEFSET);
-    case WAVE_FORMAT_IMA_ADPCM:
-    case WAVE_FORMAT_GSM610:
-        return record.cbSize == sizeof(WORD);
-    default:
-        return false;
-    }
-}
-
-// Some codecs divide by these fields without a look at them.
-bool isComplete(const WAVEFORMATEX& record) {
-    WORD samplesInBlock = 1;
-    if (countsSamples(record))
-        std::memcpy(&samplesInBlock, &record + 1, sizeof samplesInBlock);
-    return record.nChannels != 0 && record.nSamplesPerSec != 0 && record.nBlockAlign != 0 &&
-           samplesInBlock != 0;
-}
-
-// No block of compressed sound is larger: a record counts up to 65535 samples in one, of half a
-// byte each in two channels.
-constexpr std::int64_t largestBlock = 128 * 1024;
-
-// How far a codec may read in a buffer of that many bytes. Those of the platform read complete PCM
-// samples, and as many compressed ones as the record counts, even if the record's blocks are too
-// small for them.
-std::int64_t bytesInReach(const WAVEFORMATEX& format, std::int64_t bytes) {
-    if (format.wFormatTag != WAVE_FORMAT_PCM)
-        return bytes + largestBlock;
-    const int sampleBytes = format.nChannels * ((format.wBitsPerSample + 7) / 8);
-    return bytes * std::max(1, (sampleBytes + format.nBlockAlign - 1) / format.nBlockAlign);
-}
+// A codec may hold back what it has decoded, up to as much again as it has returned by the end of
+// the data. One that goes on beyond that would keep the host waiting.
+constexpr std::int64_t mostFillsAtEnd = 64;
 
 // The 16-bit elements of an output buffer of that many bytes. Half an element rounds to even and
 // may be rounded away.
@@ -72,12 +37,11 @@ std::size_t elementsOf(std::int32_t outputBytes) {
     return static_cast<std::size_t>(roundToInt32(outputBytes / 2.0 - 1) + 1);
 }
 
-template <typename Buffer>
-void silence(Buffer& buffer) noexcept {
-    std::fill(buffer.begin(), buffer.end(), typename Buffer::value_type{});
-}
-
 } // namespace
+
+bool cPCM::Exhausted() const noexcept {
+    return ended_ && !blocksLeft_ && readOffset_ >= available_;
+}
 
 std::int32_t cPCM::OutputSamplerate() const noexcept {
     return static_cast<std::int32_t>(outputFormat_.nSamplesPerSec);
@@ -92,34 +56,19 @@ std::int16_t cPCM::OutputBitsPerSample() const noexcept {
 }
 
 bool cPCM::InitConversion(cSoundSTRM& source, cCallback* observer, bool force16Bit) {
-    stream_.reset();
-    const WAVEFORMATEX* const record = source.WFXPointer();
+    conversion_.reset();
+    const WAVEFORMATEX* const record = deliveredRecord(source, deliveredFormat_);
     if (!record || !isComplete(*record))
         return false;
     sourceFormat_ = *record;
     const bool force = source.Info().Force16Bit() || force16Bit;
     outputFormat_ = pcmFormat(sourceFormat_.nSamplesPerSec, sourceFormat_.nChannels,
                               outputWidth(sourceFormat_.wBitsPerSample, force));
-
-    if (!openStream(source)) {
-        // Only the caller's own wish forbids the other width; a source's does not.
-        if (force16Bit)
-            return false;
-        // Deliberate: block align and average rate stay those of the first width. Codecs go by the
-        // width, and the player announces the same mixed record to the device.
-        outputFormat_.wBitsPerSample = outputFormat_.wBitsPerSample == 16 ? 8 : 16;
-        if (!openStream(source)) {
-            // Some codecs go by the complete record (GSM 6.10 is one) and did not take the mixed
-            // one for PCM.
-            outputFormat_ = pcmFormat(sourceFormat_.nSamplesPerSec, sourceFormat_.nChannels,
-                                      outputFormat_.wBitsPerSample);
-            if (!openStream(source))
-                return false;
-        }
-    }
-    const std::optional<Sizes> sizes = measureStream();
+    if (!openManaged(source, force16Bit) && !openLinear(*record, false))
+        return false;
+    const std::optional<Sizes> sizes = measure();
     if (!sizes || !sizeBuffers(*sizes)) {
-        stream_.reset();
+        conversion_.reset();
         return false;
     }
     source_ = &source;
@@ -130,53 +79,96 @@ bool cPCM::InitConversion(cSoundSTRM& source, cCallback* observer, bool force16B
     return true;
 }
 
+bool cPCM::openManaged(cSoundSTRM& source, bool onlyThisWidth) {
+    if (openStream(source))
+        return true;
+    // Only the caller's own wish forbids the other width; a source's does not.
+    if (onlyThisWidth)
+        return false;
+    // Deliberate: block align and average rate stay those of the first width. Codecs go by the
+    // width, and the player announces the same mixed record to the device.
+    outputFormat_.wBitsPerSample = outputFormat_.wBitsPerSample == 16 ? 8 : 16;
+    if (openStream(source))
+        return true;
+    // Some codecs go by the complete record (GSM 6.10 is one) and did not take the mixed one for
+    // PCM.
+    outputFormat_ = pcmFormat(sourceFormat_.nSamplesPerSec, sourceFormat_.nChannels,
+                              outputFormat_.wBitsPerSample);
+    return openStream(source);
+}
+
+bool cPCM::openLinear(const WAVEFORMATEX& record, bool mixed) {
+    const std::optional<LinearFormat> format =
+        mixed ? linearFormat(record) : linearBeyondManager(record);
+    if (!format)
+        return false;
+    auto linear = std::make_unique<LinearConversion>(*format, mixed);
+    outputFormat_ =
+        pcmFormat(record.nSamplesPerSec, static_cast<WORD>(linear->outputChannels()), 16);
+    conversion_ = std::move(linear);
+    managed_ = false;
+    return true;
+}
+
+bool cPCM::mixToStereo() {
+    if (!source_ || !conversion_ || sourceFormat_.nChannels <= 2)
+        return false;
+    const WAVEFORMATEX* const record = deliveredRecord(*source_, deliveredFormat_);
+    if (!record || !openLinear(*record, true))
+        return false;
+    const std::optional<Sizes> sizes = measure();
+    return sizes && sizeBuffers(*sizes);
+}
+
 bool cPCM::InitConversion2(cSoundSTRM& source, cCallback* observer, bool force16Bit) {
     return InitConversion(source, observer, force16Bit);
 }
 
 void cPCM::ResetACM() {
-    if (!stream_)
+    if (!conversion_)
         return;
+    const bool managed = managed_;
+    const bool mixed = OutputChannels() != static_cast<std::int16_t>(sourceFormat_.nChannels);
     CloseConverter();
     // The results do not matter: without a stream every conversion fails, and playback runs out.
-    (void)openStream(*source_);
-    if (const std::optional<Sizes> sizes = measureStream())
+    if (managed)
+        (void)openStream(*source_);
+    else if (const WAVEFORMATEX* record = deliveredRecord(*source_, deliveredFormat_))
+        (void)openLinear(*record, mixed);
+    if (const std::optional<Sizes> sizes = measure())
         (void)sizeBuffers(*sizes);
+    silenceBuffers();
     restart();
-    // What was converted before the seek has become silence and is still handed out.
+    // What was converted before the seek has become silence and is still returned.
 }
 
 bool cPCM::CloseConverter() noexcept {
-    stream_.reset();
-    silence(sourceBuffer_);
-    silence(outputBuffer_);
+    conversion_.reset();
+    silenceBuffers();
     return true;
 }
 
 bool cPCM::openStream(cSoundSTRM& source) {
-    HACMSTREAM opened = nullptr;
-    auto* const format = const_cast<WAVEFORMATEX*>(source.WFXPointer());
-    if (!format || acm_.streamOpen(&opened, nullptr, format, &outputFormat_, nullptr, 0, 0, 0) != 0)
-        opened = nullptr;
-    stream_ = AcmStream(acm_, opened);
-    return opened != nullptr;
+    const WAVEFORMATEX* const record = deliveredRecord(source, deliveredFormat_);
+    conversion_ = record ? AcmConversion::open(acm_, *record, outputFormat_) : nullptr;
+    managed_ = conversion_ != nullptr;
+    return managed_;
 }
 
-std::optional<cPCM::Sizes> cPCM::measureStream() const {
+std::optional<cPCM::Sizes> cPCM::measure() const {
     const auto bytesPerSecond = static_cast<std::int32_t>(outputFormat_.nAvgBytesPerSec);
     const std::int32_t output = roundToInt32(bytesPerSecond * bufferSeconds);
-    if (output < 0 || output > largestBuffer)
+    if (!conversion_ || output < 0 || output > largestBuffer)
         return std::nullopt;
-    DWORD source = 0;
-    if (acm_.streamSize(stream_.get(), static_cast<DWORD>(output), &source,
-                        ACM_STREAMSIZEF_DESTINATION) != 0 ||
-        source > static_cast<DWORD>(largestBuffer))
+    const std::optional<std::uint32_t> source =
+        conversion_->sourceBytes(static_cast<std::uint32_t>(output));
+    if (!source || *source > static_cast<std::uint32_t>(largestBuffer))
         return std::nullopt;
-    const std::int64_t reach = bytesInReach(sourceFormat_, source);
+    const std::int64_t reach = bytesInReach(sourceFormat_, *source);
     if (reach > largestBuffer + largestBlock)
         return std::nullopt;
     return Sizes{.output = output,
-                 .source = static_cast<std::int32_t>(source),
+                 .source = static_cast<std::int32_t>(*source),
                  .sourceReach = static_cast<std::int32_t>(reach)};
 }
 
@@ -196,62 +188,82 @@ void cPCM::restart() noexcept {
     ended_ = false;
     first_ = true;
     leftover_ = 0;
+    blocksLeft_ = false;
+    fillsAtEnd_ = 0;
     fillsWithoutOutput_ = 0;
+}
+
+// Silence is 0x80 in samples of 8 bits.
+void cPCM::silenceBuffers() noexcept {
+    const std::int16_t silent = OutputBitsPerSample() == 8 ? static_cast<std::int16_t>(0x8080) : 0;
+    std::fill(outputBuffer_.begin(), outputBuffer_.end(), silent);
+    std::fill(sourceBuffer_.begin(), sourceBuffer_.end(), std::uint8_t{0});
 }
 
 // Converts that many bytes of the source buffer. What came of them is then available, nothing after
 // a failure.
-void cPCM::convert(std::int32_t length, bool endOfData) noexcept {
-    ACMSTREAMHEADER header{};
-    header.cbStruct = sizeof header;
-    header.pbSrc = sourceBuffer_.data();
-    header.cbSrcLength = static_cast<DWORD>(length);
-    header.pbDst = reinterpret_cast<BYTE*>(outputBuffer_.data());
-    header.cbDstLength = static_cast<DWORD>(sizes_.output);
-
-    DWORD flags = ACM_STREAMCONVERTF_BLOCKALIGN;
-    if (first_)
-        flags |= ACM_STREAMCONVERTF_START;
-    if (endOfData)
-        flags |= ACM_STREAMCONVERTF_END;
-
+void cPCM::convert(std::int32_t length) noexcept {
     available_ = 0;
-    acm_.streamPrepareHeader(stream_.get(), &header, 0);
+    blocksLeft_ = false;
+    if (!conversion_)
+        return;
+    const auto bytes = static_cast<std::size_t>(length);
+    auto* const output = reinterpret_cast<std::uint8_t*>(outputBuffer_.data());
+    const std::optional<ConvertedBytes> converted = conversion_->convert(
+        std::span(sourceBuffer_).first(bytes),
+        std::span(output, static_cast<std::size_t>(sizes_.output)), first_, ended_);
     // A failed first conversion is not repeated: the next one goes on in the middle of the stream.
     first_ = false;
-    if (acm_.streamConvert(stream_.get(), &header, flags) == 0) {
-        const DWORD used = std::min(header.cbSrcLengthUsed, static_cast<DWORD>(length));
-        leftover_ = length - static_cast<std::int32_t>(used);
-        std::memmove(sourceBuffer_.data(), sourceBuffer_.data() + used,
-                     static_cast<std::size_t>(leftover_));
-        available_ = static_cast<std::int32_t>(
-            std::min(header.cbDstLengthUsed, static_cast<DWORD>(sizes_.output)));
-    }
-    acm_.streamUnprepareHeader(stream_.get(), &header, 0);
+    if (!converted)
+        return;
+    const auto used = static_cast<std::int32_t>(converted->used);
+    leftover_ = length - used;
+    std::memmove(sourceBuffer_.data(), sourceBuffer_.data() + used,
+                 static_cast<std::size_t>(leftover_));
+    available_ = static_cast<std::int32_t>(converted->produced);
+    // The output may have been full before the codec came to the end of a compressed stream: then
+    // blocks are left here, or decoded samples in the codec.
+    const bool full = available_ > sizes_.output - outputFormat_.nBlockAlign;
+    const bool heldBack = full && sourceFormat_.wFormatTag != WAVE_FORMAT_PCM && managed_;
+    const bool left = used > 0 && leftover_ >= sourceFormat_.nBlockAlign;
+    fillsAtEnd_ += ended_ ? 1 : -1;
+    blocksLeft_ = ended_ && (heldBack || left) && fillsAtEnd_ < mostFillsAtEnd;
+}
+
+// The bytes to read so that the source buffer then ends with a block. So the source is always
+// between two blocks, and what is left here fits what it delivers after a seek.
+std::int32_t cPCM::bytesToRead() const noexcept {
+    const std::int32_t most = sizes_.source - leftover_;
+    const std::int32_t beyondBlock = sizes_.source % sourceFormat_.nBlockAlign;
+    return most > beyondBlock ? most - beyondBlock : most;
 }
 
 // Replaces the output buffer's content; whether anything more can come.
 bool cPCM::fill() {
-    if (ended_) {
+    if (ended_ && !blocksLeft_) {
         available_ = 0;
         readOffset_ = 0;
-        silence(outputBuffer_);
-        silence(sourceBuffer_);
+        silenceBuffers();
         return false;
     }
-    const std::int32_t asked = sizes_.source - leftover_;
     std::int32_t delivered = 0;
-    const auto read = [&] {
-        const NoErrorBoxes quiet;
-        return source_->Read(sourceBuffer_.data() + leftover_, asked, delivered);
-    };
-    if (read() != SourceResult::done)
-        ended_ = true;
-    convert(leftover_ + std::clamp(delivered, 0, asked), ended_);
+    if (!ended_) {
+        const std::int32_t asked = bytesToRead();
+        const auto read = [&] {
+            const NoErrorBoxes quiet;
+            return source_->Read(sourceBuffer_.data() + leftover_, asked, delivered);
+        };
+        if (read() != SourceResult::done)
+            ended_ = true;
+        delivered = std::clamp(delivered, 0, asked);
+    }
+    convert(leftover_ + delivered);
     readOffset_ = 0;
     fillsWithoutOutput_ = available_ > 0 ? 0 : fillsWithoutOutput_ + 1;
-    if (fillsWithoutOutput_ >= mostFillsWithoutOutput)
+    if (fillsWithoutOutput_ >= mostFillsWithoutOutput) {
         ended_ = true;
+        blocksLeft_ = false;
+    }
     deliver();
     return true;
 }

@@ -1,19 +1,21 @@
 #pragma once
 
-// Converts the bytes of a source to PCM of 8 or 16 bits with the audio compression manager. It
-// converts half a second at a time and returns the result in pieces of any size. Every source is
-// played through it, those that deliver PCM too.
+// Converts the bytes of a source to PCM of 8 or 16 bits, half a second at a time, and returns it in
+// pieces of any size. Every source is played through it. The audio compression manager is asked
+// first; linear samples that it refuses are converted here.
 //
 // Call InitConversion once the source is open, GetSamples repeatedly, ResetACM after each seek of
 // the source, CloseConverter at the end (the destructor does it too). One thread. The source and
-// the observer must outlive the converter or be replaced by another InitConversion. No reference to
-// the observer is counted: a control that observes its own converter would otherwise never be
-// released. A run-time error raised by the source passes through.
+// the observer must outlive the converter or be replaced by another InitConversion. The observer is
+// not counted: a control that observes its own converter would otherwise never be released. A
+// run-time error raised by the source passes through.
 
 #include "platform/AcmApi.h"
+#include "stream/Conversion.h"
 #include "stream/SampleArray.h"
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -32,7 +34,7 @@ public:
     // The source has reported the end of its data. Converted samples may still be left.
     [[nodiscard]] bool EndOfStream() const noexcept { return ended_; }
     // The source has reported the end of its data, and no converted samples are left.
-    [[nodiscard]] bool Exhausted() const noexcept { return ended_ && readOffset_ >= available_; }
+    [[nodiscard]] bool Exhausted() const noexcept;
     [[nodiscard]] std::int32_t OutputSamplerate() const noexcept;
     [[nodiscard]] std::int16_t OutputChannels() const noexcept;
     [[nodiscard]] std::int16_t OutputBitsPerSample() const noexcept;
@@ -40,14 +42,16 @@ public:
     // Copies up to that many bytes. False only without a source. Fewer bytes are returned only at
     // the end of the data. A destination that cannot be written is skipped, and counted as written.
     bool GetSamples(void* buffer, std::int32_t bytes, std::int32_t& bytesReturned);
-    // Converts afresh after the source was repositioned. What is left in the output buffer is
-    // silenced but still handed out.
+    // For a source that was repositioned. What was converted before becomes silence.
     void ResetACM();
-    // Always true.
-    bool CloseConverter() noexcept;
-    // False if no conversion of the source's format is possible. The observer may be null; it is
-    // called with each converted block of 16-bit samples.
+    bool CloseConverter() noexcept; // always true
+    // False if the source's format cannot be converted. The observer may be null; it is called with
+    // each converted block of 16-bit samples.
     bool InitConversion(cSoundSTRM& source, cCallback* observer, bool force16Bit);
+    // For a device that takes two channels at most: from now on two come out, mixed by the
+    // channels' places. Before the first GetSamples. False for fewer channels and for compressed
+    // sound.
+    [[nodiscard]] bool mixToStereo();
     // A second entry to the same steps.
     bool InitConversion2(cSoundSTRM& source, cCallback* observer, bool force16Bit);
 
@@ -58,28 +62,36 @@ private:
         std::int32_t sourceReach; // bytes that a codec may read of them and behind them
     };
 
+    [[nodiscard]] bool openManaged(cSoundSTRM& source, bool onlyThisWidth);
     [[nodiscard]] bool openStream(cSoundSTRM& source);
-    [[nodiscard]] std::optional<Sizes> measureStream() const;
+    [[nodiscard]] bool openLinear(const WAVEFORMATEX& record, bool mixed);
+    [[nodiscard]] std::optional<Sizes> measure() const;
     [[nodiscard]] bool sizeBuffers(const Sizes& sizes);
     void restart() noexcept;
+    void silenceBuffers() noexcept;
+    [[nodiscard]] std::int32_t bytesToRead() const noexcept;
     [[nodiscard]] bool fill();
-    void convert(std::int32_t length, bool endOfData) noexcept;
+    void convert(std::int32_t length) noexcept;
     void deliver();
 
     const AcmApi& acm_;
     cSoundSTRM* source_ = nullptr;
     cCallback* observer_ = nullptr;
-    AcmStream stream_;
+    std::unique_ptr<Conversion> conversion_;
+    bool managed_ = false;           // the conversion is the manager's
+    WAVEFORMATEX deliveredFormat_{}; // if it is not the source's own record
     WAVEFORMATEX sourceFormat_{};
     WAVEFORMATEX outputFormat_{};
     std::vector<std::uint8_t> sourceBuffer_;
     std::vector<std::int16_t> outputBuffer_;
     SampleArray outputArray_;
     Sizes sizes_{};
-    std::int32_t readOffset_ = 0; // bytes of the output buffer handed out
+    std::int32_t readOffset_ = 0; // bytes of the output buffer that were returned
     std::int32_t available_ = 0;  // converted bytes in the output buffer
     std::int32_t leftover_ = 0;   // unconverted bytes at the front of the source buffer
     int fillsWithoutOutput_ = 0;
+    std::int64_t fillsAtEnd_ = 0; // less those before the end
+    bool blocksLeft_ = false;     // the end of the stream is still to be converted
     bool ended_ = false;
     bool first_ = true;
 };

@@ -24,6 +24,16 @@ inline HANDLE WINAPI createFile(LPCSTR name, DWORD access, DWORD share,
     return handle;
 }
 
+inline HANDLE WINAPI createFileWide(LPCWSTR name, DWORD access, DWORD share,
+                                    LPSECURITY_ATTRIBUTES security, DWORD disposition, DWORD flags,
+                                    HANDLE pattern) {
+    if (fileFaults.strikes("CreateFileWide"))
+        return INVALID_HANDLE_VALUE;
+    const HANDLE handle = ::CreateFileW(name, access, share, security, disposition, flags, pattern);
+    openFiles += handle != INVALID_HANDLE_VALUE;
+    return handle;
+}
+
 // A close that reports a failure has closed all the same.
 inline BOOL WINAPI closeHandle(HANDLE handle) {
     const bool fails = fileFaults.strikes("CloseHandle");
@@ -54,6 +64,18 @@ inline HANDLE WINAPI findFirstFile(LPCSTR name, LPWIN32_FIND_DATAA entry) {
 
 inline BOOL WINAPI findNextFile(HANDLE listing, LPWIN32_FIND_DATAA entry) {
     return !fileFaults.strikes("FindNextFile") && ::FindNextFileA(listing, entry);
+}
+
+inline HANDLE WINAPI findFirstFileWide(LPCWSTR name, LPWIN32_FIND_DATAW entry) {
+    if (fileFaults.strikes("FindFirstFileWide"))
+        return INVALID_HANDLE_VALUE;
+    const HANDLE listing = ::FindFirstFileW(name, entry);
+    openFiles += listing != INVALID_HANDLE_VALUE;
+    return listing;
+}
+
+inline BOOL WINAPI findNextFileWide(HANDLE listing, LPWIN32_FIND_DATAW entry) {
+    return !fileFaults.strikes("FindNextFileWide") && ::FindNextFileW(listing, entry);
 }
 
 inline BOOL WINAPI findClose(HANDLE listing) {
@@ -96,9 +118,16 @@ inline MMRESULT WINAPI mmioClose(HMMIO handle, UINT flags) {
 
 } // namespace faulty
 
-inline const FileApi faultyFileApi{
-    faulty::createFile,    faulty::closeHandle,  faulty::readFile, faulty::setFilePointer,
-    faulty::findFirstFile, faulty::findNextFile, faulty::findClose};
+inline const FileApi faultyFileApi{.createFile = faulty::createFile,
+                                   .closeHandle = faulty::closeHandle,
+                                   .readFile = faulty::readFile,
+                                   .setFilePointer = faulty::setFilePointer,
+                                   .findFirstFile = faulty::findFirstFile,
+                                   .findNextFile = faulty::findNextFile,
+                                   .findClose = faulty::findClose,
+                                   .createFileWide = faulty::createFileWide,
+                                   .findFirstFileWide = faulty::findFirstFileWide,
+                                   .findNextFileWide = faulty::findNextFileWide};
 
 inline const MmioApi faultyMmioApi{faulty::mmioOpen,    faulty::mmioStringToFourcc,
                                    faulty::mmioDescend, faulty::mmioRead,

@@ -1,6 +1,6 @@
 #pragma once
 
-// A source whose bytes, format and answers a test lays down.
+// A source whose bytes, format and results a test lays down.
 
 #include "stream/StrmTags.h"
 #include "stream/cSoundSTRM.h"
@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <cstring>
 #include <functional>
+#include <optional>
 #include <vector>
 
 namespace corvina::test {
@@ -24,9 +25,11 @@ public:
     std::size_t position = 0;
     bool force16Bit = false;
     bool hasFormat = true;
+    // What BitsPerSample says, if not what the record says.
+    std::optional<WORD> deliveredBits;
     // The counts that Read was asked for.
     std::vector<std::int32_t> asked;
-    // Where set, it answers Read instead: buffer, count, count read by reference; the result.
+    // If set, it is called instead of reading: buffer, count, count read by reference; the result.
     std::function<std::int32_t(void*, std::int32_t, std::int32_t&)> respond;
 
     cSoundInf& Info() override { return *this; }
@@ -60,7 +63,7 @@ public:
     std::int32_t SampleRate() override { return static_cast<std::int32_t>(format.nSamplesPerSec); }
     std::int16_t Channels() override { return static_cast<std::int16_t>(format.nChannels); }
     std::int16_t BitsPerSample() override {
-        return static_cast<std::int16_t>(format.wBitsPerSample);
+        return static_cast<std::int16_t>(deliveredBits.value_or(format.wBitsPerSample));
     }
     std::int32_t Bitrate() override {
         return static_cast<std::int32_t>(format.nAvgBytesPerSec) * 8;

@@ -8,6 +8,7 @@
 #include "sources/DecSND.h"
 #include "sources/DecWAV.h"
 #include "sources/DecWMAMP3.h"
+#include "sources/SourceAlias.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -33,10 +34,11 @@ protected:
 };
 
 TEST_F(RealSources, stand_in_the_order_in_which_an_extension_is_looked_for) {
-    EXPECT_EQ(list.count(), 6u);
+    EXPECT_EQ(list.count(), 8u);
     EXPECT_THAT(list.allExtensions(),
                 ElementsAre(L"ape", L"ogg", L"wav", L"au", L"snd", L"aiff", L"aifc", L"voc", L"vox",
-                            L"wma", L"mp3", L"wmv", L"cda"));
+                            L"wma", L"mp3", L"wmv", L"cda", L"wave", L"bwf", L"rf64", L"bw64",
+                            L"mp2", L"asf"));
 }
 
 TEST_F(RealSources, serve_a_name_without_an_extension_with_the_first) {
@@ -50,6 +52,8 @@ TEST_F(RealSources, serve_their_extensions_in_any_case) {
     EXPECT_TRUE(serves<DecSND>(L"song.aif"));
     EXPECT_TRUE(serves<DecWMAMP3>(L"song.MP3"));
     EXPECT_TRUE(serves<DecCDA>(L"D:\\Track01.cda"));
+    EXPECT_TRUE(serves<SourceAlias<DecWAV>>(L"song.Wave"));
+    EXPECT_TRUE(serves<SourceAlias<DecWMAMP3>>(L"song.mp2"));
 }
 
 } // namespace

@@ -5,19 +5,22 @@
 #include "sources/DecSND.h"
 #include "support/StandIns.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace corvina::test {
 
 inline constexpr std::int32_t handle = 0x5F11E;
 
-// What the stand-in results.
+// What the stand-in returns.
 struct SndResults {
     std::int32_t open = handle;
     SndfileInfo info{1000, 0, 1000, 2, 0x030002, 1, 1, 0};
+    std::vector<float> floats;  // what a floating-point file holds
     std::int32_t end = 1000;    // sf_seek to the end
     std::int32_t current = 0;   // sf_seek by 0
     std::int32_t readItems = 0; // sf_read_short
@@ -27,10 +30,22 @@ class SndCalls : public testing::Test {
 protected:
     SndCalls() {
         results = {};
-        libraries.add("libsndfile.dll", {{"sf_open", standIn(&sfOpen)},
-                                         {"sf_seek", standIn(&sfSeek)},
-                                         {"sf_read_short", standIn(&sfReadShort)},
-                                         {"sf_close", standIn(&sfClose)}});
+        libraries.add("libsndfile.dll", usual());
+    }
+
+    // The functions that every use calls.
+    static StandIns::Exports usual() {
+        return {{"sf_open", standIn(&sfOpen)},
+                {"sf_seek", standIn(&sfSeek)},
+                {"sf_read_short", standIn(&sfReadShort)},
+                {"sf_close", standIn(&sfClose)}};
+    }
+    // Adds one that only some files need.
+    template <typename Function>
+    void addExport(const char* name, Function* function) {
+        StandIns::Exports exports = usual();
+        exports[name] = standIn(function);
+        libraries.add("libsndfile.dll", exports);
     }
 
     DecSND& opened() {
@@ -44,8 +59,26 @@ protected:
         return source.SeekTo(value, mode);
     }
 
+    static std::int32_t __cdecl sfWcharOpen(const wchar_t* path, std::int32_t mode,
+                                            SndfileInfo* info) {
+        openedName = path;
+        StandIns::record("sf_wchar_open", {mode});
+        if (results.open != 0)
+            *info = results.info;
+        return results.open;
+    }
+
+    static std::int32_t __cdecl sfReadFloat(std::int32_t file, float* buffer, std::int32_t low,
+                                            std::int32_t high) {
+        StandIns::record("sf_read_float", {file, low, high});
+        const std::int32_t items = std::min(low, static_cast<std::int32_t>(results.floats.size()));
+        std::copy_n(results.floats.begin(), items, buffer);
+        return items;
+    }
+
     static inline SndResults results;
     static inline std::string openedPath;
+    static inline std::wstring openedName; // by its characters
     StandIns libraries;
 
 private:

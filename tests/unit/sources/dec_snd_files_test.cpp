@@ -22,6 +22,25 @@ TEST(SndFiles, sixteen_bit_files_decode_to_the_very_samples_they_hold) {
     }
 }
 
+TEST(SndFiles, floating_point_files_keep_their_level) {
+    for (const wchar_t* name : {L"float.au", L"float.aiff"}) {
+        DecSND source;
+        ASSERT_EQ(source.OpenSource(mediaFile(name)), 0);
+        EXPECT_TRUE(readToEnd(source).bytes == samplesOf(L"tune.wav")) << name;
+        EXPECT_EQ(source.CloseSource(), 0);
+        EXPECT_EQ(source.Duration(), 3000);
+        EXPECT_EQ(source.Position(), 0);
+    }
+}
+
+TEST(SndFiles, names_that_the_code_page_lacks_play) {
+    TempFolder folder;
+    DecSND source;
+    ASSERT_EQ(source.OpenSource(folder.write(L"\x4E00.au", fileBytes(mediaFile(L"tune.au")))), 0);
+    EXPECT_TRUE(readToEnd(source).bytes == samplesOf(L"tune.wav"));
+    source.CloseSource();
+}
+
 TEST(SndFiles, eight_and_24_bit_files_say_16_bits_over_a_record_that_says_8_and_24) {
     for (const auto& [name, bits] : {std::pair{L"8bit.aiff", 8}, std::pair{L"24bit.aiff", 24}}) {
         DecSND source;

@@ -132,5 +132,33 @@ TEST_F(SndCalls, a_rate_of_0_makes_times_a_division_by_zero) {
     EXPECT_THROW((void)opened().Duration(), RuntimeError);
 }
 
+TEST_F(SndCalls, floating_point_files_are_read_as_such_and_keep_their_level) {
+    addExport("sf_read_float", &sfReadFloat);
+    for (const std::int32_t subtype : {6, 7}) {
+        results.info.format = 0x030000 | subtype;
+        results.floats = {0.0F, 0.5F, -0.5F, 1.0F, -1.0F, 7.5F, -7.5F, 1.0F / 32768};
+        DecSND& source = opened();
+        std::int16_t samples[8] = {};
+        std::int32_t got = 0;
+        EXPECT_EQ(source.Read(samples, 16, got), 0);
+        EXPECT_EQ(got, 16);
+        EXPECT_THAT(samples,
+                    testing::ElementsAre(0, 16384, -16384, 32767, -32768, 32767, -32768, 1));
+        EXPECT_THAT(libraries.calls, testing::ElementsAre(Call{"sf_read_float", {handle, 8, 0}}));
+        EXPECT_EQ(source.Read(samples, 18, got), 5);
+        EXPECT_EQ(got, 16);
+    }
+}
+
+TEST_F(SndCalls, a_closed_file_still_has_its_duration_and_is_at_its_start) {
+    results.info.framesLow = 8000;
+    DecSND& source = opened();
+    ASSERT_EQ(source.Duration(), 8000);
+    results.current = 0;
+    source.CloseSource();
+    EXPECT_EQ(source.Duration(), 8000);
+    EXPECT_EQ(source.Position(), 0);
+}
+
 } // namespace
 } // namespace corvina::test

@@ -56,11 +56,21 @@ TEST_F(SndCalls, a_file_that_the_library_refuses_returns_1) {
     EXPECT_THAT(libraries.calls, ElementsAre(Call{"sf_open", {16}}));
 }
 
-TEST_F(SndCalls, a_path_that_would_name_another_file_returns_1_and_is_not_opened) {
+TEST_F(SndCalls, a_name_that_no_file_has_returns_1_and_is_not_opened) {
     DecSND source(StandIns::api());
-    EXPECT_EQ(source.OpenSource(L"\x4E00.au"), 1);
-    EXPECT_EQ(source.OpenSource(std::wstring(L"a.au\0b", 6)), 1);
+    for (const std::wstring& name :
+         {std::wstring(L"a.au\0b", 6), std::wstring(), std::wstring(L"AUX.au"),
+          std::wstring(L"C:\\folder\\com1.snd")})
+        EXPECT_EQ(source.OpenSource(name), 1);
     EXPECT_THAT(libraries.calls, IsEmpty());
+}
+
+TEST_F(SndCalls, a_name_that_the_code_page_lacks_is_opened_by_its_characters) {
+    addExport("sf_wchar_open", &sfWcharOpen);
+    DecSND source(StandIns::api());
+    EXPECT_EQ(source.OpenSource(L"\x4E00.au"), 0);
+    EXPECT_EQ(libraries.calls.front(), (Call{"sf_wchar_open", {16}}));
+    EXPECT_EQ(openedName, L"\x4E00.au");
 }
 
 TEST_F(SndCalls, open_on_an_open_object_closes_the_old_file_first_also_when_the_new_open_fails) {

@@ -3,6 +3,7 @@
 #include "sources/DecWAV.h"
 #include "stream/cPCM.h"
 
+#include "platform/AnsiText.h"
 #include "runtime/RuntimeError.h"
 #include "support/FaultyFiles.h"
 #include "support/FileBytes.h"
@@ -144,9 +145,56 @@ TEST_F(WavCodecs, adpcm_sounds_like_the_original) {
     }
 }
 
-TEST_F(WavCodecs, formats_without_a_codec_are_refused) {
-    EXPECT_FALSE(open(mediaFile(L"float.wav")));
-    EXPECT_FALSE(open(mediaFile(L"extensible.wav")));
+// All hold the same 16-bit samples, in other widths and forms.
+TEST_F(WavCodecs, linear_samples_without_a_codec_come_through_bit_for_bit) {
+    ASSERT_TRUE(open(mediaFile(L"tune.wav")));
+    const Bytes samples = pullAll();
+    for (const wchar_t* const name : {L"float.wav", L"double.wav", L"extensible.wav", L"32bit.wav",
+                                      L"rf64.wav", L"piped.wav", L"sox-piped.wav"}) {
+        wav_.CloseSource();
+        ASSERT_TRUE(open(mediaFile(name))) << toAnsi(name).text;
+        EXPECT_EQ(wav_.Duration(), 3000) << toAnsi(name).text;
+        EXPECT_EQ(converter_.OutputBitsPerSample(), 16);
+        EXPECT_TRUE(pullAll() == samples) << toAnsi(name).text;
+    }
+}
+
+TEST_F(WavCodecs, a_seek_lands_on_a_sample_without_a_word_to_the_converter) {
+    ASSERT_TRUE(open(mediaFile(L"tune.wav")));
+    const Bytes samples = pullAll();
+    for (const wchar_t* const name : {L"24bit.wav", L"extensible.wav", L"float.wav"}) {
+        wav_.CloseSource();
+        ASSERT_TRUE(open(mediaFile(name)));
+        Bytes before(8000);
+        std::int32_t got = 0;
+        ASSERT_TRUE(converter_.GetSamples(before.data(), 8000, got));
+        std::int32_t mode = SeekMode::seconds;
+        ASSERT_EQ(wav_.SeekTo(2, mode), 0);
+        const Bytes after = pullAll();
+        ASSERT_GT(after.size(), 44100u * 4);
+        EXPECT_TRUE(std::equal(after.end() - 44100 * 4, after.end(), samples.end() - 44100 * 4))
+            << toAnsi(name).text;
+    }
+}
+
+TEST_F(WavCodecs, six_channels_come_through_in_their_order_and_mix_to_two) {
+    ASSERT_TRUE(open(mediaFile(L"tune.wav")));
+    const Bytes two = pullAll();
+    wav_.CloseSource();
+    ASSERT_TRUE(open(mediaFile(L"six.wav")));
+    ASSERT_EQ(converter_.OutputChannels(), 6);
+    const Bytes six = pullAll();
+    ASSERT_EQ(six.size(), two.size() * 3);
+    for (std::size_t frame = 0; frame < two.size() / 4; ++frame)
+        ASSERT_TRUE(std::equal(&two[frame * 4], &two[frame * 4] + 4, &six[frame * 12])) << frame;
+    wav_.CloseSource();
+    ASSERT_TRUE(open(mediaFile(L"six.wav")));
+    ASSERT_TRUE(converter_.mixToStereo());
+    EXPECT_EQ(pullAll().size(), two.size());
+}
+
+TEST_F(WavCodecs, mp3_in_wav_plays_to_its_end) {
+    EXPECT_NEAR(secondsOf(L"mp3-in.wav", 16), 3.0, 0.08);
 }
 
 TEST_F(WavCodecs, the_observer_sees_all_16_bit_samples_in_order) {

@@ -40,7 +40,9 @@ Format format(const wchar_t* clip) {
 
 constexpr const wchar_t* wavClips[] = {L"clip.wav",           L"clip-ms-adpcm.wav",
                                        L"clip-ima-adpcm.wav", L"clip-mulaw.wav",
-                                       L"clip-alaw.wav",      L"clip-gsm.wav"};
+                                       L"clip-alaw.wav",      L"clip-gsm.wav",
+                                       L"clip-float.wav",     L"clip-24bit.wav",
+                                       L"clip-six.wav",       L"clip-rf64.wav"};
 
 // Reads up to 2 MB; a damaged header may promise any length.
 void readSome(cSoundSTRM& source, Bytes& buffer) {
@@ -167,7 +169,8 @@ TEST_P(HostileFiles, random_damage) {
 std::vector<Format> formats() {
     std::vector<Format> all{format<DecOGG>(L"clip.ogg"), format<DecAPE>(L"clip.ape"),
                             format<DecSND>(L"clip.au"),  format<DecSND>(L"clip.aiff"),
-                            format<DecSND>(L"clip.voc"), format<DecSND>(L"clip.vox")};
+                            format<DecSND>(L"clip.voc"), format<DecSND>(L"clip.vox"),
+                            format<DecSND>(L"clip-float.au")};
     for (const wchar_t* clip : wavClips)
         all.push_back(format<DecWAV>(clip));
     return all;

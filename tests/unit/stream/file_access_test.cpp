@@ -119,6 +119,43 @@ TEST_F(FileAccessTest, a_character_outside_the_code_page_opens_no_other_file) {
     EXPECT_FALSE(access_.openForReading(lossy).isOpen());
 }
 
+TEST_F(FileAccessTest, a_name_that_the_code_page_lacks_opens_its_own_file) {
+    folder_.write(L"_.bin", noise(9));
+    const std::wstring path = folder_.write(L"\x4E00\x0416.bin", noise(10));
+    EXPECT_TRUE(access_.exists(path));
+    const FileRecord file = access_.openForReading(path);
+    Bytes bytes(16);
+    EXPECT_EQ(access_.read(file, bytes.data(), 16), 10);
+}
+
+TEST_F(FileAccessTest, names_that_the_code_page_has_are_opened_in_it) {
+    const std::wstring path = folder_.write(L"a.bin", noise(10));
+    EXPECT_TRUE(access_.exists(path));
+    EXPECT_EQ(fileFaults.calls("CreateFile"), 1);
+    EXPECT_EQ(fileFaults.calls("CreateFileWide"), 0);
+}
+
+TEST_F(FileAccessTest, a_path_beyond_260_characters_opens) {
+    const std::wstring verbatim = L"\\\\?\\";
+    const std::wstring deep = folder_.path() + L"\\" + std::wstring(200, L'd');
+    ASSERT_TRUE(::CreateDirectoryW((verbatim + deep).c_str(), nullptr));
+    const std::wstring path = deep + L"\\" + std::wstring(100, L'n') + L".bin";
+    ::CloseHandle(::CreateFileW((verbatim + path).c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                                0, nullptr));
+    EXPECT_GT(path.size(), std::size_t{MAX_PATH});
+    EXPECT_TRUE(access_.exists(path));
+    EXPECT_TRUE(access_.exists(verbatim + path));
+    EXPECT_FALSE(access_.exists(path + L"x"));
+    ::DeleteFileW((verbatim + path).c_str());
+    ::RemoveDirectoryW((verbatim + deep).c_str());
+}
+
+TEST_F(FileAccessTest, the_name_of_a_device_opens_nothing) {
+    for (const wchar_t* name : {L"AUX", L"aux.ogg", L"C:\\music\\Com1.ogg", L"nul.wav"})
+        EXPECT_FALSE(access_.openForReading(name).isOpen());
+    EXPECT_EQ(fileFaults.calls("CreateFile") + fileFaults.calls("CreateFileWide"), 0);
+}
+
 TEST_F(FileAccessTest, a_character_of_code_0_does_not_cut_the_name) {
     const std::wstring path = folder_.write(L"a.bin", noise(10));
     EXPECT_FALSE(access_.exists(path + std::wstring(1, L'\0') + L"b"));

@@ -68,6 +68,18 @@ TEST_F(FileListing, a_character_outside_the_code_page_is_no_wildcard) {
     EXPECT_FALSE(listed(lossy));
 }
 
+TEST_F(FileListing, a_name_that_the_code_page_lacks_finds_its_file) {
+    const std::wstring path = folder_.write(L"\x4E00.wav", {1});
+    EXPECT_TRUE(listed(path));
+    EXPECT_FALSE(listed(path + L"x"));
+    EXPECT_TRUE(listed(folder_.path() + L"\\\x4E00*"));
+}
+
+TEST_F(FileListing, the_name_of_a_device_finds_nothing) {
+    EXPECT_FALSE(listed(L"NUL"));
+    EXPECT_FALSE(listed(folder_.path() + L"\\aux.wav"));
+}
+
 TEST_F(FileListing, a_character_of_code_0_does_not_cut_the_name) {
     const std::wstring path = folder_.write(L"a.wav", {1});
     EXPECT_FALSE(listed(path + std::wstring(1, L'\0') + L".mp3"));

@@ -1,0 +1,204 @@
+#include "stream/LinearConversion.h"
+
+#include "support/WavBytes.h"
+
+#include <cmath>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <limits>
+
+#include <ks.h>
+#include <ksmedia.h>
+
+namespace corvina::test {
+namespace {
+
+using testing::Each;
+using testing::ElementsAre;
+using Samples = std::vector<std::int16_t>;
+
+WAVEFORMATEXTENSIBLE extensible(WORD channels, WORD bits, WORD validBits, DWORD mask,
+                                WORD tag = WAVE_FORMAT_PCM) {
+    WAVEFORMATEXTENSIBLE record{};
+    record.Format = pcm(48000, channels, bits);
+    record.Format.wFormatTag = WAVE_FORMAT_EXTENSIBLE;
+    record.Format.cbSize = sizeof record - sizeof record.Format;
+    record.Samples.wValidBitsPerSample = validBits;
+    record.dwChannelMask = mask;
+    record.SubFormat = {tag, 0, 0x10, {0x80, 0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71}};
+    return record;
+}
+
+LinearFormat plain(WORD channels, WORD bits) {
+    return linearFormat(pcm(48000, channels, bits)).value();
+}
+
+LinearFormat floating(WORD channels, WORD bits) {
+    WAVEFORMATEX record = pcm(48000, channels, bits);
+    record.wFormatTag = WAVE_FORMAT_IEEE_FLOAT;
+    return linearFormat(record).value();
+}
+
+template <typename Number>
+Bytes bytesOf(const std::vector<Number>& numbers) {
+    const auto* first = reinterpret_cast<const std::uint8_t*>(numbers.data());
+    return {first, first + numbers.size() * sizeof(Number)};
+}
+
+Samples converted(const LinearFormat& format, Bytes source, bool mixed = false) {
+    LinearConversion conversion(format, mixed);
+    Bytes output(source.size() * 4);
+    const auto done = conversion.convert(source, output, true, true);
+    EXPECT_EQ(done->used, source.size());
+    Samples samples(done->produced / 2);
+    std::memcpy(samples.data(), output.data(), done->produced);
+    return samples;
+}
+
+TEST(LinearFormat, an_extensible_record_says_valid_bits_and_places) {
+    const auto record = extensible(6, 32, 24, KSAUDIO_SPEAKER_5POINT1);
+    const std::optional<LinearFormat> format = linearFormat(record.Format);
+    ASSERT_TRUE(format);
+    EXPECT_EQ(format->sampleBytes, 4);
+    EXPECT_EQ(format->validBits, 24);
+    EXPECT_EQ(format->channelMask, KSAUDIO_SPEAKER_5POINT1);
+    EXPECT_FALSE(format->isFloat);
+    EXPECT_TRUE(linearFormat(extensible(2, 32, 32, 3, WAVE_FORMAT_IEEE_FLOAT).Format)->isFloat);
+}
+
+TEST(LinearFormat, compressed_and_contradictory_records_have_none) {
+    EXPECT_FALSE(linearFormat(extensible(2, 8, 8, 3, WAVE_FORMAT_MULAW).Format));
+    EXPECT_FALSE(linearFormat(extensible(2, 16, 17, 3).Format));
+    auto foreign = extensible(2, 16, 16, 3);
+    foreign.SubFormat.Data4[7] = 0;
+    EXPECT_FALSE(linearFormat(foreign.Format));
+    auto cut = extensible(2, 16, 16, 3);
+    cut.Format.cbSize = 21;
+    EXPECT_FALSE(linearFormat(cut.Format));
+    WAVEFORMATEX record = pcm(48000, 2, 16);
+    record.nBlockAlign = 5;
+    EXPECT_FALSE(linearFormat(record));
+    record = pcm(48000, 2, 16);
+    record.nChannels = 0;
+    EXPECT_FALSE(linearFormat(record));
+    record = pcm(0, 2, 16);
+    EXPECT_FALSE(linearFormat(record));
+    EXPECT_FALSE(linearFormat(pcm(48000, 1, 64)));
+    record = pcm(48000, 1, 24);
+    record.wFormatTag = WAVE_FORMAT_IEEE_FLOAT;
+    EXPECT_FALSE(linearFormat(record));
+    record.wFormatTag = WAVE_FORMAT_ADPCM;
+    EXPECT_FALSE(linearFormat(record));
+}
+
+TEST(LinearConversion, samples_that_16_bits_hold_come_out_exactly) {
+    EXPECT_THAT(converted(plain(1, 8), {0, 64, 128, 192, 255}),
+                ElementsAre(-32768, -16384, 0, 16384, 32512));
+    EXPECT_THAT(converted(plain(1, 16), bytesOf<std::int16_t>({0, 1, -1, 32767, -32768})),
+                ElementsAre(0, 1, -1, 32767, -32768));
+    EXPECT_THAT(converted(plain(1, 24), {0, 1, 0, 0, 0xFF, 0xFF, 0, 0xFF, 0x7F, 0, 0, 0x80}),
+                ElementsAre(1, -1, 32767, -32768));
+    EXPECT_THAT(converted(plain(1, 32), bytesOf<std::int32_t>({0, 65536, -65536})),
+                ElementsAre(0, 1, -1));
+    EXPECT_THAT(converted(floating(1, 32), bytesOf<float>({0.0F, 0.5F, -1.0F, 1.0F / 32768})),
+                ElementsAre(0, 16384, -32768, 1));
+    EXPECT_THAT(converted(floating(1, 64), bytesOf<double>({0.0, 0.5, -1.0})),
+                ElementsAre(0, 16384, -32768));
+}
+
+TEST(LinearConversion, bits_that_are_not_valid_do_not_count) {
+    const auto format = linearFormat(extensible(1, 32, 16, 4).Format).value();
+    EXPECT_THAT(converted(format, bytesOf<std::int32_t>({0x0001FFFF, -1})), ElementsAre(1, -1));
+}
+
+TEST(LinearConversion, what_is_too_loud_becomes_the_loudest_and_what_is_no_number_silence) {
+    constexpr float infinite = std::numeric_limits<float>::infinity();
+    EXPECT_THAT(converted(floating(1, 32), bytesOf<float>({1.0F, 1.5F, 1e30F, infinite})),
+                Each(32767));
+    EXPECT_THAT(converted(floating(1, 32), bytesOf<float>({-1.5F, -1e30F, -infinite})),
+                Each(-32768));
+    EXPECT_THAT(converted(floating(1, 32), bytesOf<float>({std::nanf("")})), ElementsAre(0));
+    EXPECT_THAT(converted(plain(1, 24), Bytes(3 * 1000, 0xFF)),
+                Each(testing::AllOf(testing::Ge(-2), testing::Le(1))));
+    EXPECT_THAT(converted(plain(1, 32), bytesOf(std::vector<std::int32_t>(1000, 0x7FFFFFFF))),
+                Each(testing::Ge(32765)));
+}
+
+// The mean of many roundings is the sample itself, and the error reaches one and a half steps and
+// no further, as triangular noise has it.
+TEST(LinearConversion, what_lies_between_two_steps_is_rounded_with_triangular_noise) {
+    constexpr int count = 100'000;
+    constexpr double between = 100.25;
+    const auto samples = converted(
+        plain(1, 32),
+        bytesOf(std::vector<std::int32_t>(count, static_cast<std::int32_t>(between * 65536))));
+    double sum = 0;
+    double squares = 0;
+    for (const std::int16_t sample : samples) {
+        const double error = sample - between;
+        EXPECT_LE(std::abs(error), 1.5);
+        sum += error;
+        squares += error * error;
+    }
+    EXPECT_NEAR(sum / count, 0, 0.01);
+    // Triangular noise and the rounding itself: a sixth and a twelfth of a step squared.
+    EXPECT_NEAR(squares / count, 0.25, 0.01);
+}
+
+TEST(LinearConversion, only_whole_blocks_that_fit_are_converted) {
+    LinearConversion conversion(plain(2, 24), false);
+    Bytes source(20);
+    Bytes output(9);
+    const auto done = conversion.convert(source, output, true, false);
+    EXPECT_EQ(done->used, 12u);
+    EXPECT_EQ(done->produced, 8u);
+    EXPECT_EQ(conversion.sourceBytes(4000).value(), 6000u);
+}
+
+TEST(StereoMix, six_channels_are_mixed_by_their_places_and_cannot_become_too_loud) {
+    const auto weights = stereoMix(6, KSAUDIO_SPEAKER_5POINT1);
+    const double sum = 1 + 2 * std::sqrt(0.5);
+    EXPECT_DOUBLE_EQ(weights[0].left, 1 / sum);
+    EXPECT_DOUBLE_EQ(weights[0].right, 0);
+    EXPECT_DOUBLE_EQ(weights[2].left, std::sqrt(0.5) / sum);
+    EXPECT_DOUBLE_EQ(weights[2].right, std::sqrt(0.5) / sum);
+    EXPECT_DOUBLE_EQ(weights[3].left, 0);
+    EXPECT_DOUBLE_EQ(weights[5].left, 0);
+    EXPECT_DOUBLE_EQ(weights[5].right, std::sqrt(0.5) / sum);
+}
+
+TEST(StereoMix, without_places_the_usual_order_counts_and_every_number_of_channels_is_mixed) {
+    EXPECT_EQ(stereoMix(6, 0)[3].left, 0);
+    for (std::int32_t channels = 3; channels <= 32; ++channels) {
+        double left = 0;
+        double right = 0;
+        for (const StereoWeights& weight : stereoMix(channels, 0)) {
+            left += weight.left;
+            right += weight.right;
+        }
+        EXPECT_LE(left, 1.0000001);
+        EXPECT_GT(left, 0.5);
+        EXPECT_LE(right, 1.0000001);
+        EXPECT_GT(right, 0.5);
+    }
+}
+
+TEST(LinearConversion, more_than_two_channels_become_two) {
+    const auto format = linearFormat(extensible(6, 16, 16, KSAUDIO_SPEAKER_5POINT1).Format).value();
+    LinearConversion conversion(format, true);
+    EXPECT_EQ(conversion.outputChannels(), 2);
+    EXPECT_EQ(LinearConversion(format, false).outputChannels(), 6);
+    const auto loud = converted(format, bytesOf(std::vector<std::int16_t>(600, 32767)), true);
+    EXPECT_EQ(loud.size(), 200u);
+    EXPECT_THAT(loud, Each(testing::Ge(32764)));
+    const auto left = converted(format, bytesOf<std::int16_t>({24142, 0, 0, 0, 0, 0}), true);
+    EXPECT_NEAR(left[0], 10000, 2);
+    EXPECT_EQ(left[1], 0);
+}
+
+TEST(LinearConversion, two_channels_are_not_mixed) {
+    EXPECT_THAT(converted(plain(2, 16), bytesOf<std::int16_t>({1, 2}), true), ElementsAre(1, 2));
+}
+
+} // namespace
+} // namespace corvina::test
