@@ -64,7 +64,11 @@ bool cPCM::InitConversion(cSoundSTRM& source, cCallback* observer, bool force16B
     const bool force = source.Info().Force16Bit() || force16Bit;
     outputFormat_ = pcmFormat(sourceFormat_.nSamplesPerSec, sourceFormat_.nChannels,
                               outputWidth(sourceFormat_.wBitsPerSample, force));
-    if (!openManaged(source, force16Bit) && !openLinear(*record, false))
+    const bool opened = openManaged(source, force16Bit);
+    // Codecs that take more than two channels of PCM may convert the first two and leave holes in
+    // place of the others. So these are converted here, whatever the manager returns.
+    const bool manyChannels = record->wFormatTag == WAVE_FORMAT_PCM && record->nChannels > 2;
+    if ((!opened || manyChannels) && !openLinear(*record, false) && !opened)
         return false;
     const std::optional<Sizes> sizes = measure();
     if (!sizes || !sizeBuffers(*sizes)) {
