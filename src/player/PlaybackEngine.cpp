@@ -4,6 +4,7 @@
 #include "player/ExceptionReport.h"
 #include "player/PlayerEvents.h"
 #include "runtime/RuntimeError.h"
+#include "stream/PcmFormat.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -17,6 +18,11 @@ namespace {
 // What AudioDataOut shows before the first refill.
 constexpr std::size_t samplesBeforeFirstRefill = 1024;
 constexpr std::int32_t conversionImpossible = 5;
+
+WAVEFORMATEX agreeingRecord(const PlayedFormat& format) {
+    return pcmFormat(static_cast<DWORD>(format.sampleRate), static_cast<WORD>(format.channels),
+                     static_cast<WORD>(format.bits));
+}
 
 } // namespace
 
@@ -143,6 +149,15 @@ std::int32_t PlaybackEngine::openSession(std::int32_t deviceIndex, const WAVEFOR
     mixed.nChannels = static_cast<WORD>(format_.channels);
     mixed.wBitsPerSample = static_cast<WORD>(format_.bits);
     MMRESULT result = device_.open(deviceIndex, mixed, messages_.window());
+    // A device that goes by the other fields too gets a record whose fields agree, and one without
+    // so many speakers gets two channels.
+    if (result == WAVERR_BADFORMAT)
+        result = device_.open(deviceIndex, agreeingRecord(format_), messages_.window());
+    if (result == WAVERR_BADFORMAT && tracks_.current()->mixToStereo()) {
+        format_ = tracks_.current()->format();
+        ring_ = std::make_unique<WaveRing>(format_, options_.sound);
+        result = device_.open(deviceIndex, agreeingRecord(format_), messages_.window());
+    }
     if (result != MMSYSERR_NOERROR)
         return static_cast<std::int32_t>(result);
     enter(PlaybackState::opening);

@@ -15,7 +15,14 @@ PlayedTrack::PlayedTrack(std::wstring file, std::shared_ptr<cSoundSTRM> source, 
     : file_(std::move(file)), source_(std::move(source)), observer_(observer), converter_(acm) {}
 
 bool PlayedTrack::begin() {
-    return open_ && converter_.InitConversion(*source_, observer_, false);
+    return open_ && converter_.InitConversion(*source_, observer_, false) &&
+           (!mixed_ || converter_.mixToStereo());
+}
+
+bool PlayedTrack::mixToStereo() {
+    if (!mixed_)
+        mixed_ = converter_.mixToStereo();
+    return mixed_;
 }
 
 PlayedFormat PlayedTrack::format() const noexcept {

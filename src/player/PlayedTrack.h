@@ -34,6 +34,9 @@ public:
 
     // Prepares the conversion from the place where the source is. False if none is possible.
     [[nodiscard]] bool begin();
+    // For a device that takes no more channels: from now on there are two. False if there are not
+    // more.
+    [[nodiscard]] bool mixToStereo();
     [[nodiscard]] PlayedFormat format() const noexcept;
     // PCM in the numbers of the source, which the converter may change.
     [[nodiscard]] WAVEFORMATEX sourceFormat() const;
@@ -64,6 +67,7 @@ private:
     cPCM converter_;
     std::int64_t position_ = 0;
     bool open_ = true;
+    bool mixed_ = false;
 };
 
 } // namespace corvina

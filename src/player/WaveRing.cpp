@@ -30,13 +30,18 @@ std::int64_t framesInBuffer(const PlayedFormat& format) noexcept {
 
 WaveRing::WaveRing(const PlayedFormat& format, const SoundSettings& settings)
     : format_(format), chain_(format, settings) {
+    // Silence is 0x80 in samples of 8 bits.
+    const std::int16_t silent = format.bits == 8 ? static_cast<std::int16_t>(0x8080) : 0;
+    const auto frames = static_cast<std::int32_t>(framesInBuffer(format));
+    const std::int32_t played =
+        frames > 0 ? frames * std::max(format.frameBytes(), 1) : bufferBytes;
     for (std::size_t i = 0; i < playedBuffers; ++i) {
         WaveBuffer& buffer = buffers_[i];
-        buffer.data.assign(bufferBytes / sizeof(std::int16_t), 0);
+        buffer.data.assign(bufferBytes / sizeof(std::int16_t), silent);
         buffer.dataAddress =
             static_cast<std::int32_t>(reinterpret_cast<std::intptr_t>(buffer.data.data()));
         buffer.header.lpData = reinterpret_cast<LPSTR>(buffer.data.data());
-        buffer.header.dwBufferLength = static_cast<DWORD>(bufferBytes);
+        buffer.header.dwBufferLength = static_cast<DWORD>(played);
         buffer.header.dwUser = i;
     }
 }
@@ -112,7 +117,7 @@ void WaveRing::renderAgain(WaveBuffer& buffer, std::size_t fromByte) {
     std::vector<std::int16_t> samples = buffer.unchanged;
     chain_ = *buffer.chain;
     auto* const bytes = reinterpret_cast<std::uint8_t*>(samples.data());
-    render(chain_, {bytes, samples.size() * sizeof(std::int16_t)}, buffer.changes);
+    render(chain_, {bytes, buffer.bytes().size()}, buffer.changes);
     std::memcpy(buffer.bytes().data() + fromByte, bytes + fromByte,
                 buffer.bytes().size() - fromByte);
 }

@@ -33,8 +33,9 @@ struct WaveBuffer {
     std::optional<SampleChain> chain;
     std::vector<std::pair<std::size_t, SoundSettings>> changes;
 
+    // The samples that are played.
     [[nodiscard]] std::span<std::uint8_t> bytes() noexcept {
-        return {reinterpret_cast<std::uint8_t*>(data.data()), data.size() * sizeof(std::int16_t)};
+        return {reinterpret_cast<std::uint8_t*>(data.data()), header.dwBufferLength};
     }
 };
 
@@ -43,7 +44,8 @@ public:
     static constexpr std::size_t playedBuffers = 8;
     static constexpr std::int32_t bufferBytes = 8000;
 
-    // All buffers hold silence.
+    // All buffers hold silence. If 8000 bytes are not whole frames, as of 3 channels, each buffer
+    // is as many bytes shorter: devices drop the rest of a frame.
     WaveRing(const PlayedFormat& format, const SoundSettings& settings);
     WaveRing(const WaveRing&) = delete;
     WaveRing& operator=(const WaveRing&) = delete;
