@@ -151,6 +151,12 @@ TEST(SndfileSourceFiles, a_name_that_the_code_page_lacks_opens) {
     EXPECT_EQ(source.CloseSource(), 0);
 }
 
+// The library may never come back from such a file.
+TEST(SndfileSourceFiles, mpeg_audio_behind_an_id3_tag_returns_1) {
+    SndfileSource source;
+    EXPECT_EQ(source.OpenSource(mediaFile(L"tune.mp3")), 1);
+}
+
 TEST(SndfileSourceFiles, a_closed_file_is_still_described) {
     SndfileSource source;
     ASSERT_EQ(source.OpenSource(mediaFile(L"tune.flac")), 0);
