@@ -13,15 +13,19 @@ struct Format {
     int bytesPerSecond; // of the sound sent to the device
 };
 
-// The frames of silence longer than a zero of the tone, which an underrun has put into it.
+// The frames of silence that an underrun has put into what was recorded: those longer than a zero
+// of the tone. Behind the tone, the rest of a compressed file's last block is silence too.
 std::size_t silenceWithin(const Frames& heard) {
+    constexpr std::ptrdiff_t toneFrames = 44100;
     constexpr std::ptrdiff_t zeroOfTone = 50;
+    constexpr std::ptrdiff_t largestBlock = 2048;
     std::size_t frames = 0;
     for (auto first = heard.begin(); first != heard.end();) {
         first = std::find(first, heard.end(), Frame{});
         const auto sound =
             std::find_if(first, heard.end(), [](const Frame& frame) { return frame != Frame{}; });
-        if (sound - first > zeroOfTone)
+        const bool behindTone = first - heard.begin() >= toneFrames;
+        if (sound - first > (behindTone ? largestBlock : zeroOfTone))
             frames += static_cast<std::size_t>(sound - first);
         first = sound;
     }
