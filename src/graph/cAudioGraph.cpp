@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cstdint>
+#include <new>
 #include <olectl.h>
 #include <utility>
 
@@ -324,7 +325,12 @@ void cAudioGraph::followPlayer() {
 }
 
 void cAudioGraph::fireLevelChanged() noexcept {
-    ole().events().fire(levelChangedEvent, {graph_.level()}, EventSource::WhenFrozen::keepLatest);
+    try {
+        ole().events().fire(levelChangedEvent, {graph_.level()},
+                            EventSource::WhenFrozen::keepLatest);
+    } catch (const std::bad_alloc&) {
+        // No memory for its argument: the next level follows soon.
+    }
 }
 
 bool cAudioGraph::windowMessage(UINT message, WPARAM wParam, LPARAM, LRESULT&) {
