@@ -6,6 +6,29 @@
 #include <oleauto.h>
 
 namespace corvina {
+namespace {
+
+bool returnsObject(const FUNCDESC& function) noexcept {
+    if (function.cParams == 0)
+        return function.elemdescFunc.tdesc.vt == VT_DISPATCH;
+    const ELEMDESC& result = function.lprgelemdescParam[0];
+    return function.cParams == 1 && (result.paramdesc.wParamFlags & PARAMFLAG_FRETVAL) != 0 &&
+           result.tdesc.vt == VT_PTR && result.tdesc.lptdesc->vt == VT_DISPATCH;
+}
+
+// Whether the member is a property without arguments that holds an object.
+bool isObjectProperty(ITypeInfo& info, DISPID id) noexcept {
+    bool found = false;
+    FUNCDESC* function = nullptr;
+    for (UINT index = 0; !found && SUCCEEDED(info.GetFuncDesc(index, &function)); ++index) {
+        found = function->memid == id && function->invkind == INVOKE_PROPERTYGET &&
+                returnsObject(*function);
+        info.ReleaseFuncDesc(function);
+    }
+    return found;
+}
+
+} // namespace
 
 HRESULT DispatchInfo::load() noexcept {
     return info_ ? S_OK : loadModuleTypeInfo(iid_, info_);
@@ -55,6 +78,11 @@ HRESULT DispatchInfo::invoke(IUnknown* object, DISPID id, REFIID reserved, WORD 
 
     const ComPtr<IUnknown> alive(object);
     const ComPtr<ITypeInfo> info(info_);
+    // The arguments would go to the default member of the object. No object here has one, and some
+    // platforms ask for it without an object as well.
+    if ((flags & DISPATCH_PROPERTYGET) != 0 && arguments->cArgs > 0 &&
+        isObjectProperty(*info.get(), id))
+        return DISP_E_BADPARAMCOUNT;
     ::SetErrorInfo(0, nullptr);
     const HRESULT called =
         info->Invoke(object, id, flags, arguments, result, exception, badArgument);

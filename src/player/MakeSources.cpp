@@ -22,7 +22,7 @@ std::unique_ptr<cSoundSTRM> make() {
 
 std::unique_ptr<cSoundSTRM> makeWaveAlias() {
     return std::make_unique<SourceAlias<DecWAV>>(
-        std::vector<std::wstring>{L"wave", L"bwf", L"rf64", L"bw64"});
+        std::vector<std::wstring>{L"wave", L"bwf", L"rf64"});
 }
 
 std::unique_ptr<cSoundSTRM> makeMediaAlias() {

@@ -53,6 +53,17 @@ TEST_F(GraphControl, returns_the_player_that_it_follows_and_does_not_keep_it_ali
     EXPECT_FALSE(followed);
 }
 
+TEST_F(GraphControl, refuses_arguments_behind_the_player_property) {
+    Variant index;
+    V_VT(&index) = VT_I4;
+    V_I4(&index) = 1;
+    DISPPARAMS arguments{&index, nullptr, 1, 0};
+    Variant result;
+    EXPECT_EQ(DISP_E_BADPARAMCOUNT,
+              graph->Invoke(15, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &arguments,
+                            &result, nullptr, nullptr));
+}
+
 TEST_F(GraphControl, follows_nobody_once_the_player_has_gone) {
     {
         const auto player = create<_cPlayer>(CLSID_cPlayer);

@@ -13,7 +13,7 @@ advapi32.dll:
 bcrypt.dll:
     BCryptCloseAlgorithmProvider BCryptGenRandom BCryptOpenAlgorithmProvider
 comctl32.dll:
-    InitCommonControlsEx
+    DrawInsert InitCommonControlsEx LBItemFromPt MakeDragList
 comdlg32.dll:
     ChooseColorW GetOpenFileNameW
 gdi32.dll:
@@ -28,62 +28,60 @@ gdiplus.dll:
     GdipAlloc GdipCloneImage GdipCreateBitmapFromHBITMAP GdipDisposeImage GdipFree
     GdipSaveImageToFile GdiplusShutdown GdiplusStartup
 kernel32.dll:
-    AcquireSRWLockExclusive AddVectoredExceptionHandler CloseHandle CreateEventA
-    CreateEventW CreateFileA CreateFileMappingW CreateFileW CreateHardLinkW CreateSemaphoreA
+    AcquireSRWLockExclusive AddVectoredExceptionHandler CloseHandle CreateEventA CreateEventW
+    CreateFileA CreateFileMappingW CreateFileW CreateHardLinkW CreateSemaphoreA
     DeleteCriticalSection DeleteFileW DeviceIoControl DuplicateHandle EnterCriticalSection
-    FileTimeToSystemTime FindClose FindFirstFileA FindFirstFileW FindFirstVolumeW
-    FindNextFileA FindNextFileW FindNextVolumeW FindVolumeClose FlushFileBuffers
-    FlushInstructionCache FormatMessageA FreeConsole FreeLibrary GetACP GetCommandLineW
-    GetConsoleMode GetConsoleProcessList GetConsoleScreenBufferInfo GetConsoleWindow
-    GetCurrentProcess GetCurrentProcessId GetCurrentThread GetCurrentThreadId
-    GetDiskFreeSpaceExW GetDriveTypeA GetDriveTypeW GetFileAttributesExW GetFileAttributesW
-    GetFileInformationByHandle GetFileSizeEx GetFileType GetFullPathNameA GetFullPathNameW
-    GetHandleInformation GetLastError GetLogicalDrives GetModuleFileNameW GetModuleHandleA
-    GetModuleHandleExW GetModuleHandleW GetNumberOfConsoleInputEvents GetProcAddress
-    GetProcessAffinityMask GetProcessTimes GetStartupInfoA GetStdHandle
-    GetSystemTimeAdjustment GetSystemTimeAsFileTime GetTempPathW GetThreadContext
-    GetThreadErrorMode GetThreadPriority GetThreadTimes GetTickCount64
-    GetTimeZoneInformation GetVersionExA GetVolumeInformationW GlobalAlloc GlobalFree
-    GlobalLock GlobalUnlock InitializeCriticalSection IsBadWritePtr IsDBCSLeadByteEx
-    IsDebuggerPresent LeaveCriticalSection LoadLibraryA LoadLibraryExW LoadLibraryW
-    LocalAlloc LocalFree MapViewOfFile MoveFileExA MoveFileExW MulDiv MultiByteToWideChar
-    OpenProcess OutputDebugStringA QueryPerformanceCounter QueryPerformanceFrequency
-    RaiseException ReadConsoleInputW ReadFile ReleaseSRWLockExclusive ReleaseSemaphore
-    RemoveDirectoryW RemoveVectoredExceptionHandler ResetEvent ResumeThread RtlUnwind
-    SetConsoleCtrlHandler SetConsoleMode SetConsoleTextAttribute SetEndOfFile SetErrorMode
-    SetEvent SetFilePointer SetFilePointerEx SetLastError SetProcessAffinityMask
-    SetSystemTime SetThreadContext SetThreadErrorMode SetThreadPriority
-    SetUnhandledExceptionFilter Sleep SuspendThread TlsAlloc TlsFree TlsGetValue TlsSetValue
-    TryEnterCriticalSection UnmapViewOfFile VirtualProtect VirtualQuery
-    WaitForMultipleObjects WaitForSingleObject WideCharToMultiByte WriteConsoleW WriteFile
+    FileTimeToSystemTime FindClose FindFirstFileA FindFirstFileW FindFirstVolumeW FindNextFileA
+    FindNextFileW FindNextVolumeW FindVolumeClose FlushFileBuffers FlushInstructionCache
+    FormatMessageA FreeConsole FreeLibrary GetACP GetCommandLineW GetConsoleMode
+    GetConsoleProcessList GetConsoleScreenBufferInfo GetConsoleWindow GetCurrentProcess
+    GetCurrentProcessId GetCurrentThread GetCurrentThreadId GetDiskFreeSpaceExW GetDriveTypeA
+    GetDriveTypeW GetFileAttributesExW GetFileAttributesW GetFileInformationByHandle GetFileSize
+    GetFileSizeEx GetFileType GetFullPathNameA GetFullPathNameW GetHandleInformation
+    GetLastError GetLogicalDrives GetModuleFileNameW GetModuleHandleA GetModuleHandleExW
+    GetModuleHandleW GetNumberOfConsoleInputEvents GetProcAddress GetProcessAffinityMask
+    GetProcessTimes GetStartupInfoA GetStdHandle GetSystemTimeAdjustment GetSystemTimeAsFileTime
+    GetTempPathW GetThreadContext GetThreadErrorMode GetThreadPriority GetThreadTimes
+    GetTickCount64 GetTimeZoneInformation GetVersionExA GetVolumeInformationW GlobalAlloc
+    GlobalFree GlobalLock GlobalUnlock InitializeCriticalSection IsBadWritePtr IsDBCSLeadByteEx
+    IsDebuggerPresent LeaveCriticalSection LoadLibraryA LoadLibraryExW LoadLibraryW LocalAlloc
+    LocalFree MapViewOfFile MoveFileExA MoveFileExW MulDiv MultiByteToWideChar OpenProcess
+    OutputDebugStringA QueryPerformanceCounter QueryPerformanceFrequency RaiseException
+    ReadConsoleInputW ReadFile ReleaseSRWLockExclusive ReleaseSemaphore RemoveDirectoryW
+    RemoveVectoredExceptionHandler ResetEvent ResumeThread RtlUnwind SetConsoleCtrlHandler
+    SetConsoleMode SetConsoleTextAttribute SetEndOfFile SetErrorMode SetEvent SetFilePointer
+    SetFilePointerEx SetLastError SetProcessAffinityMask SetSystemTime SetThreadContext
+    SetThreadErrorMode SetThreadPriority SetUnhandledExceptionFilter Sleep SuspendThread
+    TlsAlloc TlsFree TlsGetValue TlsSetValue TryEnterCriticalSection UnmapViewOfFile
+    VirtualProtect VirtualQuery WaitForMultipleObjects WaitForSingleObject WideCharToMultiByte
+    WriteConsoleW WriteFile
 msacm32.dll:
     acmDriverClose acmDriverEnum acmDriverOpen acmStreamClose acmStreamConvert acmStreamOpen
     acmStreamPrepareHeader acmStreamSize acmStreamUnprepareHeader
 ole32.dll:
-    CoCreateInstance CoInitialize CoTaskMemAlloc CoUninitialize CreateDataAdviseHolder
-    CreateErrorInfo CreateOleAdviseHolder GetErrorInfo PropVariantClear SetErrorInfo
-    StringFromGUID2
+    CoCreateInstance CoInitialize CoTaskMemAlloc CoTaskMemFree CoUninitialize
+    CreateDataAdviseHolder CreateErrorInfo CreateOleAdviseHolder GetErrorInfo PropVariantClear
+    SetErrorInfo StringFromGUID2
 oleaut32.dll:
     DispCallFunc LoadTypeLibEx OleTranslateColor RegisterTypeLib RegisterTypeLibForUser
     SafeArrayDestroy SysAllocStringLen SysFreeString SysStringLen UnRegisterTypeLib
     UnRegisterTypeLibForUser VariantChangeType VariantClear VariantCopy VariantInit
 shell32.dll:
-    CommandLineToArgvW DragFinish DragQueryFileW
+    CommandLineToArgvW DragFinish DragQueryFileW SHBrowseForFolderW SHGetPathFromIDListW
 shlwapi.dll:
     PathCombineW PathIsRelativeW PathIsUNCW
 user32.dll:
-    AppendMenuW BeginPaint CallWindowProcA CheckMenuRadioItem CreatePopupMenu
+    AppendMenuW BeginPaint CallWindowProcA CheckMenuItem CheckMenuRadioItem CreatePopupMenu
     CreateWindowExW DefWindowProcW DeleteMenu DestroyWindow DispatchMessageW EnableWindow
     EndPaint EqualRect FillRect GetActiveWindow GetCapture GetClientRect GetDC GetFocus
     GetKeyState GetMenu GetPropA GetSubMenu GetSysColor GetWindowLongW GetWindowRect
-    GetWindowTextLengthW GetWindowTextW GetWindowThreadProcessId IntersectRect
-    InvalidateRect IsDialogMessageW IsIconic IsRectEmpty IsWindow IsWindowVisible KillTimer
-    LoadAcceleratorsW LoadCursorW LoadIconW MessageBoxW MonitorFromRect MoveWindow
-    MsgWaitForMultipleObjectsEx OffsetRect PeekMessageA PeekMessageW PostMessageA
-    PostQuitMessage PtInRect RegisterClassExW RegisterClassW ReleaseDC RemovePropA
-    SendMessageW SetFocus SetParent SetPropA SetTimer SetWindowLongA SetWindowLongW
-    SetWindowPos SetWindowRgn SetWindowTextW ShowWindow SystemParametersInfoW
-    TranslateAcceleratorW TranslateMessage UnregisterClassW UpdateWindow
+    GetWindowTextLengthW GetWindowTextW GetWindowThreadProcessId IntersectRect InvalidateRect
+    IsDialogMessageW IsIconic IsRectEmpty IsWindow IsWindowVisible KillTimer LoadAcceleratorsW
+    LoadCursorW LoadIconW MessageBoxW MonitorFromRect MoveWindow MsgWaitForMultipleObjectsEx
+    OffsetRect PeekMessageA PeekMessageW PostMessageA PostQuitMessage PtInRect RegisterClassExW
+    RegisterClassW ReleaseDC RemovePropA SendMessageW SetFocus SetParent SetPropA SetTimer
+    SetWindowLongA SetWindowLongW SetWindowPos SetWindowRgn SetWindowTextW ShowWindow
+    SystemParametersInfoW TranslateAcceleratorW TranslateMessage UnregisterClassW UpdateWindow
 winmm.dll:
     mmioClose mmioDescend mmioOpenA mmioRead mmioSeek mmioStringToFOURCCA waveInGetDevCapsA
     waveInGetNumDevs waveOutClose waveOutGetDevCapsA waveOutGetErrorTextW waveOutGetNumDevs

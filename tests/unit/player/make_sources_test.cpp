@@ -39,9 +39,9 @@ TEST_F(RealSources, stand_in_the_order_in_which_an_extension_is_looked_for) {
     EXPECT_EQ(list.count(), 10u);
     EXPECT_THAT(list.allExtensions(),
                 ElementsAre(L"ape", L"ogg", L"wav", L"au", L"snd", L"aiff", L"aifc", L"voc", L"vox",
-                            L"wma", L"mp3", L"wmv", L"cda", L"wave", L"bwf", L"rf64", L"bw64",
-                            L"mp2", L"asf", L"flac", L"oga", L"opus", L"w64", L"caf", L"m4a",
-                            L"m4b", L"mp4", L"aac"));
+                            L"wma", L"mp3", L"wmv", L"cda", L"wave", L"bwf", L"rf64", L"mp2",
+                            L"asf", L"flac", L"oga", L"opus", L"w64", L"caf", L"m4a", L"m4b",
+                            L"mp4", L"aac"));
 }
 
 TEST_F(RealSources, serve_a_name_without_an_extension_with_the_first) {

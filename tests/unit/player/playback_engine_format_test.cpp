@@ -32,6 +32,7 @@ TEST_F(DeviceFormat, other_failures_are_final) {
 
 TEST_F(DeviceFormat, buffers_hold_whole_blocks_of_three_channels) {
     script.format = pcm(8000, 3, 16);
+    script.data = noise(100 * 7998);
     startAndFill();
     ASSERT_FALSE(fakeWave.queued.empty());
     EXPECT_EQ(fakeWave.queued.front()->dwBufferLength, 7998u);
