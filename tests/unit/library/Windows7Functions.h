@@ -78,10 +78,11 @@ user32.dll:
     GetWindowTextLengthW GetWindowTextW GetWindowThreadProcessId IntersectRect InvalidateRect
     IsDialogMessageW IsIconic IsRectEmpty IsWindow IsWindowVisible KillTimer LoadAcceleratorsW
     LoadCursorW LoadIconW MessageBoxW MonitorFromRect MoveWindow MsgWaitForMultipleObjectsEx
-    OffsetRect PeekMessageA PeekMessageW PostMessageA PostQuitMessage PtInRect RegisterClassExW
-    RegisterClassW ReleaseDC RemovePropA SendMessageW SetFocus SetParent SetPropA SetTimer
-    SetWindowLongA SetWindowLongW SetWindowPos SetWindowRgn SetWindowTextW ShowWindow
-    SystemParametersInfoW TranslateAcceleratorW TranslateMessage UnregisterClassW UpdateWindow
+    OffsetRect PeekMessageA PeekMessageW PostMessageA PostQuitMessage PtInRect RedrawWindow
+    RegisterClassExW RegisterClassW RegisterWindowMessageA ReleaseDC RemovePropA SendMessageW
+    SetFocus SetParent SetPropA SetTimer SetWindowLongA SetWindowLongW SetWindowPos SetWindowRgn
+    SetWindowTextW ShowWindow SystemParametersInfoW TranslateAcceleratorW TranslateMessage
+    UnregisterClassW UpdateWindow
 winmm.dll:
     mmioClose mmioDescend mmioOpenA mmioRead mmioSeek mmioStringToFOURCCA waveInGetDevCapsA
     waveInGetNumDevs waveOutClose waveOutGetDevCapsA waveOutGetErrorTextW waveOutGetNumDevs
