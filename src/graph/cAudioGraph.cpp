@@ -1,5 +1,6 @@
 #include "graph/cAudioGraph.h"
 
+#include "graph/GraphProperties.h"
 #include "graph/PendingMessages.h"
 #include "graph/SamplePicture.h"
 #include "platform/GuardedCopy.h"
@@ -16,77 +17,7 @@ namespace {
 
 constexpr DISPID levelChangedEvent = 1;
 
-// Places in the table below.
-enum PropertyIndex {
-    graphStyle,
-    bands,
-    bandsSpace,
-    bandsWidth,
-    backgroundColor,
-    amplitudeColor,
-    freqColor,
-    borderStyle,
-    framesPerSecond,
-    levelScale,
-    frequencyAxis,
-    peakHold,
-    channelWaveforms
-};
-
-constexpr std::int32_t fewestFrames = 1;
-constexpr std::int32_t mostFrames = 100; // the system's timers are hardly faster
-
 constexpr UINT_PTR pictureTimer = 1;
-
-bool isZeroOrOne(std::int32_t value) {
-    return value == 0 || value == 1;
-}
-
-// Forms keep a Boolean as 0 or -1; people who write them by hand also as 1.
-bool isBoolean(std::int32_t value) {
-    return value == VARIANT_FALSE || value == VARIANT_TRUE || value == 1;
-}
-
-bool isFrameRate(std::int32_t value) {
-    return value >= fewestFrames && value <= mostFrames;
-}
-
-constexpr GraphSettings initial;
-
-constexpr std::int32_t number(COLORREF color) {
-    return static_cast<std::int32_t>(color);
-}
-
-constexpr Property properties[] = {
-    {.name = L"GraphStyle",
-     .id = 1,
-     .initial = static_cast<std::int32_t>(initial.style),
-     .accepts = &isZeroOrOne},
-    {.name = L"Bands", .id = 2, .initial = initial.bands},
-    {.name = L"BandsSpace", .id = 3, .initial = initial.bandsSpace},
-    {.name = L"BandsWidth", .id = 4, .initial = initial.bandsWidth},
-    {.name = L"BackgroundColor", .id = 5, .initial = number(initial.backgroundColor)},
-    {.name = L"AmplitudeColor", .id = 6, .initial = number(initial.amplitudeColor)},
-    {.name = L"FreqColor", .id = 7, .initial = number(initial.freqColor)},
-    {.name = L"BorderStyle", .id = 8, .initial = initial.border, .accepts = &isZeroOrOne},
-    {.name = L"FramesPerSecond",
-     .id = 16,
-     .initial = initial.framesPerSecond,
-     .accepts = &isFrameRate},
-    {.name = L"LevelScale",
-     .id = 17,
-     .initial = static_cast<std::int32_t>(initial.levelScale),
-     .accepts = &isZeroOrOne},
-    {.name = L"FrequencyAxis",
-     .id = 18,
-     .initial = static_cast<std::int32_t>(initial.frequencyAxis),
-     .accepts = &isZeroOrOne},
-    {.name = L"PeakHold", .id = 19, .initial = initial.peakHold, .accepts = &isBoolean},
-    {.name = L"ChannelWaveforms",
-     .id = 20,
-     .initial = initial.channelWaveforms,
-     .accepts = &isBoolean},
-};
 
 // A host's colour may be a number that stands for one of the system's colours.
 COLORREF translated(std::int32_t color) noexcept {
@@ -117,7 +48,7 @@ constinit const ControlClass audioGraphClass{.clsid = CLSID_cAudioGraph,
                                              .progId = L"Corvina.cAudioGraph",
                                              .description = L"Corvina audio graph",
                                              .naturalPixels = {200, 100},
-                                             .properties = properties};
+                                             .properties = graphProperties};
 
 cAudioGraph::cAudioGraph(IUnknown* outer) : Control(audioGraphClass, outer) {}
 
