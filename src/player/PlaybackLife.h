@@ -1,6 +1,6 @@
 #pragma once
 
-// What the host is told of the starts and ends of playbacks: Ended exactly once for every
+// The events about the starts and ends of playbacks: Ended exactly once for every
 // successful start, and StateChanged whenever State is another.
 //
 // A playback whose device is closed ends when the close message is handled, behind DonePlay; where

@@ -9,7 +9,7 @@
 //   closing       all buffers are back, or are not waited for; the device is being closed
 //   closeRefused  the device did not let itself be closed; the next start tries again
 //
-// What the host is told is not part of it: a device can be closed before the host hears of the end,
+// What the host was notified of is not part of it: a device can be closed before the host hears of the end,
 // and a paused device is still in one of these states.
 
 #include <cstdint>

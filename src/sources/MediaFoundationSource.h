@@ -9,7 +9,7 @@
 // which also is the result of a seek out of range.
 
 #include "sources/MediaFoundationLibrary.h"
-#include "sources/StereoMix.h"
+#include "sources/StereoMixer.h"
 #include "stream/StrmTags.h"
 #include "stream/cSoundSTRM.h"
 
@@ -61,7 +61,7 @@ private:
     ComPtr<IMFSourceReader> reader_;
     WAVEFORMATEX format_{}; // of what Read delivers
     DWORD channels_ = 0;    // of what the reader delivers
-    StereoMix mix_;
+    StereoMixer mix_;
     std::vector<std::uint8_t> sample_; // from offset_ on not yet delivered
     std::size_t offset_ = 0;
     LONGLONG sampleTime_ = 0; // of its start, in units of 100 nanoseconds

@@ -169,7 +169,7 @@ bool SndfileSource::prepare(const std::wstring& path) {
     std::int32_t on = 1;
     library_.command(file_, setClipping, nullptr, on);
     if (info_.channels > 2)
-        mix_ = StereoMix(speakers());
+        mix_ = StereoMixer(speakers());
     // Streamed files may lack their length, which then is the largest number.
     const auto frames = static_cast<std::int64_t>(
         static_cast<std::uint64_t>(static_cast<std::uint32_t>(info_.framesHigh)) << 32 |
@@ -190,7 +190,7 @@ std::vector<DWORD> SndfileSource::speakers() {
     std::vector<std::int32_t> map(channels);
     if (library_.command(file_, getChannelMap, map.data(),
                          static_cast<std::int32_t>(channels * sizeof map[0])) == 0)
-        return StereoMix::speakersOf(channels);
+        return speakersOf(channels);
     std::vector<DWORD> result;
     for (const std::int32_t number : map) {
         const bool known = number >= 0 && static_cast<std::size_t>(number) < std::size(mapSpeakers);

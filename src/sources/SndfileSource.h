@@ -10,7 +10,7 @@
 // closed file was, its format, times and tags, is known until the next open.
 
 #include "sources/SndfileLibrary.h"
-#include "sources/StereoMix.h"
+#include "sources/StereoMixer.h"
 #include "stream/StrmTags.h"
 #include "stream/cSoundSTRM.h"
 
@@ -61,7 +61,7 @@ private:
     SndfileInfo info_{};
     std::int32_t file_ = 0;
     WAVEFORMATEX format_{}; // of what Read delivers
-    StereoMix mix_;
+    StereoMixer mix_;
     std::vector<std::int16_t> unmixed_;
     std::vector<float> floats_;
     bool asFloat_ = false;

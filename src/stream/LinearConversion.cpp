@@ -21,7 +21,7 @@ void store(std::int16_t sample, std::uint8_t* output) noexcept {
 
 LinearConversion::LinearConversion(const LinearFormat& format, bool mixed) : format_(format) {
     if (mixed && format.channels > 2)
-        weights_ = stereoMix(format.channels, format.channelMask);
+        weights_ = stereoWeights(speakersOf(format.channels, format.channelMask));
 }
 
 std::optional<std::uint32_t> LinearConversion::sourceBytes(std::uint32_t outputBytes) {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <windows.h>
 
 #include <mmreg.h>
 
@@ -14,7 +13,7 @@ namespace {
 
 constexpr double minus3dB = 0.70710678118654752440;
 
-StereoWeights weightsOf(std::uint32_t speaker) {
+StereoWeights weightsOf(DWORD speaker) {
     switch (speaker) {
     case SPEAKER_FRONT_LEFT:
     case SPEAKER_FRONT_LEFT_OF_CENTER:
@@ -41,46 +40,51 @@ StereoWeights weightsOf(std::uint32_t speaker) {
     }
 }
 
-std::uint32_t usualMask(std::int32_t channels) {
-    constexpr std::uint32_t stereo = SPEAKER_FRONT_LEFT | SPEAKER_FRONT_RIGHT;
-    constexpr std::uint32_t back = SPEAKER_BACK_LEFT | SPEAKER_BACK_RIGHT;
-    constexpr std::uint32_t side = SPEAKER_SIDE_LEFT | SPEAKER_SIDE_RIGHT;
-    constexpr std::uint32_t center = SPEAKER_FRONT_CENTER;
-    constexpr std::uint32_t low = SPEAKER_LOW_FREQUENCY;
-    constexpr std::array<std::uint32_t, 9> masks = {0,
-                                                    center,
-                                                    stereo,
-                                                    stereo | center,
-                                                    stereo | back,
-                                                    stereo | center | back,
-                                                    stereo | center | low | back,
-                                                    stereo | center | low | SPEAKER_BACK_CENTER |
-                                                        side,
-                                                    stereo | center | low | back | side};
+DWORD usualMask(std::int32_t channels) {
+    constexpr DWORD stereo = SPEAKER_FRONT_LEFT | SPEAKER_FRONT_RIGHT;
+    constexpr DWORD back = SPEAKER_BACK_LEFT | SPEAKER_BACK_RIGHT;
+    constexpr DWORD side = SPEAKER_SIDE_LEFT | SPEAKER_SIDE_RIGHT;
+    constexpr DWORD center = SPEAKER_FRONT_CENTER;
+    constexpr DWORD low = SPEAKER_LOW_FREQUENCY;
+    constexpr std::array<DWORD, 9> masks = {0,
+                                            center,
+                                            stereo,
+                                            stereo | center,
+                                            stereo | back,
+                                            stereo | center | back,
+                                            stereo | center | low | back,
+                                            stereo | center | low | SPEAKER_BACK_CENTER | side,
+                                            stereo | center | low | back | side};
     const auto index = static_cast<std::size_t>(channels);
     return index < masks.size() ? masks[index] : masks.back();
 }
 
 } // namespace
 
-std::vector<StereoWeights> stereoMix(std::int32_t channels, std::uint32_t mask) {
-    std::uint32_t left = mask != 0 ? mask : usualMask(channels);
-    std::vector<StereoWeights> weights;
-    double loudest = 0;
-    StereoWeights sum;
+std::vector<DWORD> speakersOf(std::int32_t channels, DWORD mask) {
+    DWORD left = mask != 0 ? mask : usualMask(channels);
+    std::vector<DWORD> speakers;
     for (std::int32_t channel = 0; channel < channels; ++channel) {
-        const std::uint32_t speaker = left & (~left + 1); // the lowest bit; 0 once none is left
+        const DWORD speaker = left & (~left + 1); // the lowest bit; 0 once none is left
         left &= ~speaker;
+        speakers.push_back(speaker);
+    }
+    return speakers;
+}
+
+std::vector<StereoWeights> stereoWeights(const std::vector<DWORD>& speakers) {
+    std::vector<StereoWeights> weights;
+    StereoWeights sum;
+    for (const DWORD speaker : speakers) {
         weights.push_back(weightsOf(speaker));
         sum.left += weights.back().left;
         sum.right += weights.back().right;
     }
-    loudest = std::max(sum.left, sum.right);
-    if (loudest > 1)
-        for (StereoWeights& weight : weights) {
-            weight.left /= loudest;
-            weight.right /= loudest;
-        }
+    const double loudest = std::max({sum.left, sum.right, 1.0});
+    for (StereoWeights& weight : weights) {
+        weight.left /= loudest;
+        weight.right /= loudest;
+    }
     return weights;
 }
 

@@ -156,7 +156,7 @@ TEST(LinearConversion, only_whole_blocks_that_fit_are_converted) {
 }
 
 TEST(StereoMix, six_channels_are_mixed_by_their_places_and_cannot_become_too_loud) {
-    const auto weights = stereoMix(6, KSAUDIO_SPEAKER_5POINT1);
+    const auto weights = stereoWeights(speakersOf(6, KSAUDIO_SPEAKER_5POINT1));
     const double sum = 1 + 2 * std::sqrt(0.5);
     EXPECT_DOUBLE_EQ(weights[0].left, 1 / sum);
     EXPECT_DOUBLE_EQ(weights[0].right, 0);
@@ -168,11 +168,11 @@ TEST(StereoMix, six_channels_are_mixed_by_their_places_and_cannot_become_too_lou
 }
 
 TEST(StereoMix, without_places_the_usual_order_counts_and_every_number_of_channels_is_mixed) {
-    EXPECT_EQ(stereoMix(6, 0)[3].left, 0);
+    EXPECT_EQ(stereoWeights(speakersOf(6, 0))[3].left, 0);
     for (std::int32_t channels = 3; channels <= 32; ++channels) {
         double left = 0;
         double right = 0;
-        for (const StereoWeights& weight : stereoMix(channels, 0)) {
+        for (const StereoWeights& weight : stereoWeights(speakersOf(channels, 0))) {
             left += weight.left;
             right += weight.right;
         }
