@@ -16,4 +16,14 @@ HRESULT WINAPI WMCreateSyncReaderPriv(IWMSyncReader** reader) {
     return WMCreateSyncReader(nullptr, 0, reader);
 }
 
+// The library stays until the process ends. The compiler's thread library keeps two handles each
+// time that it is unloaded, and an open that was given up may still run its code.
+BOOL WINAPI DllMain(HINSTANCE, DWORD reason, void*) {
+    HMODULE self = nullptr;
+    if (reason == DLL_PROCESS_ATTACH)
+        ::GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
+                             reinterpret_cast<LPCWSTR>(&DllMain), &self);
+    return TRUE;
+}
+
 } // extern "C"
