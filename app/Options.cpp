@@ -24,21 +24,17 @@ constexpr const char* keyHelp =
     "The exit code is the control's result for the first file that could "
     "not be played, or 0.\n";
 
-} // namespace
-
-ParsedOptions parseOptions(const std::vector<std::wstring>& arguments, PathStyle paths) {
+// What the parser fills. Paths are still as the user wrote them.
+struct Given {
     Options options;
     std::vector<std::string> files;
     std::string defaultFile;
     std::string infoFile;
     std::string pictureFile;
+};
 
-    CLI::App parser(
-        "Plays audio files through the Corvina controls, in a window or on the terminal.",
-        "corvina-play");
-    parser.footer(keyHelp);
-    // A slash begins an option on Windows, but a file on Unix.
-    parser.allow_windows_style_options(paths == PathStyle::windows);
+void addOptions(CLI::App& parser, Given& given) {
+    auto& [options, files, defaultFile, infoFile, pictureFile] = given;
     parser.set_version_flag("--version", "corvina-play " CORVINA_VERSION);
     parser
         .add_option("files", files,
@@ -69,6 +65,20 @@ ParsedOptions parseOptions(const std::vector<std::wstring>& arguments, PathStyle
     // For scripts that have a file to play if the user names none.
     parser.add_option("--default-file", defaultFile)->group("");
     parser.add_flag("--verbose", options.verbose, "Print every error event of the control");
+}
+
+} // namespace
+
+ParsedOptions parseOptions(const std::vector<std::wstring>& arguments, PathStyle paths) {
+    Given given;
+    auto& [options, files, defaultFile, infoFile, pictureFile] = given;
+    CLI::App parser(
+        "Plays audio files through the Corvina controls, in a window or on the terminal.",
+        "corvina-play");
+    parser.footer(keyHelp);
+    // A slash begins an option on Windows, but a file on Unix.
+    parser.allow_windows_style_options(paths == PathStyle::windows);
+    addOptions(parser, given);
 
     // The parser takes its arguments from the back.
     std::vector<std::string> utf8(arguments.size());

@@ -1,5 +1,6 @@
 # cmake -DFOLDER=... -DMODULES=a|b|c -DALLOWED=a|b -DSTAMP=... -P CheckIncludes.cmake
-# Fails if a source below FOLDER includes from one of the MODULES that is not ALLOWED.
+# Fails if a source below FOLDER includes from one of the MODULES that is not ALLOWED. What the result
+# depends on is left in STAMP.d.
 cmake_minimum_required(VERSION 3.23)
 
 string(REPLACE "|" ";" ALLOWED "${ALLOWED}")
@@ -18,4 +19,12 @@ if(wrong)
   list(JOIN ALLOWED ", " ALLOWED)
   message(FATAL_ERROR "Includes from modules that CMakeLists.txt does not name as used (allowed: ${ALLOWED}):${wrong}")
 endif()
+file(GLOB_RECURSE entries LIST_DIRECTORIES true "${FOLDER}/*")
+foreach(entry IN LISTS entries)
+  if(IS_DIRECTORY "${entry}")
+    list(APPEND files "${entry}")
+  endif()
+endforeach()
+list(JOIN files " " files)
+file(WRITE "${STAMP}.d" "${STAMP}: ${FOLDER} ${files}\n")
 file(TOUCH "${STAMP}")

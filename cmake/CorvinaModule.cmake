@@ -17,8 +17,8 @@ if(MSVC)
 else()
   target_compile_options(corvina_own INTERFACE
     -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
-  # The heap of 32-bit Windows aligns to 8 bytes; the compiler believes 16. With the truth told, types
-  # that need 16 get them.
+  # The heap of 32-bit Windows aligns to 8 bytes; the compiler believes 16. This is the truth, so that
+  # types that need 16 get them.
   target_compile_options(corvina_own INTERFACE $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-faligned-new=8>)
 endif()
 
@@ -53,15 +53,17 @@ endfunction()
 # folder include from no other modules than these.
 function(corvina_check_includes target folder)
   get_property(modules GLOBAL PROPERTY CORVINA_MODULES)
-  file(GLOB_RECURSE files CONFIGURE_DEPENDS "${folder}/*.h" "${folder}/*.cpp")
   set(stamp "${PROJECT_BINARY_DIR}/includes/${target}")
   set(script "${PROJECT_SOURCE_DIR}/cmake/CheckIncludes.cmake")
   list(JOIN modules "|" modules)
   list(JOIN ARGN "|" allowed)
+  # The script lists the files that it has read, and their folders, for files that come later. Listed
+  # here they would make every build look for new files and then run CMake again.
   add_custom_command(OUTPUT "${stamp}"
     COMMAND "${CMAKE_COMMAND}" "-DFOLDER=${folder}" "-DMODULES=${modules}" "-DALLOWED=${allowed}"
             "-DSTAMP=${stamp}" -P "${script}"
-    DEPENDS ${files} "${script}"
+    DEPENDS "${script}"
+    DEPFILE "${stamp}.d"
     COMMENT "Checking what ${target} includes"
     VERBATIM)
   add_custom_target(${target}_includes DEPENDS "${stamp}")

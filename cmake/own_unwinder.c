@@ -1,5 +1,5 @@
 /* A DLL that is linked with an unwinder of its own must use that one. GCC's start code looks for
- * libgcc_s_dw2-1.dll first, and where the host has it loaded (one built with MinGW may) tells that
+ * libgcc_s_dw2-1.dll first, and if the host has it loaded (one built with MinGW may) shows that
  * library where the DLL's exception tables are. The DLL's own unwinder then finds none, and the
  * first throw ends the host. So inside such a DLL there is no library of that name.
  *

@@ -77,7 +77,7 @@ End Sub
 Private Sub PlayButton_Click()
     Dim Result As Long
     If Player.IsPlaying Then
-        Player.PlayStop ' DonePlay tells when it is over
+        Player.PlayStop ' DonePlay is raised when it is over
         Exit Sub
     End If
     Result = Player.PlayStart(FileName.Text, WaveMapper, 0)

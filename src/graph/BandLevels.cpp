@@ -41,7 +41,7 @@ void BandLevels::decay(std::int32_t used) noexcept {
 void BandLevels::readSpectrum(const SampleBuffer& samples) {
     if (!fourier_)
         fourier_.emplace();
-    // Also where there was no memory for its samples before.
+    // Also if there was no memory for its samples before.
     if (fourier_->NumberOfSamples() != transformSize) {
         fourier_->NumberOfSamples(transformSize);
         fourier_->WithTimeWindow(1);

@@ -3,7 +3,10 @@
 // The file that follows the one that plays: opened when the engine asks for it, which is before it
 // is heard, and reported under its name until it is.
 
-#include "player/PlaybackEngine.h"
+#include "player/PlaybackOptions.h"
+#include "player/PlayerEvents.h"
+#include "player/PlayerPlatform.h"
+#include "player/TrackSupply.h"
 
 #include <memory>
 #include <string>

@@ -4,10 +4,8 @@
 #include "player/ExceptionReport.h"
 #include "player/PlayerEvents.h"
 #include "runtime/RuntimeError.h"
-#include "stream/PcmFormat.h"
 
 #include <algorithm>
-#include <cstddef>
 #include <span>
 #include <string>
 #include <utility>
@@ -15,29 +13,22 @@
 namespace corvina {
 namespace {
 
-// What AudioDataOut shows before the first refill.
-constexpr std::size_t samplesBeforeFirstRefill = 1024;
 constexpr std::int32_t conversionImpossible = 5;
-
-WAVEFORMATEX agreeingRecord(const PlayedFormat& format) {
-    return pcmFormat(static_cast<DWORD>(format.sampleRate), static_cast<WORD>(format.channels),
-                     static_cast<WORD>(format.bits));
-}
 
 } // namespace
 
 PlaybackEngine::PlaybackEngine(PlayerEvents& events, TrackSupply& supply,
                                const PlaybackOptions& options, const PlayerPlatform& platform)
-    : events_(events), supply_(supply), options_(options), wave_(platform.wave),
-      trace_(platform.trace), messages_(platform.windows), device_(platform.wave),
-      timer_(platform.windows,
-             [this] {
-                 // A handler may release the owner of all this.
-                 PlayerEvents& owner = events_;
-                 owner.hold();
-                 tick();
-                 owner.letGo();
-             }),
+    : events_(events), supply_(supply), options_(options), trace_(platform.trace),
+      messages_(platform.windows), output_(platform.wave), timer_(platform.windows,
+                                                                  [this] {
+                                                                      // A handler may release the
+                                                                      // owner of all this.
+                                                                      PlayerEvents& owner = events_;
+                                                                      owner.hold();
+                                                                      tick();
+                                                                      owner.letGo();
+                                                                  }),
       life_(events) {}
 
 PlaybackEngine::~PlaybackEngine() {
@@ -134,43 +125,22 @@ bool PlaybackEngine::closeFormerDevice() noexcept {
 // it is left, and its result is returned.
 std::int32_t PlaybackEngine::openSession(std::int32_t deviceIndex, const WAVEFORMATEX& format) {
     ++session_;
-    format_ = tracks_.current()->format();
-    // Everything that needs memory comes before the device is opened.
-    ring_ = std::make_unique<WaveRing>(format_, options_.sound);
-    std::vector<std::int16_t> silence(samplesBeforeFirstRefill);
-    // Without a window that listens nothing would ever fill the ring, so the device is not opened.
-    if (!messages_.window())
-        return MMSYSERR_INVALPARAM;
-    // Block align and average rate stay the source's even if the converter changes the width. This
-    // mixed record is on purpose: it is what devices have always been opened with here. They go by
-    // the width and accept it.
-    WAVEFORMATEX mixed = format;
-    mixed.nSamplesPerSec = static_cast<DWORD>(format_.sampleRate);
-    mixed.nChannels = static_cast<WORD>(format_.channels);
-    mixed.wBitsPerSample = static_cast<WORD>(format_.bits);
-    MMRESULT result = device_.open(deviceIndex, mixed, messages_.window());
-    // A device that goes by the other fields too gets a record whose fields agree, and one without
-    // so many speakers gets two channels.
-    if (result == WAVERR_BADFORMAT)
-        result = device_.open(deviceIndex, agreeingRecord(format_), messages_.window());
-    if (result == WAVERR_BADFORMAT && tracks_.current()->mixToStereo()) {
-        format_ = tracks_.current()->format();
-        ring_ = std::make_unique<WaveRing>(format_, options_.sound);
-        result = device_.open(deviceIndex, agreeingRecord(format_), messages_.window());
-    }
+    SentSamples silence = SentSamples::silence();
+    MMRESULT result =
+        output_.open(deviceIndex, *tracks_.current(), format, options_.sound, messages_.window());
     if (result != MMSYSERR_NOERROR)
         return static_cast<std::int32_t>(result);
     enter(PlaybackState::opening);
-    result = ring_->prepare(wave_, device_.handle());
+    result = output_.prepare();
     if (result != MMSYSERR_NOERROR) {
         abandonSession();
         return static_cast<std::int32_t>(result);
     }
-    audioData_ = std::move(silence);
+    sent_ = std::move(silence);
     drained_ = 0;
     lost_ = 0;
-    const BOOL posted = messages_.postReturned(WaveRing::playedBuffers,
-                                               reinterpret_cast<LPARAM>(&ring_->first().header));
+    const BOOL posted = messages_.postReturned(
+        WaveRing::playedBuffers, reinterpret_cast<LPARAM>(&output_.ring().first().header));
     if (posted != TRUE && posted != FALSE) {
         abandonSession();
         return posted;
@@ -178,8 +148,6 @@ std::int32_t PlaybackEngine::openSession(std::int32_t deviceIndex, const WAVEFOR
     // A refused post returns 0, and that is the result for the host, to which it means success: it
     // gets a playback that ends at once, with its DonePlay, and not one that hangs.
     primed_ = posted == TRUE;
-    watchedFrame_ = 0;
-    progressAt_ = ::GetTickCount64();
     enter(PlaybackState::feeding);
     return 0;
 }
@@ -216,7 +184,7 @@ void PlaybackEngine::handleMessage(UINT message) noexcept {
 
 void PlaybackEngine::bufferReturned() {
     const std::uint32_t session = session_;
-    progressAt_ = ::GetTickCount64();
+    output_.noteProgress();
     if (state_ != PlaybackState::feeding || !refill()) {
         if (session == session_)
             countDrained();
@@ -236,15 +204,15 @@ bool PlaybackEngine::refill() {
         events_.Err(function, number, errorText(number));
     };
 
-    WaveBuffer& buffer = ring_->next();
-    MMRESULT result = device_.unprepare(buffer.header);
+    WaveBuffer& buffer = output_.ring().next();
+    MMRESULT result = output_.device().unprepare(buffer.header);
     if (result != MMSYSERR_NOERROR) {
         failed(L"WindowProcOut:waveOutUnprepareHeader", result);
         if (stopped())
             return false;
     }
     fill(buffer);
-    result = device_.prepare(buffer.header);
+    result = output_.device().prepare(buffer.header);
     if (result != MMSYSERR_NOERROR) {
         failed(L"WindowProcOut:waveOutPrepareHeader", result);
         if (stopped())
@@ -253,7 +221,7 @@ bool PlaybackEngine::refill() {
     // A buffer that the device refuses never comes back. The ring goes on without it, and the count
     // at the end stays short of eight, so that the device is not closed. Hosts know this: a
     // DonePlay without all of the sound would be a different promise.
-    result = device_.write(buffer.header);
+    result = output_.device().write(buffer.header);
     if (result != MMSYSERR_NOERROR) {
         ++lost_;
         failed(L"WindowProcOut:waveOutWrite", result);
@@ -281,11 +249,10 @@ void PlaybackEngine::fill(WaveBuffer& buffer) {
         // delivered bytes, from the buffer's former use, is heard too. Devices have always been
         // given whole blocks here; only CleanEnd makes the rest silent.
         if (options_.cleanEnd)
-            std::fill(bytes.begin() + filled.bytes, bytes.end(), format_.silence());
+            std::fill(bytes.begin() + filled.bytes, bytes.end(), output_.format().silence());
     }
-    ring_->applySettings(buffer);
-    // Made while the former copy still exists, so that it has another address.
-    audioData_ = std::vector<std::int16_t>(buffer.data);
+    output_.ring().applySettings(buffer);
+    sent_.set(buffer.data);
 }
 
 void PlaybackEngine::countDrained() {
@@ -337,19 +304,7 @@ bool PlaybackEngine::continueWithOther() {
 }
 
 bool PlaybackEngine::latestSamples(SampleBlock& block) const {
-    // Before the first refill audioData is a stand-in of silence.
-    if (!playing() || audioData_.size() <= samplesBeforeFirstRefill)
-        return false;
-    block.channels = format_.channels;
-    block.sampleRate = format_.sampleRate;
-    block.samples = audioData_;
-    if (format_.bits == 8) {
-        block.samples.clear();
-        for (const std::byte sample : std::as_bytes(std::span(audioData_)))
-            block.samples.push_back(
-                static_cast<std::int16_t>((std::to_integer<int>(sample) - 128) * 256));
-    }
-    return true;
+    return playing() && sent_.copyTo(block, output_.format());
 }
 
 } // namespace corvina

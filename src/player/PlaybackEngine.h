@@ -4,30 +4,22 @@
 // from the track when the device returns it.
 //
 // Everything happens on the thread that owns the window, driven by that window's messages: there is
-// no thread of its own and no lock. The states are those of PlaybackState.h:
-//   start         opens the device and posts eight MM_WOM_DONE messages, which fill the ring
-//   MM_WOM_DONE   while feeding, refills and queues the next buffer. The message that meets the
-//                 end of the sound, or stop, ends feeding; eight more close the device.
-//   MM_WOM_CLOSE  stops what is left, sets done and raises DonePlay
-// A handler of any event may call every member. An exception that is thrown while a message is
-// handled ends the playback and is reported through Err as "WindowProcOut". The texts of the events
-// are published, and older than the names of the functions here.
+// no thread of its own and no lock. PlaybackState.h describes the states. A handler of any event
+// may call every member. An exception that is thrown while a message is handled ends the playback
+// and is reported through Err as "WindowProcOut".
 
 #include "player/PlaybackLife.h"
 #include "player/PlaybackOptions.h"
 #include "player/PlaybackState.h"
 #include "player/PlayerPlatform.h"
+#include "player/SentSamples.h"
 #include "player/TrackQueue.h"
 #include "player/TrackSupply.h"
-#include "player/WaveDevice.h"
 #include "player/WaveMessages.h"
-#include "player/WaveRing.h"
+#include "player/WaveOutput.h"
 #include "player/WindowTimer.h"
-#include "stream/SampleFeed.h"
 
 #include <cstdint>
-#include <memory>
-#include <vector>
 
 namespace corvina {
 
@@ -50,6 +42,8 @@ public:
 
     // Returns 0, 5 if the track cannot be converted, or the device result.
     std::int32_t start(std::int32_t deviceIndex, TrackQueue::Track track);
+    // MM_WOM_DONE refills and queues a buffer, or counts it at the end; MM_WOM_CLOSE sets done and
+    // raises DonePlay. Others are ignored.
     void handleMessage(UINT message) noexcept;
     std::int32_t stop();
     std::int32_t pause() noexcept;
@@ -76,11 +70,9 @@ public:
     // From a successful pause to a successful resume or the next start; stop leaves it.
     [[nodiscard]] bool paused() const noexcept { return paused_; }
     [[nodiscard]] PlayState playState() const noexcept { return life_.state(); }
-    // A copy of the samples last sent to the device, at a new address after every refill; null
-    // before the first playback.
-    [[nodiscard]] const std::int16_t* audioData() const noexcept { return audioData_.data(); }
-    // The same samples with their format, 8 bits widened to 16. False if nothing plays,
-    // or nothing was sent yet.
+    // The samples last sent to the device, as SentSamples has them.
+    [[nodiscard]] const std::int16_t* audioData() const noexcept { return sent_.data(); }
+    // False if nothing plays, or nothing was sent yet.
     [[nodiscard]] bool latestSamples(SampleBlock& block) const;
 
 private:
@@ -114,18 +106,15 @@ private:
     [[nodiscard]] bool recover(const TrackQueue::Place& place);
     [[nodiscard]] bool closeAtOnce() noexcept;
 
-    [[nodiscard]] std::int64_t heardFrame() noexcept;
     void reportHeard();
     void tick() noexcept;
-    void watchDevice();
 
     PlayerEvents& events_;
     TrackSupply& supply_;
     const PlaybackOptions& options_;
-    const WaveApi& wave_;
     const PlaybackTrace trace_;
     WaveMessages messages_;
-    WaveDevice device_;
+    WaveOutput output_;
     WindowTimer timer_;
     PlaybackLife life_;
 
@@ -143,11 +132,7 @@ private:
     std::uint32_t session_ = 0;
     FailedReset reported_; // by the Err that is being raised
     TrackQueue tracks_;
-    PlayedFormat format_;
-    std::unique_ptr<WaveRing> ring_;
-    std::vector<std::int16_t> audioData_;
-    std::int64_t watchedFrame_ = 0;
-    std::uint64_t progressAt_ = 0; // when the device was last seen to play, in milliseconds
+    SentSamples sent_;
 };
 
 } // namespace corvina

@@ -19,7 +19,8 @@ void PlaybackEngine::closeDrained() {
         // Always the spare record, which was never prepared, and not buffer i. This is on purpose:
         // the buffers keep their prepared state until the device is closed, as drivers have come to
         // expect.
-        const auto result = static_cast<std::int32_t>(device_.unprepare(ring_->spare().header));
+        const auto result =
+            static_cast<std::int32_t>(output_.device().unprepare(output_.ring().spare().header));
         if (result == MMSYSERR_NOERROR)
             continue;
         events_.Err(L"StopPlayProc:waveOutUnprepareHeader :hdr(" + std::to_wstring(i) + L")",
@@ -27,7 +28,7 @@ void PlaybackEngine::closeDrained() {
         if (closed())
             return;
     }
-    const auto result = static_cast<std::int32_t>(device_.close());
+    const auto result = static_cast<std::int32_t>(output_.device().close());
     if (result == MMSYSERR_NOERROR) {
         enter(PlaybackState::closed);
         return;
@@ -51,10 +52,10 @@ std::int32_t PlaybackEngine::stop() {
 
 std::int32_t PlaybackEngine::resetDevice() {
     stopFeeding();
-    const auto result = static_cast<std::int32_t>(device_.reset());
+    const auto result = static_cast<std::int32_t>(output_.device().reset());
     // A handler that responds to this event with PlayStop comes here again: it gets its result, but
     // not the same event without end.
-    const FailedReset failed{.session = session_, .device = device_.handle()};
+    const FailedReset failed{.session = session_, .device = output_.device().handle()};
     if (result != MMSYSERR_NOERROR && reported_ != failed) {
         const FailedReset outer = std::exchange(reported_, failed);
         events_.Err(L"StopPlayAudio:waveOutReset", result, std::to_wstring(result));
@@ -78,7 +79,7 @@ void PlaybackEngine::giveBackUnheard() {
 }
 
 std::int32_t PlaybackEngine::pause() noexcept {
-    const auto result = static_cast<std::int32_t>(device_.pause());
+    const auto result = static_cast<std::int32_t>(output_.device().pause());
     if (result == MMSYSERR_NOERROR) {
         paused_ = true;
         life_.setPaused(true);
@@ -87,10 +88,10 @@ std::int32_t PlaybackEngine::pause() noexcept {
 }
 
 std::int32_t PlaybackEngine::resume() noexcept {
-    const auto result = static_cast<std::int32_t>(device_.resume());
+    const auto result = static_cast<std::int32_t>(output_.device().resume());
     if (result == MMSYSERR_NOERROR) {
         paused_ = false;
-        progressAt_ = ::GetTickCount64();
+        output_.noteProgress();
         life_.setPaused(false);
     }
     return result;
@@ -121,13 +122,7 @@ void PlaybackEngine::failPlayback(std::uint32_t session) {
 // Closes the device without events and without waiting for its buffers. Whether it accepted that,
 // so that its close message comes.
 bool PlaybackEngine::closeAtOnce() noexcept {
-    device_.reset();
-    ring_->unprepare(wave_, device_.handle());
-    const bool closed = device_.close() == MMSYSERR_NOERROR;
-    // A device that refuses to close may still read the buffers: they are left to it.
-    if (!closed)
-        static_cast<void>(ring_.release());
-    device_.forget();
+    const bool closed = output_.closeAtOnce();
     enter(PlaybackState::closed);
     return closed;
 }
@@ -158,7 +153,7 @@ bool PlaybackEngine::recover(const TrackQueue::Place& place) {
         return false;
     deviceIndex_ = systemsChoice;
     if (paused_)
-        device_.pause();
+        output_.device().pause();
     if (!primed_)
         endUnprimed();
     return true;

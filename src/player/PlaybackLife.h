@@ -3,8 +3,8 @@
 // The events about the starts and ends of playbacks: Ended exactly once for every
 // successful start, and StateChanged whenever State is another.
 //
-// A playback whose device is closed ends when the close message is handled, behind DonePlay; where
-// that message will not come it is ended at once. Handlers may do anything, so an event is always
+// A playback whose device is closed ends when the close message is handled, behind DonePlay. If that
+// message will not come it is ended at once. Handlers may do anything, so an event is always
 // the last thing that a function here does with its members.
 
 #include "player/PlayerEvents.h"

@@ -9,8 +9,14 @@
 //   closing       all buffers are back, or are not waited for; the device is being closed
 //   closeRefused  the device did not let itself be closed; the next start tries again
 //
-// What the host was notified of is not part of it: a device can be closed before the host hears of the end,
-// and a paused device is still in one of these states.
+// What moves it:
+//   start         opens the device and posts eight MM_WOM_DONE messages, which fill the ring
+//   MM_WOM_DONE   while feeding, refills and queues the next buffer. The message that meets the
+//                 end of the sound, or stop, ends feeding; eight more close the device.
+//   MM_WOM_CLOSE  stops what is left, sets done and raises DonePlay
+//
+// What the host was notified of is not part of it: a device can be closed before the host hears of
+// the end, and a paused device is still in one of these states.
 
 #include <cstdint>
 

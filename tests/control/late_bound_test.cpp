@@ -45,7 +45,7 @@ protected:
     EXCEPINFO exception{};
 };
 
-TEST_F(LateBound, a_method_answers) {
+TEST_F(LateBound, a_method_returns_its_result) {
     EXPECT_EQ(S_OK, call(L"GetSecondsAsTimeString", {Variant(3725)}));
     EXPECT_EQ(L"1:02:05", textOf(V_BSTR(&result)));
 }

@@ -89,7 +89,7 @@ const Comparison& comparison(std::size_t random) {
 
 } // namespace corvina::fuzz::coverage
 
-// The hooks. The first number of a comparison is the constant where there is one.
+// The hooks. The first number of a comparison is the constant if there is one.
 extern "C" {
 
 void __sanitizer_cov_trace_pc() {

@@ -28,7 +28,7 @@ void forgetAll();
 struct Comparison {
     std::uint32_t found = 0;
     std::uint32_t wanted = 0;
-    std::uint8_t bytes = 0; // 0 where nothing was compared
+    std::uint8_t bytes = 0; // 0 if nothing was compared
 };
 [[nodiscard]] const Comparison& comparison(std::size_t random);
 

@@ -8,7 +8,6 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <new>
 #include <windows.h>
 
 namespace {
@@ -53,7 +52,7 @@ std::uint8_t* addressOf(std::uint32_t pageNumber) {
     return arena + pageNumber * page;
 }
 
-// The first page of a slot; 0 where there is none left.
+// The first page of a slot; 0 if there is none left.
 std::uint32_t newSlot(std::size_t pages) {
     if (!arena)
         arena = static_cast<std::uint8_t*>(
@@ -129,35 +128,4 @@ void release(void* block) noexcept {
 
 } // namespace
 
-void* operator new(std::size_t bytes) {
-    if (void* const block = allocate(bytes))
-        return block;
-    throw std::bad_alloc();
-}
-void* operator new[](std::size_t bytes) {
-    return operator new(bytes);
-}
-void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept {
-    return allocate(bytes);
-}
-void* operator new[](std::size_t bytes, const std::nothrow_t&) noexcept {
-    return allocate(bytes);
-}
-void operator delete(void* block) noexcept {
-    release(block);
-}
-void operator delete[](void* block) noexcept {
-    release(block);
-}
-void operator delete(void* block, std::size_t) noexcept {
-    release(block);
-}
-void operator delete[](void* block, std::size_t) noexcept {
-    release(block);
-}
-void operator delete(void* block, const std::nothrow_t&) noexcept {
-    release(block);
-}
-void operator delete[](void* block, const std::nothrow_t&) noexcept {
-    release(block);
-}
+#include "support/ReplacedNew.h"

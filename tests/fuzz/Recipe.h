@@ -14,7 +14,7 @@ namespace corvina::fuzz {
 // Throws std::runtime_error for a text that is no recipe.
 [[nodiscard]] Bytes fromRecipe(const std::string& text);
 
-// Nothing where there is no such file.
+// Nothing if there is no such file.
 [[nodiscard]] std::vector<Bytes> readCorpus(const std::string& path);
 void writeCorpus(const std::string& path, const std::vector<Bytes>& inputs);
 

@@ -16,7 +16,7 @@ namespace corvina::test {
 
 class BareReader {
 public:
-    // Null where there is none.
+    // Null if there is none.
     [[nodiscard]] static ComPtr<IWMSyncReader> create() {
         using Create = HRESULT(WINAPI*)(IUnknown*, DWORD, IWMSyncReader**);
         const HMODULE library = ::LoadLibraryW(L"wmvcore.dll");

@@ -1,6 +1,6 @@
 #pragma once
 
-// The number of the run-time error that a body raises; 0 where it raises none.
+// The number of the run-time error that a body raises; 0 if it raises none.
 
 #include "runtime/RuntimeError.h"
 

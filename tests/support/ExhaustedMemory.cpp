@@ -3,7 +3,6 @@
 #include "support/ExhaustedMemory.h"
 
 #include <cstdlib>
-#include <new>
 
 namespace {
 
@@ -12,6 +11,14 @@ int leftBeforeFailure = 0; // the last of them fails; 0: none
 
 bool fails() noexcept {
     return exhausted || (leftBeforeFailure > 0 && --leftBeforeFailure == 0);
+}
+
+void* allocate(std::size_t bytes) {
+    return fails() ? nullptr : std::malloc(bytes > 0 ? bytes : 1);
+}
+
+void release(void* block) noexcept {
+    std::free(block);
 }
 
 } // namespace
@@ -40,18 +47,4 @@ bool FailingAllocation::struck() const noexcept {
 
 } // namespace corvina::test
 
-// The other forms of the language's library come to these.
-void* operator new(std::size_t bytes) {
-    void* const block = fails() ? nullptr : std::malloc(bytes > 0 ? bytes : 1);
-    if (!block)
-        throw std::bad_alloc();
-    return block;
-}
-
-void operator delete(void* block) noexcept {
-    std::free(block);
-}
-
-void operator delete(void* block, std::size_t) noexcept {
-    std::free(block);
-}
+#include "support/ReplacedNew.h"

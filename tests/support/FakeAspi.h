@@ -22,7 +22,7 @@ public:
 
     [[nodiscard]] static const LibraryApi& libraries();
 
-    // Puts a CD-ROM drive at a place on a bus; its type is told with that status.
+    // Puts a CD-ROM drive at a place on a bus; its type is reported with that status.
     void addCdRom(std::uint8_t adapter, std::uint8_t target,
                   std::uint8_t typeStatus = Aspi::complete) {
         cdRoms[{adapter, target}] = typeStatus;

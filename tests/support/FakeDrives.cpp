@@ -9,7 +9,7 @@ BOOL WINAPI fakeVersion(LPOSVERSIONINFOA version) {
     if (version->dwOSVersionInfoSize != sizeof *version)
         return FALSE;
     version->dwPlatformId = machine->platformId;
-    return machine->versionAnswer;
+    return machine->versionResult;
 }
 
 UINT WINAPI fakeDriveType(LPCSTR root) {

@@ -36,7 +36,7 @@ public:
     void addCdRom(char letter) { types[letter] = DRIVE_CDROM; }
 
     DWORD platformId = VER_PLATFORM_WIN32_NT;
-    BOOL versionAnswer = TRUE;
+    BOOL versionResult = TRUE;
     std::map<char, UINT> types;
     std::set<char> refuseRead;  // letters whose device does not open at all
     std::set<char> refuseWrite; // letters whose device opens for reading only

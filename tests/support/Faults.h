@@ -23,7 +23,7 @@ public:
     enum class Lasting { once, forever };
 
     // Makes the nth call (from 1) of the function fail, or that one and all after it. The code is
-    // for the fake to return where a function has more than one way to fail.
+    // for the fake to return if a function has more than one way to fail.
     void arm(std::string function, int nth, Lasting lasting = Lasting::once, int code = 0) {
         calls_.clear();
         callsAfter_.clear();
@@ -87,7 +87,7 @@ private:
 
 // Runs the scenario once without a failure to learn its calls, then once for each call of each
 // function, failing only that time, and again failing from that time on. The scenario must expect
-// what holds under any failure; faults.struck() tells it whether one came.
+// what holds under any failure; faults.struck() says whether one came.
 template <typename Scenario>
 void forEachFault(Faults& faults, Scenario scenario) {
     faults.disarm();

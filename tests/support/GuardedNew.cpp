@@ -1,12 +1,11 @@
 // Replaces operator new for a whole test program: every block ends at a page that nobody may touch,
 // and its pages become inaccessible when it is freed. So one byte read or written past the end, or
-// after the end of its life, faults at once. Add this file to a corvina_test's SOURCES.
+// after the end of its life, faults at once. A corvina_test takes it WITH guarded_new.
 //
 // A block costs 64 KB of address space, so such a program should hold few blocks at a time.
 
 #include <cstdint>
 #include <cstdlib>
-#include <new>
 #include <windows.h>
 
 namespace {
@@ -57,35 +56,4 @@ void release(void* block) noexcept {
 
 } // namespace
 
-void* operator new(std::size_t bytes) {
-    if (void* const block = allocate(bytes))
-        return block;
-    throw std::bad_alloc();
-}
-void* operator new[](std::size_t bytes) {
-    return operator new(bytes);
-}
-void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept {
-    return allocate(bytes);
-}
-void* operator new[](std::size_t bytes, const std::nothrow_t&) noexcept {
-    return allocate(bytes);
-}
-void operator delete(void* block) noexcept {
-    release(block);
-}
-void operator delete[](void* block) noexcept {
-    release(block);
-}
-void operator delete(void* block, std::size_t) noexcept {
-    release(block);
-}
-void operator delete[](void* block, std::size_t) noexcept {
-    release(block);
-}
-void operator delete(void* block, const std::nothrow_t&) noexcept {
-    release(block);
-}
-void operator delete[](void* block, const std::nothrow_t&) noexcept {
-    release(block);
-}
+#include "support/ReplacedNew.h"

@@ -9,7 +9,7 @@
 namespace corvina::test {
 namespace {
 
-// What is written there is not noticed where it is put right again at once.
+// What is written there is not noticed if it is put right again at once.
 bool noticesWrite(HANDLE heap, volatile std::uint8_t& place) {
     const std::uint8_t old = place;
     place = static_cast<std::uint8_t>(~old);

@@ -27,6 +27,12 @@ public:
     bool hasFormat = true;
     // What BitsPerSample says, if not what the record says.
     std::optional<WORD> deliveredBits;
+    // What Position says.
+    std::int32_t reportedMs = 0;
+    // Other than done: SeekTo does not move.
+    std::int32_t seekResult = SourceResult::done;
+    int opens = 0;
+    int closes = 0;
     // The counts that Read was asked for.
     std::vector<std::int32_t> asked;
     // If set, it is called instead of reading: buffer, count, count read by reference; the result.
@@ -37,8 +43,15 @@ public:
     bool EndOfStream() override { return position >= data.size(); }
     bool Seekable() override { return true; }
     const WAVEFORMATEX* WFXPointer() override { return hasFormat ? &format : nullptr; }
-    std::int32_t OpenSource(const std::wstring&) override { return SourceResult::done; }
-    std::int32_t CloseSource() override { return SourceResult::done; }
+    std::int32_t OpenSource(const std::wstring&) override {
+        ++opens;
+        position = 0;
+        return SourceResult::done;
+    }
+    std::int32_t CloseSource() override {
+        ++closes;
+        return SourceResult::done;
+    }
 
     std::int32_t Read(void* pBuffer, std::int32_t cBytes, std::int32_t& cBytesRead) override {
         asked.push_back(cBytes);
@@ -54,6 +67,8 @@ public:
     }
 
     std::int32_t SeekTo(std::int32_t Value, std::int32_t&) override {
+        if (seekResult != SourceResult::done)
+            return seekResult;
         position = static_cast<std::size_t>(Value) * format.nAvgBytesPerSec;
         return SourceResult::done;
     }
@@ -68,7 +83,7 @@ public:
     std::int32_t Bitrate() override {
         return static_cast<std::int32_t>(format.nAvgBytesPerSec) * 8;
     }
-    std::int32_t Position() override { return 0; }
+    std::int32_t Position() override { return reportedMs; }
     std::int32_t Duration() override { return 0; }
 
 private:

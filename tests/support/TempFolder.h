@@ -47,9 +47,13 @@ public:
         const bool good = handle != INVALID_HANDLE_VALUE &&
                           ::WriteFile(handle, bytes.data(), static_cast<DWORD>(bytes.size()),
                                       &written, nullptr) != 0;
+        const DWORD error = ::GetLastError();
         ::CloseHandle(handle);
         if (!good || written != bytes.size())
-            throw std::runtime_error("a temporary file could not be written");
+            throw std::runtime_error(
+                error == ERROR_SHARING_VIOLATION
+                    ? "a temporary file cannot be written while something has it open"
+                    : "a temporary file could not be written: error " + std::to_string(error));
         return path;
     }
 

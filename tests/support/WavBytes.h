@@ -43,7 +43,7 @@ using Bytes = std::vector<std::uint8_t>;
 
 class WavBytes {
 public:
-    // Declares another size than the chunk has, where one is given.
+    // Declares another size than the chunk has, if one is given.
     WavBytes& chunk(std::string_view id, const Bytes& content,
                     std::optional<std::uint32_t> declared = std::nullopt) {
         text(id);
@@ -54,7 +54,7 @@ public:
         return *this;
     }
 
-    // The first bytes of the record, and further ones where the chunk has them.
+    // The first bytes of the record, and further ones if the chunk has them.
     WavBytes& format(const WAVEFORMATEX& record, std::size_t size = 16, const Bytes& extra = {}) {
         const auto* const first = reinterpret_cast<const std::uint8_t*>(&record);
         Bytes content(first, first + std::min(size, sizeof record));

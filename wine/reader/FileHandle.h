@@ -17,7 +17,7 @@ struct FileHandleTraits {
 using FileHandle = UniqueHandle<FileHandleTraits>;
 
 // Reads at a position of the file, wherever its pointer is; the number of bytes that were read,
-// which is smaller at the end of the file and where it cannot be read.
+// which is smaller at the end of the file and if it cannot be read.
 [[nodiscard]] inline DWORD readAt(HANDLE file, std::uint64_t position, void* buffer, DWORD bytes) {
     OVERLAPPED place{};
     place.Offset = static_cast<DWORD>(position);

@@ -29,7 +29,7 @@ struct disc_image {
 /* Opens a path of the Unix side, also from a Windows program. */
 FILE* open_unix_path(const char* path, const char* mode);
 
-/* Reads a cue sheet of whole 2352-byte sectors. Where it cannot be used, says why and returns
+/* Reads a cue sheet of whole 2352-byte sectors. If it cannot be used, says why and returns
  * false. */
 bool disc_open(struct disc_image* disc, const char* cue_path, char* why, size_t why_size);
 void disc_close(struct disc_image* disc);

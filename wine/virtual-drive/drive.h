@@ -6,7 +6,7 @@
  *   device /dev/full          the character device that stands for the drive
  *   disc /path/image.cue      the disc in the drive; without this line the drive is empty
  *   tray open                 the tray is out (the host's own commands move it, too)
- *   name VENDOR|PRODUCT|REV   what INQUIRY tells
+ *   name VENDOR|PRODUCT|REV   what INQUIRY returns
  *   address HOST TARGET LUN   its place on a bus
  *   absent                    its device cannot be opened
  *   read-only                 its device cannot be opened for writing
@@ -14,16 +14,16 @@
  *   gone                      every request to its device and every command through ASPI fails;
  *                             ASPI goes on showing it
  *   delay-us N                microseconds that each SCSI command and each read of audio takes;
- *                             the other requests (table, tray, state) are answered at once
+ *                             the other requests (table, tray, state) return at once
  *   unreadable FIRST COUNT    scratched sectors; repeatable
  *   no-lead-out               sectors of the lead-out cannot be read
  *   refuse OPCODE             requests with this command fail (hexadecimal; repeatable)
  *   check OPCODE KEY ASC ASCQ commands with this code end with CHECK CONDITION (hexadecimal)
  *   short BYTES               a read of sectors transfers no more than this
- *   toc HEX                   what READ TOC answers instead of the disc's table
+ *   toc HEX                   what READ TOC returns instead of the disc's table
  *   log /path                 a file to which each request adds a line
- *   after N LINE              LINE holds once N reads of sectors were answered since the last
- * change
+ *   after N LINE              LINE holds once N reads of sectors have succeeded since the last
+ *                             change
  */
 #ifndef DRIVE_H
 #define DRIVE_H
@@ -66,7 +66,7 @@ struct drive {
     long reads;
 };
 
-/* The drive of a letter with its file's present contents; NULL where there is none. */
+/* The drive of a letter with its file's present contents; NULL if there is none. */
 struct drive* drive_of(char letter);
 
 /* Counts a read of sectors and lets the lines that wait for it hold. */

@@ -1,4 +1,4 @@
-/* Answers the drive requests that Wine sends to a character device: preloaded into Wine's programs
+/* Handles the drive requests that Wine sends to a character device: preloaded into Wine's programs
  * and its server. Anything that is not for a drive goes on to the system.
  *
  * Wine finds a drive by the link dosdevices/d:: in its prefix. The server opens it, where this file
@@ -59,15 +59,15 @@ static int run_packet(struct drive* drive, struct sg_io_hdr* packet) {
         packet->host_status = HOST_TIMED_OUT;
         return fail(ETIMEDOUT);
     }
-    const struct mmc_answer answer =
+    const struct mmc_result result =
         mmc_run(drive, packet->cmdp, packet->dxferp, packet->dxferp ? packet->dxfer_len : 0);
-    packet->status = (unsigned char)answer.status;
-    packet->resid = (int)(packet->dxfer_len - answer.transferred);
+    packet->status = (unsigned char)result.status;
+    packet->resid = (int)(packet->dxfer_len - result.transferred);
     packet->sb_len_wr = 0;
-    if (answer.status == MMC_CHECK_CONDITION && packet->sbp) {
+    if (result.status == MMC_CHECK_CONDITION && packet->sbp) {
         packet->sb_len_wr =
             packet->mx_sb_len < MMC_SENSE_BYTES ? packet->mx_sb_len : MMC_SENSE_BYTES;
-        memcpy(packet->sbp, answer.sense, packet->sb_len_wr);
+        memcpy(packet->sbp, result.sense, packet->sb_len_wr);
     }
     return 0;
 }
@@ -172,7 +172,7 @@ static bool is_for_a_drive(unsigned long request) {
 }
 
 /* Whether the request was for a drive; its result is then in *result. */
-static bool answered(int descriptor, unsigned long request, void* argument, int* result) {
+static bool handled(int descriptor, unsigned long request, void* argument, int* result) {
     if (!is_for_a_drive(request))
         return false;
     pthread_mutex_lock(&lock);
@@ -200,7 +200,7 @@ static bool answered(int descriptor, unsigned long request, void* argument, int*
         void* argument = va_arg(arguments, void*);                                                 \
         va_end(arguments);                                                                         \
         int result = 0;                                                                            \
-        if (answered(descriptor, request, argument, &result))                                      \
+        if (handled(descriptor, request, argument, &result))                                       \
             return result;                                                                         \
         static int (*system_call)(int, unsigned long, ...);                                        \
         if (!system_call)                                                                          \

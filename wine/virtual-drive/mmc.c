@@ -4,25 +4,25 @@
 
 enum { NOT_READY = 2, MEDIUM_ERROR = 3, ILLEGAL_REQUEST = 5 };
 
-static struct mmc_answer good(uint32_t transferred) {
-    return (struct mmc_answer){.status = MMC_GOOD, .transferred = transferred};
+static struct mmc_result good(uint32_t transferred) {
+    return (struct mmc_result){.status = MMC_GOOD, .transferred = transferred};
 }
 
-static struct mmc_answer check(uint8_t key, uint8_t asc, uint8_t ascq) {
-    struct mmc_answer answer = {.status = MMC_CHECK_CONDITION};
-    answer.sense[0] = 0x70;
-    answer.sense[2] = key;
-    answer.sense[7] = MMC_SENSE_BYTES - 8;
-    answer.sense[12] = asc;
-    answer.sense[13] = ascq;
-    return answer;
+static struct mmc_result check(uint8_t key, uint8_t asc, uint8_t ascq) {
+    struct mmc_result result = {.status = MMC_CHECK_CONDITION};
+    result.sense[0] = 0x70;
+    result.sense[2] = key;
+    result.sense[7] = MMC_SENSE_BYTES - 8;
+    result.sense[12] = asc;
+    result.sense[13] = ascq;
+    return result;
 }
 
-static struct mmc_answer no_medium(const struct drive* drive) {
+static struct mmc_result no_medium(const struct drive* drive) {
     return check(NOT_READY, 0x3A, drive->tray_open ? 2 : 1);
 }
 
-static struct mmc_answer transfer(uint8_t* data, uint32_t size, const uint8_t* from,
+static struct mmc_result transfer(uint8_t* data, uint32_t size, const uint8_t* from,
                                   uint32_t bytes) {
     const uint32_t count = bytes < size ? bytes : size;
     if (count)
@@ -35,7 +35,7 @@ static void put_text(uint8_t* place, size_t width, const char* text) {
     memcpy(place, text, strnlen(text, width));
 }
 
-static struct mmc_answer inquiry(const struct drive* drive, const uint8_t* command, uint8_t* data,
+static struct mmc_result inquiry(const struct drive* drive, const uint8_t* command, uint8_t* data,
                                  uint32_t size) {
     uint8_t reply[36] = {5, 0x80, 5, 2, sizeof(reply) - 5};
     put_text(reply + 8, 8, drive->now.vendor);
@@ -45,7 +45,7 @@ static struct mmc_answer inquiry(const struct drive* drive, const uint8_t* comma
     return transfer(data, size, reply, asked);
 }
 
-static struct mmc_answer start_stop(struct drive* drive, const uint8_t* command) {
+static struct mmc_result start_stop(struct drive* drive, const uint8_t* command) {
     const bool move_tray = command[4] & 2;
     if (move_tray)
         drive->tray_open = !(command[4] & 1);
@@ -68,12 +68,12 @@ static void put_entry(uint8_t* place, uint8_t control, uint8_t number, int32_t l
     put_address(place + 4, lba, msf);
 }
 
-static struct mmc_answer read_toc(const struct drive* drive, const uint8_t* command, uint8_t* data,
+static struct mmc_result read_toc(const struct drive* drive, const uint8_t* command, uint8_t* data,
                                   uint32_t size) {
     const uint32_t allocated = (uint32_t)(command[7] << 8 | command[8]);
-    const uint32_t room = allocated < size ? allocated : size;
+    const uint32_t space = allocated < size ? allocated : size;
     if (drive->now.toc_bytes)
-        return transfer(data, room, drive->now.toc, (uint32_t)drive->now.toc_bytes);
+        return transfer(data, space, drive->now.toc, (uint32_t)drive->now.toc_bytes);
     if (!drive_is_ready(drive))
         return no_medium(drive);
     if (command[2] & 0x0F)
@@ -92,10 +92,10 @@ static struct mmc_answer read_toc(const struct drive* drive, const uint8_t* comm
     reply[1] = (uint8_t)(length - 2);
     reply[2] = disc->tracks[0].number;
     reply[3] = disc->tracks[disc->track_count - 1].number;
-    return transfer(data, room, reply, length);
+    return transfer(data, space, reply, length);
 }
 
-static struct mmc_answer read_cd(struct drive* drive, const uint8_t* command, uint8_t* data,
+static struct mmc_result read_cd(struct drive* drive, const uint8_t* command, uint8_t* data,
                                  uint32_t size) {
     const int32_t lba = (int32_t)((uint32_t)command[2] << 24 | (uint32_t)command[3] << 16 |
                                   (uint32_t)command[4] << 8 | command[5]);
@@ -115,7 +115,7 @@ static struct mmc_answer read_cd(struct drive* drive, const uint8_t* command, ui
     return good(bytes);
 }
 
-struct mmc_answer mmc_run(struct drive* drive, const uint8_t* command, uint8_t* data,
+struct mmc_result mmc_run(struct drive* drive, const uint8_t* command, uint8_t* data,
                           uint32_t size) {
     if (drive->now.has_check && drive->now.check_opcode == command[0])
         return check(drive->now.check_sense[0], drive->now.check_sense[1],

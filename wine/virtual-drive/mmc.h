@@ -14,14 +14,14 @@ enum {
     MMC_READ_CD = 0xBE
 };
 
-struct mmc_answer {
+struct mmc_result {
     int status;
     uint8_t sense[MMC_SENSE_BYTES];
     uint32_t transferred; /* bytes of data */
 };
 
 /* Runs a command that takes data in. Never writes more than size bytes. */
-struct mmc_answer mmc_run(struct drive* drive, const uint8_t* command, uint8_t* data,
+struct mmc_result mmc_run(struct drive* drive, const uint8_t* command, uint8_t* data,
                           uint32_t size);
 
 #endif

@@ -104,12 +104,12 @@ static uint8_t run(struct command_block* block, struct drive* drive) {
     drive_log_command(drive, "ASPI", block->command, block->command_size, block->size);
     if (drive_refuses(drive, block->command[0]))
         return ENDED_IN_ERROR;
-    const struct mmc_answer answer = mmc_run(drive, block->command, block->data, block->size);
-    block->target_status = (uint8_t)answer.status;
-    if (answer.status == MMC_GOOD)
+    const struct mmc_result result = mmc_run(drive, block->command, block->data, block->size);
+    block->target_status = (uint8_t)result.status;
+    if (result.status == MMC_GOOD)
         return COMPLETE;
-    const size_t room = block->sense_size < 16 ? block->sense_size : 16;
-    memcpy(block->sense, answer.sense, room);
+    const size_t space = block->sense_size < 16 ? block->sense_size : 16;
+    memcpy(block->sense, result.sense, space);
     return ENDED_IN_ERROR;
 }
 

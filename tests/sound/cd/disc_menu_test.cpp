@@ -87,7 +87,7 @@ TEST_F(DiscsInMenu, play_whole_in_the_order_of_their_tracks) {
     EXPECT_TRUE(queue->isPlaying());
 }
 
-TEST_F(DiscsInMenu, answer_to_no_command_that_is_not_theirs) {
+TEST_F(DiscsInMenu, respond_to_no_command_that_is_not_theirs) {
     ASSERT_NE(opened(), nullptr);
     for (const WPARAM command : {0, 999, CMD_DISCS, CMD_DISCS + 99, CMD_DISCS + 2600, 0xffff})
         ::SendMessageW(window->handle(), WM_COMMAND, command, 0);

@@ -87,7 +87,7 @@ TEST_F(AspiBackend, two_hundred_and_fifty_five_adapters_end) {
     EXPECT_EQ(backend.DeviceCount(), 1);
 }
 
-TEST_F(AspiBackend, skips_an_adapter_that_does_not_answer) {
+TEST_F(AspiBackend, skips_an_adapter_that_does_not_respond) {
     aspi.supportInfo = 0x0102;
     aspi.deafAdapters = {0};
     aspi.addCdRom(0, 3);
@@ -123,7 +123,7 @@ TEST_F(AspiBackend, a_type_reported_by_a_query_that_failed_lists_nothing) {
     EXPECT_EQ(onlyCommand().SRB_Target, 6) << "the only one that was asked for its name";
 }
 
-TEST_F(AspiBackend, names_drives_by_their_inquiry_answer) {
+TEST_F(AspiBackend, names_drives_by_their_inquiry_data) {
     aspi.addCdRom(0, 3);
     aspi.respond = [](const SRB_ExecSCSICmd& block) {
         EXPECT_EQ(block.SRB_BufLen, 76u);

@@ -150,7 +150,7 @@ TEST_F(SptiBackend, a_command_that_the_drive_refuses_counts_as_a_success) {
     EXPECT_EQ(backend.GetTOC(table), 0);
 }
 
-TEST(SptiBackendScan, names_drives_by_their_inquiry_answer) {
+TEST(SptiBackendScan, names_drives_by_their_inquiry_data) {
     FakeDrives machine;
     machine.addCdRom('D');
     machine.respond = [](const DriveRequest& request) {

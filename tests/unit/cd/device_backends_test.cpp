@@ -26,8 +26,8 @@ TYPED_TEST(DeviceBackends, outside_the_nt_family_return_4_and_look_at_no_drive) 
     EXPECT_TRUE(this->machine.opened.empty());
 }
 
-TYPED_TEST(DeviceBackends, answer_4_when_windows_does_not_report_its_version) {
-    this->machine.versionAnswer = FALSE;
+TYPED_TEST(DeviceBackends, return_4_when_windows_does_not_report_its_version) {
+    this->machine.versionResult = FALSE;
     this->machine.addCdRom('D');
     EXPECT_EQ(this->backend.InitMe(), 4);
 }
@@ -71,7 +71,7 @@ TYPED_TEST(DeviceBackends, a_drive_that_does_not_open_is_skipped) {
     EXPECT_EQ(this->backend.DeviceChar(0), L"E");
 }
 
-TYPED_TEST(DeviceBackends, answer_4_when_no_drive_opens) {
+TYPED_TEST(DeviceBackends, return_4_when_no_drive_opens) {
     this->machine.addCdRom('D');
     this->machine.refuseRead = {'D'};
     EXPECT_EQ(this->backend.InitMe(), 4);

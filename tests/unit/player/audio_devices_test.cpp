@@ -19,7 +19,7 @@ MMRESULT queryResult = 0;
 char deviceName[32];
 
 template <typename Caps>
-MMRESULT answer(Caps* caps) {
+MMRESULT describeDevice(Caps* caps) {
     if (queryResult != 0)
         return queryResult;
     std::memcpy(caps->szPname, deviceName, sizeof deviceName);
@@ -31,11 +31,11 @@ MMRESULT answer(Caps* caps) {
 
 MMRESULT WINAPI outCaps(UINT_PTR id, LPWAVEOUTCAPSA caps, UINT bytes) {
     query = {true, id, bytes};
-    return answer(caps);
+    return describeDevice(caps);
 }
 MMRESULT WINAPI inCaps(UINT_PTR id, LPWAVEINCAPSA caps, UINT bytes) {
     query = {false, id, bytes};
-    return answer(caps);
+    return describeDevice(caps);
 }
 UINT WINAPI outCount() {
     return 3;

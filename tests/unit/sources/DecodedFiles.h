@@ -88,4 +88,29 @@ void expectEndBehindSeekToEnd(const std::wstring& name) {
     EXPECT_EQ(source.Read(buffer, 400, got), 0) << "an opened file begins at its start";
 }
 
+// The medium plays the same under a name that the code page lacks, and under a path longer than
+// MAX_PATH. extension: with its dot.
+template <typename Source>
+void expectSameUnderAnyName(const std::wstring& name, const std::wstring& extension) {
+    TempFolder folder;
+    const std::wstring verbatim = L"\\\\?\\";
+    const std::wstring deep = folder.path() + L"\\" + std::wstring(200, L'd');
+    ASSERT_TRUE(::CreateDirectoryW((verbatim + deep).c_str(), nullptr));
+    const std::wstring longPath = deep + L"\\" + std::wstring(100, L'n') + extension;
+    ASSERT_TRUE(::CopyFileW(mediaFile(name).c_str(), (verbatim + longPath).c_str(), FALSE));
+    Source expected;
+    ASSERT_EQ(expected.OpenSource(mediaFile(name)), 0);
+    const Bytes samples = readToEnd(expected).bytes;
+    EXPECT_FALSE(samples.empty());
+    for (const std::wstring& path :
+         {folder.write(L"\x4E00" + extension, fileBytes(mediaFile(name))), longPath}) {
+        Source source;
+        ASSERT_EQ(source.OpenSource(path), 0);
+        EXPECT_TRUE(readToEnd(source).bytes == samples);
+        source.CloseSource();
+    }
+    ::DeleteFileW((verbatim + longPath).c_str());
+    ::RemoveDirectoryW((verbatim + deep).c_str());
+}
+
 } // namespace corvina::test

@@ -2,7 +2,7 @@
 
 #include "ApeFixture.h"
 #include "runtime/RuntimeError.h"
-#include "support/ErrorsOfUse.h"
+#include "support/RaisedErrors.h"
 
 namespace corvina::test {
 namespace {
@@ -69,8 +69,8 @@ TEST_F(ApeCalls, a_missing_export_raises_error_453_that_names_both) {
 TEST_F(ApeCalls, any_missing_export_raises_error_453_where_it_is_needed_and_leaks_no_decoder) {
     libraries.withoutEachExport([this](const std::string& library, const std::string& name) {
         SCOPED_TRACE(library + " without " + name);
-        EXPECT_THAT(errorsOfUse<DecAPE>(path), testing::Contains(453));
-        EXPECT_THAT(errorsOfUse<DecAPE>(path), testing::Each(453));
+        EXPECT_THAT(raisedErrors<DecAPE>(path), testing::Contains(453));
+        EXPECT_THAT(raisedErrors<DecAPE>(path), testing::Each(453));
         if (name != "c_APEDecompress_Destroy") {
             EXPECT_EQ(libraries.called("Destroy"), libraries.called("Create"));
         }

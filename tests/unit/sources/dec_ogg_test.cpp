@@ -2,7 +2,7 @@
 
 #include "OggFixture.h"
 #include "runtime/RuntimeError.h"
-#include "support/ErrorsOfUse.h"
+#include "support/RaisedErrors.h"
 
 #include <algorithm>
 #include <cstring>
@@ -158,8 +158,8 @@ TEST_F(OggCalls, a_missing_export_raises_error_1) {
 TEST_F(OggCalls, any_missing_export_raises_error_1_where_it_is_needed_and_leaks_no_file) {
     libraries.withoutEachExport([this](const std::string& library, const std::string& name) {
         SCOPED_TRACE(library + " without " + name);
-        EXPECT_THAT(errorsOfUse<DecOGG>(path), testing::Contains(1));
-        EXPECT_THAT(errorsOfUse<DecOGG>(path), testing::Each(1));
+        EXPECT_THAT(raisedErrors<DecOGG>(path), testing::Contains(1));
+        EXPECT_THAT(raisedErrors<DecOGG>(path), testing::Each(1));
         if (name != "fclose") {
             EXPECT_EQ(libraries.called("fclose"), libraries.called("fopen"));
         }

@@ -2,7 +2,7 @@
 
 #include "SndFixture.h"
 #include "runtime/RuntimeError.h"
-#include "support/ErrorsOfUse.h"
+#include "support/RaisedErrors.h"
 
 #include <gmock/gmock.h>
 #include <limits>
@@ -121,8 +121,8 @@ TEST_F(SndCalls, a_missing_export_raises_error_1) {
 TEST_F(SndCalls, any_missing_export_raises_error_1_where_it_is_needed_and_leaks_no_file) {
     libraries.withoutEachExport([this](const std::string& library, const std::string& name) {
         SCOPED_TRACE(library + " without " + name);
-        EXPECT_THAT(errorsOfUse<DecSND>(L"a.au"), testing::Contains(1));
-        EXPECT_THAT(errorsOfUse<DecSND>(L"a.au"), testing::Each(1));
+        EXPECT_THAT(raisedErrors<DecSND>(L"a.au"), testing::Contains(1));
+        EXPECT_THAT(raisedErrors<DecSND>(L"a.au"), testing::Each(1));
         if (name != "sf_close") {
             EXPECT_EQ(libraries.called("sf_close"), libraries.called("sf_open"));
         }

@@ -72,10 +72,10 @@ std::int32_t __cdecl takeCdecl(Words<Count> words) {
     received.assign(words.word, words.word + Count);
     return static_cast<std::int32_t>(Count) * 1000;
 }
-std::int32_t __stdcall answerStdcall() {
+std::int32_t __stdcall returnByStdcall() {
     return -7;
 }
-std::int32_t __cdecl answerCdecl() {
+std::int32_t __cdecl returnByCdecl() {
     return -8;
 }
 
@@ -134,8 +134,8 @@ TEST_F(CDll, cdecl_exports_get_one_to_forty_four_arguments) {
 }
 
 TEST_F(CDll, exports_without_arguments_return_in_both_conventions) {
-    exports["stdcall"] = asExport(&answerStdcall);
-    exports["cdecl"] = asExport(&answerCdecl);
+    exports["stdcall"] = asExport(&returnByStdcall);
+    exports["cdecl"] = asExport(&returnByCdecl);
     EXPECT_EQ(library.CallFunc("stdcall"), -7);
     library.IsCDECL(true);
     EXPECT_EQ(library.CallFunc("cdecl"), -8);

@@ -125,7 +125,7 @@ TEST_F(HostileConverter, a_codec_that_claims_other_counts_than_it_had_is_not_bel
                 header.cbDstLengthUsed = produced;
                 return 0;
             };
-            // Where nothing is used up the source cannot come to its end by itself.
+            // If nothing is used up the source cannot come to its end by itself.
             MemorySource source(pcm(8000, 1, 16), {});
             source.respond = [reads = 0](void*, std::int32_t asked, std::int32_t& got) mutable {
                 got = asked;

@@ -130,7 +130,7 @@ std::vector<Bytes> driveSeeds() {
     return {disc(0, 76, 7), disc(2, 0, 6), {1}, {3}};
 }
 
-const FuzzTarget drives{"drive_answers", &useDrives, &driveSeeds, 4096};
+const FuzzTarget drives{"drive_results", &useDrives, &driveSeeds, 4096};
 
 } // namespace
 } // namespace corvina::fuzz

@@ -12,9 +12,9 @@
 
 namespace corvina::test {
 
-// The numbers of the run-time errors that came of it.
+// The numbers of the run-time errors that its functions raised.
 template <typename Source>
-[[nodiscard]] std::vector<std::int32_t> errorsOfUse(const std::wstring& path) {
+[[nodiscard]] std::vector<std::int32_t> raisedErrors(const std::wstring& path) {
     std::vector<std::int32_t> errors;
     const auto attempt = [&errors](auto&& use) {
         try {
