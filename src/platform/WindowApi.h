@@ -1,7 +1,7 @@
 #pragma once
 
-// The user32 functions for subclassing a window, for its property list and for its messages. A user
-// keeps the table by reference: it must outlive the user.
+// The user32 functions for subclassing and moving a window, for its property list and its messages.
+// A user keeps the table by reference: it must outlive the user.
 
 #include <windows.h>
 
@@ -21,6 +21,8 @@ struct WindowApi {
     decltype(&::PostQuitMessage) postQuitMessage = &::PostQuitMessage;
     decltype(&::SetTimer) setTimer = &::SetTimer;
     decltype(&::KillTimer) killTimer = &::KillTimer;
+    decltype(&::GetWindowLongA) getWindowLong = &::GetWindowLongA;
+    decltype(&::SetParent) setParent = &::SetParent;
 };
 
 inline const WindowApi systemWindowApi;

@@ -13,6 +13,8 @@ namespace {
 
 void discard(const char*) {}
 
+LRESULT CALLBACK sharedProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+
 const WindowApi* api = &systemWindowApi;
 Trace traceTo = &discard;
 std::int32_t currentMessage = 0;
@@ -58,19 +60,42 @@ std::int32_t currentMessage = 0;
     return process == api->getCurrentProcessId() ? 0 : ErrorNumber::externalWindow;
 }
 
-WNDPROC installProcedure(HWND window, WNDPROC procedure) noexcept {
-    return reinterpret_cast<WNDPROC>(static_cast<LONG_PTR>(api->setWindowLong(
-        window, GWL_WNDPROC,
-        static_cast<LONG>(reinterpret_cast<LONG_PTR>(reinterpret_cast<void*>(procedure))))));
+[[nodiscard]] LONG numberOf(WNDPROC procedure) noexcept {
+    return static_cast<LONG>(reinterpret_cast<LONG_PTR>(reinterpret_cast<void*>(procedure)));
 }
 
-// Gives the window its old procedure back and forgets it.
+WNDPROC installProcedure(HWND window, WNDPROC procedure) noexcept {
+    return reinterpret_cast<WNDPROC>(
+        static_cast<LONG_PTR>(api->setWindowLong(window, GWL_WNDPROC, numberOf(procedure))));
+}
+
+// Whether a procedure that was installed after the shared one calls it.
+[[nodiscard]] bool isBelowAnother(HWND window) noexcept {
+    const LONG current = api->getWindowLong(window, GWL_WNDPROC);
+    return current != 0 && current != numberOf(&sharedProcedure);
+}
+
+// Gives the window its old procedure back and forgets it. If another component has put a procedure
+// of its own over the shared one since, giving the old one back would cut that component off, and
+// it goes on calling the shared one. So the shared one then stays in the chain and passes every
+// message on, and the module stays loaded.
 void restoreProcedure(HWND window, WindowProperties& properties) noexcept {
     if (const WNDPROC old = properties.oldProcedure()) {
+        if (isBelowAnother(window))
+            return;
         installProcedure(window, old);
         thisModule().unlock();
     }
     properties.setOldProcedure(nullptr);
+}
+
+// At the end of the window.
+void forgetProcedure(HWND window, WindowProperties& properties) noexcept {
+    restoreProcedure(window, properties);
+    if (properties.oldProcedure()) {
+        thisModule().unlock();
+        properties.setOldProcedure(nullptr);
+    }
 }
 
 [[nodiscard]] std::optional<std::int32_t> findClient(const WindowProperties& properties,
@@ -128,7 +153,10 @@ LRESULT CALLBACK sharedProcedure(HWND window, UINT message, WPARAM wParam, LPARA
     const WNDPROC old = properties.oldProcedure();
     if (!old)
         return 0;
-    const std::int32_t count = properties.clientCount(static_cast<std::int32_t>(message));
+    std::int32_t count = properties.clientCount(static_cast<std::int32_t>(message));
+    // The entries of a window whose procedure only passes messages on are of no client any more.
+    if (count >= 1 && properties.attachmentCount() == 0)
+        count = 0;
     if (message == WM_DESTROY && count < 1 && properties.attachmentCount() > 0) {
         // The clients' entries stay: whoever detaches later still finds its own.
         restoreProcedure(window, properties);
@@ -137,9 +165,9 @@ LRESULT CALLBACK sharedProcedure(HWND window, UINT message, WPARAM wParam, LPARA
     const LRESULT result = count >= 1 ? dispatch(window, message, wParam, lParam, old, count)
                                       : api->callWindowProc(old, window, message, wParam, lParam);
     // If a client handles WM_DESTROY, the procedure is still in place. This message is the last
-    // one.
+    // one, so nobody calls the shared procedure after it.
     if (message == WM_NCDESTROY)
-        restoreProcedure(window, properties);
+        forgetProcedure(window, properties);
     return result;
 }
 
@@ -217,7 +245,8 @@ void DetachMessage(ISubclass* client, HWND window, std::int32_t message) noexcep
 }
 
 bool isSubclassed(HWND window) noexcept {
-    return propertiesOf(window).oldProcedure() != nullptr;
+    const WindowProperties properties = propertiesOf(window);
+    return properties.oldProcedure() && properties.attachmentCount() > 0;
 }
 
 std::int32_t CurrentMessage() noexcept {

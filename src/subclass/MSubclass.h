@@ -11,6 +11,10 @@
 // (WindowProperties.h). The names are published: tools of hosts read them. A client's address is
 // kept without a reference, so a client must detach before it is destroyed.
 //
+// With its last client a window gets its old procedure back, unless another component has
+// subclassed it meanwhile: then the shared procedure stays below that component's and passes
+// messages on, until the window is destroyed or a client attaches again.
+//
 // Thread: only the one that owns the window may call. There are no locks.
 
 #include <cstdint>
@@ -35,8 +39,8 @@ inline constexpr std::int32_t errorBase = static_cast<std::int32_t>(0x80040000);
 void AttachMessage(ISubclass* client, HWND window, std::int32_t message);
 // Does nothing if the client is not attached.
 void DetachMessage(ISubclass* client, HWND window, std::int32_t message) noexcept;
-// Whether the window has the shared procedure. It is taken away at WM_DESTROY, and a window may go
-// on living after that message: a container can take it out of a form that is destroyed.
+// Whether clients of the window get messages. That ends at WM_DESTROY, and a window may go on
+// living after that message: a container can take it out of a form that is destroyed.
 [[nodiscard]] bool isSubclassed(HWND window) noexcept;
 // The message that is being dispatched, or the last one that was. One number serves all windows: a
 // client that sends a subclassed message from inside its own sees that one afterwards.

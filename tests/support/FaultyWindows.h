@@ -54,6 +54,18 @@ inline LONG WINAPI setWindowLong(HWND window, int index, LONG value) {
     return windowFaults.strikes("SetWindowLong") ? 0 : ::SetWindowLongA(window, index, value);
 }
 
+inline LONG WINAPI getWindowLong(HWND window, int index) {
+    return windowFaults.strikes("GetWindowLong") ? 0 : ::GetWindowLongA(window, index);
+}
+
+// As between windows of different DPI awareness.
+inline HWND WINAPI setParent(HWND window, HWND parent) {
+    if (!windowFaults.strikes("SetParent"))
+        return ::SetParent(window, parent);
+    ::SetLastError(ERROR_INVALID_STATE);
+    return nullptr;
+}
+
 inline LRESULT WINAPI callWindowProc(WNDPROC procedure, HWND window, UINT message, WPARAM wParam,
                                      LPARAM lParam) {
     return ::CallWindowProcA(procedure, window, message, wParam, lParam);
@@ -102,6 +114,8 @@ inline const WindowApi faultyWindowApi{faulty::isWindow,
                                        faulty::peekMessage,
                                        &::PostQuitMessage,
                                        faulty::setTimer,
-                                       faulty::killTimer};
+                                       faulty::killTimer,
+                                       faulty::getWindowLong,
+                                       faulty::setParent};
 
 } // namespace corvina::test
