@@ -98,7 +98,8 @@ std::int32_t PlaybackEngine::resume() noexcept {
 }
 
 // Ends a playback in which something was thrown, without waiting for its buffers: the one being
-// refilled will not come back. The close message follows as at every end.
+// refilled will not come back. The close message follows as at every end, also if the device
+// refuses to close.
 void PlaybackEngine::failPlayback(std::uint32_t session) {
     const auto over = [&] { return session != session_ || state_ == PlaybackState::closed; };
     if (over())
@@ -115,8 +116,8 @@ void PlaybackEngine::failPlayback(std::uint32_t session) {
         // The source could not be closed either; it is closed when it is opened again.
         tracks_.forget();
     }
-    if (!closeAtOnce())
-        life_.end(playback_, PLAYEND_ERROR);
+    if (!closeAtOnce() && !messages_.postClose())
+        deviceClosed();
 }
 
 // Closes the device without events and without waiting for its buffers. Whether it accepted that,
@@ -140,7 +141,7 @@ void PlaybackEngine::loseDevice() {
     }
     life_.setReason(playback_, PLAYEND_DEVICE_LOST);
     if (!closed)
-        messages_.postClose();
+        static_cast<void>(messages_.postClose());
 }
 
 bool PlaybackEngine::recover(const TrackQueue::Place& place) {

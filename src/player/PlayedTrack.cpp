@@ -2,6 +2,7 @@
 
 #include "platform/ErrorBoxes.h"
 #include "player/WaveLength.h"
+#include "runtime/FirstFailure.h"
 #include "stream/PcmFormat.h"
 
 #include <algorithm>
@@ -106,8 +107,10 @@ bool PlayedTrack::seek(std::int32_t milliseconds) {
 void PlayedTrack::close() {
     if (!std::exchange(open_, false))
         return;
-    source_->CloseSource();
-    converter_.CloseConverter();
+    FirstFailure failure;
+    failure.guard([&] { source_->CloseSource(); });
+    failure.guard([&] { converter_.CloseConverter(); });
+    failure.rethrow();
 }
 
 } // namespace corvina

@@ -5,6 +5,7 @@
 #include "player/FormatName.h"
 #include "player/TimeText.h"
 #include "player/WaveLength.h"
+#include "runtime/FirstFailure.h"
 #include "runtime/Rounding.h"
 #include "runtime/RuntimeError.h"
 #include "runtime/Text.h"
@@ -69,17 +70,20 @@ std::int32_t Player::Init(HWND window, ISubclass& client) {
     return 0;
 }
 
+// A source that throws keeps nothing else from being ended.
 std::int32_t Player::DeInit() {
+    FirstFailure failure;
     if (IsPlaying())
-        PlayStop();
+        failure.guard([&] { PlayStop(); });
     if (client_)
         for (const std::int32_t message : outputMessages)
             MSubclass::DetachMessage(client_, window_, message);
     // The device's messages do not arrive any more, so it cannot be closed by them.
     engine_.disconnect();
     codecs_.reset();
-    closeCurrentSource();
+    failure.guard([&] { closeCurrentSource(); });
     engine_.reportEnds();
+    failure.rethrow();
     return 0;
 }
 

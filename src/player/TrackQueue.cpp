@@ -1,5 +1,7 @@
 #include "player/TrackQueue.h"
 
+#include "runtime/FirstFailure.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -126,9 +128,11 @@ void TrackQueue::close() {
     tracks.push_back(std::move(other_));
     tracks.push_back(std::move(current_));
     forget();
+    FirstFailure failure;
     for (const Track& track : tracks)
         if (track)
-            track->close();
+            failure.guard([&] { track->close(); });
+    failure.rethrow();
 }
 
 void TrackQueue::forget() noexcept {

@@ -14,8 +14,8 @@ void WaveMessages::discardReturned() noexcept {
         ;
 }
 
-void WaveMessages::postClose() noexcept {
-    windows_.postMessage(window_, MM_WOM_CLOSE, 0, 0);
+bool WaveMessages::postClose() noexcept {
+    return windows_.postMessage(window_, MM_WOM_CLOSE, 0, 0) == TRUE;
 }
 
 bool WaveMessages::discard(UINT message) noexcept {

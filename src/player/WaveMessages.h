@@ -25,8 +25,8 @@ public:
     // that is not accepted; what the last post returned.
     [[nodiscard]] BOOL postReturned(std::size_t buffers, LPARAM header) noexcept;
 
-    // As if the device had reported that it is closed.
-    void postClose() noexcept;
+    // As if the device had reported that it is closed. Whether the message was accepted.
+    [[nodiscard]] bool postClose() noexcept;
 
     void discardReturned() noexcept;
     // Whether there was one.

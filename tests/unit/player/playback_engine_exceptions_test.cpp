@@ -68,6 +68,27 @@ TEST_F(PlaybackFaults, a_source_that_fails_to_read_and_to_close_is_survived) {
     expectTheNextPlaybackWorks();
 }
 
+TEST_F(PlaybackFaults, a_failed_refill_ends_with_DonePlay_even_if_the_device_refuses_to_close) {
+    for (const int refusedPosts : {0, 1}) {
+        SCOPED_TRACE(refusedPosts);
+        host.events.clear();
+        host.progress.clear();
+        startAndFill();
+        script.onRead = [] { throwOverflow(); };
+        fakeWave.faults.arm("waveOutClose", 1, once);
+        if (refusedPosts > 0)
+            windowFaults.arm("PostMessage", 1, forever);
+        playOut();
+        EXPECT_THAT(host.events, ElementsAre(L"WindowProcOut|6|Overflow",
+                                             L"StopPlayAudio:waveOutReset|5|5", L"DonePlay"));
+        EXPECT_EQ(host.progress.back(), L"Ended " + std::to_wstring(PLAYEND_ERROR));
+        EXPECT_FALSE(host.player.IsPlaying());
+        EXPECT_EQ(fakeAcm.openStreams, 0);
+        fakeWave.reset(); // the device that refused is left to itself
+        expectTheNextPlaybackWorks();
+    }
+}
+
 TEST_F(PlaybackFaults, calls_from_the_Err_of_a_thrown_failure_are_safe) {
     const std::function<void()> calls[] = {
         [&] { host.player.PlayStop(); },

@@ -177,6 +177,40 @@ TEST_F(PlayerLife,
     expectTheNextPlaybackWorks();
 }
 
+TEST_F(PlayerLife, DeInit_in_mid_play_ends_everything_even_if_the_source_throws) {
+    startAndFill();
+    script.onClose = [] { throwOverflow(); };
+    EXPECT_EQ(errorNumberOf([&] { host.player.DeInit(); }), 6) << "and the host hears of it";
+    EXPECT_FALSE(fakeWave.open);
+    EXPECT_EQ(fakeAcm.openStreams, 0);
+    EXPECT_EQ(fakeAcm.openDrivers, 0);
+    EXPECT_FALSE(isAttached(host.window.handle(), MM_WOM_DONE));
+    EXPECT_FALSE(isAttached(host.window.handle(), MM_WOM_CLOSE));
+    EXPECT_FALSE(host.player.IsPlaying());
+    dispatchWaitingMessages();
+    EXPECT_EQ(host.countOf(L"DonePlay"), 0);
+    script.onClose = nullptr;
+    EXPECT_EQ(host.init(), 0);
+    expectTheNextPlaybackWorks();
+}
+
+TEST_F(PlayerLife, DeInit_closes_what_was_to_play_next_even_if_the_first_source_throws) {
+    const std::wstring next = folder.write(L"next.test", {0});
+    script.otherData[L"next.test"] = noise(buffer * 4);
+    script.data = noise(buffer * 3);
+    host.player.settings().options().nextFile = next;
+    startAndFill();
+    script.log.clear();
+    int closes = 0;
+    script.onClose = [&] {
+        if (++closes == 1)
+            throwOverflow();
+    };
+    EXPECT_EQ(errorNumberOf([&] { host.player.DeInit(); }), 6);
+    EXPECT_GE(closes, 2) << "the second source is closed too";
+    EXPECT_EQ(fakeAcm.openStreams, 0);
+}
+
 TEST_F(PlayerLife, DeInit_twice_and_before_Init_returns_0) {
     EXPECT_EQ(untouched.player.DeInit(), 0);
     EXPECT_EQ(host.player.DeInit(), 0);
