@@ -20,6 +20,8 @@ public:
     // Somebody else destroys the window. It can still be used during this call, not after it; the
     // next use of the control's window makes a new one.
     virtual void windowLost() {}
+    // The control's window is another one; the window for messages is still the same.
+    virtual void windowReplaced() {}
     // A property has a new value (its index in the class's table), or, without an index, all have.
     virtual void propertiesChanged(std::optional<int>) {}
 

@@ -104,9 +104,13 @@ void OleControl::disconnect() noexcept {
     window_.silence();
 }
 
-void OleControl::windowLost() {
-    inPlace_.windowLost();
-    hooks_.windowLost();
+void OleControl::windowLost(ControlWindow::Lost which) {
+    if (which != ControlWindow::Lost::first)
+        inPlace_.windowLost();
+    if (which == ControlWindow::Lost::inContainer)
+        hooks_.windowReplaced();
+    else
+        hooks_.windowLost();
 }
 
 bool OleControl::windowMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) {

@@ -29,8 +29,11 @@ public:
     [[nodiscard]] void* find(REFIID iid) noexcept;
 
     // The control's own window, made hidden if there is none yet. The handle stays good when the
-    // control is activated in a container and deactivated again.
+    // control is activated in a container and deactivated again, until the hook windowReplaced.
     [[nodiscard]] HWND window() { return window_.ensure(); }
+    // The window for messages that go to one window for long. The same, unless a container of
+    // another DPI awareness needed one of its own.
+    [[nodiscard]] HWND messageWindow() { return window_.ensureFirst(); }
     // False while the control is being designed; true if no container says.
     [[nodiscard]] bool userMode() const { return site_.userMode(); }
     // The container's background, or the system's.
@@ -58,7 +61,8 @@ public:
 private:
     IUnknown& windowOwner() noexcept override { return outer_; }
     bool windowMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) override;
-    void windowLost() override;
+    void windowLost(ControlWindow::Lost which) override;
+    void windowReplaced() override { hooks_.windowReplaced(); }
     void stateLoaded() override;
 
     IUnknown& outer_;

@@ -275,6 +275,13 @@ void cAudioGraph::windowLost() {
     timerWindow_ = nullptr;
 }
 
+void cAudioGraph::windowReplaced() {
+    if (const HWND former = std::exchange(timerWindow_, nullptr)) {
+        ::KillTimer(former, pictureTimer);
+        updateTimer();
+    }
+}
+
 void cAudioGraph::windowResized(SIZE) {
     if (feed_ && !timerWindow_)
         updateTimer();

@@ -76,6 +76,7 @@ private:
     bool windowMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) override;
     void windowResized(SIZE size) override;
     void windowLost() override;
+    void windowReplaced() override;
     void propertiesChanged(std::optional<int> index) override;
 
     AudioGraph graph_;

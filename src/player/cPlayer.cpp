@@ -137,7 +137,7 @@ HRESULT cPlayer::About() {
 }
 
 HRESULT cPlayer::Init(long* result) {
-    return enterReturning(result, [&] { return player_.Init(ole().window(), *this); });
+    return enterReturning(result, [&] { return player_.Init(ole().messageWindow(), *this); });
 }
 
 HRESULT cPlayer::DeInit(long* result) {

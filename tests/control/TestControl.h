@@ -58,6 +58,7 @@ public:
     static inline int alive = 0;
     int drawn = 0;
     int lostWindows = 0;
+    int replacedWindows = 0;
     int reloaded = 0;
     std::vector<SIZE> sizes;
     bool throwWhenDrawn = false;
@@ -76,6 +77,7 @@ private:
     }
     void windowResized(SIZE size) override { sizes.push_back(size); }
     void windowLost() override { ++lostWindows; }
+    void windowReplaced() override { ++replacedWindows; }
     void propertiesChanged(std::optional<int> index) override { reloaded += !index; }
 };
 
