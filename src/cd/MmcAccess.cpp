@@ -11,7 +11,7 @@ std::int32_t MmcAccess::GetTOC(std::unique_ptr<cTOC>& table) {
     table.reset();
     if (!hasSelectedDrive())
         return CdStatus::noDrive;
-    CDROM_TOC record{};
+    alignas(driverAlignment) CDROM_TOC record{};
     if (!isDone(execute(Mmc::readToc(), &record, tocBytes)))
         return CdStatus::failed;
     table = driveTable(record, AddressForm::lba);

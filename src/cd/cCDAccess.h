@@ -15,6 +15,9 @@
 
 namespace corvina {
 
+// Of every data buffer that is handed to a drive's driver: as much as any adapter asks for.
+inline constexpr std::size_t driverAlignment = 16;
+
 class cCDAccess {
 public:
     virtual ~cCDAccess() = default;

@@ -88,7 +88,7 @@ bool cdASPI::isCdRom(std::uint8_t adapter, std::uint8_t target) {
 }
 
 DriveText cdASPI::inquiry(const Drive& drive) {
-    std::array<std::uint8_t, inquiryBytes> reply{};
+    alignas(driverAlignment) std::array<std::uint8_t, inquiryBytes> reply{};
     sendCommand(drive, Mmc::inquiry(), Aspi::directionIn, reply.data(), inquiryBytes);
     return driveText(reply);
 }

@@ -18,7 +18,7 @@ cdIOCTL::cdIOCTL(DriveDevice devices) noexcept : DeviceBackend(devices, GENERIC_
 
 std::int32_t cdIOCTL::GetTOC(std::unique_ptr<cTOC>& table) {
     table.reset();
-    CDROM_TOC record{};
+    alignas(driverAlignment) CDROM_TOC record{};
     if (!selected() ||
         !devices().request(*selected(), IoRequest::readToc, nullptr, 0, &record, sizeof(record)))
         return CdStatus::failed;
@@ -34,7 +34,7 @@ std::int32_t cdIOCTL::ReadSectorsRAW(std::int32_t lba, std::int32_t sectors, voi
         return CdStatus::readFailed;
     // The driver wants the offset as if sectors were the 2048 bytes of a data disc.
     constexpr LONGLONG addressedSectorBytes = 2048;
-    RAW_READ_INFO read{};
+    alignas(driverAlignment) RAW_READ_INFO read{};
     read.DiskOffset.QuadPart = lba * addressedSectorBytes;
     read.SectorCount = static_cast<ULONG>(sectors);
     read.TrackMode = CDDA;
@@ -53,7 +53,7 @@ std::int32_t cdIOCTL::CloseCD() {
 }
 
 bool cdIOCTL::IsDiscPresent() {
-    DISK_GEOMETRY geometry{};
+    alignas(driverAlignment) DISK_GEOMETRY geometry{};
     return selected() && devices().request(*selected(), IoRequest::driveGeometry, nullptr, 0,
                                            &geometry, sizeof(geometry));
 }

@@ -171,8 +171,15 @@ bool cdManager::fillBuffer() {
     if (EndOfStream() || !backend_ || !track_)
         return false;
     const std::int32_t lba = add32(track_->StartLBA(), sectorOffset_);
-    if (backend_->ReadSectorsRAW(lba, sectorsPerRead, buffer_.data()) != CdStatus::done)
+    // A drive may refuse the block, or deliver less of it, and still count as having read it. What
+    // it does not deliver is silence, and not the block before once more. A read that fails leaves
+    // that block as it is.
+    const auto former = buffer_;
+    buffer_.fill(0);
+    if (backend_->ReadSectorsRAW(lba, sectorsPerRead, buffer_.data()) != CdStatus::done) {
+        buffer_ = former;
         return false;
+    }
     sectorOffset_ = add32(sectorOffset_, sectorsPerRead);
     bufferPosition_ = 0;
     bufferFill_ = bufferBytes;

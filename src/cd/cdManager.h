@@ -86,7 +86,7 @@ private:
     std::optional<cTOCTrack> track_;
     std::int32_t trackLength_ = 0;  // sectors
     std::int32_t sectorOffset_ = 0; // of the next sector to read, from the track's start
-    std::array<std::uint8_t, bufferBytes> buffer_{};
+    alignas(driverAlignment) std::array<std::uint8_t, bufferBytes> buffer_{};
     std::int32_t bufferPosition_ = 0;
     std::int32_t bufferFill_ = 0;
     WAVEFORMATEX format_{};

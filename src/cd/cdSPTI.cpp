@@ -38,14 +38,14 @@ CommandResult cdSPTI::execute(const MmcCommand& command, void* data, std::uint32
 }
 
 DriveText cdSPTI::describeDrive(const FileRecord& device) const {
-    std::array<std::uint8_t, inquiryBytes> reply{};
+    alignas(driverAlignment) std::array<std::uint8_t, inquiryBytes> reply{};
     sendCommand(device, Mmc::inquiry(), reply.data(), inquiryBytes);
     return driveText(reply);
 }
 
 CommandResult cdSPTI::sendCommand(const FileRecord& device, const MmcCommand& command, void* data,
                                   std::uint32_t bytes) const noexcept {
-    PassThrough packet{};
+    alignas(driverAlignment) PassThrough packet{};
     packet.request.Length = sizeof(packet.request);
     packet.request.CdbLength = command.length;
     packet.request.SenseInfoLength = senseLength;

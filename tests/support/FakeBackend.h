@@ -46,12 +46,15 @@ struct FakeMachine {
     std::vector<FakeDisc> drives;
     std::function<bool()> tableReadable = [] { return true; };
     std::function<bool(std::int32_t)> sectorReadable = [](std::int32_t) { return true; };
+    // Sectors of which nothing is delivered although the read succeeds.
+    std::function<bool(std::int32_t)> refused = [](std::int32_t) { return false; };
     std::function<bool(std::int32_t)> selectable = [](std::int32_t) { return true; };
     std::int32_t trayStatus = 0;
     bool discPresent = true;
 
     int tablesRead = 0;
     std::vector<Read> reads;
+    std::vector<const void*> buffers; // of the reads
     std::vector<std::int32_t> selections;
 };
 
@@ -99,8 +102,11 @@ public:
     }
     std::int32_t ReadSectorsRAW(std::int32_t LBA, std::int32_t sectors, void* ptr) override {
         machine_.reads.push_back({LBA, sectors});
+        machine_.buffers.push_back(ptr);
         if (!machine_.sectorReadable(LBA))
             return CdStatus::readFailed;
+        if (machine_.refused(LBA))
+            return 0;
         auto* place = static_cast<std::uint8_t*>(ptr);
         for (std::int32_t sector = 0; sector < sectors; ++sector)
             for (std::int32_t i = 0; i < bytesPerSector; i += 4, place += 4) {

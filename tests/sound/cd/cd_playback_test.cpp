@@ -74,6 +74,20 @@ TEST_F(CdPlayback, a_drive_that_vanishes_ends_the_playback) {
     expectSectors(2, 12, {"after 3 gone"});
 }
 
+TEST_F(CdPlayback, a_disc_that_is_taken_out_ends_the_playback_through_device_io_control) {
+    e->set({"read-only"});
+    expectSectors(2, 12, {"read-only", "after 3 tray open"});
+}
+
+TEST_F(CdPlayback, a_disc_that_is_taken_out_leaves_the_track_silent_through_pass_through) {
+    Bytes expected = disc->bytes(disc->start(2), 12);
+    expected.resize(32u * 2352, 0);
+    expectRecorded(framesOf(expected), [&] {
+        d->load(*disc, {"after 3 tray open"});
+        return playWhole(d->trackPath(2), expected.size() / sizeof(Frame));
+    });
+}
+
 TEST_F(CdPlayback, a_track_is_heard_from_a_position_set_before_its_first_sector_was_read) {
     // Two seconds are 150 sectors; the 50 behind them are read in 13 blocks of four.
     const DiscImage longer({{true, 8}, {true, 200}, {true, 8}});

@@ -116,6 +116,21 @@ TEST_P(EveryWay, an_open_tray_is_refused_with_4) {
     EXPECT_EQ(source.OpenSource(d->trackPath(1)), 4);
 }
 
+// A drive that refuses a command has still answered the request, and that is all that pass-through
+// looks at. The others see the failure.
+TEST_P(EveryWay, a_disc_that_is_taken_out_in_mid_track_ends_it_or_leaves_it_silent) {
+    const DiscImage disc({audio(16)});
+    load(disc, {"after 2 tray open"});
+    DecCDA source;
+    ASSERT_EQ(source.OpenSource(d->trackPath(1)), 0);
+    const Bytes all = readAll(source);
+    Bytes expected = disc.bytes(0, 8);
+    if (GetParam() == Way::spti)
+        expected.resize(16 * 2352, 0);
+    EXPECT_EQ(all, expected);
+    EXPECT_EQ(source.EndOfStream(), GetParam() == Way::spti);
+}
+
 TEST_P(EveryWay, the_disc_is_found_in_the_second_drive) {
     const DiscImage disc({audio(8)});
     d->load(disc, lines());

@@ -31,6 +31,9 @@ TEST_F(VirtualDrives, pass_through_takes_a_scratch_for_a_success) {
     EXPECT_TRUE(std::equal(first.begin(), first.end(), all.begin()));
     const Bytes last = disc.bytes(8, 4);
     EXPECT_TRUE(std::equal(last.begin(), last.end(), all.end() - 9408));
+    // Behind the scratch there is silence, and not the block before once more.
+    EXPECT_TRUE(std::all_of(all.begin() + 5 * 2352, all.begin() + 8 * 2352,
+                            [](std::uint8_t byte) { return byte == 0; }));
 }
 
 TEST_F(VirtualDrives, device_io_control_ends_at_a_scratch) {

@@ -48,6 +48,16 @@ TEST_F(AspiBackend, every_command_takes_data_in_and_14_bytes_of_sense) {
     }
 }
 
+TEST_F(AspiBackend, hands_the_driver_buffers_that_every_adapter_takes) {
+    selectOneDrive();
+    backend.InitMe(); // the inquiry
+    backend.SelectDevice(0);
+    backend.GetTOC(table);
+    ASSERT_EQ(aspi.commands.size(), 2u);
+    for (const SRB_ExecSCSICmd& command : aspi.commands)
+        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(command.SRB_BufPointer) % 16, 0u);
+}
+
 TEST_F(AspiBackend, commands_go_to_the_selected_drive) {
     aspi.supportInfo = 0x0102;
     aspi.addCdRom(0, 1);

@@ -83,6 +83,14 @@ TEST_F(IoctlBackend, asks_for_the_geometry_to_see_whether_there_is_a_disc) {
     EXPECT_EQ(onlyRequest().outputBytes, 24u);
 }
 
+TEST_F(IoctlBackend, hands_the_driver_buffers_that_every_adapter_takes) {
+    backend.GetTOC(table);
+    backend.IsDiscPresent();
+    ASSERT_EQ(machine.requests.size(), 2u);
+    for (const DriveRequest& request : machine.requests)
+        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(request.output) % 16, 0u);
+}
+
 TEST_F(IoctlBackend, moves_the_tray_by_requests_without_buffers) {
     EXPECT_EQ(backend.OpenCD(), 0);
     EXPECT_EQ(backend.CloseCD(), 0);

@@ -133,6 +133,44 @@ TEST_F(CdManager, a_block_that_failed_is_asked_for_again) {
     EXPECT_EQ(fakes.machine.reads[0].lba, fakes.machine.reads[1].lba);
 }
 
+TEST_F(CdManager, a_block_that_the_drive_refuses_is_silence_and_not_the_block_before) {
+    selectTrack(2);
+    fakes.machine.refused = [](std::int32_t lba) { return lba == minute + 4; };
+    EXPECT_EQ(read(3 * 9408), 0);
+    EXPECT_EQ(word(9404), minute + 3);
+    for (std::size_t offset = 9408; offset < 2u * 9408; offset += 4)
+        ASSERT_EQ(word(offset), 0) << offset;
+    EXPECT_EQ(word(2u * 9408), minute + 8);
+}
+
+TEST_F(CdManager, a_read_that_fails_leaves_the_rest_of_the_block_before) {
+    selectTrack(2);
+    EXPECT_EQ(read(9400), 0);
+    fakes.machine.sectorReadable = [](std::int32_t) { return false; };
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        EXPECT_EQ(read(12), 5);
+        EXPECT_EQ(got, 8);
+        EXPECT_EQ(word(0), minute + 3);
+    }
+}
+
+TEST_F(CdManager, reads_into_a_buffer_that_every_driver_takes) {
+    // Another place in memory each time.
+    std::vector<std::unique_ptr<cdManager>> managers;
+    for (int i = 0; i < 20; ++i) {
+        managers.push_back(std::make_unique<cdManager>(fakes.makers()));
+        managers.back()->InitManager();
+        managers.back()->SelectDevice(0);
+        managers.back()->SelectTrack(1);
+        got = 0;
+        data.assign(4, 0);
+        EXPECT_EQ(managers.back()->Read(data.data(), 4, got), 0);
+    }
+    ASSERT_EQ(fakes.machine.buffers.size(), 20u);
+    for (const void* buffer : fakes.machine.buffers)
+        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(buffer) % 16, 0u);
+}
+
 TEST_F(CdManager, bytes_left_from_the_former_track_come_first) {
     selectTrack(2);
     EXPECT_EQ(read(9400), 0);

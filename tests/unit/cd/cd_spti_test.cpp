@@ -15,6 +15,12 @@ namespace {
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 
+void* dataOf(const DriveRequest& request) {
+    void* data = nullptr;
+    std::memcpy(&data, request.input.data() + 20, sizeof(data));
+    return data;
+}
+
 class SptiBackend : public DeviceBackends<cdSPTI> {
 protected:
     void SetUp() override { selectOneDrive(); }
@@ -114,10 +120,15 @@ TEST_F(SptiBackend, reads_the_table_as_lba_with_804_bytes) {
     EXPECT_EQ(field32(12), 804u);
 }
 
-void* dataOf(const DriveRequest& request) {
-    void* data = nullptr;
-    std::memcpy(&data, request.input.data() + 20, sizeof(data));
-    return data;
+TEST_F(SptiBackend, hands_the_driver_buffers_that_every_adapter_takes) {
+    backend.InitMe(); // the inquiry
+    backend.SelectDevice(0);
+    backend.GetTOC(table);
+    ASSERT_EQ(machine.requests.size(), 2u);
+    for (const DriveRequest& request : machine.requests) {
+        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(dataOf(request)) % 16, 0u);
+        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(request.output) % 16, 0u);
+    }
 }
 
 TEST_F(SptiBackend, addresses_in_the_table_are_not_converted) {
