@@ -2,6 +2,8 @@
 
 #include <mmsystem.h>
 
+#include <iterator>
+
 namespace corvina::app {
 
 namespace {

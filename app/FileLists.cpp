@@ -5,9 +5,12 @@
 
 #include <algorithm>
 #include <array>
+#include <cwchar>
 #include <cwctype>
+#include <iterator>
 #include <map>
 #include <optional>
+#include <utility>
 
 namespace corvina::app {
 

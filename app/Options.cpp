@@ -6,8 +6,10 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <iterator>
 #include <map>
 #include <sstream>
+#include <utility>
 
 namespace corvina::app {
 

@@ -109,6 +109,9 @@ int run(ConsoleScreen& screen) {
 } // namespace corvina::app
 
 int main() {
+    // Nothing is ever loaded from the current folder, which may be one of music files of unknown
+    // origin.
+    SetDllDirectoryW(L"");
     corvina::app::ConsoleScreen screen;
     return corvina::app::run(screen);
 }

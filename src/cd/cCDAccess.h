@@ -9,6 +9,7 @@
 
 #include "cd/cTOC.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>

@@ -2,6 +2,7 @@
 
 // The boundary of every COM entry point: nothing is thrown into a host.
 
+#include <type_traits>
 #include <utility>
 #include <windows.h>
 

@@ -21,16 +21,15 @@ bool callHandler(Body&& body) noexcept {
         std::remove_reference_t<Body>& body;
         bool threw = false;
     } state{body};
-    const bool returned = callHandler(
-        +[](void* argument) noexcept {
-            auto& current = *static_cast<State*>(argument);
-            try {
-                current.body();
-            } catch (...) {
-                current.threw = true;
-            }
-        },
-        &state);
+    void (*const run)(void*) noexcept = [](void* argument) noexcept {
+        auto& current = *static_cast<State*>(argument);
+        try {
+            current.body();
+        } catch (...) {
+            current.threw = true;
+        }
+    };
+    const bool returned = callHandler(run, &state);
     return returned && !state.threw;
 }
 

@@ -5,6 +5,7 @@
 #include "control/ControlClass.h"
 #include "control/ControlSite.h"
 
+#include <cmath>
 #include <cstdlib>
 
 namespace corvina {

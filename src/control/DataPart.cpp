@@ -6,6 +6,8 @@
 
 #include <ole2.h>
 
+#include <iterator>
+
 namespace corvina {
 namespace {
 

@@ -4,6 +4,7 @@
 #include "runtime/Rounding.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <cstdlib>
 #include <limits>

@@ -15,7 +15,7 @@ ClassEntry control(const ControlClass& controlClass, int toolboxBitmap) {
     return {.clsid = controlClass.clsid,
             .progId = controlClass.progId,
             .description = controlClass.description,
-            .create = +[](IUnknown* outer) -> IUnknown* {
+            .create = [](IUnknown* outer) -> IUnknown* {
                 return &makeCom<Class>(outer).detach()->inner();
             },
             .control = &controlClass,

@@ -6,6 +6,7 @@
 #include "library/ClassTable.h"
 #include "library/RegistryChanges.h"
 
+#include <iterator>
 #include <oleauto.h>
 #include <string>
 #include <vector>

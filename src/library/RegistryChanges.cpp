@@ -2,6 +2,8 @@
 
 #include "platform/RegistryKey.h"
 
+#include <new>
+
 namespace corvina {
 namespace {
 

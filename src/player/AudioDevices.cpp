@@ -4,6 +4,7 @@
 #include "runtime/RuntimeError.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <iterator>
 #include <string_view>
 

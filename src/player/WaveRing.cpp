@@ -1,6 +1,7 @@
 #include "player/WaveRing.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <cstring>
 

@@ -1,5 +1,7 @@
 #include "sources/MediaFoundationLibrary.h"
 
+#include "stream/LibrarySearch.h"
+
 namespace corvina {
 
 template <typename Function>
@@ -18,8 +20,8 @@ MediaFoundationLibrary::~MediaFoundationLibrary() {
 bool MediaFoundationLibrary::start() {
     if (started_)
         return true;
-    platform_ = api_.loadLibrary("mfplat.dll");
-    readers_ = api_.loadLibrary("mfreadwrite.dll");
+    platform_ = loadSystemLibrary(api_, L"mfplat.dll").release();
+    readers_ = loadSystemLibrary(api_, L"mfreadwrite.dll").release();
     started_ = find(platform_, "MFStartup", startup_) && find(platform_, "MFShutdown", shutdown_) &&
                find(platform_, "MFCreateMediaType", createType_) &&
                find(platform_, "MFCreateFile", createFile_) &&

@@ -3,16 +3,18 @@
 #include "com/Module.h"
 #include "platform/AnsiText.h"
 #include "platform/ErrorBoxes.h"
+#include "platform/FileApi.h"
 
 namespace corvina {
 namespace {
 
-// The folder of this module with a backslash at its end; empty if the system does not give it.
-std::wstring moduleFolder() {
+// The folder of a module, the host's program if it is null, with a backslash at its end; empty if
+// the system does not give it.
+std::wstring folderOf(HMODULE module) {
     std::wstring path(MAX_PATH, L'\0');
     for (;;) {
-        const DWORD length = ::GetModuleFileNameW(thisModule().handle(), path.data(),
-                                                  static_cast<DWORD>(path.size()));
+        const DWORD length =
+            ::GetModuleFileNameW(module, path.data(), static_cast<DWORD>(path.size()));
         if (length == 0)
             return {};
         if (length < path.size()) {
@@ -23,20 +25,61 @@ std::wstring moduleFolder() {
     }
 }
 
+// With a backslash at its end.
+std::wstring currentFolder() {
+    std::wstring path(::GetCurrentDirectoryW(0, nullptr), L'\0');
+    const DWORD length = ::GetCurrentDirectoryW(static_cast<DWORD>(path.size()), path.data());
+    path.resize(length < path.size() ? length : 0);
+    if (!path.empty() && path.back() != L'\\')
+        path += L'\\';
+    return path;
+}
+
+// Whether the system's search by name could end in the current folder. That is often a folder of
+// music files of unknown origin, in which somebody may have laid a library under the name of a
+// decoder, or of one that a decoder needs.
+bool reachesCurrentFolder() {
+    const std::wstring folder = currentFolder();
+    if (folder.empty())
+        return true;
+    if (::CompareStringOrdinal(folder.c_str(), -1, folderOf(nullptr).c_str(), -1, TRUE) ==
+        CSTR_EQUAL)
+        return false; // searched in any case, before all others
+    WIN32_FIND_DATAW found{};
+    const ListingHandle listing(systemFileApi,
+                                ::FindFirstFileW((folder + L"*.dll").c_str(), &found));
+    return static_cast<bool>(listing);
+}
+
+LibraryHandle loadByName(const LibraryApi& api, const std::wstring& name, bool withCare) {
+    if (!withCare)
+        return {api, api.loadLibrary(toAnsi(name).text.c_str())};
+    // The program's and the system's folders, for what the library needs as well.
+    return {api, api.loadLibraryFile(name.c_str(), nullptr, LOAD_LIBRARY_SEARCH_DEFAULT_DIRS)};
+}
+
 } // namespace
 
 LibraryHandle loadOptionalLibrary(const LibraryApi& api, const std::wstring& name) {
-    const bool hasPath = name.find_first_of(L"\\/:") != std::wstring::npos;
-    const std::wstring folder = hasPath ? std::wstring() : moduleFolder();
     const NoErrorBoxes quiet;
-    if (!folder.empty()) {
+    if (name.find_first_of(L"\\/:") != std::wstring::npos)
+        return loadByName(api, name, false);
+    const bool withCare = reachesCurrentFolder();
+    if (const std::wstring folder = folderOf(thisModule().handle()); !folder.empty()) {
         // The libraries that it needs in turn are then looked for beside it as well.
-        LibraryHandle beside(api, api.loadLibraryFile((folder + name).c_str(), nullptr,
-                                                      LOAD_WITH_ALTERED_SEARCH_PATH));
+        const DWORD flags =
+            withCare ? LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS
+                     : LOAD_WITH_ALTERED_SEARCH_PATH;
+        LibraryHandle beside(api, api.loadLibraryFile((folder + name).c_str(), nullptr, flags));
         if (beside)
             return beside;
     }
-    return {api, api.loadLibrary(toAnsi(name).text.c_str())};
+    return loadByName(api, name, withCare);
+}
+
+LibraryHandle loadSystemLibrary(const LibraryApi& api, const std::wstring& name) {
+    const NoErrorBoxes quiet;
+    return loadByName(api, name, reachesCurrentFolder());
 }
 
 } // namespace corvina

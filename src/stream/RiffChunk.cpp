@@ -1,8 +1,10 @@
 #include "stream/RiffChunk.h"
 
 #include "platform/AnsiText.h"
+#include "platform/FileApi.h"
 
 #include <array>
+#include <cstddef>
 #include <limits>
 #include <optional>
 #include <string>
@@ -16,7 +18,9 @@ constexpr int mostChunksBefore = 65536;
 class WaveFile {
 public:
     WaveFile(const MmioApi& api, std::string& path) noexcept
-        : api_(api), handle_(api, api.open(path.data(), nullptr, MMIO_READ)) {}
+        : api_(api), handle_(path.size() < longestName
+                                 ? MmioHandle(api, api.open(path.data(), nullptr, MMIO_READ))
+                                 : openLong(api, path)) {}
 
     explicit operator bool() const noexcept { return static_cast<bool>(handle_); }
 
@@ -29,6 +33,26 @@ public:
     [[nodiscard]] LONG position() const { return api_.seek(handle_.get(), 0, SEEK_CUR); }
 
 private:
+    // What the platform takes, with the 0 at its end: with a longer name it opens nothing. It takes
+    // an open file instead, which it then closes itself.
+    static constexpr std::size_t longestName = 128;
+
+    [[nodiscard]] static MmioHandle openLong(const MmioApi& api, const std::string& path) noexcept {
+        FileHandle file(systemFileApi,
+                        ::CreateFileA(path.c_str(), GENERIC_READ,
+                                      FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
+                                      FILE_ATTRIBUTE_NORMAL, nullptr));
+        if (!file)
+            return {};
+        MMIOINFO info{};
+        info.fccIOProc = FOURCC_DOS;
+        info.adwInfo[0] = static_cast<DWORD>(reinterpret_cast<DWORD_PTR>(file.get()));
+        MmioHandle handle(api, api.open(nullptr, &info, MMIO_READ));
+        if (handle)
+            static_cast<void>(file.release());
+        return handle;
+    }
+
     // The platform's own search follows each chunk's size wherever it points, also back to the same
     // chunk, for ever. So the way to the chunk is walked here first, forwards only.
     [[nodiscard]] bool stepToChunk(const MMCKINFO& wanted, UINT flags) const {

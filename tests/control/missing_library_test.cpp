@@ -101,6 +101,45 @@ TEST_F(Distribution, passes_over_a_file_that_it_cannot_play_and_plays_the_next) 
     EXPECT_NE(printed.find("short.wav"), std::string::npos) << printed;
 }
 
+// A folder of music with a library in it under the name of a decoder, and hosts that run there.
+class PlantedLibrary : public Distribution {
+protected:
+    // Everything but the APE library, which lies beside the music. It is the true one: were it
+    // loaded, the file would play.
+    void layOutWithPlanted() {
+        layOutWithout(L"MACDll.dll");
+        for (const wchar_t* name : {L"MACDll.dll", L"wnaspi32.dll"})
+            ASSERT_TRUE(::CopyFileW(CORVINA_DIST L"/MACDll.dll", music.file(name).c_str(), TRUE));
+        const std::wstring tune = std::wstring(home) + L"\\" + mediaFile(L"tune.ape");
+        ASSERT_TRUE(::CopyFileW(tune.c_str(), music.file(L"tune.ape").c_str(), TRUE));
+        ASSERT_TRUE(::SetCurrentDirectoryW(music.path().c_str()));
+    }
+
+    TempFolder music;
+};
+
+TEST_F(PlantedLibrary, is_not_loaded_from_the_current_folder_by_the_player_program) {
+    layOutWithPlanted();
+    std::string printed;
+    EXPECT_EQ(play(L"--info tune.ape", printed), 99) << printed;
+    EXPECT_NE(printed.find("MACDll.dll is missing"), std::string::npos) << printed;
+}
+
+TEST_F(PlantedLibrary, is_not_loaded_from_the_current_folder_by_the_control_in_any_host) {
+    layOutWithPlanted();
+    const char text[] = "Set p = CreateObject(\"Corvina.cPlayer\")\r\n"
+                        "p.Init\r\n"
+                        "On Error Resume Next\r\n"
+                        "x = p.OpenAudioFile(\"tune.ape\")\r\n"
+                        "WScript.Echo \"number \" & (Err.Number And 255)\r\n"
+                        "WScript.Echo Err.Description\r\n";
+    const std::wstring script = music.write(L"open.vbs", Bytes(text, text + sizeof text - 1));
+    std::string printed;
+    EXPECT_EQ(run(L"cscript //nologo \"" + script + L"\"", &printed), 0);
+    EXPECT_NE(printed.find("number 53"), std::string::npos) << printed;
+    EXPECT_NE(printed.find("MACDll.dll"), std::string::npos) << printed;
+}
+
 INSTANTIATE_TEST_SUITE_P(Library, DistributionWithout,
                          ::testing::Values(L"none", L"ogg.dll", L"ogg.dll libsndfile.dll",
                                            L"vorbis.dll libsndfile.dll",

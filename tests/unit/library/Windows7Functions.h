@@ -34,7 +34,7 @@ kernel32.dll:
     FileTimeToSystemTime FindClose FindFirstFileA FindFirstFileW FindFirstVolumeW FindNextFileA
     FindNextFileW FindNextVolumeW FindVolumeClose FlushFileBuffers FlushInstructionCache
     FormatMessageA FreeConsole FreeLibrary GetACP GetCommandLineW GetConsoleMode
-    GetConsoleProcessList GetConsoleScreenBufferInfo GetConsoleWindow GetCurrentProcess
+    GetConsoleProcessList GetConsoleScreenBufferInfo GetConsoleWindow GetCurrentDirectoryW GetCurrentProcess
     GetCurrentProcessId GetCurrentThread GetCurrentThreadId GetDiskFreeSpaceExW GetDriveTypeA
     GetDriveTypeW GetFileAttributesExW GetFileAttributesW GetFileInformationByHandle GetFileSize
     GetFileSizeEx GetFileType GetFullPathNameA GetFullPathNameW GetHandleInformation
@@ -49,7 +49,7 @@ kernel32.dll:
     OutputDebugStringA QueryPerformanceCounter QueryPerformanceFrequency RaiseException
     ReadConsoleInputW ReadFile ReleaseSRWLockExclusive ReleaseSemaphore RemoveDirectoryW
     RemoveVectoredExceptionHandler ResetEvent ResumeThread RtlUnwind SetConsoleCtrlHandler
-    SetConsoleMode SetConsoleTextAttribute SetEndOfFile SetErrorMode SetEvent SetFilePointer
+    SetConsoleMode SetConsoleTextAttribute SetDllDirectoryW SetEndOfFile SetErrorMode SetEvent SetFilePointer
     SetFilePointerEx SetLastError SetProcessAffinityMask SetSystemTime SetThreadContext
     SetThreadErrorMode SetThreadPriority SetUnhandledExceptionFilter Sleep SuspendThread
     TlsAlloc TlsFree TlsGetValue TlsSetValue TryEnterCriticalSection UnmapViewOfFile

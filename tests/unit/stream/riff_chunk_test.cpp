@@ -121,6 +121,31 @@ TEST_F(RiffChunkTest, a_name_without_a_folder_is_of_the_current_folder_not_of_th
     ::DeleteFileW((folder + name).c_str());
 }
 
+TEST_F(RiffChunkTest, names_of_any_length_that_a_file_can_have_are_found) {
+    // A folder whose files have names of 120 characters and more, as full names.
+    const std::wstring deep = folder_.path() + L"\\" + std::wstring(60, L'd');
+    ASSERT_TRUE(::CreateDirectoryW(deep.c_str(), nullptr));
+    wchar_t home[MAX_PATH];
+    ::GetCurrentDirectoryW(MAX_PATH, home);
+    ASSERT_TRUE(::SetCurrentDirectoryW(deep.c_str()));
+    for (const std::size_t whole : {126u, 127u, 128u, 129u, 200u, 250u}) {
+        SCOPED_TRACE(whole);
+        const std::wstring name = std::wstring(whole - deep.size() - 5, L'n') + L".wav";
+        const std::wstring path = deep + L"\\" + name;
+        ASSERT_EQ(path.size(), whole);
+        ASSERT_TRUE(
+            ::CopyFileW(folder_.write(L"a.wav", plainWav(pcm(8000, 1, 8), noise(20))).c_str(),
+                        path.c_str(), TRUE));
+        EXPECT_EQ(findWaveChunk(name, "data", faultyMmioApi).size, 20) << "by its relative name";
+        EXPECT_EQ(findWaveChunk(path, "data", faultyMmioApi).size, 20);
+        EXPECT_EQ(findWaveChunk(L".\\" + name, "data", faultyMmioApi).size, 20);
+        EXPECT_EQ(openFiles, 0);
+        EXPECT_TRUE(::DeleteFileW(path.c_str())) << "nothing is left open";
+    }
+    ::SetCurrentDirectoryW(home);
+    EXPECT_TRUE(::RemoveDirectoryW(deep.c_str()));
+}
+
 TEST_F(RiffChunkTest, a_plus_sign_in_a_name_is_a_character_like_any_other) {
     const std::wstring path = folder_.write(L"a.b+wav", plainWav(pcm(8000, 1, 8), noise(10)));
     EXPECT_EQ(findWaveChunk(path, "data").offset, 44);
