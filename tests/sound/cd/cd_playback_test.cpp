@@ -76,14 +76,14 @@ TEST_F(CdPlayback, a_drive_that_vanishes_ends_the_playback) {
 
 TEST_F(CdPlayback, a_disc_that_is_taken_out_ends_the_playback_through_device_io_control) {
     e->set({"read-only"});
-    expectSectors(2, 12, {"read-only", "after 3 tray open"});
+    expectSectors(2, 12, {"read-only", "after 4 tray open"});
 }
 
 TEST_F(CdPlayback, a_disc_that_is_taken_out_leaves_the_track_silent_through_pass_through) {
     Bytes expected = disc->bytes(disc->start(2), 12);
     expected.resize(32u * 2352, 0);
     expectRecorded(framesOf(expected), [&] {
-        d->load(*disc, {"after 3 tray open"});
+        d->load(*disc, {"after 4 tray open"});
         return playWhole(d->trackPath(2), expected.size() / sizeof(Frame));
     });
 }
