@@ -42,9 +42,11 @@ std::wstring folderOfControl() {
 }
 
 bool loads(const std::wstring& name) {
+    // Not in the current folder, where the control does not look either.
     return Library(LoadLibraryExW((folderOfControl() + name).c_str(), nullptr,
-                                  LOAD_WITH_ALTERED_SEARCH_PATH)) ||
-           Library(LoadLibraryW(name.c_str()));
+                                  LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR |
+                                      LOAD_LIBRARY_SEARCH_DEFAULT_DIRS)) ||
+           Library(LoadLibraryExW(name.c_str(), nullptr, LOAD_LIBRARY_SEARCH_DEFAULT_DIRS));
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "Support.h"
 #include "support/Media.h"
 #include "support/TempFolder.h"
+#include "support/WavBytes.h"
 
 #include <algorithm>
 #include <array>
@@ -107,11 +108,11 @@ protected:
     // Everything but the APE library, which lies beside the music. It is the true one: were it
     // loaded, the file would play.
     void layOutWithPlanted() {
-        layOutWithout(L"MACDll.dll");
         for (const wchar_t* name : {L"MACDll.dll", L"wnaspi32.dll"})
             ASSERT_TRUE(::CopyFileW(CORVINA_DIST L"/MACDll.dll", music.file(name).c_str(), TRUE));
-        const std::wstring tune = std::wstring(home) + L"\\" + mediaFile(L"tune.ape");
-        ASSERT_TRUE(::CopyFileW(tune.c_str(), music.file(L"tune.ape").c_str(), TRUE));
+        ASSERT_TRUE(
+            ::CopyFileW(mediaFile(L"tune.ape").c_str(), music.file(L"tune.ape").c_str(), TRUE));
+        layOutWithout(L"MACDll.dll");
         ASSERT_TRUE(::SetCurrentDirectoryW(music.path().c_str()));
     }
 

@@ -28,7 +28,7 @@ gdiplus.dll:
     GdipAlloc GdipCloneImage GdipCreateBitmapFromHBITMAP GdipDisposeImage GdipFree
     GdipSaveImageToFile GdiplusShutdown GdiplusStartup
 kernel32.dll:
-    AcquireSRWLockExclusive AddVectoredExceptionHandler CloseHandle CreateEventA CreateEventW
+    AcquireSRWLockExclusive AddVectoredExceptionHandler CloseHandle CompareStringOrdinal CreateEventA CreateEventW
     CreateFileA CreateFileMappingW CreateFileW CreateHardLinkW CreateSemaphoreA
     DeleteCriticalSection DeleteFileW DeviceIoControl DuplicateHandle EnterCriticalSection
     FileTimeToSystemTime FindClose FindFirstFileA FindFirstFileW FindFirstVolumeW FindNextFileA
@@ -74,7 +74,7 @@ user32.dll:
     AppendMenuW BeginPaint CallWindowProcA CheckMenuItem CheckMenuRadioItem CreatePopupMenu
     CreateWindowExW DefWindowProcW DeleteMenu DestroyWindow DispatchMessageW EnableWindow
     EndPaint EqualRect FillRect GetActiveWindow GetCapture GetClientRect GetDC GetFocus
-    GetKeyState GetMenu GetPropA GetSubMenu GetSysColor GetWindowLongW GetWindowRect
+    GetKeyState GetMenu GetPropA GetSubMenu GetSysColor GetWindowLongA GetWindowLongW GetWindowRect
     GetWindowTextLengthW GetWindowTextW GetWindowThreadProcessId IntersectRect InvalidateRect
     IsDialogMessageW IsIconic IsRectEmpty IsWindow IsWindowVisible KillTimer LoadAcceleratorsW
     LoadCursorW LoadIconW MessageBoxW MonitorFromRect MoveWindow MsgWaitForMultipleObjectsEx
