@@ -60,7 +60,8 @@ std::int32_t DecWAV::OpenSource(const std::wstring& source) {
     compressed_ = CompressedWave(*WFXPointer(), data_);
     soughtFrame_.reset();
     trueRate_ = compressed_.rateInsteadOfRecord(access_, file_, framesCountedByWriter(source));
-    goTo(data_.offset);
+    if (compressed_.isMpeg()) // whose frames may have been looked up
+        goTo(data_.offset);
     return SourceResult::done;
 }
 

@@ -118,6 +118,16 @@ TEST_F(Converter, a_codec_that_remembers_is_opened_anew_at_the_place_sought) {
     EXPECT_EQ(fakeAcm.conversions.back().flags, blockAlignFlag | startFlag);
 }
 
+// Codecs go by the record's average rate, and some writers leave it at 0.
+TEST_F(Converter, a_codec_that_cannot_say_how_much_it_needs_gets_a_thirty_second) {
+    fakeAcm.sourceSize = [](DWORD) -> DWORD { return 0; };
+    MemorySource source(pcm(8000, 1, 16), noise(30'000));
+    source.format.wFormatTag = WAVE_FORMAT_MPEGLAYER3;
+    ASSERT_TRUE(start(source));
+    EXPECT_EQ(pullAll(1000), noise(30'000));
+    EXPECT_EQ(source.asked.front(), 8000 / 32);
+}
+
 TEST_F(Converter, another_conversion_replaces_everything) {
     MemorySource first(pcm(5000, 2, 16), noise(30000));
     ASSERT_TRUE(start(first));
