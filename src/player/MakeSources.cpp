@@ -25,6 +25,11 @@ std::unique_ptr<cSoundSTRM> makeWaveAlias() {
         std::vector<std::wstring>{L"wave", L"bwf", L"rf64"});
 }
 
+// Behind the source of w64 files: these characters are part of the extension.
+std::unique_ptr<cSoundSTRM> makeLongWaveAlias() {
+    return std::make_unique<SourceAlias<DecWAV>>(std::vector<std::wstring>{L"bw64"});
+}
+
 std::unique_ptr<cSoundSTRM> makeMediaAlias() {
     return std::make_unique<SourceAlias<DecWMAMP3>>(std::vector<std::wstring>{L"mp2", L"asf"});
 }
@@ -40,6 +45,7 @@ constexpr SourceFactory sourceFactories[] = {
     &makeWaveAlias,               // further names of RIFF/WAVE files
     &makeMediaAlias,              // and of what Windows Media reads
     &make<SndfileSource>,         // FLAC, Opus and more of what libsndfile reads
+    &makeLongWaveAlias,           // RIFF/WAVE with lengths of 64 bits
     &make<MediaFoundationSource>, // MP4 and AAC
 };
 

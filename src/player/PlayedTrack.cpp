@@ -85,11 +85,11 @@ bool PlayedTrack::seek(std::int32_t milliseconds) {
     constexpr std::int32_t second = 1000;
     if (!open_ || !goTo(milliseconds / second) || !begin())
         return false;
-    // Sources are moved to whole seconds, or to the block of compressed sound before; the rest is
-    // read and dropped.
+    // Sources are moved to whole seconds, or, without a lead-in, to the block of compressed sound
+    // before; the rest is read and dropped.
     constexpr std::int32_t longestBlock = 500;
     const std::int32_t asked = milliseconds / second * second;
-    const std::int32_t reached = source_->Info().Position();
+    const std::int32_t reached = source_->hasLeadIn() ? asked : source_->Info().Position();
     position_ =
         format().framesOf(reached < asked && reached >= asked - longestBlock ? reached : asked);
     std::int64_t excess = (format().framesOf(milliseconds) - position_) * format().frameBytes();

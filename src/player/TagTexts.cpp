@@ -15,7 +15,7 @@ std::wstring commentName(const std::wstring& fileName) {
         upperCase(std::wstring_view(fileName).substr(fileName.size() - length));
     if (kind == L"OGG")
         return L"description";
-    if (kind == L"MP3" || kind == L"APE" || kind == L"WMA")
+    if (kind == L"MP3" || kind == L"APE" || kind == L"WMA" || kind == L"ASF")
         return L"comment";
     return {};
 }

@@ -2,6 +2,7 @@
 
 #include "stream/FileAccess.h"
 #include "stream/RiffChunk.h"
+#include "stream/SoundBlocks.h"
 #include "stream/cSoundSTRM.h"
 
 #include <algorithm>
@@ -10,23 +11,15 @@
 namespace corvina {
 namespace {
 
-// Compressed sound comes in blocks of as many frames as the record says behind its common part.
-std::int64_t framesInBlock(const WAVEFORMATEX& format) {
+// Samples that are not compressed in blocks count as blocks of one frame. 0 if nothing is known.
+std::int64_t framesInWaveBlock(const WAVEFORMATEX& format) {
     switch (format.wFormatTag) {
     case WAVE_FORMAT_PCM:
     case WAVE_FORMAT_ALAW:
     case WAVE_FORMAT_MULAW:
         return 1;
-    case WAVE_FORMAT_ADPCM:
-    case WAVE_FORMAT_IMA_ADPCM:
-    case WAVE_FORMAT_GSM610: {
-        WORD frames = 0;
-        if (format.cbSize >= sizeof frames)
-            std::memcpy(&frames, &format + 1, sizeof frames);
-        return frames;
-    }
     default:
-        return 0;
+        return framesInBlock(format);
     }
 }
 
@@ -54,7 +47,7 @@ std::optional<std::int64_t> countFrames(const std::wstring& file, cSoundSTRM& so
     const WAVEFORMATEX* const format = source.WFXPointer();
     if (!(serves(L"wav") || serves(L"wave")) || !format || format->nBlockAlign == 0)
         return std::nullopt;
-    const std::int64_t inBlock = framesInBlock(*format);
+    const std::int64_t inBlock = framesInWaveBlock(*format);
     if (inBlock == 0)
         return std::nullopt;
     const RiffChunk data = findWaveChunk(file, "data");

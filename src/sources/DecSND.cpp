@@ -23,6 +23,8 @@ constexpr std::int32_t fromStart = 0;
 constexpr std::int32_t fromCurrent = 1;
 constexpr std::int32_t fromEnd = 2;
 
+constexpr std::int32_t refused = -1; // by a seek
+
 // The width of the library's sample subtypes, 4 for all compressed ones.
 WORD bitsOfSubtype(std::int32_t format) {
     switch (format & SndfileSubtype::mask) {
@@ -66,11 +68,8 @@ std::int32_t DecSND::OpenSource(const std::wstring& source) {
         return noLibrary;
     path_ = source;
     CloseSource();
-    const FileName name = fileName(path_);
-    if (name.impossible)
-        return notOpen;
-    file_ = name.fitsAnsi ? library_.open(name.ansi, forReading, info_)
-                          : library_.openWide(name.wide, forReading, info_);
+    file_ = openFile(info_);
+    decodedFrames_ = 0;
     if (file_ == 0)
         return notOpen;
     rate_ = info_.sampleRate;
@@ -79,7 +78,19 @@ std::int32_t DecSND::OpenSource(const std::wstring& source) {
                         static_cast<WORD>(narrow16(info_.channels)), bitsOfSubtype(info_.format));
     totalFrames_ = library_.seek(file_, 0, fromEnd);
     library_.seek(file_, 0, fromStart);
+    if (totalFrames_ == refused && !canSeek()) {
+        totalFrames_ = frames_;
+        path_ = fullPath(path_); // it may be opened again when the current folder is another one
+    }
     return SourceResult::done;
+}
+
+std::int32_t DecSND::openFile(SndfileInfo& info) {
+    const FileName name = fileName(path_);
+    if (name.impossible)
+        return 0;
+    return name.fitsAnsi ? library_.open(name.ansi, forReading, info)
+                         : library_.openWide(name.wide, forReading, info);
 }
 
 std::int32_t DecSND::CloseSource() {
@@ -101,7 +112,10 @@ std::int32_t DecSND::Read(void* buffer, std::int32_t bytes, std::int32_t& bytesR
     if (file_ == 0)
         return notOpen;
     const std::int32_t length = bytes - bytes % 2;
-    bytesRead = multiply32(readItems(buffer, length / 2), 2);
+    const std::int32_t items = readItems(buffer, length / 2);
+    bytesRead = multiply32(items, 2);
+    if (!canSeek())
+        decodedFrames_ += items / std::max(info_.channels, std::int32_t{1});
     return bytesRead < length ? SourceResult::endOfData : SourceResult::done;
 }
 
@@ -149,8 +163,31 @@ std::int32_t DecSND::SeekTo(std::int32_t value, std::int32_t& mode) {
         [&] { return multiply32(info_.sampleRate, value); }, lastPercent);
     if (!frame)
         return outOfRange;
-    library_.seek(file_, *frame, fromStart);
+    if (library_.seek(file_, *frame, fromStart) == refused && !canSeek())
+        skipTo(*frame);
     return SourceResult::done;
+}
+
+// Decodes up to the frame, from the beginning if that lies behind. A file that does not open again
+// stays closed.
+void DecSND::skipTo(std::int32_t frame) {
+    if (frame < decodedFrames_) {
+        library_.close(file_);
+        SndfileInfo same{};
+        file_ = openFile(same);
+        decodedFrames_ = 0;
+    }
+    constexpr std::int32_t piece = 4096;
+    const std::int32_t channels = std::max(info_.channels, std::int32_t{1});
+    std::vector<std::int16_t> dropped(static_cast<std::size_t>(piece) *
+                                      static_cast<std::size_t>(channels));
+    while (file_ != 0 && decodedFrames_ < frame) {
+        const std::int32_t wanted = std::min(piece, frame - decodedFrames_);
+        const std::int32_t got = readItems(dropped.data(), wanted * channels) / channels;
+        if (got <= 0)
+            return;
+        decodedFrames_ += got;
+    }
 }
 
 std::int32_t DecSND::SampleRate() {
@@ -174,7 +211,8 @@ std::int32_t DecSND::Duration() {
 }
 
 std::int32_t DecSND::currentFrame() {
-    return library_.loaded() ? library_.seek(file_, 0, fromCurrent) : 0;
+    const std::int32_t frame = library_.loaded() ? library_.seek(file_, 0, fromCurrent) : 0;
+    return frame == refused && !canSeek() ? decodedFrames_ : frame;
 }
 
 std::int32_t DecSND::milliseconds(std::int32_t frames) const {

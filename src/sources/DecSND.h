@@ -3,7 +3,8 @@
 // AU, AIFF, VOC and VOX files, decoded by libsndfile to 16-bit samples whatever the file holds.
 //
 // Without the library OpenSource, CloseSource, Read and SeekTo return 3; without an open file the
-// last three return 1. A seek out of range returns 4. The tags are always empty.
+// last three return 1. A seek out of range returns 4. The library cannot seek in VOX files: these
+// are decoded again up to the place. The tags are always empty.
 
 #include "sources/SndfileLibrary.h"
 #include "stream/SampleRounding.h"
@@ -51,6 +52,9 @@ public:
 private:
     [[nodiscard]] std::int32_t readItems(void* to, std::int32_t items);
     [[nodiscard]] std::int32_t readFloats(void* to, std::int32_t items);
+    [[nodiscard]] std::int32_t openFile(SndfileInfo& info);
+    void skipTo(std::int32_t frame);
+    [[nodiscard]] bool canSeek() const noexcept { return file_ == 0 || info_.seekable != 0; }
     [[nodiscard]] std::int32_t currentFrame();
     [[nodiscard]] std::int32_t milliseconds(std::int32_t frames) const;
 
@@ -60,6 +64,7 @@ private:
     std::int32_t file_ = 0;
     WAVEFORMATEX format_{};
     std::int32_t totalFrames_ = 0;
+    std::int32_t decodedFrames_ = 0; // of a file that cannot be sought
     // Of the file opened last, also after it was closed: a host asks for times then, too.
     std::int32_t rate_ = 0;
     std::int32_t frames_ = 0;

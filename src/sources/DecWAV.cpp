@@ -57,7 +57,24 @@ std::int32_t DecWAV::OpenSource(const std::wstring& source) {
     data_ = {.offset = data.offset, .size = length};
     formatBytes_ = std::move(bytes);
     std::memcpy(&format_, formatBytes_.data(), sizeof format_);
+    compressed_ = CompressedWave(*WFXPointer(), data_);
+    soughtFrame_.reset();
+    trueRate_ = compressed_.rateInsteadOfRecord(access_, file_, framesCountedByWriter(source));
+    if (compressed_.isMpeg()) // whose frames may have been looked up
+        goTo(data_.offset);
     return SourceResult::done;
+}
+
+// The chunk in which the writer of compressed sound counted its frames; 0 if it need not be asked.
+std::int64_t DecWAV::framesCountedByWriter(const std::wstring& path) const {
+    if (!compressed_.isMpeg())
+        return 0;
+    const RiffChunk fact = findWaveChunk(path, "fact", mmio_);
+    std::uint32_t frames = 0;
+    const bool read = fact.offset != 0 && fact.size >= static_cast<std::int32_t>(sizeof frames) &&
+                      goTo(fact.offset) &&
+                      access_.read(file_, &frames, sizeof frames) == std::int32_t{sizeof frames};
+    return read ? frames : 0;
 }
 
 WaveChunks DecWAV::findChunks(const std::wstring& path) const {
@@ -109,6 +126,7 @@ bool DecWAV::readFormat(const RiffChunk& chunk, std::vector<std::uint8_t>& bytes
 std::int32_t DecWAV::CloseSource() {
     file_.close();
     replaced_.clear();
+    soughtFrame_.reset();
     return SourceResult::done;
 }
 
@@ -119,6 +137,7 @@ bool DecWAV::EndOfStream() {
 std::int32_t DecWAV::Read(void* buffer, std::int32_t bytes, std::int32_t& bytesRead) {
     if (!file_.isOpen())
         return SourceResult::notOpen;
+    soughtFrame_.reset();
     const std::int32_t position = access_.position(file_);
     const std::int32_t end = endOfData();
     if (position > end) {
@@ -140,12 +159,39 @@ std::int32_t DecWAV::SeekTo(std::int32_t value, std::int32_t& mode) {
         return SourceResult::done;
     const std::optional<std::int32_t> target = seekTarget(
         *this, value, mode, [&] { return roundToInt32(value / 100.0 * data_.size); },
-        [&] { return multiply32(bytesPerSecond(), value); });
+        [&] { return bytesBefore(value); });
     if (!target)
         return SourceResult::outOfRange;
     const std::int32_t beyondBlock = value == 0 ? 0 : remainder32(*target, format_.nBlockAlign);
     goTo(add32(data_.offset, *target - beyondBlock));
+    soughtFrame_ = frameAt(value, mode, *target - beyondBlock);
     return SourceResult::done;
+}
+
+std::int32_t DecWAV::bytesBefore(std::int32_t seconds) const {
+    return trueRate_ ? roundToInt32(*trueRate_ * seconds) : multiply32(bytesPerSecond(), seconds);
+}
+
+// The frame of compressed sound that a seek meant.
+std::optional<std::int64_t> DecWAV::frameAt(std::int32_t value, std::int32_t mode,
+                                            std::int32_t byteOffset) const {
+    if (!compressed_.isKnown())
+        return std::nullopt;
+    if (byteOffset == 0)
+        return 0;
+    return mode == SeekMode::seconds ? std::int64_t{value} * format_.nSamplesPerSec
+                                     : compressed_.frameOfBlockAt(byteOffset);
+}
+
+LeadIn DecWAV::goToLeadIn() {
+    const std::optional<std::int64_t> frame = std::exchange(soughtFrame_, std::nullopt);
+    if (!frame)
+        return {};
+    const std::int32_t position = access_.position(file_);
+    const std::optional<CompressedWave::Place> place = compressed_.placeOf(*frame, access_, file_);
+    // A place that cannot be looked up is where the record's rate says.
+    goTo(place ? place->offset : position);
+    return place ? place->leadIn : LeadIn{};
 }
 
 std::int32_t DecWAV::SampleRate() {
@@ -175,7 +221,7 @@ std::int32_t DecWAV::Duration() {
 }
 
 std::int32_t DecWAV::milliseconds(std::int32_t bytes) const {
-    return roundToInt32(divide(bytes, bytesPerSecond()) * 1000);
+    return roundToInt32(divide(bytes, trueRate_.value_or(bytesPerSecond())) * 1000);
 }
 
 std::int32_t DecWAV::bytesPerSecond() const noexcept {

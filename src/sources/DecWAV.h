@@ -6,9 +6,12 @@
 // Positions and sizes are 32-bit signed. A position computed beyond that raises Overflow; a format
 // record with an average rate of 0 makes times, and a block align of 0 makes seeks, raise the error
 // of a division by zero. The time of no bytes at such a rate (the position of the first byte, the
-// duration of empty data) raises Overflow, as 0 / 0 does. The tags are always empty.
+// duration of empty data) raises Overflow, as 0 / 0 does. Times follow the record's average rate;
+// but where compressed sound shows that rate to be wrong, they follow the sound. The tags are
+// always empty.
 
 #include "platform/MmioApi.h"
+#include "sources/CompressedWave.h"
 #include "stream/FileAccess.h"
 #include "stream/RiffChunk.h"
 #include "stream/StrmTags.h"
@@ -16,6 +19,7 @@
 #include "stream/cSoundSTRM.h"
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 namespace corvina {
@@ -37,6 +41,8 @@ public:
     std::int32_t CloseSource() override;
     std::int32_t Read(void* buffer, std::int32_t bytes, std::int32_t& bytesRead) override;
     std::int32_t SeekTo(std::int32_t value, std::int32_t& mode) override;
+    bool hasLeadIn() override { return soughtFrame_.has_value(); }
+    LeadIn goToLeadIn() override;
 
     StrmTags* Tags() override { return &tags_; }
     bool Force16Bit() override { return false; }
@@ -55,6 +61,10 @@ private:
     [[nodiscard]] std::int32_t milliseconds(std::int32_t bytes) const;
     [[nodiscard]] std::int32_t bytesPerSecond() const noexcept;
     [[nodiscard]] std::int32_t endOfData() const;
+    [[nodiscard]] std::int64_t framesCountedByWriter(const std::wstring& path) const;
+    [[nodiscard]] std::int32_t bytesBefore(std::int32_t seconds) const;
+    [[nodiscard]] std::optional<std::int64_t> frameAt(std::int32_t value, std::int32_t mode,
+                                                      std::int32_t byteOffset) const;
 
     FileAccess access_;
     const MmioApi& mmio_;
@@ -63,6 +73,9 @@ private:
     RiffChunk data_;
     std::vector<std::uint8_t> formatBytes_; // the chunk, with zeros behind it
     WAVEFORMATEX format_{};
+    CompressedWave compressed_;
+    std::optional<double> trueRate_;          // bytes a second, if not the record's
+    std::optional<std::int64_t> soughtFrame_; // to be read next, in compressed sound
     StrmTags tags_;
 };
 

@@ -11,11 +11,9 @@
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <cstdio>
 #include <cstring>
 #include <iterator>
 #include <limits>
-#include <memory>
 #include <mmreg.h>
 
 #include <ksmedia.h>
@@ -95,22 +93,6 @@ constexpr std::array<DWORD, 8> oggSpeakers[] = {
     {left, center, right, sideLeft, sideRight, backLeft, backRight, low},
 };
 
-// Behind an ID3 tag the library is given FLAC only: from MPEG audio there it may never come back.
-bool isSafeToOpen(const std::wstring& path) {
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(::_wfopen(path.c_str(), L"rb"),
-                                                               &std::fclose);
-    std::array<unsigned char, 10> head{};
-    if (!file || std::fread(head.data(), 1, head.size(), file.get()) != head.size() ||
-        std::memcmp(head.data(), "ID3", 3) != 0)
-        return true;
-    const long size =
-        (head[6] & 0x7F) << 21 | (head[7] & 0x7F) << 14 | (head[8] & 0x7F) << 7 | (head[9] & 0x7F);
-    std::array<char, 4> name{};
-    return std::fseek(file.get(), size, SEEK_CUR) == 0 &&
-           std::fread(name.data(), 1, name.size(), file.get()) == name.size() &&
-           std::memcmp(name.data(), "fLaC", name.size()) == 0;
-}
-
 std::int16_t toSample(float value) {
     constexpr float fullScale = 32768.0F;
     if (!(value >= -1.0F)) // also no number at all
@@ -138,8 +120,6 @@ std::int32_t SndfileSource::OpenSource(const std::wstring& source) {
         return noLibrary;
     CloseSource();
     forget();
-    if (!isSafeToOpen(source))
-        return SourceResult::notOpen;
     file_ = library_.openWide(source, forReading, info_);
     if (file_ == 0)
         return SourceResult::notOpen;

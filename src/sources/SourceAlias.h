@@ -30,6 +30,8 @@ public:
     std::int32_t SeekTo(std::int32_t value, std::int32_t& mode) override {
         return source().SeekTo(value, mode);
     }
+    bool hasLeadIn() override { return source().hasLeadIn(); }
+    LeadIn goToLeadIn() override { return source().goToLeadIn(); }
 
 private:
     [[nodiscard]] cSoundSTRM& source() {

@@ -14,6 +14,15 @@ namespace {
 constexpr std::wstring_view verbatim = L"\\\\?\\";
 constexpr std::wstring_view device = L"\\\\.\\";
 
+// The form in which the system takes paths of up to 32767 characters.
+std::wstring longForm(const std::wstring& full) {
+    if (full.starts_with(L"\\\\"))
+        return std::wstring(verbatim) + L"UNC" + full.substr(1);
+    return std::wstring(verbatim) + full;
+}
+
+} // namespace
+
 std::wstring fullPath(const std::wstring& path) {
     const DWORD size = ::GetFullPathNameW(path.c_str(), 0, nullptr, nullptr);
     std::wstring full(size, L'\0');
@@ -23,15 +32,6 @@ std::wstring fullPath(const std::wstring& path) {
     full.resize(length);
     return full;
 }
-
-// The form in which the system takes paths of up to 32767 characters.
-std::wstring longForm(const std::wstring& full) {
-    if (full.starts_with(L"\\\\"))
-        return std::wstring(verbatim) + L"UNC" + full.substr(1);
-    return std::wstring(verbatim) + full;
-}
-
-} // namespace
 
 FileName fileName(const std::wstring& path) {
     FileName name;

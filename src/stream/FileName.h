@@ -19,6 +19,9 @@ struct FileName {
 
 [[nodiscard]] FileName fileName(const std::wstring& path);
 
+// From the root, by the current folder. The path itself if there is no such folder.
+[[nodiscard]] std::wstring fullPath(const std::wstring& path);
+
 // Whether the system takes a name for a device of old, whatever its folder and its extension:
 // "AUX.ogg" is the serial port, and reading waits for what it sends.
 [[nodiscard]] bool isDeviceName(std::wstring_view path);

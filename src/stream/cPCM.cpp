@@ -22,6 +22,10 @@ constexpr double bufferSeconds = 500.0 / 1000.0;
 // No device plays half a second of this size: whoever announces it has a damaged format record.
 constexpr std::int32_t largestBuffer = 64 * 1024 * 1024;
 
+// Of how many bytes of sound one byte is read where the codec cannot say it. What is read too much
+// waits in the codec.
+constexpr std::int32_t highCompression = 32;
+
 // A source that says "more follows" and delivers nothing, or a codec that converts nothing, would
 // be asked for ever inside one window message. After half a minute of data without one byte of
 // sound the stream counts as ended.
@@ -164,8 +168,11 @@ std::optional<cPCM::Sizes> cPCM::measure() const {
     const std::int32_t output = roundToInt32(bytesPerSecond * bufferSeconds);
     if (!conversion_ || output < 0 || output > largestBuffer)
         return std::nullopt;
-    const std::optional<std::uint32_t> source =
+    std::optional<std::uint32_t> source =
         conversion_->sourceBytes(static_cast<std::uint32_t>(output));
+    // Codecs go by the record's average rate, which some writers leave at 0.
+    if (source == 0u && sourceFormat_.wFormatTag != WAVE_FORMAT_PCM)
+        source = static_cast<std::uint32_t>(output / highCompression);
     if (!source || *source > static_cast<std::uint32_t>(largestBuffer))
         return std::nullopt;
     const std::int64_t reach = bytesInReach(sourceFormat_, *source);
@@ -195,6 +202,7 @@ void cPCM::restart() noexcept {
     blocksLeft_ = false;
     fillsAtEnd_ = 0;
     fillsWithoutOutput_ = 0;
+    toDrop_ = 0;
 }
 
 // Silence is 0x80 in samples of 8 bits.
@@ -242,6 +250,29 @@ std::int32_t cPCM::bytesToRead() const noexcept {
     return most > beyondBlock ? most - beyondBlock : most;
 }
 
+// The source was moved within compressed sound.
+void cPCM::startLeadIn() {
+    const LeadIn leadIn = source_->goToLeadIn();
+    toDrop_ = leadIn.frames * OutputChannels() * (OutputBitsPerSample() / 8);
+    if (!leadIn.fromReset || !managed_ || first_)
+        return;
+    leftover_ = 0;
+    first_ = true;
+    conversion_.reset();
+    // Without a stream every conversion fails, and playback runs out.
+    (void)openStream(*source_);
+}
+
+void cPCM::dropLeadIn() noexcept {
+    const auto dropped = static_cast<std::int32_t>(std::min<std::int64_t>(toDrop_, available_));
+    if (dropped <= 0)
+        return;
+    available_ -= dropped;
+    toDrop_ -= dropped;
+    auto* const output = reinterpret_cast<std::uint8_t*>(outputBuffer_.data());
+    std::memmove(output, output + dropped, static_cast<std::size_t>(available_));
+}
+
 // Replaces the output buffer's content; whether anything more can come.
 bool cPCM::fill() {
     if (ended_ && !blocksLeft_) {
@@ -252,6 +283,8 @@ bool cPCM::fill() {
     }
     std::int32_t delivered = 0;
     if (!ended_) {
+        if (source_->hasLeadIn())
+            startLeadIn();
         const std::int32_t asked = bytesToRead();
         const auto read = [&] {
             const NoErrorBoxes quiet;
@@ -268,6 +301,7 @@ bool cPCM::fill() {
         ended_ = true;
         blocksLeft_ = false;
     }
+    dropLeadIn();
     deliver();
     return true;
 }

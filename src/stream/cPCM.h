@@ -39,21 +39,20 @@ public:
     [[nodiscard]] std::int16_t OutputChannels() const noexcept;
     [[nodiscard]] std::int16_t OutputBitsPerSample() const noexcept;
 
-    // Copies up to that many bytes. False only without a source. Fewer bytes are returned only at
-    // the end of the data. A destination that cannot be written is skipped, and counted as written.
+    // Copies up to that many bytes, fewer only at the end of the data. False only without a source.
+    // A destination that cannot be written is skipped, and counted as written.
     bool GetSamples(void* buffer, std::int32_t bytes, std::int32_t& bytesReturned);
     // For a source that was repositioned. What was converted before becomes silence.
     void ResetACM();
     bool CloseConverter() noexcept; // always true
-    // False if the source's format cannot be converted. The observer may be null; it is called with
-    // each converted block of 16-bit samples.
+    // False if the source's format cannot be converted. The observer, if any, is called with each
+    // converted block of 16-bit samples.
     bool InitConversion(cSoundSTRM& source, cCallback* observer, bool force16Bit);
     // For a device that takes two channels at most: from now on two come out, mixed by the
     // channels' places. Before the first GetSamples. False for fewer channels and for compressed
     // sound.
     [[nodiscard]] bool mixToStereo();
-    // A second entry to the same steps.
-    bool InitConversion2(cSoundSTRM& source, cCallback* observer, bool force16Bit);
+    bool InitConversion2(cSoundSTRM& source, cCallback* observer, bool force16Bit); // the same
 
 private:
     struct Sizes {
@@ -70,6 +69,8 @@ private:
     void restart() noexcept;
     void silenceBuffers() noexcept;
     [[nodiscard]] std::int32_t bytesToRead() const noexcept;
+    void startLeadIn();
+    void dropLeadIn() noexcept;
     [[nodiscard]] bool fill();
     void convert(std::int32_t length) noexcept;
     void deliver();
@@ -89,6 +90,7 @@ private:
     std::int32_t readOffset_ = 0; // bytes of the output buffer that were returned
     std::int32_t available_ = 0;  // converted bytes in the output buffer
     std::int32_t leftover_ = 0;   // unconverted bytes at the front of the source buffer
+    std::int64_t toDrop_ = 0;     // bytes of output that come before the place sought
     int fillsWithoutOutput_ = 0;
     std::int64_t fillsAtEnd_ = 0; // less those before the end
     bool blocksLeft_ = false;     // the end of the stream is still to be converted

@@ -6,6 +6,7 @@
 // which the source also does by itself when it is destroyed. Everything runs on the thread that
 // owns the control. Failures are result codes; arithmetic overflow raises a run-time error.
 
+#include "stream/LeadIn.h"
 #include "stream/cSoundInf.h"
 
 #include <cstdint>
@@ -52,6 +53,11 @@ public:
     virtual std::int32_t Read(void* buffer, std::int32_t bytes, std::int32_t& bytesRead) = 0;
     // mode: see SeekMode. By reference as the interface has it; no source writes it.
     virtual std::int32_t SeekTo(std::int32_t value, std::int32_t& mode) = 0;
+
+    // For whoever decodes the bytes, between a seek and the next Read. Whether the place sought is
+    // reached by a lead-in, and the step back to where that begins.
+    virtual bool hasLeadIn() { return false; }
+    virtual LeadIn goToLeadIn() { return {}; }
 };
 
 } // namespace corvina

@@ -11,6 +11,7 @@
 #include <cstring>
 #include <functional>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace corvina::test {
@@ -35,6 +36,12 @@ public:
     int closes = 0;
     // The counts that Read was asked for.
     std::vector<std::int32_t> asked;
+    // If set, the next bytes are to be decoded from there, as after a seek in compressed sound.
+    struct SoughtPlace {
+        std::size_t position = 0;
+        LeadIn leadIn;
+    };
+    std::optional<SoughtPlace> sought;
     // If set, it is called instead of reading: buffer, count, count read by reference; the result.
     std::function<std::int32_t(void*, std::int32_t, std::int32_t&)> respond;
 
@@ -71,6 +78,13 @@ public:
             return seekResult;
         position = static_cast<std::size_t>(Value) * format.nAvgBytesPerSec;
         return SourceResult::done;
+    }
+
+    bool hasLeadIn() override { return sought.has_value(); }
+    LeadIn goToLeadIn() override {
+        const SoughtPlace place = *std::exchange(sought, std::nullopt);
+        position = place.position;
+        return place.leadIn;
     }
 
     StrmTags* Tags() override { return &tags_; }

@@ -36,12 +36,12 @@ protected:
 };
 
 TEST_F(RealSources, stand_in_the_order_in_which_an_extension_is_looked_for) {
-    EXPECT_EQ(list.count(), 10u);
+    EXPECT_EQ(list.count(), 11u);
     EXPECT_THAT(list.allExtensions(),
                 ElementsAre(L"ape", L"ogg", L"wav", L"au", L"snd", L"aiff", L"aifc", L"voc", L"vox",
                             L"wma", L"mp3", L"wmv", L"cda", L"wave", L"bwf", L"rf64", L"mp2",
-                            L"asf", L"flac", L"oga", L"opus", L"w64", L"caf", L"m4a", L"m4b",
-                            L"mp4", L"aac"));
+                            L"asf", L"flac", L"oga", L"opus", L"w64", L"caf", L"bw64", L"m4a",
+                            L"m4b", L"mp4", L"aac"));
 }
 
 TEST_F(RealSources, serve_a_name_without_an_extension_with_the_first) {
@@ -58,6 +58,8 @@ TEST_F(RealSources, serve_their_extensions_in_any_case) {
     EXPECT_TRUE(serves<SourceAlias<DecWAV>>(L"song.Wave"));
     EXPECT_TRUE(serves<SourceAlias<DecWMAMP3>>(L"song.mp2"));
     EXPECT_TRUE(serves<SndfileSource>(L"song.FLAC"));
+    EXPECT_TRUE(serves<SndfileSource>(L"song.w64"));
+    EXPECT_TRUE(serves<SourceAlias<DecWAV>>(L"song.BW64"));
     EXPECT_TRUE(serves<MediaFoundationSource>(L"song.m4a"));
 }
 

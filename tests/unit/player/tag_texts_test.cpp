@@ -37,7 +37,7 @@ TEST_F(TagMapping, the_texts_are_found_by_name_in_any_case) {
 }
 
 TEST_F(TagMapping, the_comment_is_called_description_in_ogg_files_alone) {
-    for (const wchar_t* name : {L"song.mp3", L"song.APE", L"song.Wma", L"MP3"}) {
+    for (const wchar_t* name : {L"song.mp3", L"song.APE", L"song.Wma", L"song.asf", L"MP3"}) {
         fillTagTexts(texts, name, &tags);
         EXPECT_EQ(texts.comment, L"the comment") << name;
     }

@@ -3,6 +3,8 @@
 #include "DecodedFiles.h"
 #include "sources/DecSND.h"
 
+#include <array>
+
 namespace corvina::test {
 namespace {
 
@@ -59,6 +61,48 @@ TEST(SndFiles, a_vox_file_opens_by_its_extension_as_8000_hz_mono) {
     EXPECT_EQ(source.Channels(), 1);
     BareSnd bare(mediaFile(L"tune.vox"));
     EXPECT_TRUE(readToEnd(source).bytes == readRest(bare));
+}
+
+// The library itself cannot seek in it.
+TEST(SndFiles, a_vox_file_is_sought_like_any_other) {
+    DecSND source;
+    ASSERT_EQ(source.OpenSource(mediaFile(L"tune.vox")), 0);
+    EXPECT_FALSE(source.EndOfStream());
+    EXPECT_EQ(source.Position(), 0);
+    const Bytes whole = readToEnd(source).bytes;
+    EXPECT_TRUE(source.EndOfStream());
+    EXPECT_EQ(source.Position(), source.Duration());
+    for (const std::int32_t seconds : {2, 0, 1, 2}) {
+        seekTo(source, seconds, 1);
+        EXPECT_FALSE(source.EndOfStream());
+        EXPECT_EQ(source.Position(), seconds * 1000);
+        EXPECT_TRUE(readToEnd(source, 4001).bytes ==
+                    Bytes(whole.begin() + seconds * 16000, whole.end()))
+            << seconds;
+    }
+    seekTo(source, 50, 0);
+    EXPECT_NEAR(source.Position(), source.Duration() / 2, 1);
+    seekTo(source, 99, 0);
+    EXPECT_NEAR(source.Position(), source.Duration() * 99 / 100, 1);
+    std::int32_t mode = 1;
+    EXPECT_EQ(source.SeekTo(4, mode), 4);
+    EXPECT_EQ(source.CloseSource(), 0);
+}
+
+TEST(SndFiles, a_vox_file_is_sought_from_another_current_folder_too) {
+    TempFolder folder;
+    folder.write(L"a.vox", fileBytes(mediaFile(L"tune.vox")));
+    std::array<wchar_t, MAX_PATH> before{};
+    ::GetCurrentDirectoryW(MAX_PATH, before.data());
+    ::SetCurrentDirectoryW(folder.path().c_str());
+    DecSND source;
+    EXPECT_EQ(source.OpenSource(L"a.vox"), 0);
+    ::SetCurrentDirectoryW(before.data());
+    seekTo(source, 2, 1);
+    seekTo(source, 1, 1);
+    EXPECT_EQ(source.Position(), 1000);
+    EXPECT_THAT(readToEnd(source).bytes, SizeIs(testing::Gt(30'000u)));
+    EXPECT_EQ(source.CloseSource(), 0);
 }
 
 TEST(SndFiles, a_file_that_the_library_does_not_know_returns_1) {

@@ -74,6 +74,78 @@ TEST_F(DecWAVTest, a_second_of_a_compressed_file_is_aligned_down_to_its_block) {
     EXPECT_EQ(dataPosition(data), 4096);
 }
 
+// A record of IMA ADPCM with that average rate, where 256 bytes are 505 frames.
+Bytes adpcmFile(DWORD bytesPerSecond, const Bytes& data) {
+    WAVEFORMATEX record = pcm(22050, 1, 4);
+    record.wFormatTag = WAVE_FORMAT_IMA_ADPCM;
+    record.nBlockAlign = 256;
+    record.nAvgBytesPerSec = bytesPerSecond;
+    record.cbSize = 2;
+    return WavBytes().format(record, 18, {505 % 256, 505 / 256}).chunk("data", data).bytes();
+}
+
+TEST_F(DecWAVTest, a_second_of_compressed_sound_has_a_lead_in_to_its_very_frame) {
+    const Bytes data = noise(51'200);
+    ASSERT_EQ(open(adpcmFile(11'178, data)), 0);
+    EXPECT_FALSE(wav_.hasLeadIn());
+    EXPECT_EQ(seek(3, 1), 0);
+    EXPECT_TRUE(wav_.hasLeadIn());
+    const LeadIn leadIn = wav_.goToLeadIn();
+    EXPECT_EQ(leadIn.frames, 22050 * 3 % 505);
+    EXPECT_FALSE(wav_.hasLeadIn());
+    EXPECT_EQ(dataPosition(data), 22050 * 3 / 505 * 256);
+    EXPECT_EQ(wav_.goToLeadIn().frames, 0);
+}
+
+TEST_F(DecWAVTest, whoever_reads_on_without_it_is_where_the_record_says) {
+    const Bytes data = noise(51'200);
+    ASSERT_EQ(open(adpcmFile(11'178, data)), 0);
+    EXPECT_EQ(seek(3, 1), 0);
+    EXPECT_EQ(dataPosition(data), 11'178 * 3 / 256 * 256);
+    EXPECT_FALSE(wav_.hasLeadIn());
+    EXPECT_EQ(seek(50, 0), 0);
+    EXPECT_TRUE(wav_.hasLeadIn());
+    EXPECT_EQ(wav_.goToLeadIn().frames, 0);
+    EXPECT_EQ(dataPosition(data), 25'600);
+    EXPECT_EQ(seek(1, 1), 0);
+    wav_.CloseSource();
+    EXPECT_FALSE(wav_.hasLeadIn());
+}
+
+TEST_F(DecWAVTest, an_average_rate_that_the_blocks_deny_is_not_used) {
+    const Bytes data = noise(51'200); // 200 blocks of 505 frames
+    for (const DWORD recorded : {0u, 5'000u, 16'000u}) {
+        ASSERT_EQ(open(adpcmFile(recorded, data)), 0);
+        EXPECT_EQ(wav_.Duration(), 4580) << recorded;
+        EXPECT_EQ(wav_.Bitrate(), static_cast<std::int32_t>(recorded) * 8);
+        EXPECT_EQ(seek(5, 1), 3);
+        EXPECT_EQ(seek(4, 1), 0);
+        EXPECT_NEAR(wav_.Position(), 4000, 23);
+        EXPECT_EQ(dataPosition(data), 22050 * 4 / 505 * 256);
+    }
+}
+
+TEST_F(DecWAVTest, mpeg_sound_without_an_average_rate_has_the_length_of_its_count) {
+    WAVEFORMATEX record = pcm(44100, 2, 16);
+    record.wFormatTag = WAVE_FORMAT_MPEGLAYER3;
+    record.nAvgBytesPerSec = 0;
+    ASSERT_EQ(open(WavBytes()
+                       .format(record)
+                       .chunk("fact", {0x88, 0x58, 1, 0}) // 88200
+                       .chunk("data", noise(32'000))
+                       .bytes()),
+              0);
+    EXPECT_EQ(wav_.Duration(), 2000);
+    EXPECT_EQ(wav_.Position(), 0);
+    EXPECT_EQ(seek(1, 1), 0);
+    EXPECT_EQ(wav_.Position(), 1000);
+    // No frame is found, so the place is where the rate says.
+    EXPECT_EQ(wav_.goToLeadIn().frames, 0);
+    EXPECT_EQ(wav_.Position(), 1000);
+    ASSERT_EQ(open(plainWav(record, noise(32'000))), 0);
+    EXPECT_EQ(errorOf([&] { (void)wav_.Duration(); }), 11);
+}
+
 TEST_F(DecWAVTest, an_unknown_mode_goes_to_the_first_byte) {
     const Bytes data = noise(4000);
     ASSERT_EQ(open(plainWav(pcm(44100, 2, 16), data)), 0);

@@ -151,10 +151,54 @@ TEST(SndfileSourceFiles, a_name_that_the_code_page_lacks_opens) {
     EXPECT_EQ(source.CloseSource(), 0);
 }
 
-// The library may never come back from such a file.
-TEST(SndfileSourceFiles, mpeg_audio_behind_an_id3_tag_returns_1) {
+TEST(SndfileSourceFiles, mpeg_audio_behind_an_id3_tag_plays_with_its_length_and_tags) {
     SndfileSource source;
-    EXPECT_EQ(source.OpenSource(mediaFile(L"tune.mp3")), 1);
+    ASSERT_EQ(source.OpenSource(mediaFile(L"tune.mp3")), 0);
+    EXPECT_EQ(source.Duration(), 3000);
+    EXPECT_THAT(tagsOf(source),
+                Contains(std::pair<std::wstring, std::wstring>(L"title", L"Small Tune")));
+    const Reading whole = readToEnd(source);
+    EXPECT_EQ(whole.result, 5);
+    EXPECT_THAT(whole.bytes, SizeIs(132'300 * 4));
+    for (const std::int32_t seconds : {2, 0, 1}) {
+        seekTo(source, seconds, SeekMode::seconds);
+        EXPECT_LE(
+            largestDifference(readToEnd(source).bytes,
+                              Bytes(whole.bytes.begin() + seconds * 176'400, whole.bytes.end())),
+            1)
+            << seconds;
+    }
+}
+
+// The decoder once never came back from a text with a description.
+TEST(SndfileSourceFiles, mpeg_audio_behind_a_damaged_tag_opens_or_is_refused_at_once) {
+    const Bytes file = fileBytes(mediaFile(L"short.mp3"));
+    TempFolder folder;
+    int opened = 0;
+    for (std::size_t at = 3; at < 190; ++at) {
+        Bytes damaged = file;
+        damaged[at] ^= 0xA5;
+        SndfileSource source;
+        if (source.OpenSource(folder.write(L"damaged.mp3", damaged)) != 0)
+            continue;
+        ++opened;
+        EXPECT_EQ(readToEnd(source).result, 5) << at;
+    }
+    EXPECT_GT(opened, 150);
+}
+
+TEST(SndfileSourceFiles, the_length_of_mpeg_audio_is_counted_without_its_tags) {
+    Bytes file = fileBytes(mediaFile(L"half-minute.mp3"));
+    SndfileSource source;
+    ASSERT_EQ(source.OpenSource(mediaFile(L"half-minute.mp3")), 0);
+    const std::int32_t duration = source.Duration();
+    EXPECT_NEAR(duration, 30'000, 60);
+    Bytes tag{'I', 'D', '3', 4, 0, 0, 0, 8, 0, 0}; // 128 KB of padding
+    tag.resize(10 + (8u << 14), 0);
+    file.insert(file.begin(), tag.begin(), tag.end());
+    TempFolder folder;
+    ASSERT_EQ(source.OpenSource(folder.write(L"padded.mp3", file)), 0);
+    EXPECT_NEAR(source.Duration(), duration, 60);
 }
 
 TEST(SndfileSourceFiles, a_closed_file_is_still_described) {

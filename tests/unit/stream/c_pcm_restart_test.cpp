@@ -74,6 +74,60 @@ TEST_F(Converter, closing_twice_closes_the_stream_once_and_silences_what_waits) 
     EXPECT_EQ(pulled_, Bytes(400));
 }
 
+TEST_F(Converter, what_is_decoded_before_the_place_sought_is_dropped) {
+    MemorySource source(pcm(500, 1, 16), noise(3000));
+    ASSERT_TRUE(start(source));
+    pull(500);
+    source.sought = {.position = 1000, .leadIn = {.frames = 30}};
+    EXPECT_EQ(pull(100), 100);
+    const Bytes all = noise(3000);
+    EXPECT_EQ(pulled_, Bytes(all.begin() + 1060, all.begin() + 1160));
+    EXPECT_EQ(fakeAcm.openings.size(), 1u);
+    EXPECT_EQ(fakeAcm.conversions.back().flags, blockAlignFlag);
+    EXPECT_FALSE(source.sought);
+}
+
+TEST_F(Converter, more_than_a_buffer_may_come_before_the_place_sought) {
+    MemorySource source(pcm(500, 1, 16), noise(3000));
+    ASSERT_TRUE(start(source));
+    source.sought = {.position = 0, .leadIn = {.frames = 600}};
+    EXPECT_EQ(pullAll(100).size(), 3000u - 1200);
+    EXPECT_EQ(observer_.blocks.size(), 4u); // the third fill holds the place
+}
+
+TEST_F(Converter, a_place_behind_the_end_ends_the_sound) {
+    MemorySource source(pcm(500, 1, 16), noise(3000));
+    ASSERT_TRUE(start(source));
+    source.sought = {.position = 2000, .leadIn = {.frames = std::int64_t{1} << 40}};
+    EXPECT_EQ(pull(100), 0);
+    EXPECT_TRUE(converter_->Exhausted());
+}
+
+TEST_F(Converter, a_codec_that_remembers_is_opened_anew_at_the_place_sought) {
+    MemorySource source(pcm(500, 1, 16), noise(3000));
+    ASSERT_TRUE(start(source));
+    source.sought = {.position = 1000, .leadIn = {.frames = 30, .fromReset = true}};
+    pull(500 - 60);
+    EXPECT_EQ(fakeAcm.openings.size(), 1u) << "nothing was decoded before";
+    source.sought = {.position = 2000, .leadIn = {.frames = 30, .fromReset = true}};
+    EXPECT_EQ(pull(100), 100);
+    const Bytes all = noise(3000);
+    EXPECT_EQ(pulled_, Bytes(all.begin() + 2060, all.begin() + 2160));
+    EXPECT_EQ(fakeAcm.openings.size(), 2u);
+    EXPECT_EQ(fakeAcm.openStreams, 1);
+    EXPECT_EQ(fakeAcm.conversions.back().flags, blockAlignFlag | startFlag);
+}
+
+// Codecs go by the record's average rate, and some writers leave it at 0.
+TEST_F(Converter, a_codec_that_cannot_say_how_much_it_needs_gets_a_thirty_second) {
+    fakeAcm.sourceSize = [](DWORD) -> DWORD { return 0; };
+    MemorySource source(pcm(8000, 1, 16), noise(30'000));
+    source.format.wFormatTag = WAVE_FORMAT_MPEGLAYER3;
+    ASSERT_TRUE(start(source));
+    EXPECT_EQ(pullAll(1000), noise(30'000));
+    EXPECT_EQ(source.asked.front(), 8000 / 32);
+}
+
 TEST_F(Converter, another_conversion_replaces_everything) {
     MemorySource first(pcm(5000, 2, 16), noise(30000));
     ASSERT_TRUE(start(first));
