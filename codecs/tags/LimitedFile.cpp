@@ -45,9 +45,9 @@ bool LimitedFile::withinLimits(std::int64_t bytes) {
 
 TagLib::ByteVector LimitedFile::readBlock(BlockLength length) {
     const std::int64_t left = std::max<std::int64_t>(length_ - position_, 0);
-    const std::int64_t wanted =
-        std::min({left, largestBlock, static_cast<std::int64_t>(std::min<BlockLength>(
-                                          length, std::numeric_limits<std::int32_t>::max()))});
+    const std::int64_t wanted = std::min({left, largestBlock,
+                                          static_cast<std::int64_t>(std::min<BlockLength>(
+                                              length, std::numeric_limits<std::int32_t>::max()))});
     if (!withinLimits(wanted) || wanted == 0)
         return {};
     TagLib::ByteVector block(static_cast<unsigned>(wanted));
