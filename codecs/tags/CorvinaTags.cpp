@@ -6,6 +6,7 @@
 #include "sources/TagInterface.h"
 
 #include <algorithm>
+#include <asftag.h>
 #include <memory>
 #include <string>
 #include <tbytevector.h>
@@ -48,8 +49,19 @@ std::wstring joined(const TagLib::StringList& values) {
     return all.substr(0, longestText);
 }
 
+// The comment of a Windows Media file has a place of its own in the header, but some programs write
+// it among the other values.
+TagLib::PropertyMap propertiesOf(TagLib::File& file) {
+    TagLib::PropertyMap properties = file.properties();
+    const auto* const asf = dynamic_cast<TagLib::ASF::Tag*>(file.tag());
+    if (asf && !properties.contains("COMMENT"))
+        for (const TagLib::ASF::Attribute& value : asf->attribute("Description"))
+            properties["COMMENT"].append(value.toString());
+    return properties;
+}
+
 void collect(OwnedTags& tags, TagLib::File& file) {
-    for (const auto& [name, values] : file.properties()) {
+    for (const auto& [name, values] : propertiesOf(file)) {
         std::wstring key = plainText(name.upper());
         std::wstring text = joined(values);
         if (!key.empty() && !text.empty() && tags.texts.size() < mostTags)

@@ -11,9 +11,11 @@ namespace {
 
 // In one block: the largest picture and what stands around it.
 constexpr std::int64_t largestBlock = static_cast<std::int64_t>(largestPictureBytes) + 65536;
-// In all. Each call counts as some bytes, or millions of small ones would take long.
+// In all. Each call counts as some more, or millions of small ones would take long.
 constexpr std::int64_t readAtAll = std::int64_t{64} << 20;
-constexpr std::int64_t leastOfCall = 256;
+constexpr std::int64_t leastOfCall = 64;
+// Tags are read in small pieces.
+constexpr std::int64_t bufferBytes = 4096;
 // Some formats are read by functions that call themselves, as deep as a file is nested.
 constexpr std::ptrdiff_t mostStack = std::ptrdiff_t{128} * 1024;
 
@@ -39,7 +41,7 @@ LimitedFile::LimitedFile(const std::wstring& path)
 }
 
 bool LimitedFile::withinLimits(std::int64_t bytes) {
-    budget_ -= std::max(bytes, leastOfCall);
+    budget_ -= bytes;
     return budget_ >= 0 && stack_ - stackPointer() <= mostStack;
 }
 
@@ -48,17 +50,34 @@ TagLib::ByteVector LimitedFile::readBlock(BlockLength length) {
     const std::int64_t wanted = std::min({left, largestBlock,
                                           static_cast<std::int64_t>(std::min<BlockLength>(
                                               length, std::numeric_limits<std::int32_t>::max()))});
-    if (!withinLimits(wanted) || wanted == 0)
+    TagLib::ByteVector block;
+    if (!withinLimits(leastOfCall) || wanted == 0)
+        return block;
+    if (wanted > bufferBytes) {
+        block = readAt(position_, wanted);
+    } else {
+        if (position_ < bufferAt_ || position_ + wanted > bufferAt_ + buffer_.size()) {
+            bufferAt_ = position_;
+            buffer_ = readAt(position_, std::min(left, bufferBytes));
+        }
+        block = buffer_.mid(static_cast<unsigned>(position_ - bufferAt_),
+                            static_cast<unsigned>(wanted));
+    }
+    position_ += block.size();
+    return block;
+}
+
+TagLib::ByteVector LimitedFile::readAt(std::int64_t at, std::int64_t bytes) {
+    if (!withinLimits(bytes))
         return {};
-    TagLib::ByteVector block(static_cast<unsigned>(wanted));
-    OVERLAPPED at{};
-    at.Offset = static_cast<DWORD>(position_);
-    at.OffsetHigh = static_cast<DWORD>(position_ >> 32);
+    TagLib::ByteVector block(static_cast<unsigned>(bytes));
+    OVERLAPPED place{};
+    place.Offset = static_cast<DWORD>(at);
+    place.OffsetHigh = static_cast<DWORD>(at >> 32);
     DWORD got = 0;
-    if (!::ReadFile(file_.get(), block.data(), static_cast<DWORD>(wanted), &got, &at))
+    if (!::ReadFile(file_.get(), block.data(), static_cast<DWORD>(bytes), &got, &place))
         got = 0;
     block.resize(got);
-    position_ += got;
     return block;
 }
 

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <string>
 #include <taglib.h>
+#include <tbytevector.h>
 #include <tiostream.h>
 #include <windows.h>
 
@@ -51,11 +52,14 @@ public:
 
 private:
     [[nodiscard]] bool withinLimits(std::int64_t bytes);
+    [[nodiscard]] TagLib::ByteVector readAt(std::int64_t at, std::int64_t bytes);
 
     const std::wstring path_;
     UniqueHandle<FileTraits> file_;
     std::int64_t length_ = 0; // what lies behind the largest Offset is out of reach
     std::int64_t position_ = 0;
+    TagLib::ByteVector buffer_; // from bufferAt_ on
+    std::int64_t bufferAt_ = 0;
     std::int64_t budget_; // bytes that may still be read
     const char* const stack_;
 };

@@ -192,19 +192,26 @@ TEST_F(TagsOfFiles, files_nested_without_end_do_not_use_up_the_stack) {
               L"kept");
 }
 
-TEST_F(TagsOfFiles, rows_of_tiny_parts_take_no_long_time) {
-    const auto begin = std::chrono::steady_clock::now();
+// Under a busy Wine a call of the system takes 20 microseconds.
+TEST_F(TagsOfFiles, rows_of_tiny_chunks_take_no_long_time) {
     Bytes chunks;
     for (int chunk = 0; chunk < 300'000; ++chunk)
         chunks.insert(chunks.end(), {'j', 'u', 'n', 'k', 0, 0, 0, 0});
     const Bytes riff =
         joined({bytesOf("RIFF"), littleNumber(chunks.size() + 4), bytesOf("WAVE"), chunks});
+    const auto begin = std::chrono::steady_clock::now();
     EXPECT_THAT(texts(riff), IsEmpty());
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5));
+}
+
+TEST_F(TagsOfFiles, rows_of_tiny_frames_take_no_long_time) {
     Bytes frames;
     for (int frame = 0; frame < 100'000; ++frame)
         frames.insert(frames.end(), {'T', 'I', 'T', '2', 0, 0, 0, 1, 0, 0, 0});
-    (void)texts(joined({id3Tag(frames), mpegFrames()}));
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(10));
+    const Bytes file = joined({id3Tag(frames), mpegFrames()});
+    const auto begin = std::chrono::steady_clock::now();
+    (void)read(file);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5));
 }
 
 TEST_F(TagsOfFiles, damaged_in_any_place_give_what_is_left_of_them) {
@@ -283,7 +290,10 @@ TEST_F(TagLibraryStandIn, that_is_missing_or_lacks_a_function_gives_no_tags_unti
     EXPECT_EQ(std::count(libraries.loads.begin(), libraries.loads.end(), "free CorvinaTags.dll"), 2)
         << "one that lacks a function is let go";
     EXPECT_EQ(library.read(L"a").tags.size(), 1u);
-    StandIns none;
+}
+
+TEST_F(TagLibraryStandIn, that_is_missing_gives_no_tags) {
+    libraries.remove("CorvinaTags.dll");
     TagLibrary without(StandIns::api());
     EXPECT_THAT(without.read(L"a").tags, IsEmpty());
 }
