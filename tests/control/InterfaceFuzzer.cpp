@@ -139,8 +139,8 @@ void InterfaceFuzzer::callView() {
     switch (random_.below(6)) {
     case 0:
     case 1:
-        view->Draw(random_.oneIn(5) ? 3u : DWORD{DVASPECT_CONTENT}, random_.number(), nullptr, nullptr,
-                   nullptr, random_.oneIn(6) ? nullptr : picture_.dc(),
+        view->Draw(random_.oneIn(5) ? 3u : DWORD{DVASPECT_CONTENT}, random_.number(), nullptr,
+                   nullptr, nullptr, random_.oneIn(6) ? nullptr : picture_.dc(),
                    random_.oneIn(6) ? nullptr : &bounds, nullptr, nullptr, 0);
         break;
     case 2:
@@ -163,7 +163,8 @@ void InterfaceFuzzer::callData() {
     if (!data)
         return;
     FORMATETC format{static_cast<CLIPFORMAT>(random_.oneIn(2) ? CF_ENHMETAFILE : random_.below(20)),
-                     nullptr, random_.oneIn(4) ? 9u : DWORD{DVASPECT_CONTENT}, -1, random_.below(256)};
+                     nullptr, random_.oneIn(4) ? 9u : DWORD{DVASPECT_CONTENT}, -1,
+                     random_.below(256)};
     STGMEDIUM medium{};
     if (SUCCEEDED(data->GetData(random_.oneIn(6) ? nullptr : &format, &medium)))
         ::ReleaseStgMedium(&medium);
@@ -228,7 +229,7 @@ void InterfaceFuzzer::callDispatch() {
     DISPPARAMS parameters{random_.oneIn(12) ? nullptr : values.data(), names.data(),
                           static_cast<UINT>(values.size()),
                           random_.oneIn(3) ? random_.below(3) : 0};
-    const DISPID id = random_.oneIn(8) ? random_.number() : static_cast<DISPID>(random_.below(33));
+    const DISPID id = random_.oneIn(8) ? random_.number() : static_cast<DISPID>(random_.below(53));
     Variant result;
     EXCEPINFO exception{};
     UINT bad = 0;
@@ -251,107 +252,6 @@ void InterfaceFuzzer::callQuickActivate() {
     container.pClientSite = random_.oneIn(2) ? site_.get() : nullptr;
     as<IQuickActivate>()->QuickActivate(random_.oneIn(8) ? nullptr : &container,
                                         random_.oneIn(8) ? nullptr : &control);
-}
-
-void InterfaceFuzzer::callMembers() {
-    if (const auto player = as<_cPlayer>())
-        callPlayer(*player.get());
-    if (const auto graph = as<_cAudioGraph>())
-        callGraph(*graph.get());
-}
-
-void InterfaceFuzzer::callPlayer(_cPlayer& player) {
-    long result = 0;
-    Bstr text;
-    const Bstr given(random_.text());
-    AudioDeviceDetails details{};
-    switch (random_.below(13)) {
-    case 0:
-        player.OpenAudioFile(given.get(), &result);
-        break;
-    case 1:
-        player.PlayStart(given.get(), random_.number(), random_.number(), &result);
-        break;
-    case 2:
-        player.PositionSet(random_.number(), &result);
-        break;
-    case 3:
-        player.PositionGet(&result);
-        break;
-    case 4:
-        player.GetID3Tags(random_.oneIn(4) ? nullptr : given.get(), &result);
-        break;
-    case 5:
-        player.put_Tag_Title(random_.oneIn(4) ? nullptr : given.get());
-        break;
-    case 6:
-        player.GetSecondsAsTimeString(random_.number(), text.put());
-        break;
-    case 7:
-        player.ErrorTextOut(random_.number(), text.put());
-        break;
-    case 8:
-        player.PlayStop(random_.oneIn(4) ? nullptr : &result);
-        break;
-    case 9:
-        player.GetDetailsDevice(random_.number(), random_.number(), &details, &result);
-        ::SysFreeString(details.DeviceName);
-        ::SysFreeString(details.DeviceDriver);
-        break;
-    case 10:
-        as<ISubclass>()->WindowProc(random_.number(), static_cast<long>(random_.below(0x500)),
-                                    random_.number(), random_.number(), &result);
-        break;
-    case 11:
-        as<cCallback>()->Samples(nullptr, random_.number(), 2);
-        break;
-    default:
-        player.PlayPause(&result);
-        break;
-    }
-}
-
-void InterfaceFuzzer::callGraph(_cAudioGraph& graph) {
-    long result = 0;
-    const LONG number = random_.number();
-    static const std::vector<std::int16_t> samples(4096, 1234);
-    switch (random_.below(12)) {
-    case 0:
-        graph.SetAudioData(number, &result);
-        break;
-    case 1:
-        graph.SetAudioData(static_cast<long>(reinterpret_cast<LONG_PTR>(samples.data())), &result);
-        break;
-    case 2:
-    case 3:
-        graph.Display();
-        break;
-    case 4:
-        graph.ClearGraph(random_.oneIn(4) ? nullptr : &result);
-        break;
-    case 5:
-        graph.put_Bands(number);
-        break;
-    case 6:
-        graph.put_BandsSpace(number);
-        break;
-    case 7:
-        graph.put_BandsWidth(number);
-        break;
-    case 8:
-        graph.put_GraphStyle(static_cast<AudioGraphStyle>(random_.below(3)));
-        break;
-    case 9:
-        graph.put_BackgroundColor(static_cast<OLE_COLOR>(number));
-        break;
-    case 10:
-        graph.put_BorderStyle(static_cast<BorderStyle>(random_.below(3)));
-        break;
-    default:
-        graph.get_hWnd(&result);
-        own_ = reinterpret_cast<HWND>(result);
-        break;
-    }
 }
 
 void InterfaceFuzzer::sendMessage() {
