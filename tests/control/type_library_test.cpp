@@ -91,7 +91,7 @@ TEST_F(TypeLibrary, the_player_has_its_members_in_their_published_order) {
         L"48 get TagText(BSTR Name, -> BSTR)",
         L"49 get TagCount(-> long)",
         L"50 get TagName(long Index, -> BSTR)",
-        L"51 get Picture(-> Picture*)",
+        L"51 get Picture(-> IPictureDisp*)",
     };
     EXPECT_EQ(expected, functions(vtable(L"_cPlayer").get()));
 }

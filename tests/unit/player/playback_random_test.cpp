@@ -35,15 +35,23 @@ protected:
         } catch (const RuntimeError&) {
         }
     }
+    // What is refused has changed nothing.
+    template <typename Question>
+    static void asked(Question question) {
+        try {
+            (void)question();
+        } catch (const RuntimeError&) {
+        }
+    }
+    void askForFacts() {
+        FileFacts& facts = host.player.facts();
+        asked([&] { return facts.formatName() + facts.tagText(L"TITLE"); });
+        asked([&] { return facts.tagName(static_cast<std::int32_t>(below(3))); });
+        asked([&] { return facts.picture(); });
+    }
     // Everything that only asks.
     void ask() {
         Player& player = host.player;
-        const auto asked = [](auto question) {
-            try {
-                (void)question();
-            } catch (const RuntimeError&) {
-            }
-        };
         switch (below(12)) {
         case 0:
             asked([&] { return player.PositionMs() + player.DurationMs(); });
@@ -64,13 +72,14 @@ protected:
             asked([&] { return player.GetID3Tags(L"ogg"); });
             break;
         case 6:
-            asked([&] { return player.facts().formatName() + player.facts().tagText(L"TITLE"); });
+            if (below(8) == 0) // it reads the file
+                askForFacts();
             break;
         case 7:
-            asked([&] { return player.facts().tagName(static_cast<std::int32_t>(below(3))); });
+            asked([&] { return player.DurationMs() + player.State(); });
             break;
         case 8:
-            asked([&] { return player.facts().picture(); });
+            asked([&] { return player.Info_Channels(); });
             break;
         case 9:
             asked([&] { return player.Extensions() + player.NextFile(); });
