@@ -2,60 +2,57 @@
 
 #include "player/SourceList.h"
 #include "runtime/Text.h"
-#include "stream/cSoundSTRM.h"
+#include "sources/FormatOfFile.h"
 
 namespace corvina {
 namespace {
 
-std::wstring waveFormatName(const WAVEFORMATEX* format) {
-    switch (format ? format->wFormatTag : 0) {
-    case WAVE_FORMAT_PCM:
-        return L"WAV (PCM)";
-    case WAVE_FORMAT_ADPCM:
-        return L"WAV (Microsoft ADPCM)";
-    case WAVE_FORMAT_IMA_ADPCM:
-        return L"WAV (IMA ADPCM)";
-    case WAVE_FORMAT_ALAW:
-        return L"WAV (A-law)";
-    case WAVE_FORMAT_MULAW:
-        return L"WAV (mu-law)";
-    case WAVE_FORMAT_GSM610:
-        return L"WAV (GSM 6.10)";
-    default:
-        return L"WAV";
-    }
+struct KnownExtension {
+    const wchar_t* extension;
+    const wchar_t* name;
+};
+
+// What these hold is settled by the extension.
+constexpr KnownExtension withoutContent[] = {
+    {L"cda", L"Audio CD track"},
+    {L"vox", L"Dialogic ADPCM"},
+};
+
+// For files whose content says nothing.
+constexpr KnownExtension others[] = {
+    {L"ape", L"Monkey's Audio"},
+    {L"ogg", L"Ogg"},
+    {L"oga", L"Ogg"},
+    {L"mp3", L"MP3"},
+    {L"wma", L"Windows Media"},
+    {L"wmv", L"Windows Media"},
+    {L"wave", L"WAV"},
+    {L"bwf", L"WAV"},
+    {L"snd", L"AU"},
+    {L"aif", L"AIFF"},
+    {L"aifc", L"AIFF-C"},
+    {L"w64", L"Wave64"},
+};
+
+template <std::size_t count>
+const wchar_t* find(const KnownExtension (&list)[count], const std::wstring& extension) {
+    for (const KnownExtension& known : list)
+        if (extension == known.extension)
+            return known.name;
+    return nullptr;
 }
 
 } // namespace
 
-std::wstring formatName(const std::wstring& file, cSoundSTRM& source) {
-    static constexpr struct {
-        const wchar_t* extension;
-        const wchar_t* name;
-    } names[] = {
-        {L"ape", L"Monkey's Audio"},
-        {L"ogg", L"Ogg Vorbis"},
-        {L"mp3", L"MPEG layer 3"},
-        {L"wma", L"Windows Media Audio"},
-        {L"wmv", L"Windows Media Video"},
-        {L"au", L"Sun audio"},
-        {L"snd", L"Sun audio"},
-        {L"aif", L"AIFF"},
-        {L"aiff", L"AIFF"},
-        {L"aifc", L"AIFF-C"},
-        {L"voc", L"Creative Voice"},
-        {L"vox", L"Dialogic ADPCM"},
-        {L"cda", L"Audio CD track"},
-        {L"flac", L"FLAC"},
-        {L"opus", L"Opus"},
-    };
+std::wstring formatName(const std::wstring& file, const FileApi& files) {
     const std::wstring extension = lowerCase(fileExtension(file));
-    if (extension == L"wav" || extension == L"wave" || extension == L"bwf")
-        return waveFormatName(source.WFXPointer());
-    for (const auto& [known, name] : names)
-        if (extension == known)
-            return name;
-    return upperCase(extension);
+    if (const wchar_t* const name = find(withoutContent, extension))
+        return name;
+    std::wstring words = formatOfFile(file, files);
+    if (!words.empty())
+        return words;
+    const wchar_t* const name = find(others, extension);
+    return name ? name : upperCase(extension);
 }
 
 } // namespace corvina

@@ -2,8 +2,6 @@
 
 #include "runtime/RuntimeError.h"
 
-#include <string>
-
 namespace corvina {
 namespace {
 
@@ -13,11 +11,14 @@ constexpr std::int32_t longestInterval = 3600 * 1000;
 
 } // namespace
 
-void throwOutOfRange(const wchar_t* name, std::int32_t least, std::int32_t most) {
+void throwInvalidValue(const std::wstring& words) {
     constexpr std::int32_t invalidPropertyValue = 380;
-    throw RuntimeError(invalidPropertyValue, std::wstring(name) + L" must be from " +
-                                                 std::to_wstring(least) + L" to " +
-                                                 std::to_wstring(most));
+    throw RuntimeError(invalidPropertyValue, words);
+}
+
+void throwOutOfRange(const wchar_t* name, std::int32_t least, std::int32_t most) {
+    throwInvalidValue(std::wstring(name) + L" must be from " + std::to_wstring(least) + L" to " +
+                      std::to_wstring(most));
 }
 
 void requireRange(const wchar_t* name, std::int32_t value, std::int32_t least, std::int32_t most) {

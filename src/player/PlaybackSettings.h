@@ -6,6 +6,7 @@
 #include "player/PlaybackOptions.h"
 
 #include <cstdint>
+#include <string>
 
 namespace corvina {
 
@@ -26,7 +27,9 @@ private:
     PlaybackOptions options_;
 };
 
-// Error 380, the framework's "Invalid property value": "name must be from least to most".
+// Error 380, the framework's "Invalid property value", with words that say which values are valid.
+[[noreturn]] void throwInvalidValue(const std::wstring& words);
+// "name must be from least to most".
 [[noreturn]] void throwOutOfRange(const wchar_t* name, std::int32_t least, std::int32_t most);
 void requireRange(const wchar_t* name, std::int32_t value, std::int32_t least, std::int32_t most);
 

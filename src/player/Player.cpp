@@ -2,9 +2,7 @@
 
 #include "platform/ErrorBoxes.h"
 #include "player/ErrorText.h"
-#include "player/FormatName.h"
 #include "player/TimeText.h"
-#include "player/WaveLength.h"
 #include "runtime/FirstFailure.h"
 #include "runtime/Rounding.h"
 #include "runtime/RuntimeError.h"
@@ -46,6 +44,7 @@ void attachUnlessAttached(ISubclass& client, HWND window, std::int32_t message) 
 Player::Player(PlayerEvents& events, cCallback* observer, const PlayerPlatform& platform)
     : events_(events), observer_(observer), platform_(platform),
       next_(events, settings_.options(), platform_, observer),
+      facts_(platform_.libraries, platform_.files),
       engine_(events, next_, settings_.options(), platform_) {}
 
 Player::~Player() {
@@ -131,7 +130,8 @@ std::int32_t Player::OpenAudioFile(const std::wstring& file) {
         if (engine_.uses(source.get()))
             source = freshSource(source);
         const NoErrorBoxes quiet;
-        return source->OpenSource(file) == SourceResult::done;
+        opened_ = source->OpenSource(file) == SourceResult::done;
+        return opened_;
     };
     if (opens(source_))
         return 0;
@@ -146,6 +146,8 @@ std::int32_t Player::OpenAudioFile(const std::wstring& file) {
 // A playback keeps its source and closes it itself.
 void Player::closeCurrentSource() {
     next_.forgetHeard();
+    facts_.forget();
+    opened_ = false;
     const SourceList::Source source = std::exchange(source_, nullptr);
     if (source && !engine_.uses(source.get()))
         source->CloseSource();
@@ -209,40 +211,6 @@ std::int32_t Player::AudioDataOut() const noexcept {
     return static_cast<std::int32_t>(reinterpret_cast<std::intptr_t>(engine_.audioData()));
 }
 
-std::int32_t Player::GetID3Tags(const std::wstring& file) {
-    tags_ = {};
-    fillTagTexts(tags_, file, openedFile().Tags());
-    return 0;
-}
-
-// A next file that has begun to be heard is the opened one from then on.
-cSoundSTRM* Player::currentSource() const noexcept {
-    return next_.heardSource() ? next_.heardSource() : source_.get();
-}
-
-cSoundInf& Player::openedFile() const {
-    cSoundSTRM* const source = currentSource();
-    if (!source)
-        throwObjectNotSet();
-    return source->Info();
-}
-
-std::int32_t Player::Info_Bitrate() const {
-    return openedFile().Bitrate();
-}
-std::int32_t Player::Info_BitsPerSample() const {
-    return openedFile().BitsPerSample();
-}
-std::int16_t Player::Info_Channels() const {
-    return openedFile().Channels();
-}
-double Player::Info_Duration() const {
-    return openedFile().Duration() / 1000.0;
-}
-std::int32_t Player::Info_Samplerate() const {
-    return openedFile().SampleRate();
-}
-
 std::int32_t Player::PositionGet() const {
     cSoundSTRM* const source = currentSource();
     return source ? roundToInt32(source->Info().Position() / 1000.0) : 0;
@@ -274,38 +242,9 @@ void Player::setPositionMs(std::int32_t milliseconds) {
     engine_.jump(milliseconds);
 }
 
-std::int32_t Player::DurationMs() {
-    if (const TrackQueue::Place place = engine_.heard(); place.track)
-        return place.track->durationMs();
-    if (!source_)
-        return 0;
-    const std::optional<std::int64_t> frames = countFrames(file_, *source_);
-    const std::int32_t rate = source_->Info().SampleRate();
-    return frames && rate > 0 ? static_cast<std::int32_t>(*frames * 1000 / rate)
-                              : source_->Info().Duration();
-}
-
 std::int32_t Player::Level(std::int32_t channel) {
     requireRange(L"Channel", channel, 1, 2);
     return roundToInt32(100 * engine_.level(channel - 1));
-}
-
-std::wstring Player::FormatName() const {
-    cSoundSTRM* const source = currentSource();
-    return source ? formatName(next_.heardSource() ? next_.heardFile() : file_, *source)
-                  : std::wstring();
-}
-
-std::wstring Player::Extensions() const {
-    std::vector<std::wstring> patterns;
-    for (const auto& source : platform_.makeSources())
-        for (const std::wstring& extension : source->Extensions()) {
-            // Some files can be read by more than one source.
-            const std::wstring pattern = L"*." + extension;
-            if (std::find(patterns.begin(), patterns.end(), pattern) == patterns.end())
-                patterns.push_back(pattern);
-        }
-    return join(patterns, L";");
 }
 
 std::wstring Player::GetSecondsAsTimeString(std::int32_t seconds) const {

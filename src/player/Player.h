@@ -16,6 +16,7 @@
 
 #include "platform/LoadedCodecs.h"
 #include "player/AudioDevices.h"
+#include "player/FileFacts.h"
 #include "player/NextTrack.h"
 #include "player/PlaybackEngine.h"
 #include "player/PlaybackSettings.h"
@@ -99,8 +100,9 @@ public:
     [[nodiscard]] std::int32_t DurationMs();
     // channel: 1 (left) or 2; 0 to 100.
     [[nodiscard]] std::int32_t Level(std::int32_t channel);
-    [[nodiscard]] std::wstring FormatName() const; // empty without an opened file
     [[nodiscard]] std::wstring Extensions() const; // "*.wav;*.mp3" and so on
+    // Of the opened file, or of the next one when it is heard; of no file without one.
+    [[nodiscard]] FileFacts& facts();
 
     [[nodiscard]] std::wstring GetSecondsAsTimeString(std::int32_t seconds) const;
     [[nodiscard]] std::wstring ErrorTextOut(std::int32_t number) const;
@@ -121,10 +123,12 @@ private:
     const PlayerPlatform platform_;
     SourceList sources_;
     SourceList::Source source_; // the current one
-    std::wstring file_;         // that it has opened
+    std::wstring file_;         // that it was to open
+    bool opened_ = false;       // and has opened
     PlaybackSettings settings_;
     NextTrack next_;
     TagTexts tags_;
+    FileFacts facts_;
     std::optional<LoadedCodecs> codecs_; // from Init to DeInit: a start need not load them
     PlaybackEngine engine_;
     // Whose messages are attached, and to whom. The wave-input messages stay attached after DeInit.

@@ -5,6 +5,7 @@
 
 #include "platform/AcmApi.h"
 #include "platform/FileApi.h"
+#include "platform/LibraryApi.h"
 #include "platform/WaveApi.h"
 #include "platform/WindowApi.h"
 #include "player/MakeSources.h"
@@ -19,6 +20,7 @@ struct PlayerPlatform {
     const FileApi& files = systemFileApi;
     std::vector<std::unique_ptr<cSoundSTRM>> (*makeSources)() = &corvina::makeSources;
     PlaybackTrace trace = nullptr;
+    const LibraryApi& libraries = systemLibraryApi;
 };
 
 } // namespace corvina

@@ -41,11 +41,11 @@ void* cPlayer::findInterface(REFIID iid) noexcept {
     return found ? found : followed_.find(iid);
 }
 
-HRESULT cPlayer::getTag(TagText tag, BSTR* result) noexcept {
+HRESULT cPlayer::getTag(TagMember tag, BSTR* result) noexcept {
     return enterReturning(result, [&] { return Bstr(player_.tagTexts().*tag).detach(); });
 }
 
-HRESULT cPlayer::putTag(TagText tag, BSTR value) noexcept {
+HRESULT cPlayer::putTag(TagMember tag, BSTR value) noexcept {
     return enter([&] { player_.tagTexts().*tag = textOf(value); });
 }
 

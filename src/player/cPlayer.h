@@ -90,6 +90,10 @@ public:
     HRESULT STDMETHODCALLTYPE get_Level(long Channel, long* result) override;
     HRESULT STDMETHODCALLTYPE get_FormatName(BSTR* result) override;
     HRESULT STDMETHODCALLTYPE get_Extensions(BSTR* result) override;
+    HRESULT STDMETHODCALLTYPE get_TagText(BSTR Name, BSTR* result) override;
+    HRESULT STDMETHODCALLTYPE get_TagCount(long* result) override;
+    HRESULT STDMETHODCALLTYPE get_TagName(long Index, BSTR* result) override;
+    HRESULT STDMETHODCALLTYPE get_Picture(IPictureDisp** result) override;
 
     // ISubclass
     HRESULT STDMETHODCALLTYPE get_MsgResponse(EMsgResponse* result) override;
@@ -102,9 +106,9 @@ public:
                                       short channels) override;
 
 private:
-    using TagText = std::wstring TagTexts::*;
-    HRESULT getTag(TagText tag, BSTR* result) noexcept;
-    HRESULT putTag(TagText tag, BSTR value) noexcept;
+    using TagMember = std::wstring TagTexts::*;
+    HRESULT getTag(TagMember tag, BSTR* result) noexcept;
+    HRESULT putTag(TagMember tag, BSTR value) noexcept;
     void fireNumber(DISPID event, std::int32_t number) noexcept;
 
     // PlayerEvents

@@ -140,11 +140,28 @@ HRESULT cPlayer::get_Level(long Channel, long* result) {
 }
 
 HRESULT cPlayer::get_FormatName(BSTR* result) {
-    return enterReturning(result, [&] { return Bstr(player_.FormatName()).detach(); });
+    return enterReturning(result, [&] { return Bstr(player_.facts().formatName()).detach(); });
 }
 
 HRESULT cPlayer::get_Extensions(BSTR* result) {
     return enterReturning(result, [&] { return Bstr(player_.Extensions()).detach(); });
+}
+
+HRESULT cPlayer::get_TagText(BSTR Name, BSTR* result) {
+    return enterReturning(result,
+                          [&] { return Bstr(player_.facts().tagText(textOf(Name))).detach(); });
+}
+
+HRESULT cPlayer::get_TagCount(long* result) {
+    return enterReturning(result, [&] { return player_.facts().tagCount(); });
+}
+
+HRESULT cPlayer::get_TagName(long Index, BSTR* result) {
+    return enterReturning(result, [&] { return Bstr(player_.facts().tagName(Index)).detach(); });
+}
+
+HRESULT cPlayer::get_Picture(IPictureDisp** result) {
+    return enterReturning(result, [&] { return player_.facts().picture().detach(); });
 }
 
 void cPlayer::Err(const std::wstring& functionName, std::int32_t number,

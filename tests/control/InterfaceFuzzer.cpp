@@ -229,7 +229,7 @@ void InterfaceFuzzer::callDispatch() {
     DISPPARAMS parameters{random_.oneIn(12) ? nullptr : values.data(), names.data(),
                           static_cast<UINT>(values.size()),
                           random_.oneIn(3) ? random_.below(3) : 0};
-    const DISPID id = random_.oneIn(8) ? random_.number() : static_cast<DISPID>(random_.below(33));
+    const DISPID id = random_.oneIn(8) ? random_.number() : static_cast<DISPID>(random_.below(53));
     Variant result;
     EXCEPINFO exception{};
     UINT bad = 0;

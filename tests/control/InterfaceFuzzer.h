@@ -41,6 +41,8 @@ private:
     void callDispatch();
     void callQuickActivate();
     void callPlayer(_cPlayer& player);
+    void callNewerMember(_cPlayer& player);
+    void callNewerMember(_cAudioGraph& graph);
     void callGraph(_cAudioGraph& graph);
     void callMembers();
     void sendMessage();

@@ -5,6 +5,7 @@
 #include "graph/cAudioGraph.h"
 #include "player/cPlayer.h"
 #include "support/ExhaustedMemory.h"
+#include "support/PictureBytes.h"
 #include "support/TempFolder.h"
 #include "support/WavBytes.h"
 
@@ -124,6 +125,130 @@ TEST_F(AllocationFaults, of_the_players_members_are_survived) {
         return result;
     });
     EXPECT_GT(failures_, 40);
+}
+
+TEST_F(AllocationFaults, of_the_players_settings_are_survived) {
+    eachFails("OpenAudioFile", [&] { return player()->OpenAudioFile(file_.get(), &number_); });
+    eachFails("Volume", [&] { return player()->put_Volume(50); });
+    eachFails("Mute", [&] { return player()->put_Mute(VARIANT_TRUE); });
+    eachFails("Balance", [&] { return player()->put_Balance(-5); });
+    eachFails("EqualizerGain", [&] { return player()->put_EqualizerGain(1, 3); });
+    eachFails("Looping", [&] { return player()->put_Looping(VARIANT_FALSE); });
+    eachFails("PositionMs", [&] { return player()->put_PositionMs(0); });
+    eachFails("PositionInterval", [&] { return player()->put_PositionInterval(50); });
+    eachFails("Recover", [&] { return player()->put_Recover(VARIANT_TRUE); });
+    eachFails("CleanEnd", [&] { return player()->put_CleanEnd(VARIANT_TRUE); });
+    eachTextFails("NextFile", &_cPlayer::get_NextFile, &_cPlayer::put_NextFile);
+    eachTextFails("Device", &_cPlayer::get_Device, &_cPlayer::put_Device);
+    eachGetFails("Volume", &_cPlayer::get_Volume);
+    eachGetFails("Mute", &_cPlayer::get_Mute);
+    eachGetFails("Balance", &_cPlayer::get_Balance);
+    eachGetFails("Looping", &_cPlayer::get_Looping);
+    eachGetFails("PositionMs", &_cPlayer::get_PositionMs);
+    eachGetFails("DurationMs", &_cPlayer::get_DurationMs);
+    eachGetFails("State", &_cPlayer::get_State);
+    eachGetFails("PositionInterval", &_cPlayer::get_PositionInterval);
+    eachGetFails("Recover", &_cPlayer::get_Recover);
+    eachGetFails("CleanEnd", &_cPlayer::get_CleanEnd);
+    eachFails("EqualizerGain", [&] {
+        float gain = 0;
+        return player()->get_EqualizerGain(1, &gain);
+    });
+    eachFails("Level", [&] { return player()->get_Level(1, &number_); });
+    eachFails("Extensions", [&] {
+        Bstr value;
+        return player()->get_Extensions(value.put());
+    });
+    EXPECT_GT(failures_, 40);
+}
+
+// A value out of range has words, which need memory too.
+TEST_F(AllocationFaults, of_what_refuses_a_value_are_survived) {
+    eachFails("Volume", [&] {
+        const HRESULT result = player()->put_Volume(101);
+        return result == static_cast<HRESULT>(0x800A0000 + 380) ? S_FALSE : result;
+    });
+    eachFails("FramesPerSecond", [&] {
+        const HRESULT result = graph()->put_FramesPerSecond(-1);
+        return result == static_cast<HRESULT>(0x800A0000 + 380) ? S_FALSE : result;
+    });
+}
+
+TEST_F(AllocationFaults, of_a_start_with_every_setting_are_survived) {
+    ASSERT_EQ(S_OK, player()->put_EqualizerGain(1, 3));
+    ASSERT_EQ(S_OK, player()->put_Volume(0));
+    ASSERT_EQ(S_OK, player()->put_PositionInterval(10));
+    ASSERT_EQ(S_OK, player()->put_CleanEnd(VARIANT_TRUE));
+    eachFails("PlayStart with a NextFile", [&] {
+        (void)player()->put_NextFile(file_.get());
+        const HRESULT started = player()->PlayStart(file_.get(), -1, 0, &number_);
+        dispatchWaitingMessages();
+        (void)player()->PlayStop(&number_);
+        return started;
+    });
+    VARIANT_BOOL playing = VARIANT_TRUE;
+    EXPECT_TRUE(pumpUntil([&] { return player()->IsPlaying(&playing) == S_OK && !playing; }));
+}
+
+// Each is read anew from a file that was opened anew.
+TEST_F(AllocationFaults, of_the_tags_are_survived) {
+    const Bytes tag = id3Tag(joined({id3Text("TIT2", L"A title of more letters than fit in place"),
+                                     id3Picture(3, bmp(8, 8, 0xFF))}));
+    const Bstr file(folder_.write(L"tagged.wav", WavBytes()
+                                                     .format(pcm(44100, 2, 16))
+                                                     .chunk("data", Bytes(8000))
+                                                     .chunk("id3 ", tag)
+                                                     .bytes()));
+    const auto eachReadFails = [&](const char* member, auto get) {
+        eachFails(member, [&] {
+            const HRESULT opened = player()->OpenAudioFile(file.get(), &number_);
+            return FAILED(opened) ? opened : get();
+        });
+    };
+    eachReadFails("TagText", [&] {
+        Bstr value;
+        return player()->get_TagText(Bstr(L"TITLE").get(), value.put());
+    });
+    eachReadFails("TagCount", [&] { return player()->get_TagCount(&number_); });
+    eachReadFails("TagName", [&] {
+        Bstr value;
+        return player()->get_TagName(1, value.put());
+    });
+    eachReadFails("FormatName", [&] {
+        Bstr value;
+        return player()->get_FormatName(value.put());
+    });
+    eachReadFails("Picture", [&] {
+        ComPtr<IPictureDisp> picture;
+        return player()->get_Picture(picture.put());
+    });
+    EXPECT_EQ(S_OK, player()->get_TagCount(&number_));
+    EXPECT_EQ(1, number_);
+    ComPtr<IPictureDisp> picture;
+    EXPECT_EQ(S_OK, player()->get_Picture(picture.put()));
+    EXPECT_TRUE(picture);
+}
+
+TEST_F(AllocationFaults, of_the_graphs_styles_are_survived) {
+    eachFails("Player", [&] { return graph()->putref_Player(player()); });
+    eachFails("Player", [&] {
+        ComPtr<IDispatch> followed;
+        return graph()->get_Player(followed.put());
+    });
+    eachFails("FramesPerSecond", [&] { return graph()->put_FramesPerSecond(60); });
+    for (const LONG on : {1L, 0L}) {
+        eachFails("LevelScale",
+                  [&] { return graph()->put_LevelScale(static_cast<AudioGraphLevelScale>(on)); });
+        eachFails("FrequencyAxis", [&] {
+            return graph()->put_FrequencyAxis(static_cast<AudioGraphFrequencyAxis>(on));
+        });
+        eachFails("PeakHold",
+                  [&] { return graph()->put_PeakHold(static_cast<VARIANT_BOOL>(-on)); });
+        eachFails("ChannelWaveforms",
+                  [&] { return graph()->put_ChannelWaveforms(static_cast<VARIANT_BOOL>(-on)); });
+        eachFails("Display", [&] { return graph()->Display(); });
+    }
+    eachFails("Player", [&] { return graph()->put_Player(nullptr); });
 }
 
 TEST_F(AllocationFaults, of_init_and_deinit_are_survived) {

@@ -140,7 +140,7 @@ TEST_F(PlayerSettings, an_opened_file_has_a_format_and_a_length_in_milliseconds)
     EXPECT_EQ(510, duration);
     Bstr name;
     EXPECT_EQ(S_OK, player->get_FormatName(name.put()));
-    EXPECT_EQ(L"WAV (PCM)", textOf(name.get()));
+    EXPECT_EQ(L"WAV, 16 bits", textOf(name.get()));
     EXPECT_EQ(S_OK, player->DeInit(&number));
 }
 

@@ -88,6 +88,10 @@ TEST_F(TypeLibrary, the_player_has_its_members_in_their_published_order) {
         L"45 get Level(long Channel, -> long)",
         L"46 get FormatName(-> BSTR)",
         L"47 get Extensions(-> BSTR)",
+        L"48 get TagText(BSTR Name, -> BSTR)",
+        L"49 get TagCount(-> long)",
+        L"50 get TagName(long Index, -> BSTR)",
+        L"51 get Picture(-> IPictureDisp*)",
     };
     EXPECT_EQ(expected, functions(vtable(L"_cPlayer").get()));
 }
@@ -97,7 +101,7 @@ TEST_F(TypeLibrary, the_players_vtable_is_in_the_published_order) {
     // Seven slots of IDispatch come first, each four bytes.
     int slot = 7;
     each(table.get(), [&](const FUNCDESC& function) { EXPECT_EQ(4 * slot++, function.oVft); });
-    EXPECT_EQ(7 + 38 + 27, slot);
+    EXPECT_EQ(7 + 38 + 31, slot);
 }
 
 TEST_F(TypeLibrary, the_players_events_have_the_ids_1_to_6) {

@@ -123,7 +123,7 @@ TEST_P(ImportedFunctions, exist_on_windows_7) {
 INSTANTIATE_TEST_SUITE_P(Delivered, ImportedFunctions,
                          testing::Values(L"Corvina.ocx", L"corvina-play.exe", L"ogg.dll",
                                          L"vorbis.dll", L"vorbisfile.dll", L"libsndfile.dll",
-                                         L"MACDll.dll"));
+                                         L"MACDll.dll", L"CorvinaTags.dll"));
 
 } // namespace
 } // namespace corvina

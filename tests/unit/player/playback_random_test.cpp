@@ -35,6 +35,81 @@ protected:
         } catch (const RuntimeError&) {
         }
     }
+    // What is refused has changed nothing.
+    template <typename Question>
+    static void asked(Question question) {
+        try {
+            (void)question();
+        } catch (const RuntimeError&) {
+        }
+    }
+    void askForFacts() {
+        FileFacts& facts = host.player.facts();
+        asked([&] { return facts.formatName() + facts.tagText(L"TITLE"); });
+        asked([&] { return facts.tagName(static_cast<std::int32_t>(below(3))); });
+        asked([&] { return facts.picture(); });
+    }
+    // Everything that only asks.
+    void ask() {
+        Player& player = host.player;
+        switch (below(12)) {
+        case 0:
+            asked([&] { return player.PositionMs() + player.DurationMs(); });
+            break;
+        case 1:
+            asked([&] { return player.Level(static_cast<std::int32_t>(below(4))); });
+            break;
+        case 2:
+            asked([&] { return player.PositionGet(); });
+            break;
+        case 3:
+            asked([&] { return player.Info_Bitrate() + player.Info_BitsPerSample(); });
+            break;
+        case 4:
+            asked([&] { return player.Info_Duration() + player.Info_Samplerate(); });
+            break;
+        case 5:
+            asked([&] { return player.GetID3Tags(L"ogg"); });
+            break;
+        case 6:
+            if (below(8) == 0) // it reads the file
+                askForFacts();
+            break;
+        case 7:
+            asked([&] { return player.DurationMs() + player.State(); });
+            break;
+        case 8:
+            asked([&] { return player.Info_Channels(); });
+            break;
+        case 9:
+            asked([&] { return player.Extensions() + player.NextFile(); });
+            break;
+        case 10:
+            asked([&] {
+                AudioDevice device;
+                return player.NumOfAudioDevices(2) + player.GetDetailsDevice(0, 2, device);
+            });
+            break;
+        default:
+            asked([&] { return player.AudioDataOut() + player.IsPausedOut() + player.DonePlay(); });
+        }
+    }
+    void failOtherwise() {
+        static constexpr const char* codec[] = {"acmStreamOpen", "acmStreamConvert",
+                                                "acmStreamPrepareHeader", "acmStreamSize"};
+        static constexpr const char* window[] = {"PostMessage", "SetTimer", "KillTimer"};
+        const int nth = 1 + static_cast<int>(below(6));
+        switch (below(3)) {
+        case 0:
+            fakeAcm.faults.arm(codec[below(std::size(codec))], nth, once);
+            break;
+        case 1:
+            windowFaults.arm(window[below(std::size(window))], nth, once);
+            break;
+        default:
+            script.openResult = static_cast<std::int32_t>(below(2));
+        }
+    }
     void failOnce() {
         static constexpr const char* calls[] = {
             "waveOutOpen",  "waveOutPrepareHeader", "waveOutWrite",   "waveOutUnprepareHeader",
@@ -44,7 +119,23 @@ protected:
     }
     void change() {
         PlaybackOptions& options = host.player.settings().options();
-        switch (below(6)) {
+        switch (below(10)) {
+        case 6:
+            options.sound.mute = !options.sound.mute;
+            host.player.soundChanged();
+            break;
+        case 7:
+            host.player.settings().setBalance(static_cast<std::int32_t>(below(201)) - 100);
+            host.player.soundChanged();
+            break;
+        case 8:
+            host.player.settings().setBandGain(static_cast<std::int32_t>(1 + below(10)),
+                                               static_cast<float>(below(25)) - 12);
+            host.player.soundChanged();
+            break;
+        case 9:
+            options.device = below(2) ? L"no such device" : L"";
+            break;
         case 0:
             options.loops = !options.loops;
             break;
@@ -68,7 +159,19 @@ protected:
     }
     void act() {
         ++depth;
-        switch (below(16)) {
+        switch (below(20)) {
+        case 16:
+            ask();
+            break;
+        case 17:
+            failOtherwise();
+            break;
+        case 18:
+            host.player.PositionSet(static_cast<std::int32_t>(below(3)));
+            break;
+        case 19:
+            host.player.OpenAudioFile(below(2) ? L"missing.test" : L"missing.unknown");
+            break;
         case 0:
         case 1:
             begin();
@@ -99,7 +202,7 @@ protected:
             failOnce();
             break;
         case 9:
-            fakeWave.faults.disarm();
+            disarm();
             break;
         case 10:
             change();
@@ -120,9 +223,15 @@ protected:
         }
         --depth;
     }
+    void disarm() {
+        fakeWave.faults.disarm();
+        fakeAcm.faults.disarm();
+        windowFaults.disarm();
+        script.openResult = 0;
+    }
     // The player is left, and a device that never closed is replaced.
     void leave() {
-        fakeWave.faults.disarm();
+        disarm();
         script.onRead = nullptr;
         host.player.DeInit();
         dispatchWaitingMessages();
