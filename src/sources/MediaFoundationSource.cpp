@@ -4,6 +4,7 @@
 #include "sources/MediaFileSize.h"
 #include "sources/MediaFoundationOpening.h"
 #include "sources/MediaTime.h"
+#include "sources/Mp4Check.h"
 #include "sources/Mp4Tags.h"
 #include "stream/PcmFormat.h"
 #include "stream/SeekTarget.h"
@@ -33,6 +34,8 @@ std::int32_t MediaFoundationSource::OpenSource(const std::wstring& source) {
     forget();
     if (!library_->start())
         return noLibrary;
+    if (!mayBePlayed(source))
+        return SourceResult::notOpen;
     OpenedMedia media = openMedia(library_, source, longestOpen_);
     if (media.result != OpenedMedia::Result::opened)
         return media.result == OpenedMedia::Result::unreadable ? SourceResult::notOpen : unusable;
