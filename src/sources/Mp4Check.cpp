@@ -49,19 +49,24 @@ public:
         const std::optional<Times> times = timesOf(file_.child(movie, "mvhd"));
         if (!isTiled(movie) || !times)
             return false;
+        const bool inFragments = file_.child(movie, "mvex").size > 0;
         bool sound = false;
+        bool broken = false;
         double longest = 0;
         file_.forEach(movie, 0, [&](const Box& track) {
             if (!track.is("trak"))
                 return;
             const Box media = file_.child(track, "mdia");
+            const bool isSound = isOfKind(media, "soun");
             const std::optional<Times> own = timesOf(file_.child(media, "mdhd"));
-            if (!own)
-                return;
-            longest = std::max(longest, own->seconds());
-            sound = sound || isSound(track, media, *own, file_.child(movie, "mvex").size > 0);
+            longest = std::max(longest, own ? own->seconds() : 0);
+            // The decoder waits for the pictures too before it delivers sound.
+            broken = broken || ((isSound || isOfKind(media, "vide")) &&
+                                !(own && isWhole(track, media, *own, inFragments)));
+            sound = sound || (isSound && isKnownSound(media));
         });
-        return sound && (longest == 0 || times->seconds() <= longest + mostSecondsWithoutTrack);
+        return sound && !broken &&
+               (longest == 0 || times->seconds() <= longest + mostSecondsWithoutTrack);
     }
 
 private:
@@ -94,15 +99,16 @@ private:
         return Times{times.ticksPerSecond, times.ticks == unknown ? 0 : times.ticks};
     }
 
-    [[nodiscard]] bool isSound(const Box& track, const Box& media, const Times& times,
-                               bool inFragments) const {
+    [[nodiscard]] bool isOfKind(const Box& media, std::string_view kind) const {
         const std::vector<std::uint8_t> handler = start(file_.child(media, "hdlr"), 12);
-        constexpr std::string_view soundHandler = "soun";
+        return handler.size() == 12 && std::equal(kind.begin(), kind.end(), handler.begin() + 8);
+    }
+
+    [[nodiscard]] bool isWhole(const Box& track, const Box& media, const Times& times,
+                               bool inFragments) const {
         const Box information = file_.child(media, "minf");
         const Box tables = file_.child(information, "stbl");
-        return handler.size() == 12 &&
-               std::equal(soundHandler.begin(), soundHandler.end(), handler.begin() + 8) &&
-               isTiled(track) && isTiled(media) && isTiled(information) && isTiled(tables) &&
+        return isTiled(track) && isTiled(media) && isTiled(information) && isTiled(tables) &&
                beginsInside(file_.child(file_.child(track, "edts"), "elst"), times) &&
                holdTogether(tables, inFragments);
     }
@@ -145,7 +151,6 @@ private:
                bigEndian(&run[16], 4) <= *formats && firstSampleIsThere(tables);
     }
 
-    // How many formats there are, if the first is one of sound.
     [[nodiscard]] std::optional<std::uint64_t> formatsOf(const Box& descriptions) const {
         constexpr std::uint64_t mostFormats = 100;
         const std::vector<std::uint8_t> bytes = start(descriptions, 16);
@@ -153,13 +158,20 @@ private:
             return std::nullopt;
         const std::uint64_t count = bigEndian(&bytes[4], 4);
         const std::uint64_t size = bigEndian(&bytes[8], 4);
-        const bool known = std::any_of(
-            std::begin(soundFormats), std::end(soundFormats), [&](std::string_view name) {
-                return std::equal(name.begin(), name.end(), bytes.begin() + 12);
-            });
-        if (count < 1 || count > mostFormats || size > descriptions.size - 8 || !known)
+        if (count < 1 || count > mostFormats || size > descriptions.size - 8)
             return std::nullopt;
         return count;
+    }
+
+    // By the name of the first format.
+    [[nodiscard]] bool isKnownSound(const Box& media) const {
+        const Box tables = file_.child(file_.child(media, "minf"), "stbl");
+        const std::vector<std::uint8_t> bytes = start(file_.child(tables, "stsd"), 16);
+        return bytes.size() == 16 &&
+               std::any_of(std::begin(soundFormats), std::end(soundFormats),
+                           [&](std::string_view name) {
+                               return std::equal(name.begin(), name.end(), bytes.begin() + 12);
+                           });
     }
 
     [[nodiscard]] bool firstSampleIsThere(const Box& tables) const {
