@@ -1,4 +1,4 @@
-// How fast Ogg Vorbis, APE and AU files are opened, sought and converted, compared with bare loops
+// How fast Ogg Vorbis, APE, AU, FLAC and Opus files are opened, sought and converted, compared with bare loops
 // over the same libraries; and our build of the Vorbis library compared with the system's native
 // one.
 
@@ -6,6 +6,7 @@
 #include "sources/DecAPE.h"
 #include "sources/DecOGG.h"
 #include "sources/DecSND.h"
+#include "sources/SndfileSource.h"
 #include "stream/cPCM.h"
 #include "support/BareDecoders.h"
 #include "support/Media.h"
@@ -162,5 +163,7 @@ int main() {
     measure<DecOGG, test::BareOgg>("Ogg Vorbis", L"minute.ogg", 0.95);
     measure<DecSND, test::BareSnd>("AU", L"minute.au", 0.9);
     measure<DecAPE, test::BareApe>("APE", L"minute.ape", 0.9);
+    measure<SndfileSource, test::BareSnd>("FLAC", L"minute.flac", 0.95);
+    measure<SndfileSource, test::BareSnd>("Opus", L"minute.opus", 0.95);
     besideNative();
 }

@@ -4,11 +4,11 @@
 // than two channels are mixed down to stereo; pictures are passed over. Tags are those of an MP4
 // file's list.
 //
-// Without Media Foundation OpenSource returns 3; a file that it cannot read 1, and one without
-// sound that it can decode 12. Without an open file CloseSource returns 1, Read 5 and SeekTo 4,
-// which also is the result of a seek out of range.
+// Without Media Foundation OpenSource returns 3; a file that it cannot read, or not within 10
+// seconds, 1, and one without sound that it can decode 12. Without an open file CloseSource returns
+// 1, Read 5 and SeekTo 4, which also is the result of a seek out of range.
 
-#include "sources/MediaFoundationLibrary.h"
+#include "sources/MediaFoundationReader.h"
 #include "sources/StereoMixer.h"
 #include "stream/StrmTags.h"
 #include "stream/cSoundSTRM.h"
@@ -20,8 +20,12 @@ namespace corvina {
 
 class MediaFoundationSource final : public cSoundSTRM, public cSoundInf {
 public:
-    explicit MediaFoundationSource(const LibraryApi& libraries = systemLibraryApi)
-        : library_(libraries) {}
+    static constexpr DWORD longestOpen = 10'000; // milliseconds
+
+    explicit MediaFoundationSource(const LibraryApi& libraries = systemLibraryApi,
+                                   DWORD longestOpenMs = longestOpen)
+        : library_(std::make_shared<MediaFoundationLibrary>(libraries)),
+          longestOpen_(longestOpenMs) {}
     MediaFoundationSource(const MediaFoundationSource&) = delete;
     MediaFoundationSource& operator=(const MediaFoundationSource&) = delete;
     ~MediaFoundationSource() override { MediaFoundationSource::CloseSource(); }
@@ -48,24 +52,24 @@ public:
     std::int32_t Duration() override;
 
 private:
-    [[nodiscard]] bool prepare(const std::wstring& path);
     void forget();
-    [[nodiscard]] bool selectSound();
-    [[nodiscard]] bool readFormat();
-    [[nodiscard]] bool fetchSample();
-    [[nodiscard]] bool takeSample(IMFSample& sample, LONGLONG time);
+    void describe(const std::wstring& path);
+    [[nodiscard]] bool fetchBlock();
+    void takeBlock();
     [[nodiscard]] bool seekTime(LONGLONG time);
     [[nodiscard]] LONGLONG timeOfBytes(std::size_t bytes) const;
+    [[nodiscard]] std::size_t blockBytes() const noexcept {
+        return block_.samples.size() * sizeof block_.samples[0];
+    }
 
-    MediaFoundationLibrary library_;
-    ComPtr<IMFSourceReader> reader_;
-    WAVEFORMATEX format_{}; // of what Read delivers
-    DWORD channels_ = 0;    // of what the reader delivers
+    std::shared_ptr<MediaFoundationLibrary> library_;
+    DWORD longestOpen_;
+    std::unique_ptr<MediaFoundationReader> reader_; // null unless a file is open
+    WAVEFORMATEX format_{};                         // of what Read delivers
     StereoMixer mix_;
-    std::vector<std::uint8_t> sample_; // from offset_ on not yet delivered
-    std::size_t offset_ = 0;
-    LONGLONG sampleTime_ = 0; // of its start, in units of 100 nanoseconds
-    LONGLONG startTime_ = 0;  // of the first sample
+    MediaFoundationReader::Block block_; // mixed; from offset_ on not yet delivered
+    std::size_t offset_ = 0;             // in bytes
+    LONGLONG startTime_ = 0;             // of the first block
     LONGLONG duration_ = 0;
     std::int32_t bitrate_ = 0;
     bool ended_ = false;

@@ -4,6 +4,9 @@
 //
 // A block costs 64 KB of address space, so such a program should hold few blocks at a time.
 
+#include "support/GuardedNew.h"
+
+#include <atomic>
 #include <cstdint>
 #include <cstdlib>
 #include <windows.h>
@@ -11,6 +14,8 @@
 namespace {
 
 constexpr std::size_t page = 4096;
+
+std::atomic<std::size_t> largestBlock = 0;
 
 std::size_t pagesFor(std::size_t bytes) {
     return (bytes + page - 1) / page * page;
@@ -20,6 +25,8 @@ std::size_t pagesFor(std::size_t bytes) {
 // and no byte is left between the block and the guard.
 void* allocate(std::size_t bytes) {
     bytes = bytes == 0 ? 1 : bytes;
+    if (bytes > largestBlock)
+        largestBlock = bytes;
     if (bytes > SIZE_MAX - 3 * page)
         return nullptr;
     const std::size_t usable = pagesFor(bytes);
@@ -55,5 +62,9 @@ void release(void* block) noexcept {
 }
 
 } // namespace
+
+std::size_t corvina::test::takeLargestBlock() noexcept {
+    return largestBlock.exchange(0);
+}
 
 #include "support/ReplacedNew.h"

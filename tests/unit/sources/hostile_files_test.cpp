@@ -42,7 +42,12 @@ Format format(const wchar_t* clip) {
 constexpr const wchar_t* wavClips[] = {
     L"clip.wav",      L"clip-ms-adpcm.wav", L"clip-ima-adpcm.wav", L"clip-mulaw.wav",
     L"clip-alaw.wav", L"clip-gsm.wav",      L"clip-float.wav",     L"clip-24bit.wav",
-    L"clip-six.wav",  L"clip-rf64.wav"};
+    L"clip-six.wav",  L"clip-rf64.wav",     L"clip-32bit.wav",     L"clip-double.wav",
+    L"clip-piped.wav"};
+constexpr const wchar_t* sndfileClips[] = {
+    L"clip.flac",    L"clip-tagged.flac", L"clip.opus", L"clip-tagged.opus",
+    L"clip.oga",     L"clip.caf",         L"clip.w64",  L"clip.rf64",
+    L"clip-six.oga", L"clip.mp2",         L"clip.mp3"};
 
 // Reads up to 2 MB; a damaged header may promise any length.
 void readSome(cSoundSTRM& source, Bytes& buffer) {
@@ -167,26 +172,25 @@ TEST_P(HostileFiles, random_damage) {
 }
 
 std::vector<Format> formats() {
-    std::vector<Format> all{format<DecOGG>(L"clip.ogg"),     format<DecAPE>(L"clip.ape"),
-                            format<DecSND>(L"clip.au"),      format<DecSND>(L"clip.aiff"),
-                            format<DecSND>(L"clip.voc"),     format<DecSND>(L"clip.vox"),
-                            format<DecSND>(L"clip-float.au")};
-    for (const wchar_t* clip :
-         {L"clip.flac", L"clip.opus", L"clip.oga", L"clip.caf", L"clip.w64", L"clip.mp2"})
+    std::vector<Format> all{format<DecOGG>(L"clip.ogg"),      format<DecAPE>(L"clip.ape"),
+                            format<DecSND>(L"clip.au"),       format<DecSND>(L"clip.aiff"),
+                            format<DecSND>(L"clip.voc"),      format<DecSND>(L"clip.vox"),
+                            format<DecSND>(L"clip-float.au"), format<DecSND>(L"clip.aifc")};
+    for (const wchar_t* clip : sndfileClips)
         all.push_back(format<SndfileSource>(clip));
     for (const wchar_t* clip : wavClips)
         all.push_back(format<DecWAV>(clip));
     return all;
 }
 
-INSTANTIATE_TEST_SUITE_P(Formats, HostileFiles, testing::ValuesIn(formats()),
-                         [](const testing::TestParamInfo<Format>& tested) {
-                             std::string letters;
-                             for (const wchar_t character : std::wstring(tested.param.clip))
-                                 letters +=
-                                     std::isalnum(character) ? static_cast<char>(character) : '_';
-                             return letters;
-                         });
+std::string lettersOf(const testing::TestParamInfo<Format>& tested) {
+    std::string letters;
+    for (const wchar_t character : std::wstring(tested.param.clip))
+        letters += std::isalnum(character) ? static_cast<char>(character) : '_';
+    return letters;
+}
+
+INSTANTIATE_TEST_SUITE_P(Formats, HostileFiles, testing::ValuesIn(formats()), lettersOf);
 
 // Ogg pages carry a checksum, which hides most damage from the decoder; with it mended the damage
 // reaches the packets.
@@ -228,7 +232,12 @@ TEST_P(HostilePackets, random_damage_behind_good_checksums) {
     });
 }
 
-INSTANTIATE_TEST_SUITE_P(Formats, HostilePackets, testing::Values(format<DecOGG>(L"clip.ogg")));
+INSTANTIATE_TEST_SUITE_P(Formats, HostilePackets,
+                         testing::Values(format<DecOGG>(L"clip.ogg"),
+                                         format<SndfileSource>(L"clip.oga"),
+                                         format<SndfileSource>(L"clip-six.oga"),
+                                         format<SndfileSource>(L"clip-tagged.opus")),
+                         lettersOf);
 
 } // namespace
 } // namespace corvina::test
