@@ -135,7 +135,7 @@ bool MediaFoundationSource::readFormat() {
         mask = 0;
     channels_ = channels;
     format_ = pcmFormat(rate, static_cast<WORD>(std::min<UINT32>(channels, 2)), wantedBits);
-    mix_ = StereoMixer(speakersOf(channels, mask));
+    mix_ = StereoMixer(speakersOf(static_cast<std::int32_t>(channels), mask));
     return true;
 }
 
