@@ -26,7 +26,10 @@ set(headers "-isystem /usr/i686-w64-mingw32/include")
 set(CMAKE_C_FLAGS_INIT "${flags} ${headers}")
 set(CMAKE_CXX_FLAGS_INIT "${flags} -isystem ${gcc}/include/c++ -isystem ${gcc}/include/c++/i686-w64-mingw32 ${headers}")
 
-# The whole thread library: clang names the libraries that need it only after all others.
-set(corvina_link_flags "-static -L${gcc} -Wl,--whole-archive -lpthread -Wl,--no-whole-archive")
+# GCC's own start files (-B), which announce where the exception tables are: clang would take those of
+# mingw-w64, and the first throw would end the program. LLVM's linker (package lld) knows the sections that
+# both compilers write, and does not mind that the thread library is named before those that need it.
+string(CONCAT corvina_link_flags "-static -fuse-ld=lld -B${gcc} -L${gcc} -lpthread"
+  " -Wno-unused-command-line-argument")
 set(CMAKE_EXE_LINKER_FLAGS_INIT "${corvina_link_flags}")
 set(CMAKE_SHARED_LINKER_FLAGS_INIT "${corvina_link_flags}")

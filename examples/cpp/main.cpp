@@ -51,12 +51,14 @@ int play(_cPlayer& player, const wchar_t* file) {
         outcome = player.PlayStart(name, waveMapper, bufferSize, &result);
         SysFreeString(name);
     }
-    if (FAILED(outcome))
+    if (FAILED(outcome)) {
         showError();
-    else if (result != 0)
+    } else if (result != 0) {
         std::printf("could not be played, result %ld\n", result);
-    else
+    } else {
         handleMessagesUntilDone(player);
+        std::puts("done");
+    }
     long ignored = 0;
     player.DeInit(&ignored);
     return SUCCEEDED(outcome) && result == 0 ? 0 : failed;

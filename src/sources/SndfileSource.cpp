@@ -171,7 +171,7 @@ std::vector<DWORD> SndfileSource::speakers() {
     std::vector<std::int32_t> map(channels);
     if (library_.command(file_, getChannelMap, map.data(),
                          static_cast<std::int32_t>(channels * sizeof map[0])) == 0)
-        return speakersOf(channels);
+        return speakersOf(static_cast<std::int32_t>(channels));
     std::vector<DWORD> result;
     for (const std::int32_t number : map) {
         const bool known = number >= 0 && static_cast<std::size_t>(number) < std::size(mapSpeakers);

@@ -113,7 +113,7 @@ inline MMRESULT WINAPI acmStreamClose(HACMSTREAM, DWORD) {
 inline MMRESULT WINAPI acmDriverEnum(ACMDRIVERENUMCB callback, DWORD_PTR instance, DWORD) {
     if (fakeAcm.faults.strikes("acmDriverEnum"))
         return MMSYSERR_NODRIVER;
-    for (const std::uintptr_t codec : {1, 2})
+    for (const std::uintptr_t codec : {1u, 2u})
         if (!callback(reinterpret_cast<HACMDRIVERID>(codec), instance, 0))
             break;
     return 0;
