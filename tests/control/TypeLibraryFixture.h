@@ -10,7 +10,20 @@
 
 namespace corvina::test {
 
-using Lines = std::vector<std::wstring>;
+// The published spellings are ASCII. A comparison that fails shows the lines that differ: the test
+// framework makes a list of them from texts whose line ends are written as \n.
+struct Lines : std::vector<std::wstring> {
+    using vector::vector;
+
+    friend void PrintTo(const Lines& lines, std::ostream* stream) {
+        const char* separator = "\"";
+        for (const std::wstring& line : lines) {
+            *stream << separator << std::string(line.begin(), line.end());
+            separator = "\\n";
+        }
+        *stream << '"';
+    }
+};
 
 inline std::wstring nameOf(ITypeInfo* info, MEMBERID member = MEMBERID_NIL) {
     Bstr name;

@@ -1,102 +1,13 @@
-// What the registered player's members return: before, during and after a playback, and for files
-// of each kind.
+// What the registered player's members return for files of each kind and for any number.
 
-#include "Support.h"
-#include "support/TempFolder.h"
-#include "support/WavBytes.h"
+#include "PlayerMembersFixture.h"
 
-#include <string>
 #include <utility>
-#include <vector>
 
 using namespace corvina;
 using namespace corvina::test;
 
 namespace {
-
-class PlayerMembers : public ApartmentTest {
-protected:
-    using Text = HRESULT (STDMETHODCALLTYPE _cPlayer::*)(BSTR*);
-
-    void SetUp() override {
-        ApartmentTest::SetUp();
-        player_ = create<_cPlayer>(CLSID_cPlayer);
-        ASSERT_TRUE(player_);
-        ASSERT_EQ(S_OK, player_->Init(&result_));
-    }
-    void TearDown() override {
-        player_.reset();
-        ApartmentTest::TearDown();
-    }
-
-    // The result of a member without arguments.
-    template <typename Value>
-    Value of(HRESULT (STDMETHODCALLTYPE _cPlayer::*member)(Value*)) {
-        Value value{};
-        EXPECT_EQ(S_OK, (player_.get()->*member)(&value));
-        return value;
-    }
-    bool truthOf(HRESULT (STDMETHODCALLTYPE _cPlayer::*member)(VARIANT_BOOL*)) {
-        const VARIANT_BOOL value = of<VARIANT_BOOL>(member);
-        EXPECT_TRUE(value == VARIANT_TRUE || value == VARIANT_FALSE);
-        return value == VARIANT_TRUE;
-    }
-    std::wstring text(Text member) {
-        Bstr value;
-        EXPECT_EQ(S_OK, (player_.get()->*member)(value.put()));
-        return textOf(value.get());
-    }
-    std::vector<std::wstring> tags() {
-        return {text(&_cPlayer::get_Tag_Title),      text(&_cPlayer::get_Tag_Artist),
-                text(&_cPlayer::get_Tag_Album),      text(&_cPlayer::get_Tag_SongYear),
-                text(&_cPlayer::get_Tag_Genre),      text(&_cPlayer::get_Tag_Comment),
-                text(&_cPlayer::get_Tag_TrackNumber)};
-    }
-    std::wstring errorText(long number) {
-        Bstr value;
-        EXPECT_EQ(S_OK, player_->ErrorTextOut(number, value.put()));
-        return textOf(value.get());
-    }
-
-    long open(const std::wstring& file) {
-        EXPECT_EQ(S_OK, player_->OpenAudioFile(Bstr(file).get(), &result_));
-        return result_;
-    }
-    long readTags(const std::wstring& file) {
-        EXPECT_EQ(S_OK, player_->GetID3Tags(Bstr(file).get(), &result_));
-        return result_;
-    }
-    long start(const std::wstring& file) {
-        EXPECT_EQ(S_OK, player_->PlayStart(Bstr(file).get(), -1, 0, &result_));
-        return result_;
-    }
-    long seek(long seconds) {
-        EXPECT_EQ(S_OK, player_->PositionSet(seconds, &result_));
-        return result_;
-    }
-    bool playsOut() {
-        return pumpUntil([&] { return !truthOf(&_cPlayer::IsPlaying); });
-    }
-    std::wstring tone(std::size_t bytes) {
-        return folder_.write(L"tone.wav", plainWav(pcm(44100, 2, 16), noise(bytes)));
-    }
-    // The tests run beside the media.
-    static std::wstring media(const wchar_t* name) {
-        wchar_t whole[MAX_PATH];
-        ::GetFullPathNameW((std::wstring(L"..\\..\\media\\") + name).c_str(), MAX_PATH, whole,
-                           nullptr);
-        return whole;
-    }
-
-    // Neither queued for long nor gone at once: three of the eight buffers.
-    static constexpr std::size_t shortSound = 3 * 8000;
-
-    TempFolder folder_;
-    ComPtr<_cPlayer> player_;
-    long result_ = -1;
-};
-
-// ----- the opened file
 
 TEST_F(PlayerMembers, the_information_is_the_opened_files) {
     struct Shape {
@@ -177,8 +88,6 @@ TEST_F(PlayerMembers, files_with_names_of_128_to_259_characters_are_opened) {
     }
 }
 
-// ----- texts and numbers
-
 TEST_F(PlayerMembers, the_controls_own_error_numbers_have_texts_and_others_none) {
     EXPECT_EQ(L"Control already playing, use the PlayStop function to stop playing.",
               errorText(-201));
@@ -196,67 +105,6 @@ TEST_F(PlayerMembers, devices_are_counted_as_the_system_does) {
     EXPECT_EQ(static_cast<long>(::waveOutGetNumDevs()), count(AUDIOOUT));
     EXPECT_EQ(static_cast<long>(::waveInGetNumDevs()), count(AUDIOIN));
     EXPECT_EQ(static_cast<long>(::waveOutGetNumDevs()), count(7)) << "any other direction";
-}
-
-// ----- states
-
-TEST_F(PlayerMembers, DonePlay_is_true_but_from_the_start_to_the_end_of_a_playback) {
-    EXPECT_TRUE(truthOf(&_cPlayer::DonePlay));
-    ASSERT_EQ(0, start(tone(shortSound)));
-    EXPECT_FALSE(truthOf(&_cPlayer::DonePlay));
-    dispatchWaitingMessages();
-    EXPECT_FALSE(truthOf(&_cPlayer::DonePlay));
-    ASSERT_TRUE(playsOut());
-    EXPECT_TRUE(truthOf(&_cPlayer::DonePlay));
-}
-
-// All of the sound is queued, and the source at its end.
-TEST_F(PlayerMembers, while_the_last_buffers_play_the_control_still_plays) {
-    const std::wstring file = tone(shortSound);
-    ASSERT_EQ(0, start(file));
-    EXPECT_EQ(0, of<long>(&_cPlayer::PlayPause));
-    dispatchWaitingMessages();
-    EXPECT_TRUE(truthOf(&_cPlayer::IsPlaying));
-    EXPECT_TRUE(truthOf(&_cPlayer::IsPausedOut));
-    EXPECT_FALSE(truthOf(&_cPlayer::DonePlay));
-    EXPECT_NE(0, of<long>(&_cPlayer::get_AudioDataOut));
-    EXPECT_EQ(-201, start(file));
-    EXPECT_EQ(0, seek(0));
-    EXPECT_EQ(44100, of<long>(&_cPlayer::get_Info_Samplerate));
-    EXPECT_EQ(0, of<long>(&_cPlayer::PlayUnPause));
-    EXPECT_FALSE(truthOf(&_cPlayer::IsPausedOut));
-    EXPECT_TRUE(playsOut());
-}
-
-TEST_F(PlayerMembers, a_start_while_paused_is_refused_and_leaves_the_pause) {
-    const std::wstring file = tone(40 * 8000);
-    ASSERT_EQ(0, start(file));
-    dispatchWaitingMessages();
-    EXPECT_EQ(0, of<long>(&_cPlayer::PlayPause));
-    EXPECT_EQ(-201, start(file));
-    EXPECT_EQ(-201, start(L"none.wav")) << "before the file is looked for";
-    EXPECT_TRUE(truthOf(&_cPlayer::IsPausedOut));
-    EXPECT_TRUE(truthOf(&_cPlayer::IsPlaying));
-    EXPECT_EQ(0, of<long>(&_cPlayer::PlayStop));
-    EXPECT_TRUE(playsOut());
-}
-
-TEST_F(PlayerMembers, after_the_end_the_device_is_closed_and_the_control_says_so) {
-    const std::wstring file = tone(shortSound);
-    ASSERT_EQ(0, start(file));
-    ASSERT_TRUE(playsOut());
-    dispatchWaitingMessages();
-    EXPECT_EQ(MMSYSERR_INVALHANDLE, static_cast<MMRESULT>(of<long>(&_cPlayer::PlayPause)));
-    EXPECT_EQ(MMSYSERR_INVALHANDLE, static_cast<MMRESULT>(of<long>(&_cPlayer::PlayUnPause)));
-    EXPECT_FALSE(truthOf(&_cPlayer::IsPausedOut));
-    EXPECT_EQ(0, of<long>(&_cPlayer::PlayStop));
-    EXPECT_EQ(0, seek(0));
-    EXPECT_EQ(0, seek(1000)) << "out of range is not reported";
-    EXPECT_FALSE(truthOf(&_cPlayer::IsPlaying));
-    EXPECT_TRUE(truthOf(&_cPlayer::DonePlay));
-    EXPECT_NE(0, of<long>(&_cPlayer::get_AudioDataOut)) << "the last block stays";
-    EXPECT_EQ(0, start(file));
-    EXPECT_TRUE(playsOut());
 }
 
 } // namespace
