@@ -18,9 +18,10 @@ constexpr int mostChunksBefore = 65536;
 class WaveFile {
 public:
     WaveFile(const MmioApi& api, std::string& path) noexcept
-        : api_(api), handle_(path.size() < longestName
-                                 ? MmioHandle(api, api.open(path.data(), nullptr, MMIO_READ))
-                                 : openLong(api, path)) {}
+        : api_(api), handle_(api, api.open(path.data(), nullptr, MMIO_READ)) {
+        if (!handle_ && path.size() >= longestName)
+            handle_ = openLong(api, path);
+    }
 
     explicit operator bool() const noexcept { return static_cast<bool>(handle_); }
 
@@ -33,8 +34,8 @@ public:
     [[nodiscard]] LONG position() const { return api_.seek(handle_.get(), 0, SEEK_CUR); }
 
 private:
-    // What the platform takes, with the 0 at its end: with a longer name it opens nothing. It takes
-    // an open file instead, which it then closes itself.
+    // What the platform promises to take, with the 0 at its end. A longer name it may refuse, but
+    // it takes an open file instead, which it then closes itself.
     static constexpr std::size_t longestName = 128;
 
     [[nodiscard]] static MmioHandle openLong(const MmioApi& api, const std::string& path) noexcept {
