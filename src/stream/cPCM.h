@@ -6,9 +6,8 @@
 //
 // Call InitConversion once the source is open, GetSamples repeatedly, ResetACM after each seek of
 // the source, CloseConverter at the end (the destructor does it too). One thread. The source and
-// the observer must outlive the converter or be replaced by another InitConversion. The observer is
-// not counted: a control that observes its own converter would otherwise never be released. A
-// run-time error raised by the source passes through.
+// the observer must outlive the converter or be replaced by another InitConversion. No reference to
+// the observer is held: it may own the converter. A run-time error of the source passes through.
 
 #include "platform/AcmApi.h"
 #include "stream/Conversion.h"
@@ -48,9 +47,8 @@ public:
     // False if the source's format cannot be converted. The observer, if any, is called with each
     // converted block of 16-bit samples.
     bool InitConversion(cSoundSTRM& source, cCallback* observer, bool force16Bit);
-    // For a device that takes two channels at most: from now on two come out, mixed by the
-    // channels' places. Before the first GetSamples. False for fewer channels and for compressed
-    // sound.
+    // For a device of two channels at most: from now on two come out, mixed by their places.
+    // Before the first GetSamples. False for fewer channels and for compressed sound.
     [[nodiscard]] bool mixToStereo();
     bool InitConversion2(cSoundSTRM& source, cCallback* observer, bool force16Bit); // the same
 
