@@ -124,6 +124,30 @@ TEST(LinearConversion, what_is_too_loud_becomes_the_loudest_and_what_is_no_numbe
                 Each(testing::Ge(32765)));
 }
 
+// Four at a time where there are so many, the rest one by one.
+TEST(LinearConversion, many_samples_come_out_as_single_ones_do) {
+    constexpr float none = std::numeric_limits<float>::quiet_NaN();
+    for (const std::size_t count : {1u, 3u, 4u, 5u, 511u, 512u, 513u, 2050u}) {
+        EXPECT_THAT(converted(floating(1, 32), bytesOf(std::vector<float>(count, none))), Each(0));
+        EXPECT_THAT(converted(floating(1, 32), bytesOf(std::vector<float>(count, -1.5F))),
+                    Each(-32768));
+        EXPECT_THAT(converted(floating(1, 32), bytesOf(std::vector<float>(count, 1.0F))),
+                    Each(32767));
+        std::vector<std::int32_t> exact(count);
+        Samples expected(count);
+        Bytes narrow;
+        for (std::size_t index = 0; index < count; ++index) {
+            expected[index] = static_cast<std::int16_t>(index * 7919);
+            exact[index] = std::int32_t{expected[index]} * 65536;
+            const auto upper = static_cast<std::uint16_t>(expected[index]);
+            narrow.insert(narrow.end(), {0, static_cast<std::uint8_t>(upper & 0xFF),
+                                         static_cast<std::uint8_t>(upper >> 8)});
+        }
+        EXPECT_EQ(converted(plain(1, 32), bytesOf(exact)), expected) << count;
+        EXPECT_EQ(converted(plain(1, 24), narrow), expected) << count;
+    }
+}
+
 // The mean of many roundings is the sample itself, and the error reaches one and a half steps and
 // no further, as triangular noise has it.
 TEST(LinearConversion, what_lies_between_two_steps_is_rounded_with_triangular_noise) {
