@@ -144,18 +144,30 @@ FileFormat PlayerClient::format() {
             call(player_, &_cPlayer::get_Info_Duration)};
 }
 
+// What the decoder knows stands in where the tags of all formats are not to be had.
 std::vector<FileTag> PlayerClient::tags(const std::wstring& file) {
-    static constexpr std::pair<const wchar_t*, Member<BSTR*>> members[] = {
-        {L"Title", &_cPlayer::get_Tag_Title},     {L"Artist", &_cPlayer::get_Tag_Artist},
-        {L"Album", &_cPlayer::get_Tag_Album},     {L"Track", &_cPlayer::get_Tag_TrackNumber},
-        {L"Year", &_cPlayer::get_Tag_SongYear},   {L"Genre", &_cPlayer::get_Tag_Genre},
-        {L"Comment", &_cPlayer::get_Tag_Comment},
+    static constexpr struct {
+        const wchar_t* label;
+        const wchar_t* tag;
+        Member<BSTR*> otherwise;
+    } members[] = {
+        {L"Title", L"TITLE", &_cPlayer::get_Tag_Title},
+        {L"Artist", L"ARTIST", &_cPlayer::get_Tag_Artist},
+        {L"Album", L"ALBUM", &_cPlayer::get_Tag_Album},
+        {L"Track", L"TRACKNUMBER", &_cPlayer::get_Tag_TrackNumber},
+        {L"Year", L"DATE", &_cPlayer::get_Tag_SongYear},
+        {L"Genre", L"GENRE", &_cPlayer::get_Tag_Genre},
+        {L"Comment", L"COMMENT", &_cPlayer::get_Tag_Comment},
     };
     call(player_, &_cPlayer::GetID3Tags, TextArgument(file));
     std::vector<FileTag> result;
-    for (const auto& [name, member] : members)
-        if (std::wstring value = takeText(call(player_, member)); !value.empty())
-            result.push_back({name, std::move(value)});
+    for (const auto& [label, tag, otherwise] : members) {
+        std::wstring value = takeText(call(player_, &_cPlayer::get_TagText, TextArgument(tag)));
+        if (value.empty())
+            value = takeText(call(player_, otherwise));
+        if (!value.empty())
+            result.push_back({label, std::move(value)});
+    }
     return result;
 }
 
