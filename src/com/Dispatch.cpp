@@ -8,12 +8,17 @@
 namespace corvina {
 namespace {
 
+// An object of any interface, or a pointer to a named one.
+bool isObject(const TYPEDESC& type) noexcept {
+    return type.vt == VT_DISPATCH || (type.vt == VT_PTR && type.lptdesc->vt == VT_USERDEFINED);
+}
+
 bool returnsObject(const FUNCDESC& function) noexcept {
     if (function.cParams == 0)
-        return function.elemdescFunc.tdesc.vt == VT_DISPATCH;
+        return isObject(function.elemdescFunc.tdesc);
     const ELEMDESC& result = function.lprgelemdescParam[0];
     return function.cParams == 1 && (result.paramdesc.wParamFlags & PARAMFLAG_FRETVAL) != 0 &&
-           result.tdesc.vt == VT_PTR && result.tdesc.lptdesc->vt == VT_DISPATCH;
+           result.tdesc.vt == VT_PTR && isObject(*result.tdesc.lptdesc);
 }
 
 // Whether the member is a property without arguments that holds an object.
@@ -78,8 +83,8 @@ HRESULT DispatchInfo::invoke(IUnknown* object, DISPID id, REFIID reserved, WORD 
 
     const ComPtr<IUnknown> alive(object);
     const ComPtr<ITypeInfo> info(info_);
-    // The arguments would go to the default member of the object. No object here has one, and some
-    // platforms ask for it without an object as well.
+    // The arguments would go to the default member of the object. No object here has one that takes
+    // any, and some platforms ask for it without an object as well.
     if ((flags & DISPATCH_PROPERTYGET) != 0 && arguments->cArgs > 0 &&
         isObjectProperty(*info.get(), id))
         return DISP_E_BADPARAMCOUNT;

@@ -121,6 +121,7 @@ TEST_F(PlayerTags, of_the_opened_file_are_read_by_a_late_bound_host) {
     EXPECT_EQ(S_OK, get(L"Picture"));
     ASSERT_EQ(VT_DISPATCH, V_VT(&result));
     EXPECT_EQ(nullptr, V_DISPATCH(&result)) << "Nothing";
+    EXPECT_EQ(DISP_E_BADPARAMCOUNT, get(L"Picture", {Variant(1)})) << "it has no default member";
     for (const wchar_t* name : {L"TagText", L"TagCount", L"TagName", L"Picture"})
         EXPECT_TRUE(FAILED(callByName(player.get(), name, DISPATCH_PROPERTYPUT, {Variant(1)})))
             << "it is read-only";
