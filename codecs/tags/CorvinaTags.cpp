@@ -49,10 +49,13 @@ std::wstring joined(const TagLib::StringList& values) {
     return all.substr(0, longestText);
 }
 
-// The comment of a Windows Media file has a place of its own in the header, but some programs write
-// it among the other values.
+// The comment goes by several names: programs call it DESCRIPTION in Ogg and FLAC, and in a Windows
+// Media file it has a place of its own in the header or stands among the other values.
 TagLib::PropertyMap propertiesOf(TagLib::File& file) {
     TagLib::PropertyMap properties = file.properties();
+    const TagLib::String comment = file.tag() ? file.tag()->comment() : TagLib::String();
+    if (!properties.contains("COMMENT") && !comment.isEmpty())
+        properties["COMMENT"].append(comment);
     const auto* const asf = dynamic_cast<TagLib::ASF::Tag*>(file.tag());
     if (asf && !properties.contains("COMMENT"))
         for (const TagLib::ASF::Attribute& value : asf->attribute("Description"))

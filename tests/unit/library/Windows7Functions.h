@@ -28,44 +28,46 @@ gdiplus.dll:
     GdipAlloc GdipCloneImage GdipCreateBitmapFromHBITMAP GdipDisposeImage GdipFree
     GdipSaveImageToFile GdiplusShutdown GdiplusStartup
 kernel32.dll:
-    AcquireSRWLockExclusive AddVectoredExceptionHandler CloseHandle CompareStringOrdinal CreateEventA CreateEventW
-    CreateFileA CreateFileMappingW CreateFileW CreateHardLinkW CreateSemaphoreA
-    DeleteCriticalSection DeleteFileW DeviceIoControl DuplicateHandle EnterCriticalSection
-    FileTimeToSystemTime FindClose FindFirstFileA FindFirstFileW FindFirstVolumeW FindNextFileA
-    FindNextFileW FindNextVolumeW FindVolumeClose FlushFileBuffers FlushInstructionCache
-    FormatMessageA FreeConsole FreeLibrary GetACP GetCommandLineW GetConsoleMode
-    GetConsoleProcessList GetConsoleScreenBufferInfo GetConsoleWindow GetCurrentDirectoryW GetCurrentProcess
+    AcquireSRWLockExclusive AddVectoredExceptionHandler CloseHandle CompareStringOrdinal
+    CreateEventA CreateEventW CreateFileA CreateFileMappingW CreateFileW CreateHardLinkW
+    CreateSemaphoreA CreateThread DeleteCriticalSection DeleteFileW DeviceIoControl
+    DuplicateHandle EnterCriticalSection FileTimeToSystemTime FindClose FindFirstFileA
+    FindFirstFileW FindFirstVolumeW FindNextFileA FindNextFileW FindNextVolumeW FindVolumeClose
+    FlushFileBuffers FlushInstructionCache FormatMessageA FreeConsole FreeLibrary
+    FreeLibraryAndExitThread GetACP GetCommandLineW GetConsoleMode GetConsoleProcessList
+    GetConsoleScreenBufferInfo GetConsoleWindow GetCurrentDirectoryW GetCurrentProcess
     GetCurrentProcessId GetCurrentThread GetCurrentThreadId GetDiskFreeSpaceExW GetDriveTypeA
-    GetDriveTypeW GetFileAttributesExW GetFileAttributesW GetFileInformationByHandle GetFileSize
-    GetFileSizeEx GetFileType GetFullPathNameA GetFullPathNameW GetHandleInformation
-    GetLastError GetLogicalDrives GetModuleFileNameW GetModuleHandleA GetModuleHandleExW
-    GetModuleHandleW GetNumberOfConsoleInputEvents GetProcAddress GetProcessAffinityMask
-    GetProcessTimes GetStartupInfoA GetStdHandle GetSystemTimeAdjustment GetSystemTimeAsFileTime
-    GetTempPathW GetThreadContext GetThreadErrorMode GetThreadPriority GetThreadTimes
-    GetTickCount64 GetTimeZoneInformation GetVersionExA GetVolumeInformationW GlobalAlloc
-    GlobalFree GlobalLock GlobalUnlock InitializeCriticalSection IsBadWritePtr IsDBCSLeadByteEx
-    IsDebuggerPresent LeaveCriticalSection LoadLibraryA LoadLibraryExW LoadLibraryW LocalAlloc
-    LocalFree MapViewOfFile MoveFileExA MoveFileExW MulDiv MultiByteToWideChar OpenProcess
-    OutputDebugStringA QueryPerformanceCounter QueryPerformanceFrequency RaiseException
-    ReadConsoleInputW ReadFile ReleaseSRWLockExclusive ReleaseSemaphore RemoveDirectoryW
-    RemoveVectoredExceptionHandler ResetEvent ResumeThread RtlUnwind SetConsoleCtrlHandler
-    SetConsoleMode SetConsoleTextAttribute SetDllDirectoryW SetEndOfFile SetErrorMode SetEvent SetFilePointer
-    SetFilePointerEx SetLastError SetProcessAffinityMask SetSystemTime SetThreadContext
-    SetThreadErrorMode SetThreadPriority SetUnhandledExceptionFilter Sleep SuspendThread
-    TlsAlloc TlsFree TlsGetValue TlsSetValue TryEnterCriticalSection UnmapViewOfFile
-    VirtualProtect VirtualQuery WaitForMultipleObjects WaitForSingleObject WideCharToMultiByte
-    WriteConsoleW WriteFile
+    GetDriveTypeW GetFileAttributesExW GetFileAttributesW GetFileInformationByHandle
+    GetFileSize GetFileSizeEx GetFileType GetFullPathNameA GetFullPathNameW
+    GetHandleInformation GetLastError GetLogicalDrives GetModuleFileNameW GetModuleHandleA
+    GetModuleHandleExW GetModuleHandleW GetNumberOfConsoleInputEvents GetProcAddress
+    GetProcessAffinityMask GetProcessTimes GetStartupInfoA GetStdHandle GetSystemTimeAdjustment
+    GetSystemTimeAsFileTime GetTempPathW GetThreadContext GetThreadErrorMode GetThreadPriority
+    GetThreadTimes GetTickCount64 GetTimeZoneInformation GetVersionExA GetVolumeInformationW
+    GlobalAlloc GlobalFree GlobalLock GlobalUnlock InitializeCriticalSection IsBadWritePtr
+    IsDBCSLeadByteEx IsDebuggerPresent LeaveCriticalSection LoadLibraryA LoadLibraryExW
+    LoadLibraryW LocalAlloc LocalFree MapViewOfFile MoveFileExA MoveFileExW MulDiv
+    MultiByteToWideChar OpenProcess OutputDebugStringA QueryPerformanceCounter
+    QueryPerformanceFrequency RaiseException ReadConsoleInputW ReadFile ReleaseSemaphore
+    ReleaseSRWLockExclusive RemoveDirectoryW RemoveVectoredExceptionHandler ResetEvent
+    ResumeThread RtlUnwind SetConsoleCtrlHandler SetConsoleMode SetConsoleTextAttribute
+    SetDllDirectoryW SetEndOfFile SetErrorMode SetEvent SetFilePointer SetFilePointerEx
+    SetLastError SetProcessAffinityMask SetSystemTime SetThreadContext SetThreadErrorMode
+    SetThreadPriority SetUnhandledExceptionFilter Sleep SuspendThread TlsAlloc TlsFree
+    TlsGetValue TlsSetValue TryEnterCriticalSection UnmapViewOfFile VirtualProtect VirtualQuery
+    WaitForMultipleObjects WaitForSingleObject WideCharToMultiByte WriteConsoleW WriteFile
 msacm32.dll:
     acmDriverClose acmDriverEnum acmDriverOpen acmStreamClose acmStreamConvert acmStreamOpen
     acmStreamPrepareHeader acmStreamSize acmStreamUnprepareHeader
 ole32.dll:
-    CoCreateInstance CoInitialize CoTaskMemAlloc CoTaskMemFree CoUninitialize
+    CoCreateInstance CoInitialize CoInitializeEx CoTaskMemAlloc CoTaskMemFree CoUninitialize
     CreateDataAdviseHolder CreateErrorInfo CreateOleAdviseHolder GetErrorInfo PropVariantClear
     SetErrorInfo StringFromGUID2
 oleaut32.dll:
-    DispCallFunc LoadTypeLibEx OleTranslateColor RegisterTypeLib RegisterTypeLibForUser
-    SafeArrayDestroy SysAllocStringLen SysFreeString SysStringLen UnRegisterTypeLib
-    UnRegisterTypeLibForUser VariantChangeType VariantClear VariantCopy VariantInit
+    DispCallFunc LoadTypeLibEx OleCreatePictureIndirect OleTranslateColor RegisterTypeLib
+    RegisterTypeLibForUser SafeArrayDestroy SysAllocStringLen SysFreeString SysStringLen
+    UnRegisterTypeLib UnRegisterTypeLibForUser VariantChangeType VariantClear VariantCopy
+    VariantInit
 shell32.dll:
     CommandLineToArgvW DragFinish DragQueryFileW SHBrowseForFolderW SHGetPathFromIDListW
 shlwapi.dll:
