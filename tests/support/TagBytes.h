@@ -45,7 +45,7 @@ namespace corvina::test {
     return result;
 }
 
-// ----- ID3v2.3; a size other than the content's where one is given
+// ID3v2.3, with a size other than the content's where one is given
 
 [[nodiscard]] inline Bytes id3Frame(std::string_view id, const Bytes& content,
                                     std::uint32_t size = 0) {
@@ -83,8 +83,6 @@ namespace corvina::test {
         result.insert(result.end(), frame.begin(), frame.end());
     return result;
 }
-
-// ----- the other formats
 
 // As FLAC and Ogg hold it.
 [[nodiscard]] inline Bytes flacPicture(std::uint32_t kind, const Bytes& picture) {

@@ -69,7 +69,7 @@ protected:
     TempFolder folder_;
 };
 
-TEST_F(FormatOfFile, is_told_by_what_the_files_of_public_tools_hold) {
+TEST_F(FormatOfFile, goes_by_what_the_files_of_public_tools_hold) {
     for (const auto& [file, words] : media) {
         EXPECT_EQ(formatOfFile(mediaFile(file)), words)
             << testing::PrintToString(std::wstring(file));

@@ -242,7 +242,7 @@ TEST_F(TagsOfFiles, damaged_in_any_place_give_what_is_left_of_them) {
         });
 }
 
-// ----- the library itself
+// The library itself.
 
 int freed = 0;
 std::size_t pictureBytes = 0;
