@@ -13,6 +13,15 @@ double floatAt(const std::uint8_t* bytes) noexcept {
     return static_cast<double>(number);
 }
 
+// Four samples whose full scale is 1; what is no number counts as silence.
+__m128i toIntegers(__m128 samples) noexcept {
+    const __m128i cut = _mm_cvttps_epi32(_mm_mul_ps(samples, _mm_set1_ps(2147483648.0F)));
+    // What is too loud comes out as the lowest number, on both sides.
+    const __m128i loud = _mm_castps_si128(_mm_cmpge_ps(samples, _mm_set1_ps(1.0F)));
+    const __m128i number = _mm_castps_si128(_mm_cmpord_ps(samples, samples));
+    return _mm_and_si128(_mm_xor_si128(cut, loud), number);
+}
+
 void store(std::int16_t sample, std::uint8_t* output) noexcept {
     std::memcpy(output, &sample, sizeof sample);
 }
@@ -42,6 +51,50 @@ std::int32_t LinearConversion::sampleAt(const std::uint8_t* bytes) const noexcep
     return static_cast<std::int32_t>(bits >> unused << unused);
 }
 
+// The same for many, the usual widths without a step for each byte.
+void LinearConversion::widen(const std::uint8_t* source, std::int32_t* samples,
+                             std::size_t count) const noexcept {
+    std::size_t done = 0;
+    if (format_.isFloat && format_.sampleBytes == 4) {
+        for (; done + 4 <= count; done += 4) {
+            const __m128 four = _mm_castsi128_ps(
+                _mm_loadu_si128(reinterpret_cast<const __m128i*>(source + done * 4)));
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(samples + done), toIntegers(four));
+        }
+    } else if (!format_.isFloat && format_.sampleBytes == 4) {
+        const auto mask = static_cast<std::int32_t>(~std::uint32_t{0} << (32 - format_.validBits));
+        std::memcpy(samples, source, count * sizeof *samples);
+        for (; done < count; ++done)
+            samples[done] &= mask;
+    } else if (format_.sampleBytes == 3) {
+        // Each is read with the byte behind it, so the last one is left.
+        const std::uint32_t mask = ~std::uint32_t{0} << (32 - format_.validBits);
+        for (; done + 1 < count; ++done) {
+            std::uint32_t bits = 0;
+            std::memcpy(&bits, source + done * 3, sizeof bits);
+            samples[done] = static_cast<std::int32_t>(bits << 8 & mask);
+        }
+    }
+    for (; done < count; ++done)
+        samples[done] = sampleAt(source + done * static_cast<std::size_t>(format_.sampleBytes));
+}
+
+void LinearConversion::roundSamples(const std::uint8_t* source, std::uint8_t* output,
+                                    std::size_t count) noexcept {
+    constexpr std::size_t most = 512;
+    std::int32_t samples[most];
+    std::int16_t rounded[most];
+    while (count > 0) {
+        const std::size_t part = std::min(count, most);
+        widen(source, samples, part);
+        rounding_.round(samples, rounded, part);
+        std::memcpy(output, rounded, part * sizeof rounded[0]);
+        source += part * static_cast<std::size_t>(format_.sampleBytes);
+        output += part * sizeof rounded[0];
+        count -= part;
+    }
+}
+
 void LinearConversion::mixBlock(const std::uint8_t* source, std::uint8_t* output) noexcept {
     constexpr double fullScale = 2147483648.0;
     double left = 0;
@@ -63,17 +116,13 @@ std::optional<ConvertedBytes> LinearConversion::convert(std::span<std::uint8_t> 
     const std::size_t blocks = std::min(source.size() / sourceBlock, output.size() / outputBlock());
     const std::uint8_t* from = source.data();
     std::uint8_t* to = output.data();
-    for (std::size_t block = 0; block < blocks; ++block) {
-        if (!weights_.empty()) {
+    if (weights_.empty()) {
+        roundSamples(from, to, blocks * static_cast<std::size_t>(format_.channels));
+    } else {
+        for (std::size_t block = 0; block < blocks; ++block) {
             mixBlock(from, to);
             from += sourceBlock;
             to += outputBlock();
-            continue;
-        }
-        for (std::int32_t channel = 0; channel < format_.channels; ++channel) {
-            store(rounding_.round(sampleAt(from)), to);
-            from += format_.sampleBytes;
-            to += sizeof(std::int16_t);
         }
     }
     return ConvertedBytes{.used = static_cast<std::uint32_t>(blocks * sourceBlock),

@@ -32,6 +32,8 @@ private:
         return static_cast<std::uint32_t>(outputChannels()) * sizeof(std::int16_t);
     }
     [[nodiscard]] std::int32_t sampleAt(const std::uint8_t* bytes) const noexcept;
+    void widen(const std::uint8_t* source, std::int32_t* samples, std::size_t count) const noexcept;
+    void roundSamples(const std::uint8_t* source, std::uint8_t* output, std::size_t count) noexcept;
     void mixBlock(const std::uint8_t* source, std::uint8_t* output) noexcept;
 
     LinearFormat format_;
