@@ -81,16 +81,18 @@ void LinearConversion::widen(const std::uint8_t* source, std::int32_t* samples,
 
 void LinearConversion::roundSamples(const std::uint8_t* source, std::uint8_t* output,
                                     std::size_t count) noexcept {
+    if (!format_.isFloat && format_.sampleBytes == 4 && format_.validBits == 32) {
+        rounding_.round(source, output, count);
+        return;
+    }
     constexpr std::size_t most = 512;
     std::int32_t samples[most];
-    std::int16_t rounded[most];
     while (count > 0) {
         const std::size_t part = std::min(count, most);
         widen(source, samples, part);
-        rounding_.round(samples, rounded, part);
-        std::memcpy(output, rounded, part * sizeof rounded[0]);
+        rounding_.round(samples, output, part);
         source += part * static_cast<std::size_t>(format_.sampleBytes);
-        output += part * sizeof rounded[0];
+        output += part * sizeof(std::int16_t);
         count -= part;
     }
 }

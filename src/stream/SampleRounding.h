@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <emmintrin.h>
 #include <limits>
 
@@ -30,19 +31,24 @@ public:
     }
 
     // Many of them, four at a time: the same but for the noise, of which every lane has its own.
-    void round(const std::int32_t* samples, std::int16_t* to, std::size_t count) noexcept {
+    // Neither address need be aligned.
+    void round(const void* samples, void* to, std::size_t count) noexcept {
+        const auto* from = static_cast<const std::int32_t*>(samples);
+        auto* output = static_cast<std::int16_t*>(to);
         auto* const lanes = reinterpret_cast<__m128i*>(lanes_);
         __m128i noise = _mm_loadu_si128(lanes);
-        std::size_t done = 0;
-        for (; done + 4 <= count; done += 4) {
-            const __m128i four = _mm_loadu_si128(reinterpret_cast<const __m128i*>(samples + done));
-            const __m128i rounded = roundFour(four, noise);
-            _mm_storel_epi64(reinterpret_cast<__m128i*>(to + done),
-                             _mm_packs_epi32(rounded, rounded));
+        for (; count >= 4; count -= 4, from += 4, output += 4) {
+            const __m128i rounded =
+                roundFour(_mm_loadu_si128(reinterpret_cast<const __m128i*>(from)), noise);
+            _mm_storel_epi64(reinterpret_cast<__m128i*>(output), _mm_packs_epi32(rounded, rounded));
         }
         _mm_storeu_si128(lanes, noise);
-        for (; done < count; ++done)
-            to[done] = round(samples[done]);
+        for (; count > 0; --count, ++from, ++output) {
+            std::int32_t sample = 0;
+            std::memcpy(&sample, from, sizeof sample);
+            const std::int16_t rounded = round(sample);
+            std::memcpy(output, &rounded, sizeof rounded);
+        }
     }
 
     // A sample whose full scale is 1; what is no number counts as silence.
