@@ -13,6 +13,18 @@ double floatAt(const std::uint8_t* bytes) noexcept {
     return static_cast<double>(number);
 }
 
+__m128i loadFour(const std::uint8_t* bytes) noexcept {
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
+}
+
+// Four of three bytes, each with the byte behind it on top.
+__m128i loadFourOfThree(const std::uint8_t* bytes) noexcept {
+    std::int32_t samples[4];
+    for (std::size_t index = 0; index < 4; ++index)
+        std::memcpy(&samples[index], bytes + 3 * index, sizeof samples[index]);
+    return _mm_set_epi32(samples[3], samples[2], samples[1], samples[0]);
+}
+
 // Four samples whose full scale is 1; what is no number counts as silence.
 __m128i toIntegers(__m128 samples) noexcept {
     const __m128i cut = _mm_cvttps_epi32(_mm_mul_ps(samples, _mm_set1_ps(2147483648.0F)));
@@ -47,54 +59,33 @@ std::int32_t LinearConversion::sampleAt(const std::uint8_t* bytes) const noexcep
         bits = bits >> 8 | std::uint32_t{bytes[byte]} << 24;
     if (format_.sampleBytes == 1) // these alone are stored without a sign
         bits ^= 0x80000000U;
-    const int unused = 32 - format_.validBits;
-    return static_cast<std::int32_t>(bits >> unused << unused);
-}
-
-// The same for many, the usual widths without a step for each byte.
-void LinearConversion::widen(const std::uint8_t* source, std::int32_t* samples,
-                             std::size_t count) const noexcept {
-    std::size_t done = 0;
-    if (format_.isFloat && format_.sampleBytes == 4) {
-        for (; done + 4 <= count; done += 4) {
-            const __m128 four = _mm_castsi128_ps(
-                _mm_loadu_si128(reinterpret_cast<const __m128i*>(source + done * 4)));
-            _mm_storeu_si128(reinterpret_cast<__m128i*>(samples + done), toIntegers(four));
-        }
-    } else if (!format_.isFloat && format_.sampleBytes == 4) {
-        const auto mask = static_cast<std::int32_t>(~std::uint32_t{0} << (32 - format_.validBits));
-        std::memcpy(samples, source, count * sizeof *samples);
-        for (; done < count; ++done)
-            samples[done] &= mask;
-    } else if (format_.sampleBytes == 3) {
-        // Each is read with the byte behind it, so the last one is left.
-        const std::uint32_t mask = ~std::uint32_t{0} << (32 - format_.validBits);
-        for (; done + 1 < count; ++done) {
-            std::uint32_t bits = 0;
-            std::memcpy(&bits, source + done * 3, sizeof bits);
-            samples[done] = static_cast<std::int32_t>(bits << 8 & mask);
-        }
-    }
-    for (; done < count; ++done)
-        samples[done] = sampleAt(source + done * static_cast<std::size_t>(format_.sampleBytes));
+    return static_cast<std::int32_t>(bits & validMask());
 }
 
 void LinearConversion::roundSamples(const std::uint8_t* source, std::uint8_t* output,
                                     std::size_t count) noexcept {
-    if (!format_.isFloat && format_.sampleBytes == 4 && format_.validBits == 32) {
-        rounding_.round(source, output, count);
-        return;
+    std::size_t done = 0;
+    const auto bytes = static_cast<std::size_t>(format_.sampleBytes);
+    if (format_.isFloat && bytes == 4) {
+        done = rounding_.roundMany(source, output, count, 4 * bytes, [](const std::uint8_t* from) {
+            return toIntegers(_mm_castsi128_ps(loadFour(from)));
+        });
+    } else if (!format_.isFloat && bytes == 4) {
+        const __m128i valid = _mm_set1_epi32(static_cast<std::int32_t>(validMask()));
+        done = rounding_.roundMany(
+            source, output, count, 4 * bytes,
+            [valid](const std::uint8_t* from) { return _mm_and_si128(loadFour(from), valid); });
+    } else if (bytes == 3 && count > 0) {
+        // Each is read with the byte behind it, so the last one is left.
+        const __m128i valid = _mm_set1_epi32(static_cast<std::int32_t>(validMask()));
+        done = rounding_.roundMany(
+            source, output, count - 1, 4 * bytes, [valid](const std::uint8_t* from) {
+                return _mm_and_si128(_mm_slli_epi32(loadFourOfThree(from), 8), valid);
+            });
     }
-    constexpr std::size_t most = 512;
-    std::int32_t samples[most];
-    while (count > 0) {
-        const std::size_t part = std::min(count, most);
-        widen(source, samples, part);
-        rounding_.round(samples, output, part);
-        source += part * static_cast<std::size_t>(format_.sampleBytes);
-        output += part * sizeof(std::int16_t);
-        count -= part;
-    }
+    for (; done < count; ++done)
+        store(rounding_.round(sampleAt(source + done * bytes)),
+              output + done * sizeof(std::int16_t));
 }
 
 void LinearConversion::mixBlock(const std::uint8_t* source, std::uint8_t* output) noexcept {
