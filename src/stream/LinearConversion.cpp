@@ -13,6 +13,27 @@ double floatAt(const std::uint8_t* bytes) noexcept {
     return static_cast<double>(number);
 }
 
+__m128i loadFour(const std::uint8_t* bytes) noexcept {
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
+}
+
+// Four of three bytes, each with the byte behind it on top.
+__m128i loadFourOfThree(const std::uint8_t* bytes) noexcept {
+    std::int32_t samples[4];
+    for (std::size_t index = 0; index < 4; ++index)
+        std::memcpy(&samples[index], bytes + 3 * index, sizeof samples[index]);
+    return _mm_set_epi32(samples[3], samples[2], samples[1], samples[0]);
+}
+
+// Four samples whose full scale is 1; what is no number counts as silence.
+__m128i toIntegers(__m128 samples) noexcept {
+    const __m128i cut = _mm_cvttps_epi32(_mm_mul_ps(samples, _mm_set1_ps(2147483648.0F)));
+    // What is too loud comes out as the lowest number, on both sides.
+    const __m128i loud = _mm_castps_si128(_mm_cmpge_ps(samples, _mm_set1_ps(1.0F)));
+    const __m128i number = _mm_castps_si128(_mm_cmpord_ps(samples, samples));
+    return _mm_and_si128(_mm_xor_si128(cut, loud), number);
+}
+
 void store(std::int16_t sample, std::uint8_t* output) noexcept {
     std::memcpy(output, &sample, sizeof sample);
 }
@@ -38,8 +59,33 @@ std::int32_t LinearConversion::sampleAt(const std::uint8_t* bytes) const noexcep
         bits = bits >> 8 | std::uint32_t{bytes[byte]} << 24;
     if (format_.sampleBytes == 1) // these alone are stored without a sign
         bits ^= 0x80000000U;
-    const int unused = 32 - format_.validBits;
-    return static_cast<std::int32_t>(bits >> unused << unused);
+    return static_cast<std::int32_t>(bits & validMask());
+}
+
+void LinearConversion::roundSamples(const std::uint8_t* source, std::uint8_t* output,
+                                    std::size_t count) noexcept {
+    std::size_t done = 0;
+    const auto bytes = static_cast<std::size_t>(format_.sampleBytes);
+    if (format_.isFloat && bytes == 4) {
+        done = rounding_.roundMany(source, output, count, 4 * bytes, [](const std::uint8_t* from) {
+            return toIntegers(_mm_castsi128_ps(loadFour(from)));
+        });
+    } else if (!format_.isFloat && bytes == 4) {
+        const __m128i valid = _mm_set1_epi32(static_cast<std::int32_t>(validMask()));
+        done = rounding_.roundMany(
+            source, output, count, 4 * bytes,
+            [valid](const std::uint8_t* from) { return _mm_and_si128(loadFour(from), valid); });
+    } else if (bytes == 3 && count > 0) {
+        // Each is read with the byte behind it, so the last one is left.
+        const __m128i valid = _mm_set1_epi32(static_cast<std::int32_t>(validMask()));
+        done = rounding_.roundMany(
+            source, output, count - 1, 4 * bytes, [valid](const std::uint8_t* from) {
+                return _mm_and_si128(_mm_slli_epi32(loadFourOfThree(from), 8), valid);
+            });
+    }
+    for (; done < count; ++done)
+        store(rounding_.round(sampleAt(source + done * bytes)),
+              output + done * sizeof(std::int16_t));
 }
 
 void LinearConversion::mixBlock(const std::uint8_t* source, std::uint8_t* output) noexcept {
@@ -63,17 +109,13 @@ std::optional<ConvertedBytes> LinearConversion::convert(std::span<std::uint8_t> 
     const std::size_t blocks = std::min(source.size() / sourceBlock, output.size() / outputBlock());
     const std::uint8_t* from = source.data();
     std::uint8_t* to = output.data();
-    for (std::size_t block = 0; block < blocks; ++block) {
-        if (!weights_.empty()) {
+    if (weights_.empty()) {
+        roundSamples(from, to, blocks * static_cast<std::size_t>(format_.channels));
+    } else {
+        for (std::size_t block = 0; block < blocks; ++block) {
             mixBlock(from, to);
             from += sourceBlock;
             to += outputBlock();
-            continue;
-        }
-        for (std::int32_t channel = 0; channel < format_.channels; ++channel) {
-            store(rounding_.round(sampleAt(from)), to);
-            from += format_.sampleBytes;
-            to += sizeof(std::int16_t);
         }
     }
     return ConvertedBytes{.used = static_cast<std::uint32_t>(blocks * sourceBlock),

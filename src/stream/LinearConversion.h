@@ -31,7 +31,12 @@ private:
     [[nodiscard]] std::uint32_t outputBlock() const noexcept {
         return static_cast<std::uint32_t>(outputChannels()) * sizeof(std::int16_t);
     }
+    // The bits of a sample that count, of 32.
+    [[nodiscard]] std::uint32_t validMask() const noexcept {
+        return ~std::uint32_t{0} << (32 - format_.validBits);
+    }
     [[nodiscard]] std::int32_t sampleAt(const std::uint8_t* bytes) const noexcept;
+    void roundSamples(const std::uint8_t* source, std::uint8_t* output, std::size_t count) noexcept;
     void mixBlock(const std::uint8_t* source, std::uint8_t* output) noexcept;
 
     LinearFormat format_;
