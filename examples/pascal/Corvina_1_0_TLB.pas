@@ -535,7 +535,7 @@ Type
    function PlayStart(sAudioFile:WideString;DeviceIndex:Integer;lBufferSize:Integer):Integer;safecall;
     // GetID3Tags : Fills the Tag_ texts from the opened file; the last three characters of strFile (ogg, mp3, ape, wma) select the tag names. Returns 0. Error 91 without an opened file. 
    function GetID3Tags(strFile:WideString):Integer;safecall;
-    // OpenAudioFile : Opens strFile with the source for its extension. Returns 0, 1 (no such file), 2 (format not supported) or 3 (could not be opened); a failure also raises Err. Error 1, 53 or 453 where a decoder library lacks a function or MACDll.dll is missing. 
+    // OpenAudioFile : Opens strFile with the source for its extension. Returns 0, 1 (no such file), 2 (format not supported) or 3 (could not be opened); a failure also raises Err. Error 1, 53 or 453 if a decoder library lacks a function or MACDll.dll is missing. 
    function OpenAudioFile(strFile:WideString):Integer;safecall;
     // PositionGet : Position in whole seconds; 0 without an opened file. 
    function PositionGet:Integer;safecall;
@@ -576,6 +576,10 @@ Type
    function Get_Level(Channel:Integer) : Integer; safecall;
    function Get_FormatName : WideString; safecall;
    function Get_Extensions : WideString; safecall;
+   function Get_TagText(Name:WideString) : WideString; safecall;
+   function Get_TagCount : Integer; safecall;
+   function Get_TagName(Index:Integer) : WideString; safecall;
+   function Get_Picture : IPictureDisp; safecall;
     // Tag_Title : Title text, filled by GetID3Tags 
    property Tag_Title:WideString read Get_Tag_Title write Set_Tag_Title;
     // Tag_Album : Album text, filled by GetID3Tags 
@@ -630,10 +634,18 @@ Type
    property CleanEnd:WordBool read Get_CleanEnd write Set_CleanEnd;
     // Level : Peak of what is heard now in Channel 1 (left) or 2, from 0 to 100. Error 380 for another channel. 
    property Level[Channel:Integer]:Integer read Get_Level;
-    // FormatName : Format of the opened file in words; empty without one 
+    // FormatName : Format of the opened file in words, by what it holds (FLAC, 24 bits); empty without one 
    property FormatName:WideString read Get_FormatName;
     // Extensions : Patterns of all files that can be played, for a file dialog: *.wav;*.mp3 and so on 
    property Extensions:WideString read Get_Extensions;
+    // TagText : Text of the tag Name (TITLE, ARTIST, ALBUM, DATE, GENRE, TRACKNUMBER, COMMENT ..., without regard to case) of the opened file; several values are joined by a semicolon. Empty without such a tag. 
+   property TagText[Name:WideString]:WideString read Get_TagText;
+    // TagCount : Number of tags of the opened file; 0 without one 
+   property TagCount:Integer read Get_TagCount;
+    // TagName : Name of tag Index, 1 to TagCount, for TagText. Error 380 out of range. 
+   property TagName[Index:Integer]:WideString read Get_TagName;
+    // Picture : Cover of the opened file; Nothing without one 
+   property Picture:IPictureDisp read Get_Picture;
   end;
 
 
@@ -677,7 +689,7 @@ Type
    function PlayStart(sAudioFile:WideString;DeviceIndex:Integer;lBufferSize:Integer):Integer;dispid 23;
     // GetID3Tags : Fills the Tag_ texts from the opened file; the last three characters of strFile (ogg, mp3, ape, wma) select the tag names. Returns 0. Error 91 without an opened file. 
    function GetID3Tags(strFile:WideString):Integer;dispid 24;
-    // OpenAudioFile : Opens strFile with the source for its extension. Returns 0, 1 (no such file), 2 (format not supported) or 3 (could not be opened); a failure also raises Err. Error 1, 53 or 453 where a decoder library lacks a function or MACDll.dll is missing. 
+    // OpenAudioFile : Opens strFile with the source for its extension. Returns 0, 1 (no such file), 2 (format not supported) or 3 (could not be opened); a failure also raises Err. Error 1, 53 or 453 if a decoder library lacks a function or MACDll.dll is missing. 
    function OpenAudioFile(strFile:WideString):Integer;dispid 25;
     // PositionGet : Position in whole seconds; 0 without an opened file. 
    function PositionGet:Integer;dispid 26;
@@ -745,10 +757,18 @@ Type
    property CleanEnd:WordBool dispid 44;
     // Level : Peak of what is heard now in Channel 1 (left) or 2, from 0 to 100. Error 380 for another channel. 
    property Level[Channel:Integer]:Integer  readonly dispid 45;
-    // FormatName : Format of the opened file in words; empty without one 
+    // FormatName : Format of the opened file in words, by what it holds (FLAC, 24 bits); empty without one 
    property FormatName:WideString  readonly dispid 46;
     // Extensions : Patterns of all files that can be played, for a file dialog: *.wav;*.mp3 and so on 
    property Extensions:WideString  readonly dispid 47;
+    // TagText : Text of the tag Name (TITLE, ARTIST, ALBUM, DATE, GENRE, TRACKNUMBER, COMMENT ..., without regard to case) of the opened file; several values are joined by a semicolon. Empty without such a tag. 
+   property TagText[Name:WideString]:WideString  readonly dispid 48;
+    // TagCount : Number of tags of the opened file; 0 without one 
+   property TagCount:Integer  readonly dispid 49;
+    // TagName : Name of tag Index, 1 to TagCount, for TagText. Error 380 out of range. 
+   property TagName[Index:Integer]:WideString  readonly dispid 50;
+    // Picture : Cover of the opened file; Nothing without one 
+   property Picture:IPictureDisp  readonly dispid 51;
   end;
 
 

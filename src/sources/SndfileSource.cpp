@@ -37,7 +37,7 @@ constexpr std::int32_t mpegContainer = 0x00230000;
 constexpr std::int32_t oggContainer = 0x00200000;
 
 // A frame of MPEG audio is decoded with what is left from those before it.
-constexpr std::int64_t mpegPreRoll = 8 * 1152;
+constexpr std::int64_t mpegPreRoll = std::int64_t{8} * 1152;
 
 constexpr std::int32_t mostChannels = 64;
 
