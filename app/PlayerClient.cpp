@@ -1,8 +1,7 @@
 #include "PlayerClient.h"
 
-#include <cmath>
-#include <tuple>
-#include <type_traits>
+#include "PlayerCalls.h"
+
 #include <utility>
 
 namespace corvina::app {
@@ -10,57 +9,6 @@ namespace corvina::app {
 namespace {
 
 _COM_SMARTPTR_TYPEDEF(IConnectionPointContainer, __uuidof(IConnectionPointContainer));
-
-// An interface member whose last parameter receives its result.
-template <typename... Parameters>
-using Member = HRESULT (STDMETHODCALLTYPE _cPlayer::*)(Parameters...);
-
-template <typename... Parameters>
-using ResultOf = std::remove_pointer_t<
-    std::tuple_element_t<sizeof...(Parameters) - 1, std::tuple<Parameters...>>>;
-
-[[noreturn]] void throwWithErrorInformation(HRESULT code) {
-    IErrorInfo* information = nullptr;
-    if (GetErrorInfo(0, &information) != S_OK)
-        information = nullptr;
-    throw _com_error(code, information);
-}
-
-// Calls a member of the control and returns its result; a failed call throws with the control's own
-// error information.
-template <typename... Parameters, typename... Arguments>
-ResultOf<Parameters...> call(const _cPlayerPtr& player, Member<Parameters...> member,
-                             Arguments&&... arguments) {
-    _cPlayer* const control = player.GetInterfacePtr();
-    ResultOf<Parameters...> result{};
-    const HRESULT code = (control->*member)(std::forward<Arguments>(arguments)..., &result);
-    if (FAILED(code))
-        throwWithErrorInformation(code);
-    return result;
-}
-
-std::wstring takeText(BSTR text) {
-    std::wstring copy(text ? text : L"", SysStringLen(text));
-    SysFreeString(text);
-    return copy;
-}
-
-// A text as an argument, with any character in it.
-class TextArgument {
-public:
-    explicit TextArgument(const std::wstring& text)
-        : text_(SysAllocStringLen(text.data(), static_cast<UINT>(text.size()))) {
-        if (!text_)
-            _com_issue_error(E_OUTOFMEMORY);
-    }
-    ~TextArgument() { SysFreeString(text_); }
-    TextArgument(const TextArgument&) = delete;
-    TextArgument& operator=(const TextArgument&) = delete;
-    operator BSTR() const noexcept { return text_; }
-
-private:
-    BSTR text_;
-};
 
 } // namespace
 
@@ -99,37 +47,12 @@ long PlayerClient::stop() {
     return call(player_, &_cPlayer::PlayStop);
 }
 
-void PlayerClient::abandon() {
-    call(player_, &_cPlayer::DeInit);
-    call(player_, &_cPlayer::Init);
-}
-
 long PlayerClient::pause() {
     return call(player_, &_cPlayer::PlayPause);
 }
 
 long PlayerClient::goOn() {
     return call(player_, &_cPlayer::PlayUnPause);
-}
-
-bool PlayerClient::isPlaying() {
-    return call(player_, &_cPlayer::IsPlaying) != VARIANT_FALSE;
-}
-
-bool PlayerClient::isPaused() {
-    return call(player_, &_cPlayer::IsPausedOut) != VARIANT_FALSE;
-}
-
-long PlayerClient::positionSeconds() {
-    return call(player_, &_cPlayer::PositionGet);
-}
-
-void PlayerClient::seek(long seconds) {
-    call(player_, &_cPlayer::PositionSet, seconds);
-}
-
-long PlayerClient::audioData() {
-    return call(player_, &_cPlayer::get_AudioDataOut);
 }
 
 void PlayerClient::showAbout() {

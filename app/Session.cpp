@@ -20,8 +20,8 @@ constexpr auto pictureAfter = std::chrono::milliseconds(2500);
 Session::Session(const Options& options, ConsoleScreen& screen, const Interrupt& interrupt)
     : options_(options), interrupt_(interrupt), terminal_(screen), queue_(handlers()) {
     queue_.setDevice(options.device.value_or(-1));
-    for (std::wstring& file : expandPaths(options.files))
-        queue_.add(std::move(file));
+    for (Track& track : expandPaths(options.files, queue_.player().extensions()))
+        queue_.add(std::move(track));
     if (!options.consoleOnly)
         window_ = std::make_unique<PlayerWindow>(queue_, options);
 }
@@ -48,12 +48,25 @@ QueueHandlers Session::handlers() {
             if (options_.verbose)
                 terminal_.onRemarked(words);
         },
+        [this](const std::wstring& words) {
+            terminal_.onRemarked(words);
+            if (window_)
+                window_->onNoticed(words);
+        },
+        [this] {
+            if (window_)
+                window_->onProgress();
+        },
+        [this] {
+            if (window_)
+                window_->onStateChanged();
+        },
     };
 }
 
 long Session::run() {
     if (!options_.files.empty())
-        queue_.play(0, options_.startSeconds);
+        queue_.play(0, 1000 * options_.startSeconds);
     const auto handled = [this](MSG& message) { return window_ && window_->translate(message); };
     while (!leaving() || queue_.isActive()) {
         if (leaving())
@@ -62,7 +75,6 @@ long Session::run() {
         const HANDLE ending = interrupt_.requested() ? nullptr : interrupt_.waitable();
         pumpMessages(std::array{terminal_.waitable(), ending}, tickMs, handled);
         terminal_.tick(queue_);
-        queue_.tick();
         savePictureInTime();
     }
     if (interrupt_.requested())

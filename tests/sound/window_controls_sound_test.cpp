@@ -1,0 +1,422 @@
+// The sliders, buttons, keys and lists of the player window, and the sound that they make.
+
+#include "Unicode.h"
+#include "WindowTest.h"
+#include "window/ChildControls.h"
+#include "window/CoverView.h"
+#include "window/EqualizerPanel.h"
+#include "window/FileChoice.h"
+
+#include <shellapi.h>
+#include <shlobj.h>
+
+#include <oleacc.h>
+
+namespace corvina::test {
+namespace {
+
+using Window = WindowTest;
+
+TEST_F(Window, changes_the_volume_by_slider_and_keys_and_wheel) {
+    slide(CTL_VOLUME, 40);
+    EXPECT_EQ(queue->player().volume(), 40);
+    EXPECT_TRUE(press(VK_ADD));
+    EXPECT_TRUE(press(VK_UP));
+    EXPECT_EQ(queue->player().volume(), 50);
+    EXPECT_EQ(::SendMessageW(control(CTL_VOLUME), TBM_GETPOS, 0, 0), 50);
+    EXPECT_TRUE(press(VK_SUBTRACT));
+    EXPECT_EQ(queue->player().volume(), 45);
+    ::SendMessageW(window->handle(), WM_MOUSEWHEEL, MAKEWPARAM(0, WHEEL_DELTA), 0);
+    EXPECT_EQ(queue->player().volume(), 50);
+    for (int count = 0; count < 20; ++count)
+        command(CMD_LOUDER);
+    EXPECT_EQ(queue->player().volume(), 100);
+    for (int count = 0; count < 30; ++count)
+        command(CMD_QUIETER);
+    EXPECT_EQ(queue->player().volume(), 0);
+}
+
+TEST_F(Window, mutes_by_its_button_and_shows_it) {
+    ::SendMessageW(control(CMD_MUTE), BM_CLICK, 0, 0);
+    EXPECT_TRUE(queue->player().mute());
+    EXPECT_EQ(::SendMessageW(control(CMD_MUTE), BM_GETCHECK, 0, 0), BST_CHECKED);
+    EXPECT_TRUE(isChecked(CMD_MUTE));
+    EXPECT_TRUE(press('M'));
+    EXPECT_FALSE(queue->player().mute());
+    EXPECT_EQ(::SendMessageW(control(CMD_MUTE), BM_GETCHECK, 0, 0), BST_UNCHECKED);
+}
+
+TEST_F(Window, what_is_muted_is_not_heard) {
+    command(CMD_MUTE);
+    const std::size_t before = recording.now();
+    queue->play(0);
+    (void)pumpUntil([] { return false; }, 1s);
+    EXPECT_FALSE(recording.soundSince(before));
+    command(CMD_MUTE);
+    EXPECT_TRUE(pumpUntil([&] { return recording.soundSince(before).has_value(); }, 5s));
+}
+
+TEST_F(Window, sets_the_balance_and_catches_its_middle) {
+    slide(CTL_BALANCE, -60);
+    EXPECT_EQ(queue->player().balance(), -60);
+    slide(CTL_BALANCE, 3);
+    EXPECT_EQ(queue->player().balance(), 0);
+}
+
+TEST_F(Window, sets_the_bands_of_the_equalizer) {
+    EXPECT_FALSE(::IsWindowVisible(control(CTL_BANDS)));
+    command(CMD_EQUALIZER);
+    EXPECT_TRUE(::IsWindowVisible(control(CTL_BANDS)));
+    EXPECT_TRUE(isChecked(CMD_EQUALIZER));
+    slide(CTL_BANDS, -9, WM_VSCROLL); // upwards, in half decibels
+    slide(CTL_BANDS + 9, 24, WM_VSCROLL);
+    EXPECT_EQ(queue->player().equalizerGain(1), 4.5f);
+    EXPECT_EQ(queue->player().equalizerGain(5), 0.0f);
+    EXPECT_EQ(queue->player().equalizerGain(10), -12.0f);
+    ::SendMessageW(control(CMD_EQUALIZER_RESET), BM_CLICK, 0, 0);
+    for (long band = 1; band <= 10; ++band)
+        EXPECT_EQ(queue->player().equalizerGain(band), 0.0f);
+    EXPECT_EQ(::SendMessageW(control(CTL_BANDS), TBM_GETPOS, 0, 0), 0);
+}
+
+TEST_F(Window, takes_presets_and_names_the_one_that_is_set) {
+    const HWND list = control(CTL_PRESET);
+    const auto choose = [&](std::size_t index) {
+        ::SendMessageW(list, CB_SETCURSEL, index, 0);
+        ::SendMessageW(window->handle(), WM_COMMAND, MAKEWPARAM(CTL_PRESET, CBN_SELCHANGE),
+                       reinterpret_cast<LPARAM>(list));
+    };
+    EXPECT_EQ(::SendMessageW(list, CB_GETCURSEL, 0, 0), 0) << "flat";
+    const auto& presets = app::equalizerPresets();
+    for (std::size_t index = presets.size(); index-- > 0;) {
+        choose(index);
+        for (long band = 1; band <= 10; ++band)
+            EXPECT_EQ(queue->player().equalizerGain(band),
+                      presets[index].gains[static_cast<std::size_t>(band) - 1]);
+    }
+    choose(1);
+    slide(CTL_BANDS, 24, WM_VSCROLL);
+    EXPECT_EQ(::SendMessageW(list, CB_GETCURSEL, 0, 0), static_cast<LRESULT>(presets.size()))
+        << "one's own";
+}
+
+TEST_F(Window, leaves_arrows_to_sliders_and_lists_and_letters_to_lists_that_open) {
+    slide(CTL_VOLUME, 50);
+    queue->play(0);
+    for (const int id : {CTL_VOLUME, CTL_BANDS, CTL_SEEK})
+        for (const WPARAM key : {VK_LEFT, VK_RIGHT, VK_UP, VK_DOWN})
+            (void)press(key, id);
+    for (const WPARAM key : {VK_UP, VK_DOWN})
+        (void)press(key, CTL_LIST);
+    (void)press('M', CTL_DEVICE);
+    (void)press('S', CTL_PRESET);
+    EXPECT_EQ(queue->player().volume(), 50);
+    EXPECT_FALSE(queue->player().mute());
+    EXPECT_LT(queue->positionMs(), 2000);
+    EXPECT_TRUE(queue->isPlaying());
+    EXPECT_TRUE(press(VK_RIGHT, CTL_LIST));
+    EXPECT_NEAR(queue->positionMs(), 5000, 1000);
+    EXPECT_TRUE(press(VK_SPACE, CTL_LIST));
+    EXPECT_TRUE(queue->player().isPaused());
+}
+
+TEST_F(Window, obeys_the_keys_of_media_keyboards) {
+    const auto media = [this](int key) {
+        return ::SendMessageW(window->handle(), WM_APPCOMMAND, 0, MAKELPARAM(0, key));
+    };
+    EXPECT_TRUE(media(APPCOMMAND_MEDIA_PLAY));
+    EXPECT_EQ(queue->player().state(), PLAY_PLAYING);
+    EXPECT_TRUE(media(APPCOMMAND_MEDIA_PAUSE));
+    EXPECT_EQ(queue->player().state(), PLAY_PAUSED);
+    EXPECT_TRUE(media(APPCOMMAND_MEDIA_PLAY_PAUSE));
+    EXPECT_EQ(queue->player().state(), PLAY_PLAYING);
+    EXPECT_TRUE(media(APPCOMMAND_MEDIA_NEXTTRACK));
+    ASSERT_TRUE(pumpUntil([this] { return queue->current() == 1 && queue->isPlaying(); }));
+    EXPECT_TRUE(media(APPCOMMAND_MEDIA_STOP));
+    EXPECT_TRUE(waitForEnd());
+}
+
+TEST_F(Window, shows_the_time_that_was_played_and_the_time_that_is_left) {
+    queue->play(0);
+    EXPECT_EQ(::SendMessageW(control(CTL_SEEK), TBM_GETRANGEMAX, 0, 0), 10000);
+    command(CMD_PAUSE);
+    slide(CTL_SEEK, 7250);
+    EXPECT_EQ(textOf(control(CTL_PLAYED)), L"0:07");
+    EXPECT_EQ(textOf(control(CTL_LEFT)), L"\x2212"
+                                         L"0:02");
+    EXPECT_EQ(::SendMessageW(control(CTL_SEEK), TBM_GETPOS, 0, 0), 7250);
+    command(CMD_PAUSE);
+    EXPECT_TRUE(
+        pumpUntil([this] { return ::SendMessageW(control(CTL_SEEK), TBM_GETPOS, 0, 0) > 7500; }));
+    EXPECT_EQ(app::clockText(3'723'999), L"1:02:03");
+    EXPECT_EQ(app::clockText(-5), L"0:00");
+}
+
+TEST_F(Window, jumps_to_where_its_bar_is_clicked) {
+    queue->play(0);
+    command(CMD_PAUSE);
+    const HWND bar = control(CTL_SEEK);
+    RECT area{};
+    ::GetClientRect(bar, &area);
+    const LPARAM point = MAKELPARAM(area.right * 3 / 4, area.bottom / 2);
+    ::SendMessageW(bar, WM_LBUTTONDOWN, MK_LBUTTON, point);
+    EXPECT_LT(queue->positionMs(), 1000) << "not before the button is released";
+    EXPECT_EQ(textOf(control(CTL_PLAYED)).substr(0, 3), L"0:0");
+    ::SendMessageW(bar, WM_LBUTTONUP, 0, point);
+    EXPECT_NEAR(queue->positionMs(), 7600, 400);
+}
+
+TEST_F(Window, meters_the_level_of_what_is_heard) {
+    const HWND meter = ::FindWindowExW(window->handle(), nullptr, nullptr, L"Level");
+    ASSERT_TRUE(meter);
+    const auto lit = [meter] {
+        RECT area{};
+        ::GetWindowRect(meter, &area);
+        const HDC screen = ::GetDC(nullptr);
+        const COLORREF color = ::GetPixel(screen, area.left + (area.right - area.left) / 5,
+                                          area.top + (area.bottom - area.top) / 4);
+        ::ReleaseDC(nullptr, screen);
+        return color == RGB(86, 196, 120);
+    };
+    EXPECT_FALSE(lit());
+    queue->play(0);
+    EXPECT_TRUE(pumpUntil(lit));
+    command(CMD_PAUSE);
+    EXPECT_TRUE(pumpUntil([&] { return !lit(); }));
+}
+
+TEST_F(Window, marks_the_next_file_when_it_is_heard_without_a_gap) {
+    queue->clear();
+    queue->add(file(signal(2 * 44100)));
+    queue->add(file(signal(10 * 44100, 2)));
+    queue->play(0);
+    ASSERT_TRUE(pumpUntil([this] { return queue->current() == 1; }));
+    EXPECT_EQ(line(0)[0], L' ');
+    EXPECT_EQ(line(1)[0], L'\x25B6');
+    EXPECT_EQ(::SendMessageW(control(CTL_SEEK), TBM_GETRANGEMAX, 0, 0), 10000);
+    EXPECT_LT(queue->positionMs(), 1000);
+}
+
+TEST_F(Window, repeats_a_track) {
+    EXPECT_TRUE(press('L'));
+    EXPECT_TRUE(queue->looping());
+    EXPECT_TRUE(isChecked(CMD_LOOP));
+    command(CMD_LOOP);
+    EXPECT_FALSE(queue->looping());
+}
+
+HGLOBAL dropOf(const std::vector<std::wstring>& paths) {
+    std::wstring names;
+    for (const std::wstring& path : paths)
+        names.append(path).push_back(L'\0');
+    names.push_back(L'\0');
+    const std::size_t bytes = names.size() * sizeof(wchar_t);
+    const HGLOBAL memory = ::GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, sizeof(DROPFILES) + bytes);
+    auto* const drop = static_cast<DROPFILES*>(::GlobalLock(memory));
+    drop->pFiles = sizeof(DROPFILES);
+    drop->fWide = TRUE;
+    std::memcpy(drop + 1, names.data(), bytes);
+    ::GlobalUnlock(memory);
+    return memory;
+}
+
+TEST_F(Window, plays_the_files_folders_and_sheets_that_are_dropped_on_it) {
+    TempFolder music;
+    const std::wstring whole = music.write(L"a.wav", stereoWav(signal(10 * 44100)));
+    (void)music.write(L"notes.txt", {1});
+    TempFolder other;
+    const std::string text = "FILE \"" + app::toUtf8(whole) +
+                             "\" WAVE\nTRACK 01 AUDIO\nTITLE \"First part\"\nINDEX 01 00:00:00\n"
+                             "TRACK 02 AUDIO\nTITLE \"Second part\"\nINDEX 01 00:04:00\n";
+    const std::wstring sheet = other.write(L"sheet.cue", Bytes(text.begin(), text.end()));
+    ::SendMessageW(window->handle(), WM_DROPFILES,
+                   reinterpret_cast<WPARAM>(dropOf({music.path(), sheet})), 0);
+    ASSERT_EQ(queue->tracks().size(), 3u);
+    EXPECT_NE(line(0).find(L"a.wav"), std::wstring::npos);
+    EXPECT_NE(line(1).find(L"First part"), std::wstring::npos);
+    EXPECT_EQ(queue->tracks()[2], app::Track(whole, 4000, 0, L"Second part"));
+    EXPECT_TRUE(queue->isPlaying());
+    queue->play(2);
+    ASSERT_TRUE(pumpUntil([this] { return queue->isPlaying() && queue->current() == 2; }));
+    EXPECT_EQ(::SendMessageW(control(CTL_SEEK), TBM_GETRANGEMAX, 0, 0), 6000);
+    EXPECT_NE(textOf(window->handle()).find(L"Second part"), std::wstring::npos);
+    queue->stop();
+    EXPECT_TRUE(waitForEnd());
+}
+
+TEST_F(Window, offers_in_its_dialog_what_the_control_can_play) {
+    const std::wstring kinds = app::kindsOfFiles(queue->player().extensions());
+    for (const wchar_t* pattern : {L"*.wav", L"*.mp3", L"*.flac", L"*.m4a", L"*.cue", L"*.m3u"})
+        EXPECT_NE(kinds.find(pattern), std::wstring::npos) << app::toUtf8(pattern);
+}
+
+TEST_F(Window, lists_the_devices_anew_and_goes_on_with_the_one_that_is_chosen) {
+    const HWND devices = control(CTL_DEVICE);
+    const LRESULT count = ::SendMessageW(devices, CB_GETCOUNT, 0, 0);
+    ASSERT_GT(count, 1);
+    queue->play(0, 3000);
+    const auto notify = [&](WORD notification) {
+        ::SendMessageW(window->handle(), WM_COMMAND, MAKEWPARAM(CTL_DEVICE, notification),
+                       reinterpret_cast<LPARAM>(devices));
+    };
+    notify(CBN_DROPDOWN);
+    EXPECT_EQ(::SendMessageW(devices, CB_GETCOUNT, 0, 0), count);
+    ::SendMessageW(devices, CB_SETCURSEL, 1, 0);
+    notify(CBN_SELCHANGE);
+    ASSERT_TRUE(pumpUntil([this] { return queue->isPlaying(); }));
+    EXPECT_NEAR(queue->positionMs(), 3000, 600);
+}
+
+TEST_F(Window, switches_the_look_of_the_graph_by_a_click_on_it) {
+    const HWND graph = ::FindWindowExW(window->handle(), nullptr, L"AtlAxWin", nullptr);
+    RECT area{};
+    ::GetWindowRect(graph, &area);
+    POINT middle{(area.left + area.right) / 2, (area.top + area.bottom) / 2};
+    ::ScreenToClient(window->handle(), &middle);
+    command(CMD_SPECTRUM);
+    std::vector<bool> waveform;
+    for (int count = 0; count < 4; ++count) {
+        ::SendMessageW(window->handle(), WM_PARENTNOTIFY, WM_LBUTTONDOWN,
+                       MAKELPARAM(middle.x, middle.y));
+        waveform.push_back(isChecked(CMD_WAVEFORM));
+    }
+    EXPECT_EQ(std::count(waveform.begin(), waveform.end(), true), 2);
+    EXPECT_TRUE(isChecked(CMD_SPECTRUM));
+    const bool decibels = isChecked(CMD_DECIBELS);
+    EXPECT_TRUE(press(VK_F4));
+    EXPECT_NE(isChecked(CMD_DECIBELS), decibels);
+}
+
+std::vector<RECT> placesOfControls(HWND window) {
+    std::vector<RECT> places;
+    for (HWND child = ::GetWindow(window, GW_CHILD); child; child = ::GetWindow(child, GW_HWNDNEXT))
+        if (RECT place{}; ::IsWindowVisible(child) && ::GetWindowRect(child, &place)) {
+            wchar_t kind[32] = L"";
+            ::GetClassNameW(child, kind, 32);
+            places.push_back(place);
+        }
+    return places;
+}
+
+TEST_F(Window, nothing_overlaps_from_its_least_size_on) {
+    MINMAXINFO limits{};
+    for (int count = 0; count < 2; ++count) {
+        ::SendMessageW(window->handle(), WM_GETMINMAXINFO, 0, reinterpret_cast<LPARAM>(&limits));
+        const POINT least = limits.ptMinTrackSize;
+        for (const POINT size : {least, POINT{least.x + 130, least.y}, POINT{900, least.y + 200}}) {
+            ::SetWindowPos(window->handle(), nullptr, 0, 0, size.x, size.y,
+                           SWP_NOMOVE | SWP_NOZORDER);
+            RECT client{};
+            ::GetClientRect(window->handle(), &client);
+            ::MapWindowPoints(window->handle(), nullptr, reinterpret_cast<POINT*>(&client), 2);
+            const std::vector<RECT> places = placesOfControls(window->handle());
+            for (std::size_t one = 0; one < places.size(); ++one) {
+                RECT common{};
+                ::IntersectRect(&common, &places[one], &client);
+                EXPECT_TRUE(::EqualRect(&common, &places[one])) << one << " at " << size.x;
+                for (std::size_t other = one + 1; other < places.size(); ++other)
+                    EXPECT_FALSE(::IntersectRect(&common, &places[one], &places[other]))
+                        << one << " and " << other << " at " << size.x << " x " << size.y;
+            }
+            RECT list{};
+            ::GetWindowRect(this->list(), &list);
+            EXPECT_GT(list.bottom - list.top, 30);
+        }
+        command(CMD_EQUALIZER);
+    }
+}
+
+std::wstring accessibleName(HWND control) {
+    IAccessible* object = nullptr;
+    if (FAILED(::AccessibleObjectFromWindow(control, static_cast<DWORD>(OBJID_CLIENT),
+                                            IID_IAccessible, reinterpret_cast<void**>(&object))))
+        return {};
+    VARIANT self{};
+    self.vt = VT_I4;
+    BSTR name = nullptr;
+    object->get_accName(self, &name);
+    std::wstring result(name ? name : L"", ::SysStringLen(name));
+    ::SysFreeString(name);
+    object->Release();
+    return result;
+}
+
+TEST_F(Window, every_control_says_its_name_to_screen_readers) {
+    const std::vector<std::pair<int, std::wstring>> names{
+        {CTL_SEEK, L"Position"},
+        {CTL_VOLUME, L"Volume"},
+        {CTL_BALANCE, L"Balance"},
+        {CTL_LIST, L"Tracks"},
+        {CMD_MUTE, L"Mute"},
+        {CMD_PAUSE, L"Play"},
+        {CTL_BANDS, L"Equalizer 31 Hz, decibels"}};
+    for (const auto& [id, name] : names)
+        EXPECT_EQ(accessibleName(control(id)), name);
+}
+
+TEST_F(Window, remembers_its_sound_for_the_next_run) {
+    const app::Settings before = app::Settings::load();
+    options.pictureFile.clear();
+    open();
+    slide(CTL_VOLUME, 35);
+    slide(CTL_BANDS + 3, -7, WM_VSCROLL);
+    command(CMD_LOOP);
+    ::SendMessageW(window->handle(), WM_CLOSE, 0, 0);
+    options.pictureFile = L"unused";
+    open();
+    EXPECT_EQ(queue->player().volume(), 35);
+    EXPECT_EQ(::SendMessageW(control(CTL_VOLUME), TBM_GETPOS, 0, 0), 35);
+    EXPECT_EQ(queue->player().equalizerGain(4), 3.5f);
+    EXPECT_EQ(queue->looping(), !before.loop);
+    before.save();
+}
+
+TEST_F(Window, asks_the_player_to_recover_and_to_end_cleanly) {
+    const app::_cPlayerPtr player(queue->player().control());
+    VARIANT_BOOL value = VARIANT_FALSE;
+    player->get_Recover(&value);
+    EXPECT_EQ(value, VARIANT_TRUE);
+    player->get_CleanEnd(&value);
+    EXPECT_EQ(value, VARIANT_TRUE);
+}
+
+app::IPicturePtr redPicture(int width, int height) {
+    const HDC screen = ::GetDC(nullptr);
+    const HDC memory = ::CreateCompatibleDC(screen);
+    PICTDESC description{};
+    description.cbSizeofstruct = sizeof description;
+    description.picType = PICTYPE_BITMAP;
+    description.bmp.hbitmap = ::CreateCompatibleBitmap(screen, width, height);
+    const HGDIOBJ former = ::SelectObject(memory, description.bmp.hbitmap);
+    const HBRUSH brush = ::CreateSolidBrush(RGB(200, 0, 0));
+    const RECT area{0, 0, width, height};
+    ::FillRect(memory, &area, brush);
+    ::DeleteObject(brush);
+    ::SelectObject(memory, former);
+    ::DeleteDC(memory);
+    ::ReleaseDC(nullptr, screen);
+    IPicture* picture = nullptr;
+    ::OleCreatePictureIndirect(&description, IID_IPicture, TRUE,
+                               reinterpret_cast<void**>(&picture));
+    return app::IPicturePtr(picture, false);
+}
+
+TEST_F(Window, shows_a_cover_whole_in_its_shape) {
+    app::CoverView cover(window->handle());
+    app::place(cover.window(), 0, 0, 60, 60);
+    ::SetWindowPos(cover.window(), HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
+    EXPECT_FALSE(::IsWindowVisible(cover.window()));
+    cover.show(redPicture(40, 20));
+    EXPECT_TRUE(::IsWindowVisible(cover.window()));
+    ::UpdateWindow(cover.window());
+    const HDC dc = ::GetDC(cover.window());
+    EXPECT_EQ(::GetPixel(dc, 2, 30), RGB(200, 0, 0));
+    EXPECT_EQ(::GetPixel(dc, 57, 30), RGB(200, 0, 0));
+    EXPECT_NE(::GetPixel(dc, 30, 5), RGB(200, 0, 0));
+    ::ReleaseDC(cover.window(), dc);
+    cover.show(nullptr);
+    EXPECT_FALSE(::IsWindowVisible(cover.window()));
+}
+
+} // namespace
+} // namespace corvina::test
