@@ -9,6 +9,12 @@
 
 namespace corvina::app {
 
+namespace {
+
+constexpr auto stopPatience = std::chrono::seconds(5);
+
+} // namespace
+
 PlayQueue::PlayQueue(QueueHandlers handlers)
     : handlers_(std::move(handlers)), player_(playerHandlers()) {
     player_.setCleanEnd(true);
@@ -92,8 +98,20 @@ void PlayQueue::previous() {
 void PlayQueue::stopThen(Then then, std::size_t chosen) {
     then_ = then;
     chosen_ = chosen;
-    if (!std::exchange(stopping_, true))
-        player_.stop();
+    if (deadline_)
+        return; // is being stopped already
+    deadline_ = Clock::now() + stopPatience;
+    player_.stop();
+}
+
+void PlayQueue::tick() {
+    if (!playing_ || !deadline_ || Clock::now() <= *deadline_)
+        return;
+    report(L"The device did not finish playing; giving up.");
+    playing_ = false; // the end that this raises comes too early for a new start
+    player_.abandon();
+    playing_ = true;
+    onEnded(PLAYEND_STOPPED);
 }
 
 // Plays the first track from there on that can be played. A repeated list is tried once, not for
@@ -112,7 +130,7 @@ void PlayQueue::startFrom(std::size_t index) {
 }
 
 bool PlayQueue::start(const Track& wanted) {
-    stopping_ = false;
+    deadline_.reset();
     then_ = Then::next;
     errSeen_ = false;
     plannedId_.reset();
@@ -138,7 +156,7 @@ bool PlayQueue::start(const Track& wanted) {
     list_.setFailure(current_, {});
     plan();
     skipTo(wanted.startMs + std::max(0L, atMs));
-    if (!stopping_ && handlers_.started)
+    if (!deadline_ && handlers_.started)
         handlers_.started();
     return true;
 }

@@ -3,12 +3,14 @@
 // A list of tracks, played one after the other through one player control: without a gap where the
 // control can (NextFile), otherwise each started when the one before has ended.
 //
-// Everything happens in the control's events, which come with the messages of this thread. Times
-// are in milliseconds of the track. Handlers may call the queue.
+// Everything happens in the control's events, which come with the messages of this thread; tick()
+// gives up on a device that does not finish. Times are in milliseconds of the track. Handlers may
+// call the queue.
 
 #include "PlayList.h"
 #include "PlayerClient.h"
 
+#include <chrono>
 #include <functional>
 #include <optional>
 #include <string>
@@ -71,10 +73,13 @@ public:
     [[nodiscard]] long positionMs();
     [[nodiscard]] long durationMs();
 
+    // Call it several times a second while isActive().
+    void tick();
+
     // From play() until ended was called.
     [[nodiscard]] bool isActive() const noexcept { return active_; }
     // While a track plays or is paused; not while it is being stopped.
-    [[nodiscard]] bool isPlaying() const noexcept { return playing_ && !stopping_; }
+    [[nodiscard]] bool isPlaying() const noexcept { return playing_ && !deadline_; }
 
     // The control's result for the first track that could not be played to its end, else 0.
     [[nodiscard]] long result() const noexcept { return result_; }
@@ -82,6 +87,8 @@ public:
     [[nodiscard]] PlayerClient& player() noexcept { return player_; }
 
 private:
+    using Clock = std::chrono::steady_clock;
+
     // What begins when the present playback has ended.
     enum class Then { next, nothing, chosen };
 
@@ -115,11 +122,11 @@ private:
     long startMs_ = 0; // at which the next start begins in its track
 
     bool active_ = false;
-    bool playing_ = false;  // from a successful start to its end
-    bool stopping_ = false; // the end was requested
+    bool playing_ = false; // from a successful start to its end
     Then then_ = Then::nothing;
-    std::size_t chosen_ = 0; // for Then::chosen
-    bool errSeen_ = false;   // since the latest start
+    std::size_t chosen_ = 0;                    // for Then::chosen
+    std::optional<Clock::time_point> deadline_; // for the end, once it was requested
+    bool errSeen_ = false;                      // since the latest start
     long result_ = 0;
 
     PlayerClient player_; // last: its handlers use what is above

@@ -106,8 +106,8 @@ void PlayQueue::onEnded(PlayEndReason reason) {
         remember(comFailure);
         return end();
     }
-    const bool ended = !stopping_ && reason == PLAYEND_FINISHED;
-    stopping_ = false;
+    const bool ended = !deadline_ && reason == PLAYEND_FINISHED;
+    deadline_.reset();
     if (then_ == Then::nothing)
         return end();
     if (then_ == Then::chosen)
@@ -154,7 +154,7 @@ void PlayQueue::remember(long result) noexcept {
 
 void PlayQueue::end() {
     active_ = false;
-    stopping_ = false;
+    deadline_.reset();
     if (handlers_.ended)
         handlers_.ended();
 }

@@ -47,6 +47,11 @@ long PlayerClient::stop() {
     return call(player_, &_cPlayer::PlayStop);
 }
 
+void PlayerClient::abandon() {
+    call(player_, &_cPlayer::DeInit);
+    call(player_, &_cPlayer::Init);
+}
+
 long PlayerClient::pause() {
     return call(player_, &_cPlayer::PlayPause);
 }

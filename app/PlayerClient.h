@@ -54,6 +54,8 @@ public:
     long stop();
     long pause();
     long goOn();
+    // Ends a playback at once, also one that the device does not finish.
+    void abandon();
     [[nodiscard]] PlayState state();
     [[nodiscard]] bool isPaused() { return state() == PLAY_PAUSED; }
 

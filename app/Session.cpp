@@ -75,6 +75,7 @@ long Session::run() {
         const HANDLE ending = interrupt_.requested() ? nullptr : interrupt_.waitable();
         pumpMessages(std::array{terminal_.waitable(), ending}, tickMs, handled);
         terminal_.tick(queue_);
+        queue_.tick();
         savePictureInTime();
     }
     if (interrupt_.requested())

@@ -2,6 +2,7 @@
 
 #include "PlayQueue.h"
 #include "SoundTest.h"
+#include "Unicode.h"
 
 namespace corvina::test {
 namespace {
@@ -141,24 +142,24 @@ TEST_F(Queue, begins_at_the_given_time) {
     ASSERT_TRUE(waitForEnd());
 }
 
-TEST_F(Queue, goes_on_when_the_device_does_not_finish) {
+TEST_F(Queue, gives_a_device_up_that_does_not_finish_and_goes_on) {
     queue->add(longFile);
     queue->add(shortFile);
     queue->play(0);
     queue->next();
     // As if the device kept its blocks: the player does not hear that they came back.
     const auto tooLong = std::chrono::steady_clock::now() + 15s;
-    while (started.size() < 2 && std::chrono::steady_clock::now() < tooLong) {
-        MSG message;
-        while (::PeekMessageW(&message, nullptr, MM_WOM_DONE, MM_WOM_DONE, PM_REMOVE))
+    while (failures.empty() && std::chrono::steady_clock::now() < tooLong) {
+        MSG lost;
+        while (::PeekMessageW(&lost, nullptr, MM_WOM_DONE, MM_WOM_DONE, PM_REMOVE))
             ;
-        if (::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) && message.message != MM_WOM_DONE)
-            ::DispatchMessageW(&message);
-        ::Sleep(1);
+        queue->tick();
+        ::Sleep(10);
     }
-    ASSERT_EQ(started, (Indexes{0, 1}));
+    ASSERT_EQ(failures.size(), 1u) << app::toUtf8(failures.back());
     ASSERT_TRUE(waitForEnd());
-    EXPECT_TRUE(failures.empty());
+    EXPECT_EQ(started, (Indexes{0, 1}));
+    EXPECT_EQ(failures.size(), 1u);
 }
 
 TEST_F(Queue, does_not_seek_before_the_beginning) {
@@ -306,7 +307,8 @@ TEST_F(Parts, are_heard_from_their_beginning_to_their_end) {
 TEST_F(Parts, that_touch_are_one_sound) {
     const Frames all = signal(10 * 44100);
     queue->remove(2);
-    constexpr std::size_t length = 44100 * 8 / 10;
+    // The second part's end is not compared: what the device holds then is dropped.
+    constexpr std::size_t length = 44100 * 7 / 10;
     const Frames expected(all.begin() + 44100, all.begin() + 44100 + length);
     expectRecorded(expected, [&] {
         ended = 0;
@@ -314,8 +316,7 @@ TEST_F(Parts, that_touch_are_one_sound) {
         queue->play(0);
         EXPECT_TRUE(waitForEnd());
         Frames heard = recording.listen(before, length, 5s);
-        // The device plays on for a moment until it is stopped.
-        EXPECT_LT(withoutSilenceBehind(heard).size(), length + 44100 / 5);
+        EXPECT_LT(withoutSilenceBehind(heard).size(), length + 44100 / 4);
         heard.resize(std::min(heard.size(), length));
         return heard;
     });

