@@ -9,26 +9,15 @@
 
 #include "PlayList.h"
 #include "PlayerClient.h"
+#include "QueueHandlers.h"
 
 #include <chrono>
-#include <functional>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace corvina::app {
-
-struct QueueHandlers {
-    std::function<void()> started{}; // the current track is heard from now on
-    std::function<void()> ended{};   // nothing plays any more, and nothing follows
-    std::function<void(const std::wstring& words)>
-        failed{}; // the current track could not be played
-    std::function<void(const std::wstring& words)> remarked{}; // has no consequence
-    std::function<void(const std::wstring& words)> noticed{};  // for the user; the track goes on
-    std::function<void()> progressed{};                        // another position is heard
-    std::function<void()> stateChanged{};
-};
 
 class PlayQueue {
 public:

@@ -8,6 +8,7 @@
 // throws _com_error.
 
 #include "PlayerEvents.h"
+#include "PlayerRecords.h"
 
 #include <comdef.h>
 #include <ocidl.h>
@@ -21,25 +22,6 @@ namespace corvina::app {
 _COM_SMARTPTR_TYPEDEF(_cPlayer, __uuidof(_cPlayer));
 _COM_SMARTPTR_TYPEDEF(IPicture, __uuidof(IPicture));
 _COM_SMARTPTR_TYPEDEF(IConnectionPoint, __uuidof(IConnectionPoint));
-
-struct FileFormat {
-    long bitrate = 0; // bits per second as stored
-    long bitsPerSample = 0;
-    short channels = 0;
-    long sampleRate = 0; // Hz
-    double seconds = 0;
-};
-
-struct FileTag {
-    const wchar_t* name;
-    std::wstring value;
-};
-
-struct OutputDevice {
-    long index = 0;
-    std::wstring name;
-    short channels = 0;
-};
 
 class PlayerClient {
 public:

@@ -4,6 +4,7 @@
 #include "MessageLoop.h"
 #include "window/WindowPicture.h"
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -12,6 +13,7 @@ namespace corvina::app {
 namespace {
 
 constexpr DWORD tickMs = 100;
+constexpr long longestStart = 2'000'000; // seconds; in milliseconds it is a number of the control's
 // Long enough for the bars to have risen, short enough for a short tune.
 constexpr auto pictureAfter = std::chrono::milliseconds(2500);
 
@@ -66,7 +68,7 @@ QueueHandlers Session::handlers() {
 
 long Session::run() {
     if (!options_.files.empty())
-        queue_.play(0, 1000 * options_.startSeconds);
+        queue_.play(0, 1000 * std::min(options_.startSeconds, longestStart));
     const auto handled = [this](MSG& message) { return window_ && window_->translate(message); };
     while (!leaving() || queue_.isActive()) {
         if (leaving())

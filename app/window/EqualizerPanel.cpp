@@ -35,6 +35,13 @@ float decibelsAt(HWND slider) {
     return static_cast<float>(-SendMessageW(slider, TBM_GETPOS, 0, 0)) / stepsOfDecibel;
 }
 
+// Not every system has it in the middle of the slider.
+int middleOfThumb(HWND slider) {
+    RECT thumb{};
+    SendMessageW(slider, TBM_GETTHUMBRECT, 0, reinterpret_cast<LPARAM>(&thumb));
+    return (thumb.left + thumb.right) / 2;
+}
+
 std::wstring decibelText(float decibels) {
     const auto halves = std::lround(decibels * stepsOfDecibel);
     if (halves == 0)
@@ -56,7 +63,6 @@ EqualizerPanel::EqualizerPanel(const ChildControls& controls)
           controls.add(L"COMBOBOX", L"", CBS_DROPDOWNLIST | WS_VSCROLL | WS_TABSTOP, CTL_PRESET)),
       reset_(controls.add(L"BUTTON", L"Reset", WS_TABSTOP, CMD_EQUALIZER_RESET)) {
     setAccessibleName(preset_, L"Equalizer preset");
-    SendMessageW(preset_, CB_SETITEMHEIGHT, static_cast<WPARAM>(-1), controls.scaled(18));
     for (const EqualizerPreset& preset : presets)
         SendMessageW(preset_, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(preset.name));
     SendMessageW(preset_, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(L"Own"));
@@ -134,8 +140,10 @@ int EqualizerPanel::layOut(int left, int top, int width) {
         const int sliderWidth = std::min(columnWidth, scaled(32));
         const Band& here = bands_[static_cast<std::size_t>(band)];
         place(here.decibels, x, y, columnWidth, textHeight);
-        place(here.slider, x + (columnWidth - sliderWidth) / 2, y + textHeight, sliderWidth,
-              sliderHeight);
+        const int sliderLeft = x + (columnWidth - sliderWidth) / 2;
+        place(here.slider, sliderLeft, y + textHeight, sliderWidth, sliderHeight);
+        place(here.slider, sliderLeft + sliderWidth / 2 - middleOfThumb(here.slider),
+              y + textHeight, sliderWidth, sliderHeight);
         place(here.frequency, x, y + textHeight + sliderHeight, columnWidth, textHeight);
     }
     return y + 2 * textHeight + sliderHeight - top;

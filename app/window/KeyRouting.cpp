@@ -21,7 +21,7 @@ bool belongsToFocus(const MSG& message) {
         return upOrDown || key == VK_LEFT || key == VK_RIGHT;
     if (is(L"LISTBOX"))
         return upOrDown;
-    return is(L"BUTTON") && (key == VK_SPACE || key == VK_RETURN);
+    return is(L"BUTTON") && key == VK_SPACE;
 }
 
 } // namespace corvina::app

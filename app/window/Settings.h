@@ -20,7 +20,7 @@ struct Settings {
     bool decibels = true;
     bool octaves = true;
     bool peaks = true;
-    bool channels = false;
+    bool channels = true;
     DWORD barColor = RGB(86, 196, 120);
     DWORD curveColor = RGB(102, 178, 255);
     DWORD backgroundColor = RGB(18, 20, 26);

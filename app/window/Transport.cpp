@@ -18,6 +18,12 @@ void setPressed(HWND button, bool on) {
     SendMessageW(button, BM_SETCHECK, on ? BST_CHECKED : BST_UNCHECKED, 0);
 }
 
+int heightOf(HWND control) {
+    RECT area{};
+    GetWindowRect(control, &area);
+    return area.bottom - area.top;
+}
+
 long positionOf(HWND slider) {
     return static_cast<long>(SendMessageW(slider, TBM_GETPOS, 0, 0));
 }
@@ -31,6 +37,7 @@ Transport::Transport(const ChildControls& controls)
       stop_(controls.add(L"BUTTON", L"Stop", WS_TABSTOP, CMD_STOP)),
       next_(controls.add(L"BUTTON", L"Next", WS_TABSTOP, CMD_NEXT)),
       mute_(controls.add(L"BUTTON", L"Mute", pressedButton, CMD_MUTE)),
+      volumeLabel_(controls.addLabel(L"Volume")),
       volume_(controls.addSlider(L"Volume", TBS_HORZ, CTL_VOLUME, 0, 100)),
       meter_(controls.parent()), balanceLabel_(controls.addLabel(L"Balance")),
       balance_(controls.addSlider(L"Balance", TBS_HORZ, CTL_BALANCE, -100, 100)),
@@ -39,7 +46,6 @@ Transport::Transport(const ChildControls& controls)
       device_(
           controls.add(L"COMBOBOX", L"", CBS_DROPDOWNLIST | WS_VSCROLL | WS_TABSTOP, CTL_DEVICE)) {
     setAccessibleName(device_, L"Output device");
-    SendMessageW(device_, CB_SETITEMHEIGHT, static_cast<WPARAM>(-1), controls.scaled(18));
     for (const HWND slider : {volume_, balance_}) {
         SendMessageW(slider, TBM_SETLINESIZE, 0, 5);
         SendMessageW(slider, TBM_SETPAGESIZE, 0, 10);
@@ -92,23 +98,24 @@ int Transport::layOut(int left, int top, int width) {
     const int textHeight = scaled(16);
     const int listHeight = scaled(300); // of the devices, when it is open
     const auto button = [&](HWND window) {
-        return RowItem{window, scaled(58), scaled(72), height};
+        return RowItem{window, scaled(54), scaled(66), height};
     };
     const std::array rows{
         button(previous_),
         button(play_),
         button(stop_),
         button(next_),
-        RowItem{mute_, scaled(48), scaled(56), height},
-        RowItem{volume_, scaled(80), scaled(130), height},
-        RowItem{meter_.window(), scaled(80), scaled(110), scaled(20)},
+        RowItem{mute_, scaled(46), scaled(50), height},
+        RowItem{volumeLabel_, scaled(46), scaled(46), textHeight},
+        RowItem{volume_, scaled(80), scaled(110), height},
+        RowItem{meter_.window(), scaled(80), scaled(100), scaled(20)},
     };
     const std::array below{
         RowItem{balanceLabel_, scaled(48), scaled(48), textHeight},
         RowItem{balance_, scaled(80), scaled(110), height},
         RowItem{equalizer_, scaled(76), scaled(80), height},
         RowItem{deviceLabel_, scaled(44), scaled(44), textHeight},
-        RowItem{device_, scaled(120), scaled(200), scaled(24), listHeight},
+        RowItem{device_, scaled(120), scaled(200), heightOf(device_), listHeight},
     };
     const int first = layOutRows(rows, left, top, width, gap);
     return first + gap + layOutRows(below, left, top + first + gap, width, gap);

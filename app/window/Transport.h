@@ -35,7 +35,7 @@ public:
 
 private:
     const ChildControls& controls_;
-    HWND previous_, play_, stop_, next_, mute_, volume_;
+    HWND previous_, play_, stop_, next_, mute_, volumeLabel_, volume_;
     LevelMeter meter_;
     HWND balanceLabel_, balance_, equalizer_, deviceLabel_, device_;
 };

@@ -41,7 +41,7 @@ TEST_F(WindowSettings, are_the_same_in_the_next_run) {
     settings.decibels = false;
     settings.octaves = false;
     settings.peaks = false;
-    settings.channels = true;
+    settings.channels = false;
     settings.barColor = RGB(1, 2, 3);
     settings.shuffle = true;
     settings.repeat = true;
@@ -59,7 +59,7 @@ TEST_F(WindowSettings, are_the_same_in_the_next_run) {
     EXPECT_TRUE(loaded.equalizerShown);
     EXPECT_EQ(loaded.graphStyle, 0u);
     EXPECT_FALSE(loaded.decibels || loaded.octaves || loaded.peaks);
-    EXPECT_TRUE(loaded.channels);
+    EXPECT_FALSE(loaded.channels);
     EXPECT_EQ(loaded.barColor, RGB(1, 2, 3));
     EXPECT_TRUE(loaded.shuffle && loaded.repeat && loaded.loop);
     EXPECT_TRUE(EqualRect(&loaded.place, &settings.place));
