@@ -31,7 +31,8 @@ std::optional<long> timeOf(const wchar_t* text) {
     unsigned minutes = 0;
     unsigned seconds = 0;
     unsigned frames = 0;
-    if (std::swscanf(text, L"%5u:%2u:%2u", &minutes, &seconds, &frames) != 3 || minutes > 30000)
+    if (std::swscanf(text, L"%5u:%2u:%2u", &minutes, &seconds, &frames) != 3 || minutes > 30000 ||
+        seconds > 59 || frames > 74)
         return std::nullopt;
     return static_cast<long>((minutes * 60 + seconds) * 1000 + (frames * 1000 + 37) / 75);
 }

@@ -47,6 +47,10 @@ TEST(CueSheet, tracks_of_data_are_left_out_and_end_the_one_before) {
 TEST(CueSheet, times_that_make_no_sense_name_no_track) {
     EXPECT_EQ(tracksOf("FILE \"a.wav\" WAVE\nTRACK 01 AUDIO\nINDEX 01 nonsense\n"),
               (Tracks{{std::wstring(L"C:\\a.wav")}}));
+    for (const char* time : {"00:-1:00", "00:00:75", "00:60:00", "99999:00:00", "-1:00:00"})
+        EXPECT_EQ(tracksOf("FILE \"a.wav\" WAVE\nTRACK 01 AUDIO\nINDEX 01 " + std::string(time)),
+                  (Tracks{{std::wstring(L"C:\\a.wav")}}))
+            << time;
     // An end before the beginning is none.
     EXPECT_EQ(tracksOf("FILE \"a.wav\" WAVE\nTRACK 01 AUDIO\nTITLE A\nINDEX 01 00:20:00\n"
                        "TRACK 02 AUDIO\nTITLE B\nINDEX 01 00:10:00\n"),
