@@ -72,18 +72,33 @@ FileFormat PlayerClient::format() {
             call(player_, &_cPlayer::get_Info_Duration)};
 }
 
+// Without the library that reads tags of every format, some decoders know a few of their own.
 std::vector<FileTag> PlayerClient::tags(const std::wstring& file) {
-    static constexpr std::pair<const wchar_t*, Member<BSTR*>> members[] = {
-        {L"Title", &_cPlayer::get_Tag_Title},     {L"Artist", &_cPlayer::get_Tag_Artist},
-        {L"Album", &_cPlayer::get_Tag_Album},     {L"Track", &_cPlayer::get_Tag_TrackNumber},
-        {L"Year", &_cPlayer::get_Tag_SongYear},   {L"Genre", &_cPlayer::get_Tag_Genre},
-        {L"Comment", &_cPlayer::get_Tag_Comment},
+    struct Tag {
+        const wchar_t* shown;
+        const wchar_t* name;
+        Member<BSTR*> decoders;
     };
-    call(player_, &_cPlayer::GetID3Tags, TextArgument(file));
+    static constexpr Tag known[] = {
+        {L"Title", L"TITLE", &_cPlayer::get_Tag_Title},
+        {L"Artist", L"ARTIST", &_cPlayer::get_Tag_Artist},
+        {L"Album", L"ALBUM", &_cPlayer::get_Tag_Album},
+        {L"Track", L"TRACKNUMBER", &_cPlayer::get_Tag_TrackNumber},
+        {L"Year", L"DATE", &_cPlayer::get_Tag_SongYear},
+        {L"Genre", L"GENRE", &_cPlayer::get_Tag_Genre},
+        {L"Comment", L"COMMENT", &_cPlayer::get_Tag_Comment},
+    };
+    const bool ofEveryFormat = call(player_, &_cPlayer::get_TagCount) > 0;
+    if (!ofEveryFormat)
+        call(player_, &_cPlayer::GetID3Tags, TextArgument(file));
     std::vector<FileTag> result;
-    for (const auto& [name, member] : members)
-        if (std::wstring value = takeText(call(player_, member)); !value.empty())
-            result.push_back({name, std::move(value)});
+    for (const Tag& tag : known) {
+        std::wstring value =
+            takeText(ofEveryFormat ? call(player_, &_cPlayer::get_TagText, TextArgument(tag.name))
+                                   : call(player_, tag.decoders));
+        if (!value.empty())
+            result.push_back({tag.shown, std::move(value)});
+    }
     return result;
 }
 

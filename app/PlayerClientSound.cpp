@@ -5,6 +5,12 @@
 
 namespace corvina::app {
 
+namespace {
+
+_COM_SMARTPTR_TYPEDEF(IDispatch, __uuidof(IDispatch));
+
+} // namespace
+
 PlayState PlayerClient::state() {
     return call(player_, &_cPlayer::get_State);
 }
@@ -89,24 +95,10 @@ std::wstring PlayerClient::extensions() {
     return takeText(call(player_, &_cPlayer::get_Extensions));
 }
 
-// By its name: a control of an older version has no such property, and then there is no picture.
 IPicturePtr PlayerClient::cover() {
-    wchar_t name[] = L"Picture";
-    LPOLESTR names = name;
-    DISPID id = 0;
-    if (FAILED(player_->GetIDsOfNames(IID_NULL, &names, 1, LOCALE_USER_DEFAULT, &id)))
-        return nullptr;
-    DISPPARAMS none{};
-    _variant_t result;
-    if (FAILED(player_->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &none,
-                               &result, nullptr, nullptr)) ||
-        result.vt != VT_DISPATCH || !result.pdispVal)
-        return nullptr;
-    IPicture* picture = nullptr;
-    if (FAILED(result.pdispVal->QueryInterface(__uuidof(IPicture),
-                                               reinterpret_cast<void**>(&picture))))
-        return nullptr;
-    return IPicturePtr(picture, false);
+    // It is the caller's, and an object for scripts; what draws is another interface of it.
+    const IDispatchPtr object(call(player_, &_cPlayer::get_Picture), false);
+    return IPicturePtr(object);
 }
 
 } // namespace corvina::app
