@@ -10,6 +10,10 @@ std::optional<Key> meaningOf(const KEY_EVENT_RECORD& event) {
         return Key::back;
     case VK_RIGHT:
         return Key::forward;
+    case VK_UP:
+        return Key::louder;
+    case VK_DOWN:
+        return Key::quieter;
     default:
         break;
     }
@@ -28,6 +32,16 @@ std::optional<Key> meaningOf(const KEY_EVENT_RECORD& event) {
     case L'r':
     case L'R':
         return Key::repeat;
+    case L'l':
+    case L'L':
+        return Key::loop;
+    case L'+':
+        return Key::louder;
+    case L'-':
+        return Key::quieter;
+    case L'm':
+    case L'M':
+        return Key::mute;
     case L's':
     case L'S':
         return Key::stop;

@@ -10,7 +10,21 @@
 
 namespace corvina::app {
 
-enum class Key { pause, back, forward, next, previous, stop, shuffle, repeat, quit };
+enum class Key {
+    pause,
+    back,
+    forward,
+    next,
+    previous,
+    stop,
+    shuffle,
+    repeat,
+    loop,
+    louder,
+    quieter,
+    mute,
+    quit
+};
 
 class ConsoleKeys {
 public:

@@ -22,20 +22,20 @@ void moveItem(std::vector<Item>& items, std::size_t from, std::size_t to) {
 
 } // namespace
 
-void PlayList::add(std::wstring file) {
-    files_.push_back(std::move(file));
+void PlayList::add(Track track) {
+    tracks_.push_back(std::move(track));
     states_.push_back({.id = nextId_++, .failure = {}});
 }
 
 void PlayList::remove(std::size_t index) {
     if (index >= size())
         return;
-    files_.erase(files_.begin() + static_cast<std::ptrdiff_t>(index));
+    tracks_.erase(tracks_.begin() + static_cast<std::ptrdiff_t>(index));
     states_.erase(states_.begin() + static_cast<std::ptrdiff_t>(index));
 }
 
 void PlayList::clear() noexcept {
-    files_.clear();
+    tracks_.clear();
     states_.clear();
     history_.clear();
 }
@@ -43,7 +43,7 @@ void PlayList::clear() noexcept {
 void PlayList::move(std::size_t from, std::size_t to) {
     if (from >= size() || to >= size())
         return;
-    moveItem(files_, from, to);
+    moveItem(tracks_, from, to);
     moveItem(states_, from, to);
 }
 
@@ -86,15 +86,14 @@ std::optional<std::size_t> PlayList::after(std::size_t index) {
             return index + 1;
         return repeated_ ? std::optional<std::size_t>(0) : std::nullopt;
     }
-    if (const auto next = anyUnplayed(std::nullopt))
+    if (const auto next = anyUnplayed(index))
         return next;
     if (!repeated_)
         return std::nullopt;
-    // A new round, which does not begin with the file that the last one ended with.
+    // A new round, which does not begin with the track that the last one ended with.
     for (State& state : states_)
         state.played = false;
-    const auto next = anyUnplayed(size() > 1 ? std::optional(index) : std::nullopt);
-    return next;
+    return anyUnplayed(size() > 1 ? std::optional(index) : std::nullopt);
 }
 
 std::size_t PlayList::before(std::size_t index) {

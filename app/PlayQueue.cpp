@@ -4,6 +4,7 @@
 #include "ErrorWords.h"
 
 #include <algorithm>
+#include <mmsystem.h>
 #include <utility>
 
 namespace corvina::app {
@@ -15,9 +16,17 @@ constexpr auto stopPatience = std::chrono::seconds(5);
 } // namespace
 
 PlayQueue::PlayQueue(QueueHandlers handlers)
-    : handlers_(std::move(handlers)),
-      player_({[this] { onDonePlay(); }, [this](const ErrorEvent& event) { onErr(event); }}) {}
+    : handlers_(std::move(handlers)), player_(playerHandlers()) {
+    player_.setCleanEnd(true);
+    player_.setRecover(true);
+}
 
+void PlayQueue::add(Track track) {
+    list_.add(std::move(track));
+    plan();
+}
+
+// Another track takes the place of one that is removed while it plays, until its end has come.
 void PlayQueue::remove(std::size_t index) {
     if (index >= list_.size())
         return;
@@ -28,6 +37,7 @@ void PlayQueue::remove(std::size_t index) {
         --current_;
     if (index < chosen_)
         --chosen_;
+    plan();
 }
 
 void PlayQueue::move(std::size_t from, std::size_t to) {
@@ -36,6 +46,7 @@ void PlayQueue::move(std::size_t from, std::size_t to) {
     list_.move(from, to);
     current_ = PlayList::movedIndex(current_, from, to);
     chosen_ = PlayList::movedIndex(chosen_, from, to);
+    plan();
 }
 
 void PlayQueue::clear() {
@@ -44,8 +55,24 @@ void PlayQueue::clear() {
     current_ = 0;
 }
 
-void PlayQueue::play(std::size_t index, long atSecond) {
-    startSecond_ = atSecond;
+void PlayQueue::setShuffled(bool on) {
+    list_.setShuffled(on);
+    plannedId_.reset();
+    plan();
+}
+
+void PlayQueue::setRepeated(bool on) {
+    list_.setRepeated(on);
+    plan();
+}
+
+void PlayQueue::setLooping(bool on) {
+    looping_ = on;
+    plan();
+}
+
+void PlayQueue::play(std::size_t index, long atMs) {
+    startMs_ = atMs;
     active_ = true;
     if (playing_)
         stopThen(Then::chosen, index);
@@ -68,34 +95,6 @@ void PlayQueue::previous() {
         stopThen(Then::chosen, list_.before(current_));
 }
 
-void PlayQueue::togglePause() {
-    if (!isPlaying())
-        return;
-    if (player_.isPaused())
-        player_.goOn();
-    else
-        player_.pause();
-}
-
-void PlayQueue::seekTo(long second) {
-    if (isPlaying())
-        player_.seek(std::max(0L, second));
-}
-
-void PlayQueue::seekBy(long seconds) {
-    if (isPlaying())
-        seekTo(player_.positionSeconds() + seconds);
-}
-
-void PlayQueue::tick() {
-    if (!playing_ || !deadline_ || Clock::now() <= *deadline_)
-        return;
-    // A block that the device refused never comes back, and then no DonePlay comes either.
-    report(L"The device did not finish playing; giving up.");
-    player_.abandon();
-    onDonePlay();
-}
-
 void PlayQueue::stopThen(Then then, std::size_t chosen) {
     then_ = then;
     chosen_ = chosen;
@@ -105,14 +104,24 @@ void PlayQueue::stopThen(Then then, std::size_t chosen) {
     player_.stop();
 }
 
-// Plays the first file from there on that can be played. A repeated list is tried once, not for
+void PlayQueue::tick() {
+    if (!playing_ || !deadline_ || Clock::now() <= *deadline_)
+        return;
+    report(L"The device did not finish playing; giving up.");
+    playing_ = false; // the end that this raises comes too early for a new start
+    player_.abandon();
+    playing_ = true;
+    onEnded(PLAYEND_STOPPED);
+}
+
+// Plays the first track from there on that can be played. A repeated list is tried once, not for
 // ever.
 void PlayQueue::startFrom(std::size_t index) {
     current_ = index;
     for (std::size_t tries = list_.size(); tries > 0 && current_ < list_.size(); --tries) {
         list_.markPlayed(current_);
-        const std::wstring file = list_.files()[current_];
-        if (start(file))
+        const Track wanted = track();
+        if (start(wanted))
             return;
         current_ = list_.after(current_).value_or(list_.size());
     }
@@ -120,14 +129,15 @@ void PlayQueue::startFrom(std::size_t index) {
     end();
 }
 
-bool PlayQueue::start(const std::wstring& file) {
+bool PlayQueue::start(const Track& wanted) {
     deadline_.reset();
     then_ = Then::next;
     errSeen_ = false;
-    const long second = std::exchange(startSecond_, 0);
+    plannedId_.reset();
+    const long atMs = std::exchange(startMs_, 0);
     long result = 0;
     try {
-        result = player_.start(file, device_);
+        result = startOn(wanted.file);
     } catch (const _com_error& error) {
         errSeen_ = true;
         report(describe(error));
@@ -137,67 +147,83 @@ bool PlayQueue::start(const std::wstring& file) {
         // The control has reported its own failures by Err; a device's come as a result alone.
         if (!errSeen_)
             report(describeResult(result, player_.errorText(result)));
-        if (const std::wstring words = missingLibraryWords(result, file); !words.empty())
+        if (const std::wstring words = missingLibraryWords(result, wanted.file); !words.empty())
             report(words);
         remember(result);
         return false;
     }
     playing_ = true;
     list_.setFailure(current_, {});
-    // Nothing has been read yet, so the first sound comes from there.
-    if (second > 0)
-        player_.seek(second);
-    if (handlers_.started)
+    plan();
+    skipTo(wanted.startMs + std::max(0L, atMs));
+    if (!deadline_ && handlers_.started)
         handlers_.started();
     return true;
 }
 
-void PlayQueue::onDonePlay() {
-    if (!playing_)
-        return;
-    playing_ = false;
-    std::optional<std::size_t> following;
-    if (then_ == Then::next)
-        following = list_.after(current_);
-    else if (then_ == Then::chosen)
-        following = chosen_;
-    else
-        return end();
-    startFrom(following.value_or(list_.size()));
+// Starts on the chosen device, or on the system's choice if that one is not there.
+long PlayQueue::startOn(const std::wstring& file) {
+    player_.setNextFile({});
+    player_.setDevice(deviceName_);
+    const long result = player_.start(file, device_);
+    if (result != MMSYSERR_BADDEVICEID || device_ != -1 || deviceName_.empty())
+        return result;
+    notice(deviceName_ + L" is not there; the system's choice plays.");
+    player_.setDevice({});
+    return player_.start(file, device_);
 }
 
-void PlayQueue::onErr(const ErrorEvent& event) {
-    if (isExpectedAtEnd(event)) {
-        if (handlers_.remarked)
-            handlers_.remarked(describe(event));
+// Nothing has been read yet, so the first sound comes from there.
+void PlayQueue::skipTo(long fileMs) {
+    if (fileMs == 0)
         return;
+    try {
+        player_.jumpTo(fileMs);
+    } catch (const _com_error& error) {
+        if (track().startMs == 0)
+            return notice(describe(error));
+        // Not this track, but another part of its file would be heard.
+        report(describe(error));
+        remember(comFailure);
+        stopThen(Then::next);
     }
-    errSeen_ = true;
-    report(describe(event));
-    if (!playing_)
-        return; // a start that fails returns its result
-    remember(event.number);
-    if (event.function == L"WindowProcOut:waveOutWrite")
-        stopThen(then_, chosen_); // the block is lost, perhaps the device with it
 }
 
-// The file keeps the reason, too: the last words about it say most.
-void PlayQueue::report(const std::wstring& words) {
-    list_.setFailure(current_, words);
-    if (handlers_.failed)
-        handlers_.failed(words);
+void PlayQueue::togglePause() {
+    if (!isPlaying())
+        return;
+    if (player_.isPaused())
+        player_.goOn();
+    else
+        player_.pause();
 }
 
-void PlayQueue::remember(long result) noexcept {
-    if (result_ == 0)
-        result_ = result;
+void PlayQueue::seekTo(long milliseconds) {
+    if (!isPlaying())
+        return;
+    try {
+        player_.jumpTo(track().startMs + std::clamp(milliseconds, 0L, durationMs()));
+    } catch (const _com_error& error) {
+        notice(describe(error));
+    }
+    if (handlers_.progressed)
+        handlers_.progressed();
 }
 
-void PlayQueue::end() {
-    deadline_.reset();
-    active_ = false;
-    if (handlers_.ended)
-        handlers_.ended();
+void PlayQueue::seekBy(long milliseconds) {
+    if (isPlaying())
+        seekTo(positionMs() + milliseconds);
+}
+
+long PlayQueue::positionMs() {
+    return isPlaying() ? std::max(0L, player_.positionMs() - track().startMs) : 0;
+}
+
+long PlayQueue::durationMs() {
+    if (!isPlaying())
+        return 0;
+    const long end = track().endMs > 0 ? track().endMs : player_.durationMs();
+    return std::max(0L, end - track().startMs);
 }
 
 } // namespace corvina::app

@@ -1,8 +1,7 @@
 #include "PlayerClient.h"
 
-#include <cmath>
-#include <tuple>
-#include <type_traits>
+#include "PlayerCalls.h"
+
 #include <utility>
 
 namespace corvina::app {
@@ -10,57 +9,6 @@ namespace corvina::app {
 namespace {
 
 _COM_SMARTPTR_TYPEDEF(IConnectionPointContainer, __uuidof(IConnectionPointContainer));
-
-// An interface member whose last parameter receives its result.
-template <typename... Parameters>
-using Member = HRESULT (STDMETHODCALLTYPE _cPlayer::*)(Parameters...);
-
-template <typename... Parameters>
-using ResultOf = std::remove_pointer_t<
-    std::tuple_element_t<sizeof...(Parameters) - 1, std::tuple<Parameters...>>>;
-
-[[noreturn]] void throwWithErrorInformation(HRESULT code) {
-    IErrorInfo* information = nullptr;
-    if (GetErrorInfo(0, &information) != S_OK)
-        information = nullptr;
-    throw _com_error(code, information);
-}
-
-// Calls a member of the control and returns its result; a failed call throws with the control's own
-// error information.
-template <typename... Parameters, typename... Arguments>
-ResultOf<Parameters...> call(const _cPlayerPtr& player, Member<Parameters...> member,
-                             Arguments&&... arguments) {
-    _cPlayer* const control = player.GetInterfacePtr();
-    ResultOf<Parameters...> result{};
-    const HRESULT code = (control->*member)(std::forward<Arguments>(arguments)..., &result);
-    if (FAILED(code))
-        throwWithErrorInformation(code);
-    return result;
-}
-
-std::wstring takeText(BSTR text) {
-    std::wstring copy(text ? text : L"", SysStringLen(text));
-    SysFreeString(text);
-    return copy;
-}
-
-// A text as an argument, with any character in it.
-class TextArgument {
-public:
-    explicit TextArgument(const std::wstring& text)
-        : text_(SysAllocStringLen(text.data(), static_cast<UINT>(text.size()))) {
-        if (!text_)
-            _com_issue_error(E_OUTOFMEMORY);
-    }
-    ~TextArgument() { SysFreeString(text_); }
-    TextArgument(const TextArgument&) = delete;
-    TextArgument& operator=(const TextArgument&) = delete;
-    operator BSTR() const noexcept { return text_; }
-
-private:
-    BSTR text_;
-};
 
 } // namespace
 
@@ -112,26 +60,6 @@ long PlayerClient::goOn() {
     return call(player_, &_cPlayer::PlayUnPause);
 }
 
-bool PlayerClient::isPlaying() {
-    return call(player_, &_cPlayer::IsPlaying) != VARIANT_FALSE;
-}
-
-bool PlayerClient::isPaused() {
-    return call(player_, &_cPlayer::IsPausedOut) != VARIANT_FALSE;
-}
-
-long PlayerClient::positionSeconds() {
-    return call(player_, &_cPlayer::PositionGet);
-}
-
-void PlayerClient::seek(long seconds) {
-    call(player_, &_cPlayer::PositionSet, seconds);
-}
-
-long PlayerClient::audioData() {
-    return call(player_, &_cPlayer::get_AudioDataOut);
-}
-
 void PlayerClient::showAbout() {
     player_->About();
 }
@@ -144,13 +72,14 @@ FileFormat PlayerClient::format() {
             call(player_, &_cPlayer::get_Info_Duration)};
 }
 
-// What the decoder knows stands in where the tags of all formats are not to be had.
+// Without the library that reads tags of every format, some decoders know a few of their own.
 std::vector<FileTag> PlayerClient::tags(const std::wstring& file) {
-    static constexpr struct {
-        const wchar_t* label;
-        const wchar_t* tag;
-        Member<BSTR*> otherwise;
-    } members[] = {
+    struct Tag {
+        const wchar_t* shown;
+        const wchar_t* name;
+        Member<BSTR*> decoders;
+    };
+    static constexpr Tag known[] = {
         {L"Title", L"TITLE", &_cPlayer::get_Tag_Title},
         {L"Artist", L"ARTIST", &_cPlayer::get_Tag_Artist},
         {L"Album", L"ALBUM", &_cPlayer::get_Tag_Album},
@@ -159,14 +88,16 @@ std::vector<FileTag> PlayerClient::tags(const std::wstring& file) {
         {L"Genre", L"GENRE", &_cPlayer::get_Tag_Genre},
         {L"Comment", L"COMMENT", &_cPlayer::get_Tag_Comment},
     };
-    call(player_, &_cPlayer::GetID3Tags, TextArgument(file));
+    const bool ofEveryFormat = call(player_, &_cPlayer::get_TagCount) > 0;
+    if (!ofEveryFormat)
+        call(player_, &_cPlayer::GetID3Tags, TextArgument(file));
     std::vector<FileTag> result;
-    for (const auto& [label, tag, otherwise] : members) {
-        std::wstring value = takeText(call(player_, &_cPlayer::get_TagText, TextArgument(tag)));
-        if (value.empty())
-            value = takeText(call(player_, otherwise));
+    for (const Tag& tag : known) {
+        std::wstring value =
+            takeText(ofEveryFormat ? call(player_, &_cPlayer::get_TagText, TextArgument(tag.name))
+                                   : call(player_, tag.decoders));
         if (!value.empty())
-            result.push_back({label, std::move(value)});
+            result.push_back({tag.shown, std::move(value)});
     }
     return result;
 }

@@ -8,8 +8,11 @@
 // throws _com_error.
 
 #include "PlayerEvents.h"
+#include "PlayerRecords.h"
 
 #include <comdef.h>
+#include <ocidl.h>
+#include <olectl.h>
 
 #include <string>
 #include <vector>
@@ -17,31 +20,13 @@
 namespace corvina::app {
 
 _COM_SMARTPTR_TYPEDEF(_cPlayer, __uuidof(_cPlayer));
+_COM_SMARTPTR_TYPEDEF(IPicture, __uuidof(IPicture));
 _COM_SMARTPTR_TYPEDEF(IConnectionPoint, __uuidof(IConnectionPoint));
-
-struct FileFormat {
-    long bitrate = 0; // bits per second as stored
-    long bitsPerSample = 0;
-    short channels = 0;
-    long sampleRate = 0; // Hz
-    double seconds = 0;
-};
-
-struct FileTag {
-    const wchar_t* name;
-    std::wstring value;
-};
-
-struct OutputDevice {
-    long index = 0;
-    std::wstring name;
-    short channels = 0;
-};
 
 class PlayerClient {
 public:
     explicit PlayerClient(PlayerHandlers handlers);
-    // Stops without waiting for DonePlay; no handler is called any more.
+    // Stops at once; no handler is called any more.
     ~PlayerClient();
     PlayerClient(const PlayerClient&) = delete;
     PlayerClient& operator=(const PlayerClient&) = delete;
@@ -51,22 +36,52 @@ public:
     long stop();
     long pause();
     long goOn();
-    // Ends a playback at once, also one that the device does not finish; no DonePlay comes.
+    // Ends a playback at once, also one that the device does not finish.
     void abandon();
-    [[nodiscard]] bool isPlaying();
-    [[nodiscard]] bool isPaused();
-    [[nodiscard]] long positionSeconds();
-    void seek(long seconds);
+    [[nodiscard]] PlayState state();
+    [[nodiscard]] bool isPaused() { return state() == PLAY_PAUSED; }
 
-    // Address of the samples last sent to the device, until the next message is handled.
-    [[nodiscard]] long audioData();
+    // What is heard of the file that plays, in milliseconds.
+    [[nodiscard]] long positionMs();
+    [[nodiscard]] long durationMs();
+    // Jumps there at once; throws for a place outside the file, and if the file has no places.
+    void jumpTo(long milliseconds);
+    // How often the position is reported; 0 for never.
+    void setPositionInterval(long milliseconds);
+    // Peak of what is heard in channel 1 or 2, 0 to 100.
+    [[nodiscard]] long level(long channel);
+
+    // What follows without a gap; empty for nothing.
+    void setNextFile(const std::wstring& file);
+    void setLooping(bool on);
+    // Output device by its name, for a start on device -1; empty for the system's choice.
+    void setDevice(const std::wstring& name);
+    void setRecover(bool on);
+    void setCleanEnd(bool on);
+
+    [[nodiscard]] long volume(); // 0 to 100
+    void setVolume(long percent);
+    [[nodiscard]] bool mute();
+    void setMute(bool on);
+    [[nodiscard]] long balance(); // -100 to 100
+    void setBalance(long value);
+    [[nodiscard]] float equalizerGain(long band); // of bands 1 to 10, in decibels
+    void setEqualizerGain(long band, float decibels);
+
     void showAbout();
+    // For another control, such as the graph, to which it is handed.
+    [[nodiscard]] IDispatch* control() const noexcept { return player_.GetInterfacePtr(); }
 
     // Of the file opened or started last.
     [[nodiscard]] FileFormat format();
     [[nodiscard]] std::vector<FileTag> tags(const std::wstring& file); // those that are not empty
+    [[nodiscard]] std::wstring formatName();
+    // The picture that belongs to that file; null if there is none.
+    [[nodiscard]] IPicturePtr cover();
     [[nodiscard]] std::vector<OutputDevice> devices();
 
+    // Patterns of all files that can be played: "*.wav;*.mp3".
+    [[nodiscard]] std::wstring extensions();
     [[nodiscard]] std::wstring timeText(long seconds);
     [[nodiscard]] std::wstring errorText(long result);
 

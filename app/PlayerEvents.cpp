@@ -9,6 +9,10 @@ namespace {
 // Dispatch ids of the event interface, as published in the type library.
 constexpr DISPID donePlayId = 1;
 constexpr DISPID errId = 2;
+constexpr DISPID endedId = 3;
+constexpr DISPID stateChangedId = 4;
+constexpr DISPID positionChangedId = 5;
+constexpr DISPID nextStartedId = 6;
 
 std::wstring textOf(const VARIANT& value) {
     return value.vt == VT_BSTR ? std::wstring(value.bstrVal, SysStringLen(value.bstrVal))
@@ -62,20 +66,41 @@ HRESULT PlayerEvents::GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) {
 
 HRESULT PlayerEvents::Invoke(DISPID member, REFIID, LCID, WORD, DISPPARAMS* arguments, VARIANT*,
                              EXCEPINFO*, UINT*) {
+    if (!arguments)
+        return E_INVALIDARG;
     try {
-        switch (member) {
-        case donePlayId:
-            if (handlers_.donePlay)
-                handlers_.donePlay();
-            return S_OK;
-        case errId:
-            return arguments ? onErr(*arguments) : E_INVALIDARG;
-        default:
-            return DISP_E_MEMBERNOTFOUND;
-        }
+        return dispatch(member, *arguments);
     } catch (...) {
         return E_UNEXPECTED;
     }
+}
+
+HRESULT PlayerEvents::dispatch(DISPID member, const DISPPARAMS& arguments) const {
+    if (member == donePlayId) {
+        if (handlers_.donePlay)
+            handlers_.donePlay();
+        return S_OK;
+    }
+    if (member == errId)
+        return onErr(arguments);
+    if (member < endedId || member > nextStartedId)
+        return DISP_E_MEMBERNOTFOUND;
+    if (arguments.cArgs != 1)
+        return DISP_E_BADPARAMCOUNT;
+    const VARIANT& argument = arguments.rgvarg[0];
+    const auto raise = [](const auto& handler, const auto& value) {
+        if (handler)
+            handler(value);
+    };
+    if (member == endedId)
+        raise(handlers_.ended, static_cast<PlayEndReason>(numberOf(argument)));
+    else if (member == stateChangedId)
+        raise(handlers_.stateChanged, static_cast<PlayState>(numberOf(argument)));
+    else if (member == positionChangedId)
+        raise(handlers_.positionChanged, numberOf(argument));
+    else
+        raise(handlers_.nextStarted, textOf(argument));
+    return S_OK;
 }
 
 HRESULT PlayerEvents::onErr(const DISPPARAMS& arguments) const {

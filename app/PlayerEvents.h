@@ -20,8 +20,12 @@ struct ErrorEvent {
 };
 
 struct PlayerHandlers {
-    std::function<void()> donePlay;
-    std::function<void(const ErrorEvent&)> err;
+    std::function<void()> donePlay{};
+    std::function<void(const ErrorEvent&)> err{};
+    std::function<void(PlayEndReason)> ended{};
+    std::function<void(PlayState)> stateChanged{};
+    std::function<void(long milliseconds)> positionChanged{};
+    std::function<void(const std::wstring& file)> nextStarted{};
 };
 
 // The sink that the control calls. The connection point and the client share it by counting.
@@ -45,6 +49,7 @@ public:
 
 private:
     ~PlayerEvents() = default;
+    HRESULT dispatch(DISPID member, const DISPPARAMS& arguments) const;
     HRESULT onErr(const DISPPARAMS& arguments) const;
 
     PlayerHandlers handlers_;

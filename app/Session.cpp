@@ -4,6 +4,7 @@
 #include "MessageLoop.h"
 #include "window/WindowPicture.h"
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -12,6 +13,7 @@ namespace corvina::app {
 namespace {
 
 constexpr DWORD tickMs = 100;
+constexpr long longestStart = 2'000'000; // seconds; in milliseconds it is a number of the control's
 // Long enough for the bars to have risen, short enough for a short tune.
 constexpr auto pictureAfter = std::chrono::milliseconds(2500);
 
@@ -20,8 +22,8 @@ constexpr auto pictureAfter = std::chrono::milliseconds(2500);
 Session::Session(const Options& options, ConsoleScreen& screen, const Interrupt& interrupt)
     : options_(options), interrupt_(interrupt), terminal_(screen), queue_(handlers()) {
     queue_.setDevice(options.device.value_or(-1));
-    for (std::wstring& file : expandPaths(options.files))
-        queue_.add(std::move(file));
+    for (Track& track : expandPaths(options.files, queue_.player().extensions()))
+        queue_.add(std::move(track));
     if (!options.consoleOnly)
         window_ = std::make_unique<PlayerWindow>(queue_, options);
 }
@@ -48,12 +50,25 @@ QueueHandlers Session::handlers() {
             if (options_.verbose)
                 terminal_.onRemarked(words);
         },
+        [this](const std::wstring& words) {
+            terminal_.onRemarked(words);
+            if (window_)
+                window_->onNoticed(words);
+        },
+        [this] {
+            if (window_)
+                window_->onProgress();
+        },
+        [this] {
+            if (window_)
+                window_->onStateChanged();
+        },
     };
 }
 
 long Session::run() {
     if (!options_.files.empty())
-        queue_.play(0, options_.startSeconds);
+        queue_.play(0, 1000 * std::min(options_.startSeconds, longestStart));
     const auto handled = [this](MSG& message) { return window_ && window_->translate(message); };
     while (!leaving() || queue_.isActive()) {
         if (leaving())

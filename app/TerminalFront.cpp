@@ -3,29 +3,52 @@
 #include "FileReport.h"
 #include "ProgressBar.h"
 
+#include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace corvina::app {
 
 namespace {
 
-constexpr long seekSeconds = 5;
+constexpr long seekMs = 5000;
+constexpr long volumeStep = 5;
+
+long wholeSeconds(long milliseconds) {
+    return std::lround(milliseconds / 1000.0);
+}
+
+// What is unusual about the sound; mostly nothing.
+std::wstring noteOf(PlayerClient& player) {
+    std::wstring note = player.isPaused() ? L"paused" : L"";
+    if (player.mute())
+        note += note.empty() ? L"mute" : L", mute";
+    else if (const long volume = player.volume(); volume < 100)
+        note += (note.empty() ? L"volume " : L", volume ") + std::to_wstring(volume);
+    return note;
+}
+
+void changeVolume(PlayerClient& player, long step) {
+    player.setVolume(std::clamp(player.volume() + step, 0L, 100L));
+}
 
 } // namespace
 
 void TerminalFront::onStarted(PlayQueue& queue) {
     PlayerClient& player = queue.player();
-    const std::wstring& file = queue.files()[queue.current()];
-    for (const std::wstring& line : reportFile(player, file))
+    const Track& track = queue.tracks()[queue.current()];
+    std::vector<std::wstring> lines = reportFile(player, track.file);
+    lines.front() = nameOf(track);
+    for (const std::wstring& line : lines)
         screen_.line(line);
-    durationSeconds_ = player.format().seconds;
-    durationText_ = player.timeText(std::lround(durationSeconds_));
+    durationMs_ = queue.durationMs();
+    durationText_ = player.timeText(wholeSeconds(durationMs_));
 }
 
 void TerminalFront::onFailed(const PlayQueue& queue, const std::wstring& words) {
     screen_.errorLine(words);
-    if (queue.current() < queue.files().size())
-        screen_.errorLine(L"  " + queue.files()[queue.current()]);
+    if (queue.current() < queue.tracks().size())
+        screen_.errorLine(L"  " + queue.tracks()[queue.current()].file);
 }
 
 void TerminalFront::tick(PlayQueue& queue) {
@@ -40,10 +63,10 @@ void TerminalFront::carryOut(PlayQueue& queue, Key key) {
         queue.togglePause();
         break;
     case Key::back:
-        queue.seekBy(-seekSeconds);
+        queue.seekBy(-seekMs);
         break;
     case Key::forward:
-        queue.seekBy(seekSeconds);
+        queue.seekBy(seekMs);
         break;
     case Key::next:
         queue.next();
@@ -59,6 +82,17 @@ void TerminalFront::carryOut(PlayQueue& queue, Key key) {
         queue.setRepeated(!queue.repeated());
         screen_.line(queue.repeated() ? L"The list is repeated" : L"The list is played once");
         break;
+    case Key::loop:
+        queue.setLooping(!queue.looping());
+        screen_.line(queue.looping() ? L"The file is repeated" : L"The file is played once");
+        break;
+    case Key::louder:
+    case Key::quieter:
+        changeVolume(queue.player(), key == Key::louder ? volumeStep : -volumeStep);
+        break;
+    case Key::mute:
+        queue.player().setMute(!queue.player().mute());
+        break;
     case Key::quit:
         leaveRequested_ = true;
         [[fallthrough]];
@@ -73,10 +107,10 @@ void TerminalFront::showProgress(PlayQueue& queue) {
     if (columns == 0 || !queue.isPlaying())
         return;
     PlayerClient& player = queue.player();
-    const long position = player.positionSeconds();
-    const double fraction = durationSeconds_ > 0 ? position / durationSeconds_ : 0;
-    screen_.status(progressLine(fraction, player.timeText(position), durationText_,
-                                player.isPaused() ? L"paused" : L"", columns));
+    const long position = queue.positionMs();
+    const double fraction = durationMs_ > 0 ? static_cast<double>(position) / durationMs_ : 0;
+    screen_.status(progressLine(fraction, player.timeText(wholeSeconds(position)), durationText_,
+                                noteOf(player), columns));
 }
 
 } // namespace corvina::app

@@ -31,7 +31,7 @@ private:
 
     ConsoleScreen& screen_;
     ConsoleKeys keys_;
-    double durationSeconds_ = 0;
+    long durationMs_ = 0;
     std::wstring durationText_;
     bool leaveRequested_ = false;
 };

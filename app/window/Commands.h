@@ -29,12 +29,23 @@
 #define CMD_FORWARD 116
 #define CMD_SHUFFLE 117
 #define CMD_REPEAT 118
+#define CMD_LOOP 119
 #define CMD_SPECTRUM 120
 #define CMD_WAVEFORM 121
 #define CMD_BAR_COLOR 122
 #define CMD_CURVE_COLOR 123
 #define CMD_BACKGROUND_COLOR 124
+#define CMD_DECIBELS 125
+#define CMD_OCTAVES 126
+#define CMD_PEAKS 127
+#define CMD_CHANNELS 128
 #define CMD_ABOUT 130
+
+#define CMD_MUTE 140
+#define CMD_LOUDER 141
+#define CMD_QUIETER 142
+#define CMD_EQUALIZER 143
+#define CMD_EQUALIZER_RESET 144
 
 // From here on the recent files, ten of them.
 #define CMD_RECENT 900
@@ -45,3 +56,10 @@
 #define CTL_LIST 200
 #define CTL_SEEK 201
 #define CTL_DEVICE 202
+#define CTL_VOLUME 203
+#define CTL_BALANCE 204
+#define CTL_PRESET 205
+#define CTL_PLAYED 206
+#define CTL_LEFT 207
+// From here on the sliders of the equalizer, ten of them.
+#define CTL_BANDS 210

@@ -21,6 +21,8 @@ public:
     // Lists the devices and selects one. wanted: of the command line; it wins over the remembered
     // one.
     void fill(std::optional<long> wanted);
+    // Lists them anew, because devices come and go.
+    void list();
     // Takes over what was selected in the list; a file that plays continues there.
     void takeSelected();
 
@@ -28,6 +30,7 @@ private:
     PlayQueue& queue_;
     PlayerControls& controls_;
     Settings& settings_;
+    std::optional<long> wanted_; // until the user chooses
     std::vector<OutputDevice> devices_;
 };
 

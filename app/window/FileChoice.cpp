@@ -11,26 +11,20 @@
 
 namespace corvina::app {
 
-namespace {
-
-// Pairs of a name and its patterns, each with a zero behind it, and a last zero behind all.
-std::wstring kindsOfFiles() {
+std::wstring kindsOfFiles(const std::wstring& audioPatterns) {
     std::wstring kinds;
-    const std::wstring audio = audioFilePatterns();
     const std::wstring lists = fileListPatterns();
     for (const std::wstring& text :
-         {std::wstring(L"Audio files and lists"), audio + L";" + lists, std::wstring(L"Lists"),
-          lists, std::wstring(L"All files"), std::wstring(L"*.*")})
+         {std::wstring(L"Audio files and lists"), audioPatterns + L";" + lists,
+          std::wstring(L"Lists"), lists, std::wstring(L"All files"), std::wstring(L"*.*")})
         kinds.append(text).push_back(L'\0');
     return kinds;
 }
 
-} // namespace
-
-std::vector<std::wstring> chooseFiles(HWND owner) {
+std::vector<std::wstring> chooseFiles(HWND owner, const std::wstring& audioPatterns) {
     // One name, or a folder and the names in it, each behind the other with a zero between.
     std::vector<wchar_t> names(64 * 1024);
-    const std::wstring kinds = kindsOfFiles();
+    const std::wstring kinds = kindsOfFiles(audioPatterns);
     OPENFILENAMEW dialog{};
     dialog.lStructSize = sizeof dialog;
     dialog.hwndOwner = owner;

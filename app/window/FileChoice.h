@@ -9,8 +9,10 @@
 
 namespace corvina::app {
 
-// The chosen files, none when the user gave up.
-[[nodiscard]] std::vector<std::wstring> chooseFiles(HWND owner);
+// The chosen files, none when the user gave up. audioPatterns: of the files that can be played.
+[[nodiscard]] std::vector<std::wstring> chooseFiles(HWND owner, const std::wstring& audioPatterns);
+// What its dialog offers: pairs of a name and its patterns, each with a zero behind it.
+[[nodiscard]] std::wstring kindsOfFiles(const std::wstring& audioPatterns);
 
 // A folder, empty when the user gave up.
 [[nodiscard]] std::wstring chooseFolder(HWND owner);

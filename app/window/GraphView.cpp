@@ -47,6 +47,7 @@ GraphView::GraphView(HWND parent) {
 
 // The window goes first: its procedure uses the container.
 GraphView::~GraphView() {
+    graph_->put_Player(nullptr);
     DestroyWindow(window_);
 }
 
@@ -57,8 +58,12 @@ void GraphView::moveTo(const RECT& place) {
     clear();
 }
 
-void GraphView::setStyle(AudioGraphStyle style) {
-    graph_->put_GraphStyle(style);
+void GraphView::setLook(const GraphLook& look) {
+    graph_->put_GraphStyle(look.style);
+    graph_->put_LevelScale(look.decibels ? DECIBEL_SCALE : LINEAR_SCALE);
+    graph_->put_FrequencyAxis(look.octaves ? OCTAVE_AXIS : BAND_AXIS);
+    graph_->put_PeakHold(look.peaks ? VARIANT_TRUE : VARIANT_FALSE);
+    graph_->put_ChannelWaveforms(look.channels ? VARIANT_TRUE : VARIANT_FALSE);
     clear();
 }
 
@@ -69,14 +74,8 @@ void GraphView::setColors(COLORREF bars, COLORREF curve, COLORREF background) {
     clear();
 }
 
-void GraphView::show(long samples) {
-    if (drawing_)
-        return;
-    drawing_ = true;
-    long ignored = 0;
-    if (SUCCEEDED(graph_->SetAudioData(samples, &ignored)))
-        graph_->Display();
-    drawing_ = false;
+void GraphView::follow(IDispatch* player) {
+    check(graph_->put_Player(player));
 }
 
 void GraphView::clear() {

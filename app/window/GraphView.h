@@ -12,6 +12,16 @@ namespace corvina::app {
 _COM_SMARTPTR_TYPEDEF(_cAudioGraph, __uuidof(_cAudioGraph));
 _COM_SMARTPTR_TYPEDEF(IUnknown, __uuidof(IUnknown));
 
+// What the graph shows, and how.
+struct GraphLook {
+    AudioGraphStyle style = FREQUENCY_STYLE;
+    bool decibels = false;
+    bool octaves = false;
+    bool peaks = false;
+    bool channels = false; // each one's waveform by itself
+    friend bool operator==(const GraphLook&, const GraphLook&) = default;
+};
+
 class GraphView {
 public:
     // Throws _com_error if the control or the container is missing.
@@ -21,14 +31,15 @@ public:
     GraphView& operator=(const GraphView&) = delete;
 
     void moveTo(const RECT& place);
-    void setStyle(AudioGraphStyle style);
+    void setLook(const GraphLook& look);
     void setColors(COLORREF bars, COLORREF curve, COLORREF background);
-
-    // Draws the samples at that address. Pending messages are dispatched meanwhile: the window may
-    // be asked to close, files may end and begin.
-    void show(long samples);
+    // The graph draws what this player plays, by itself.
+    void follow(IDispatch* player);
     void clear();
-    [[nodiscard]] bool isDrawing() const noexcept { return drawing_; }
+    // Whether a window is the graph or lies in it.
+    [[nodiscard]] bool contains(HWND window) const noexcept {
+        return window == window_ || IsChild(window_, window);
+    }
 
 private:
     // Sets as many bars as fit into the width.
@@ -37,7 +48,6 @@ private:
     HWND window_;
     _cAudioGraphPtr graph_;
     IUnknownPtr container_; // kept alive by this reference
-    bool drawing_ = false;
 };
 
 } // namespace corvina::app

@@ -1,14 +1,16 @@
 #pragma once
 
-// The child controls of the player window: their places and contents. What they do is decided in
+// The child controls of the player window and their places. What they do is decided in
 // PlayerWindow.h.
 
-#include "Owners.h"
+#include "window/ChildControls.h"
+#include "window/EqualizerPanel.h"
+#include "window/Headline.h"
+#include "window/SeekBar.h"
+#include "window/TrackListBox.h"
+#include "window/Transport.h"
 
-#include <optional>
 #include <string>
-#include <vector>
-#include <windows.h>
 
 namespace corvina::app {
 
@@ -20,53 +22,27 @@ public:
 
     // Lays all out in the parent's client area; returns the place left for the graph.
     RECT layOut();
-    // Pixels of a length that is given for 96 dots an inch.
-    [[nodiscard]] int scaled(int length) const noexcept;
+    // The least client area in which everything can be used.
+    [[nodiscard]] SIZE leastSize() const;
+    [[nodiscard]] int scaled(int length) const noexcept { return controls_.scaled(length); }
 
-    void setHeadline(const std::wstring& title, const std::wstring& details);
-    void setTime(const std::wstring& text);
-    void setPlaying(bool playing);
-    void setMessage(const std::wstring& text);
+    [[nodiscard]] Headline& headline() noexcept { return headline_; }
+    [[nodiscard]] SeekBar& seekBar() noexcept { return seekBar_; }
+    [[nodiscard]] Transport& transport() noexcept { return transport_; }
+    [[nodiscard]] EqualizerPanel& equalizer() noexcept { return equalizer_; }
+    [[nodiscard]] TrackListBox& list() noexcept { return list_; }
 
-    // One line for each file. current: the file that plays.
-    struct FileLine {
-        std::wstring name;
-        std::wstring failure; // why it cannot be played; usually empty
-    };
-    void setFiles(const std::vector<FileLine>& files, std::size_t current);
-    // Index of the chosen line; -1 for none.
-    [[nodiscard]] int selectedFile() const;
-    void selectFile(std::size_t index);
-
-    // The reply to a message about a line of the list that is dragged. Once it is dropped, from and
-    // to are its old and its new place.
-    struct Drop {
-        std::size_t from;
-        std::size_t to;
-    };
-    LRESULT dragMessage(LPARAM information, std::optional<Drop>& drop);
-
-    void setDevices(const std::vector<std::wstring>& names, int selected);
-    [[nodiscard]] int selectedDevice() const;
-    // Then letters choose an entry instead of being commands.
-    [[nodiscard]] bool deviceHasFocus() const;
-
-    void setSeekRange(long seconds);
-    void setSeekPosition(long second);
-    [[nodiscard]] long seekPosition() const;
-    [[nodiscard]] bool isSeekBar(HWND window) const noexcept { return window == seek_; }
+    // In the line at the bottom.
+    void setMessage(const std::wstring& text) { setText(message_, text); }
 
 private:
-    HWND add(DWORD extendedStyle, const wchar_t* kind, const wchar_t* text, DWORD style, int id);
-    static void place(HWND control, int left, int top, int width, int height);
-    // The buttons and, beside or below them, the devices; returns the height they take.
-    int layOutButtons(int left, int top, int width);
-
-    HWND parent_;
-    int dpi_;
-    Font font_;
-    Font boldFont_;
-    HWND title_, details_, time_, seek_, previous_, play_, stop_, next_, device_, list_, message_;
+    ChildControls controls_;
+    Headline headline_;
+    SeekBar seekBar_;
+    Transport transport_;
+    EqualizerPanel equalizer_;
+    TrackListBox list_;
+    HWND message_;
 };
 
 } // namespace corvina::app

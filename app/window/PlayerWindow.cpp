@@ -2,19 +2,19 @@
 
 #include "window/Commands.h"
 #include "window/FileChoice.h"
+#include "window/KeyRouting.h"
 
 #include <algorithm>
+#include <windowsx.h>
 
 #include <commctrl.h>
-#include <shellapi.h>
 
 namespace corvina::app {
 
 namespace {
 
 constexpr const wchar_t* className = L"CorvinaPlayer";
-constexpr UINT_PTR graphTimer = 1;
-constexpr UINT pictureMs = 33; // 30 pictures a second
+constexpr long wheelStep = 5; // of the volume
 
 } // namespace
 
@@ -46,14 +46,18 @@ PlayerWindow::PlayerWindow(PlayQueue& queue, const Options& options)
     dragMessage_ = RegisterWindowMessage(DRAGLISTMSGSTRING);
     controls_ = std::make_unique<PlayerControls>(window_);
     graph_ = std::make_unique<GraphView>(window_);
+    graphChoices_ = std::make_unique<GraphChoices>(*graph_, settings_, window_);
+    sound_ = std::make_unique<SoundControls>(queue_.player(), *controls_, settings_, menu);
     devices_ = std::make_unique<DeviceChoice>(queue_, *controls_, settings_);
     view_ = std::make_unique<QueueView>(queue_, *controls_, window_);
-    applyColors();
-    setGraphStyle(options.style.value_or(static_cast<AudioGraphStyle>(settings_.graphStyle)));
+    if (options.style)
+        graphChoices_->setStyle(*options.style);
+    graph_->follow(queue_.player().control());
+    audioPatterns_ = queue_.player().extensions();
     devices_->fill(options.device);
     showModes();
-    controls_->setSeekRange(0);
-    view_->showFiles();
+    view_->showTracks();
+    view_->showState();
 
     RECT place = settings_.place;
     if (IsRectEmpty(&place) || !MonitorFromRect(&place, MONITOR_DEFAULTTONULL))
@@ -62,15 +66,17 @@ PlayerWindow::PlayerWindow(PlayQueue& queue, const Options& options)
                  place.bottom - place.top, SWP_NOZORDER | SWP_NOACTIVATE);
     ShowWindow(window_, forPicture_ ? SW_SHOWNOACTIVATE : SW_SHOW);
     UpdateWindow(window_);
-    SetTimer(window_, graphTimer, pictureMs, nullptr);
+    if (!forPicture_)
+        SetFocus(controls_->list().window());
 }
 
 // The place if none is remembered: a good size, if the screen is large enough for it.
 RECT PlayerWindow::firstPlace() const {
     RECT screen{};
     SystemParametersInfoW(SPI_GETWORKAREA, 0, &screen, 0);
-    const int width = std::min<int>(controls_->scaled(620), screen.right - screen.left);
-    const int height = std::min<int>(controls_->scaled(520), screen.bottom - screen.top);
+    const int width = std::min<int>(controls_->scaled(640), screen.right - screen.left);
+    const int wanted = leastSize().cy + controls_->scaled(180);
+    const int height = std::min<int>(wanted, screen.bottom - screen.top);
     const int left = screen.left + (screen.right - screen.left - width) / 3;
     const int top = screen.top + (screen.bottom - screen.top - height) / 3;
     return {left, top, left + width, top + height};
@@ -104,31 +110,41 @@ LRESULT PlayerWindow::handle(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
     case WM_COMMAND:
         onCommand(LOWORD(wParam), HIWORD(wParam));
+        if (lParam != 0 && usesMouse_ && HIWORD(wParam) == BN_CLICKED)
+            SetFocus(controls_->list().window()); // so that the space bar is pause again
         return 0;
     case WM_HSCROLL:
-        if (controls_->isSeekBar(reinterpret_cast<HWND>(lParam)) && LOWORD(wParam) != TB_THUMBTRACK)
-            queue_.seekTo(controls_->seekPosition());
+    case WM_VSCROLL:
+        onSlider(reinterpret_cast<HWND>(lParam), LOWORD(wParam));
+        return 0;
+    case WM_MOUSEWHEEL:
+        sound_->changeVolume(GET_WHEEL_DELTA_WPARAM(wParam) > 0 ? wheelStep : -wheelStep);
+        return 0;
+    case WM_APPCOMMAND:
+        return onMediaKey(GET_APPCOMMAND_LPARAM(lParam))
+                   ? TRUE
+                   : DefWindowProcW(window_, message, wParam, lParam);
+    case WM_PARENTNOTIFY:
+        if (LOWORD(wParam) == WM_LBUTTONDOWN &&
+            graph_->contains(
+                ChildWindowFromPoint(window_, {GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)})))
+            graphChoices_->showNextLook();
         return 0;
     case WM_DROPFILES:
         openPaths(takeDroppedFiles(reinterpret_cast<HANDLE>(wParam)), !queue_.isActive());
         return 0;
     case WM_INITMENUPOPUP:
-        if (discs_.is(reinterpret_cast<HMENU>(wParam)))
-            discs_.fill();
-        if (recent_.is(reinterpret_cast<HMENU>(wParam)))
-            recent_.fill(settings_.recentFiles);
+        onMenuOpens(reinterpret_cast<HMENU>(wParam));
         return DefWindowProcW(window_, message, wParam, lParam);
-    case WM_TIMER:
-        onTimer();
-        return 0;
     case WM_SIZE:
         if (wParam != SIZE_MINIMIZED)
-            graph_->moveTo(controls_->layOut());
+            layOut();
         return 0;
-    case WM_GETMINMAXINFO:
-        reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {controls_->scaled(260),
-                                                                 controls_->scaled(360)};
+    case WM_GETMINMAXINFO: {
+        const SIZE least = leastSize();
+        reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {least.cx, least.cy};
         return 0;
+    }
     case WM_CLOSE:
         close();
         return 0;
@@ -142,33 +158,47 @@ LRESULT PlayerWindow::handle(UINT message, WPARAM wParam, LPARAM lParam) {
 bool PlayerWindow::translate(MSG& message) {
     if (!open_)
         return false;
-    const bool typedLetter = message.message == WM_KEYDOWN && controls_->deviceHasFocus() &&
-                             GetKeyState(VK_CONTROL) >= 0;
-    if (!typedLetter && TranslateAcceleratorW(window_, keys_, &message))
+    if (message.message == WM_LBUTTONUP || message.message == WM_KEYDOWN)
+        usesMouse_ = message.message == WM_LBUTTONUP;
+    if (!belongsToFocus(message) && TranslateAcceleratorW(window_, keys_, &message))
         return true;
     return IsDialogMessageW(window_, &message) != FALSE;
 }
 
-// May come while the graph draws, which dispatches pending messages.
-void PlayerWindow::onTimer() {
-    if (graph_->isDrawing())
-        return;
-    if (queue_.isPlaying()) {
-        if (!queue_.player().isPaused())
-            graph_->show(queue_.player().audioData());
-        view_->showPosition();
-    }
-    controls_->setPlaying(queue_.isPlaying() && !queue_.player().isPaused());
-    if (closeWanted_)
-        close();
+void PlayerWindow::onMenuOpens(HMENU menu) {
+    if (discs_.is(menu))
+        discs_.fill();
+    if (recent_.is(menu))
+        recent_.fill(settings_.recentFiles);
+}
+
+void PlayerWindow::layOut() {
+    graph_->moveTo(controls_->layOut());
+}
+
+// Of the whole window, with its frame and its menu.
+SIZE PlayerWindow::leastSize() const {
+    const SIZE inside = controls_->leastSize();
+    RECT area{0, 0, inside.cx, inside.cy};
+    AdjustWindowRect(&area, static_cast<DWORD>(GetWindowLongPtrW(window_, GWL_STYLE)), TRUE);
+    return {area.right - area.left, area.bottom - area.top};
+}
+
+void PlayerWindow::enlarge() {
+    RECT area{};
+    GetWindowRect(window_, &area);
+    const SIZE least = leastSize();
+    const SIZE now{area.right - area.left, area.bottom - area.top};
+    if (now.cx < least.cx || now.cy < least.cy)
+        SetWindowPos(window_, nullptr, 0, 0, std::max(now.cx, least.cx), std::max(now.cy, least.cy),
+                     SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+    layOut();
 }
 
 void PlayerWindow::close() {
-    closeWanted_ = true;
-    if (graph_->isDrawing() || !open_)
+    if (!open_)
         return;
     open_ = false;
-    KillTimer(window_, graphTimer);
     if (!forPicture_) {
         if (!IsIconic(window_))
             GetWindowRect(window_, &settings_.place);
@@ -179,16 +209,33 @@ void PlayerWindow::close() {
 }
 
 void PlayerWindow::onStarted() {
+    const bool hadCover = controls_->headline().cover().hasPicture();
     view_->showStarted();
+    if (controls_->headline().cover().hasPicture() != hadCover)
+        enlarge();
 }
 
 void PlayerWindow::onEnded() {
-    graph_->clear();
+    const bool hadCover = controls_->headline().cover().hasPicture();
     view_->showEnded();
+    if (hadCover)
+        layOut();
 }
 
 void PlayerWindow::onFailed(const std::wstring& words) {
     view_->showFailure(words);
+}
+
+void PlayerWindow::onNoticed(const std::wstring& words) {
+    view_->showNotice(words);
+}
+
+void PlayerWindow::onProgress() {
+    view_->showPosition();
+}
+
+void PlayerWindow::onStateChanged() {
+    view_->showState();
 }
 
 } // namespace corvina::app

@@ -1,6 +1,7 @@
 #pragma once
 
-// The player's window over both controls: list, transport, seek bar, live graph, device, tags.
+// The player's window over both controls: list, transport, seek bar, sound, live graph, device,
+// tags.
 //
 // It shows a queue that it does not own and must not outlive. One thread.
 
@@ -8,11 +9,13 @@
 #include "PlayQueue.h"
 #include "window/DeviceChoice.h"
 #include "window/DiscMenu.h"
+#include "window/GraphChoices.h"
 #include "window/GraphView.h"
 #include "window/PlayerControls.h"
 #include "window/QueueView.h"
 #include "window/RecentMenu.h"
 #include "window/Settings.h"
+#include "window/SoundControls.h"
 
 #include <memory>
 #include <string>
@@ -38,27 +41,37 @@ public:
     void onStarted();
     void onEnded();
     void onFailed(const std::wstring& words);
+    void onNoticed(const std::wstring& words);
+    void onProgress();
+    void onStateChanged();
 
 private:
     static LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT handle(UINT message, WPARAM wParam, LPARAM lParam);
     void onCommand(int command, int notification);
-    void onTimer();
+    bool carryOut(int command);
+    bool carryOutForList(int command);
+    void onNotification(int control, int notification);
+    void onSlider(HWND slider, int request);
+    bool onMediaKey(int key);
+    void onMenuOpens(HMENU menu);
+    void layOut();
+    // Makes the window as large as it has to be.
+    void enlarge();
+    [[nodiscard]] SIZE leastSize() const;
     void close();
 
-    void addFiles(std::vector<std::wstring> files, bool replace);
+    void addTracks(std::vector<Track> tracks, bool replace);
     // Files, folders and lists that the user chose.
     void openPaths(const std::vector<std::wstring>& paths, bool replace);
-    void moveFile(std::size_t from, std::size_t to);
+    void moveTrack(std::size_t from, std::size_t to);
     void moveSelected(int lines);
     LRESULT onDrag(LPARAM information);
-    // Takes shuffle and repeat over into the queue and the menu.
+    // Switches shuffle, repeat or loop, and takes all over into the queue and the menu.
+    void toggle(bool Settings::*mode);
     void showModes();
     void playSelected();
     void playOrPause();
-    void setGraphStyle(AudioGraphStyle style);
-    void changeColor(DWORD Settings::*color);
-    void applyColors();
 
     [[nodiscard]] RECT firstPlace() const;
 
@@ -72,10 +85,13 @@ private:
     UINT dragMessage_ = 0;
     std::unique_ptr<PlayerControls> controls_;
     std::unique_ptr<GraphView> graph_;
+    std::unique_ptr<GraphChoices> graphChoices_;
+    std::unique_ptr<SoundControls> sound_;
     std::unique_ptr<DeviceChoice> devices_;
     std::unique_ptr<QueueView> view_;
+    std::wstring audioPatterns_; // of the files that can be played
     bool open_ = true;
-    bool closeWanted_ = false; // while the graph draws
+    bool usesMouse_ = false; // since the last key
 };
 
 } // namespace corvina::app

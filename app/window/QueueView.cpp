@@ -2,73 +2,76 @@
 
 #include "FileReport.h"
 
-#include <cmath>
+#include <utility>
 #include <vector>
 
 namespace corvina::app {
 
-namespace {
-
-std::wstring nameOf(const std::wstring& path) {
-    return path.substr(path.find_last_of(L"\\/") + 1);
-}
-
-} // namespace
-
-void QueueView::showFiles() {
-    std::vector<PlayerControls::FileLine> lines;
-    for (std::size_t index = 0; index < queue_.files().size(); ++index)
-        lines.push_back({nameOf(queue_.files()[index]), queue_.failure(index)});
-    controls_.setFiles(lines, queue_.isActive() ? queue_.current() : lines.size());
+void QueueView::showTracks() {
+    std::vector<TrackListBox::Line> lines;
+    for (std::size_t index = 0; index < queue_.tracks().size(); ++index)
+        lines.push_back({nameOf(queue_.tracks()[index]), queue_.failure(index)});
+    controls_.list().setLines(lines, queue_.isActive() ? queue_.current() : lines.size());
 }
 
 void QueueView::showPosition() {
-    const long position = queue_.player().positionSeconds();
-    controls_.setSeekPosition(position);
-    controls_.setTime(queue_.player().timeText(position) + L" / " + durationText_);
+    controls_.seekBar().show(queue_.positionMs(), queue_.durationMs());
+    PlayerClient& player = queue_.player();
+    const bool sounds = queue_.isPlaying() && !player.isPaused();
+    controls_.transport().meter().show(sounds ? player.level(1) : 0, sounds ? player.level(2) : 0);
+}
+
+void QueueView::showState() {
+    controls_.transport().setPlaying(queue_.player().state() == PLAY_PLAYING);
+    showPosition();
 }
 
 void QueueView::showStarted() {
     PlayerClient& player = queue_.player();
-    const std::wstring& file = queue_.files()[queue_.current()];
+    const Track& track = queue_.tracks()[queue_.current()];
     std::wstring title;
     std::wstring artist;
-    for (const FileTag& tag : player.tags(file)) {
+    for (const FileTag& tag : player.tags(track.file)) {
         if (std::wstring_view(tag.name) == L"Title")
             title = tag.value;
         if (std::wstring_view(tag.name) == L"Artist")
             artist = tag.value;
     }
-    if (title.empty())
-        title = nameOf(file);
-    else if (!artist.empty())
+    if (title.empty() || !track.title.empty())
+        title = nameOf(track);
+    if (!artist.empty())
         title = artist + L" \x2013 " + title;
-    controls_.setHeadline(title, formatLine(player));
+    const std::wstring format = player.formatName();
+    controls_.headline().setText(title,
+                                 (format.empty() ? L"" : format + L", ") + formatLine(player));
+    controls_.headline().setCover(player.cover());
     SetWindowTextW(window_, (title + L" \x2013 Corvina").c_str());
 
-    const long seconds = std::lround(player.format().seconds);
-    durationText_ = player.timeText(seconds);
-    controls_.setSeekRange(seconds);
-    controls_.setMessage({});
-    showFiles();
-    controls_.selectFile(queue_.current());
+    controls_.setMessage(std::exchange(notice_, {}));
+    showTracks();
+    controls_.list().select(queue_.current());
+    showState();
 }
 
 void QueueView::showEnded() {
     SetWindowTextW(window_, L"Corvina");
-    controls_.setHeadline(L"Corvina", {});
-    controls_.setTime({});
-    controls_.setSeekPosition(0);
-    controls_.setSeekRange(0);
-    showFiles();
+    controls_.headline().setText(L"Corvina", {});
+    controls_.headline().setCover(nullptr);
+    showTracks();
+    showState();
 }
 
 void QueueView::showFailure(const std::wstring& words) {
-    const std::wstring file = queue_.current() < queue_.files().size()
-                                  ? nameOf(queue_.files()[queue_.current()]) + L": "
+    const std::wstring name = queue_.current() < queue_.tracks().size()
+                                  ? nameOf(queue_.tracks()[queue_.current()]) + L": "
                                   : L"";
-    controls_.setMessage(file + words);
-    showFiles();
+    controls_.setMessage(name + words);
+    showTracks();
+}
+
+void QueueView::showNotice(const std::wstring& words) {
+    notice_ = queue_.isPlaying() ? std::wstring() : words;
+    controls_.setMessage(words);
 }
 
 } // namespace corvina::app

@@ -100,6 +100,10 @@ bool ControlWindow::moveInto(HWND container, const RECT& position) {
 
 // A window that is made as a child has the DPI awareness of its parent.
 bool ControlWindow::replaceBy(HWND container, const RECT& position) {
+    // A window refuses itself and its own children as its parent; so does a new one.
+    for (const HWND own : {window_, first_})
+        if (container == own || ::IsChild(own, container))
+            return false;
     if (window_ != first_)
         goBack();
     make(WS_CHILD, container, position);

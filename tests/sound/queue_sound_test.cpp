@@ -2,6 +2,7 @@
 
 #include "PlayQueue.h"
 #include "SoundTest.h"
+#include "Unicode.h"
 
 namespace corvina::test {
 namespace {
@@ -20,10 +21,7 @@ protected:
     }
 
     [[nodiscard]] bool waitForEnd() {
-        return pumpUntil([this] {
-            queue->tick();
-            return ended > 0;
-        });
+        return pumpUntil([this] { return ended > 0; });
     }
     [[nodiscard]] bool waitForStarts(std::size_t count) {
         return pumpUntil([&] { return started.size() >= count; });
@@ -62,7 +60,7 @@ TEST_F(Queue, passes_over_a_file_that_cannot_be_played_and_keeps_its_result) {
 }
 
 TEST_F(Queue, ends_at_once_if_no_file_can_be_played) {
-    queue->add(L"no such file.wav");
+    queue->add(std::wstring(L"no such file.wav"));
     queue->play(0);
     EXPECT_EQ(ended, 1);
     EXPECT_EQ(queue->result(), 1);
@@ -107,7 +105,7 @@ TEST_F(Queue, begins_again_if_it_is_repeated) {
 TEST_F(Queue, repeated_without_a_file_that_can_be_played_it_ends) {
     queue->setRepeated(true);
     for (const wchar_t* name : {L"no such file.wav", L"nor this.wav"})
-        queue->add(name);
+        queue->add(std::wstring(name));
     queue->play(1);
     EXPECT_EQ(ended, 1);
     EXPECT_FALSE(queue->failure(0).empty());
@@ -135,10 +133,11 @@ TEST_F(Queue, obeys_the_latest_wish_while_a_file_is_being_stopped) {
     EXPECT_EQ(ended, 1);
 }
 
-TEST_F(Queue, begins_at_the_given_second) {
+TEST_F(Queue, begins_at_the_given_time) {
     queue->add(longFile);
-    queue->play(0, 7);
-    EXPECT_EQ(queue->player().positionSeconds(), 7);
+    queue->play(0, 7000);
+    EXPECT_GE(queue->positionMs(), 7000);
+    EXPECT_LT(queue->positionMs(), 7500);
     queue->stop();
     ASSERT_TRUE(waitForEnd());
 }
@@ -157,7 +156,7 @@ TEST_F(Queue, gives_a_device_up_that_does_not_finish_and_goes_on) {
         queue->tick();
         ::Sleep(10);
     }
-    ASSERT_EQ(failures.size(), 1u);
+    ASSERT_EQ(failures.size(), 1u) << app::toUtf8(failures.back());
     ASSERT_TRUE(waitForEnd());
     EXPECT_EQ(started, (Indexes{0, 1}));
     EXPECT_EQ(failures.size(), 1u);
@@ -165,9 +164,9 @@ TEST_F(Queue, gives_a_device_up_that_does_not_finish_and_goes_on) {
 
 TEST_F(Queue, does_not_seek_before_the_beginning) {
     queue->add(longFile);
-    queue->play(0, 2);
-    queue->seekBy(-5);
-    EXPECT_EQ(queue->player().positionSeconds(), 0);
+    queue->play(0, 2000);
+    queue->seekBy(-5000);
+    EXPECT_LT(queue->positionMs(), 300);
     queue->stop();
     ASSERT_TRUE(waitForEnd());
 }
@@ -190,7 +189,170 @@ TEST_F(Queue, stops_the_file_that_is_removed_while_it_plays) {
     queue->play(0);
     queue->remove(0);
     ASSERT_TRUE(waitForEnd());
-    EXPECT_TRUE(queue->files().empty());
+    EXPECT_TRUE(queue->tracks().empty());
+}
+
+TEST_F(Queue, plays_two_files_without_a_sample_between) {
+    const Frames whole = signal(3 * shortLength);
+    const Frames first(whole.begin(), whole.begin() + 2 * shortLength);
+    const Frames second(whole.begin() + 2 * shortLength, whole.end());
+    queue->add(file(first));
+    queue->add(file(second));
+    expectRecorded(whole, [&] {
+        ended = 0;
+        started.clear();
+        const std::size_t before = recording.now();
+        queue->play(0);
+        EXPECT_TRUE(waitForEnd());
+        EXPECT_EQ(started, (Indexes{0, 1}));
+        return recording.listen(before, whole.size(), 5s);
+    });
+    EXPECT_TRUE(failures.empty());
+}
+
+TEST_F(Queue, marks_a_file_that_cannot_follow_and_goes_on_behind_it) {
+    queue->add(shortFile);
+    queue->add(std::wstring(L"no such file.wav"));
+    queue->add(shortFile);
+    queue->play(0);
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_EQ(started, (Indexes{0, 2}));
+    EXPECT_EQ(failures.size(), 1u);
+    EXPECT_TRUE(queue->failure(0).empty());
+    EXPECT_FALSE(queue->failure(1).empty());
+    EXPECT_EQ(queue->result(), 1);
+}
+
+TEST_F(Queue, a_list_that_changes_while_it_plays_is_followed_as_it_is_then) {
+    const std::wstring other = file(signal(shortLength, 2));
+    queue->add(shortFile);
+    queue->add(longFile);
+    queue->add(other);
+    queue->play(0);
+    queue->move(2, 1);
+    ASSERT_TRUE(waitForStarts(2));
+    EXPECT_EQ(queue->tracks()[queue->current()].file, other);
+    queue->stop();
+    ASSERT_TRUE(waitForEnd());
+}
+
+TEST_F(Queue, repeats_one_file_without_a_new_start_until_it_is_switched_off) {
+    queue->add(shortFile); // 283 ms
+    queue->add(shortFile);
+    queue->setLooping(true);
+    queue->play(0);
+    EXPECT_FALSE(pumpUntil([this] { return started.size() > 1 || ended > 0; }, 2s));
+    queue->setLooping(false);
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_EQ(started, (Indexes{0, 1}));
+}
+
+TEST_F(Queue, takes_the_systems_choice_while_the_chosen_device_is_not_there) {
+    std::vector<std::wstring> notices;
+    queue = std::make_unique<app::PlayQueue>(app::QueueHandlers{
+        .ended = [this] { ++ended; },
+        .noticed = [&notices](const std::wstring& words) { notices.push_back(words); }});
+    queue->add(shortFile);
+    queue->setDeviceName(L"no such device");
+    queue->play(0);
+    ASSERT_TRUE(queue->isPlaying());
+    ASSERT_EQ(notices.size(), 1u);
+    EXPECT_NE(notices[0].find(L"no such device"), std::wstring::npos);
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_EQ(queue->result(), 0);
+}
+
+TEST_F(Queue, plays_on_the_device_of_that_name) {
+    const std::vector<app::OutputDevice> devices = queue->player().devices();
+    ASSERT_FALSE(devices.empty());
+    queue->add(shortFile);
+    queue->setDeviceName(devices.back().name);
+    queue->play(0);
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_EQ(queue->result(), 0);
+    EXPECT_TRUE(failures.empty());
+}
+
+// Tracks of one file, as a CUE sheet names them.
+class Parts : public Queue {
+protected:
+    void SetUp() override {
+        Queue::SetUp();
+        if (IsSkipped())
+            return;
+        queue->add({longFile, 1000, 1400, L"One"});
+        queue->add({longFile, 1400, 1800, L"Two"});
+        queue->add({longFile, 9700, 0, L"Three"});
+    }
+};
+
+TEST_F(Parts, are_heard_from_their_beginning_to_their_end) {
+    const Frames all = signal(10 * 44100);
+    const std::size_t before = recording.now();
+    queue->play(0);
+    EXPECT_EQ(queue->durationMs(), 400);
+    EXPECT_LT(queue->positionMs(), 300);
+    ASSERT_TRUE(waitForStarts(3));
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_EQ(started, (Indexes{0, 1, 2}));
+    EXPECT_TRUE(failures.empty());
+    const Frames heard = recording.listenUntilQuiet(before, 5s);
+    ASSERT_FALSE(heard.empty());
+    EXPECT_EQ(heard.front(), all[44100]);
+    // The last one runs to the end of the file.
+    const Frames sound = withoutSilenceBehind(heard);
+    EXPECT_EQ(sound.back(), all.back());
+}
+
+TEST_F(Parts, that_touch_are_one_sound) {
+    const Frames all = signal(10 * 44100);
+    queue->remove(2);
+    // The second part's end is not compared: what the device holds then is dropped.
+    constexpr std::size_t length = 44100 * 7 / 10;
+    const Frames expected(all.begin() + 44100, all.begin() + 44100 + length);
+    expectRecorded(expected, [&] {
+        ended = 0;
+        const std::size_t before = recording.now();
+        queue->play(0);
+        EXPECT_TRUE(waitForEnd());
+        Frames heard = recording.listen(before, length, 5s);
+        EXPECT_LT(withoutSilenceBehind(heard).size(), length + 44100 / 4);
+        heard.resize(std::min(heard.size(), length));
+        return heard;
+    });
+}
+
+TEST_F(Parts, have_places_of_their_own) {
+    queue->play(1);
+    queue->seekTo(250);
+    EXPECT_GE(queue->player().positionMs(), 1650);
+    EXPECT_LT(queue->player().positionMs(), 1790);
+    queue->seekBy(-1000);
+    EXPECT_GE(queue->player().positionMs(), 1400);
+    EXPECT_LT(queue->player().positionMs(), 1600);
+    queue->stop();
+    ASSERT_TRUE(waitForEnd());
+}
+
+TEST_F(Parts, are_repeated_by_themselves) {
+    queue->setLooping(true);
+    queue->play(0);
+    EXPECT_FALSE(pumpUntil(
+        [this] { return started.size() > 1 || ended > 0 || queue->player().positionMs() > 1600; },
+        2s));
+    queue->stop();
+    ASSERT_TRUE(waitForEnd());
+}
+
+TEST_F(Parts, that_begin_behind_the_end_of_their_file_are_marked) {
+    queue->clear();
+    queue->add({longFile, 60000, 0, L"Nowhere"});
+    queue->add(shortFile);
+    queue->play(0);
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_EQ(started, (Indexes{1}));
+    EXPECT_FALSE(queue->failure(0).empty());
+    EXPECT_TRUE(queue->failure(1).empty());
 }
 
 } // namespace

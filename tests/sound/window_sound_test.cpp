@@ -1,82 +1,18 @@
 // The player window over both registered controls, driven by the messages that keys, menus and the
 // desktop send.
 
-#include "PlayQueue.h"
-#include "SoundTest.h"
-#include "window/Commands.h"
-#include "window/PlayerWindow.h"
-
-#include <memory>
-#include <windows.h>
-
-#include <commctrl.h>
+#include "WindowTest.h"
 
 namespace corvina::test {
 namespace {
 
-class Window : public SoundTest {
-protected:
-    void SetUp() override {
-        SoundTest::SetUp();
-        // A window that has its picture taken needs no window manager and leaves no settings.
-        options.pictureFile = L"unused";
-        queue = std::make_unique<app::PlayQueue>(
-            app::QueueHandlers{[this] { window->onStarted(); },
-                               [this] {
-                                   ++ended;
-                                   window->onEnded();
-                               },
-                               [this](const std::wstring& words) { window->onFailed(words); },
-                               {}});
-        for (int count = 0; count < 3; ++count)
-            queue->add(file(signal(10 * 44100)));
-        window = std::make_unique<app::PlayerWindow>(*queue, options);
-    }
-
-    void command(int number) const {
-        ::SendMessageW(window->handle(), WM_COMMAND, static_cast<WPARAM>(number), 0);
-    }
-
-    [[nodiscard]] std::wstring textOf(HWND control) const {
-        wchar_t text[256] = L"";
-        ::GetWindowTextW(control, text, 256);
-        return text;
-    }
-
-    [[nodiscard]] HWND list() const { return ::GetDlgItem(window->handle(), CTL_LIST); }
-
-    [[nodiscard]] bool waitForEnd() {
-        return pumpUntil([this] { return ended > 0; });
-    }
-
-    // Whether a picture of the graph holds that colour.
-    [[nodiscard]] bool graphShows(COLORREF color) const {
-        const HWND graph = ::FindWindowExW(window->handle(), nullptr, L"AtlAxWin", nullptr);
-        RECT area{};
-        ::GetWindowRect(graph, &area);
-        const HDC screen = ::GetDC(nullptr);
-        bool found = false;
-        for (int y = area.bottom - 1; y >= area.top && !found; y -= 2)
-            for (int x = area.left; x < area.right && !found; x += 2)
-                found = ::GetPixel(screen, x, y) == color;
-        ::ReleaseDC(nullptr, screen);
-        return found;
-    }
-
-    app::Options options;
-    int ended = 0;
-    std::unique_ptr<app::PlayQueue> queue;
-    std::unique_ptr<app::PlayerWindow> window;
-};
+using Window = WindowTest;
 
 TEST_F(Window, lists_the_files_and_marks_the_one_that_plays) {
     queue->play(1);
     ASSERT_EQ(::SendMessageW(list(), LB_GETCOUNT, 0, 0), 3);
-    wchar_t line[MAX_PATH];
-    ::SendMessageW(list(), LB_GETTEXT, 1, reinterpret_cast<LPARAM>(line));
-    EXPECT_EQ(line[0], L'\x25B6');
-    ::SendMessageW(list(), LB_GETTEXT, 0, reinterpret_cast<LPARAM>(line));
-    EXPECT_EQ(line[0], L' ');
+    EXPECT_EQ(line(1)[0], L'\x25B6');
+    EXPECT_EQ(line(0)[0], L' ');
 }
 
 TEST_F(Window, plays_with_space_and_pauses_and_goes_on) {
@@ -108,19 +44,17 @@ TEST_F(Window, plays_the_chosen_file) {
 TEST_F(Window, seeks_by_five_seconds_and_by_its_bar) {
     queue->play(0);
     command(CMD_FORWARD);
-    EXPECT_EQ(queue->player().positionSeconds(), 5);
+    EXPECT_NEAR(queue->positionMs(), 5000, 300);
     command(CMD_BACK);
-    EXPECT_EQ(queue->player().positionSeconds(), 0);
-    const HWND bar = ::GetDlgItem(window->handle(), CTL_SEEK);
-    ::SendMessageW(bar, TBM_SETPOS, TRUE, 8);
-    ::SendMessageW(window->handle(), WM_HSCROLL, TB_ENDTRACK, reinterpret_cast<LPARAM>(bar));
-    EXPECT_EQ(queue->player().positionSeconds(), 8);
+    EXPECT_NEAR(queue->positionMs(), 0, 300);
+    slide(CTL_SEEK, 8250);
+    EXPECT_NEAR(queue->positionMs(), 8250, 300);
 }
 
 TEST_F(Window, removes_the_chosen_file_from_the_list) {
     ::SendMessageW(list(), LB_SETCURSEL, 0, 0);
     command(CMD_REMOVE);
-    EXPECT_EQ(queue->files().size(), 2u);
+    EXPECT_EQ(queue->tracks().size(), 2u);
     EXPECT_EQ(::SendMessageW(list(), LB_GETCOUNT, 0, 0), 2);
     command(CMD_CLEAR);
     EXPECT_EQ(::SendMessageW(list(), LB_GETCOUNT, 0, 0), 0);
@@ -137,7 +71,7 @@ TEST_F(Window, draws_what_plays_in_both_styles) {
 
 TEST_F(Window, says_in_words_what_went_wrong) {
     queue->clear();
-    queue->add(L"no such file.wav");
+    queue->add(std::wstring(L"no such file.wav"));
     queue->play(0);
     const HWND bar = ::FindWindowExW(window->handle(), nullptr, STATUSCLASSNAMEW, nullptr);
     EXPECT_NE(textOf(bar).find(L"no such file.wav"), std::wstring::npos);
@@ -145,34 +79,31 @@ TEST_F(Window, says_in_words_what_went_wrong) {
 
 TEST_F(Window, marks_a_file_that_cannot_be_played_with_its_reason) {
     queue->clear();
-    queue->add(L"no such file.wav");
+    queue->add(std::wstring(L"no such file.wav"));
     queue->add(file(signal(10 * 44100)));
     queue->play(0);
     ASSERT_TRUE(queue->isPlaying());
-    wchar_t line[MAX_PATH];
-    ::SendMessageW(list(), LB_GETTEXT, 0, reinterpret_cast<LPARAM>(line));
-    EXPECT_EQ(line[0], L'\x2717');
-    EXPECT_NE(std::wstring(line).find(queue->failure(0)), std::wstring::npos);
+    EXPECT_EQ(line(0)[0], L'\x2717');
+    EXPECT_NE(line(0).find(queue->failure(0)), std::wstring::npos);
     EXPECT_FALSE(queue->failure(0).empty());
-    ::SendMessageW(list(), LB_GETTEXT, 1, reinterpret_cast<LPARAM>(line));
-    EXPECT_EQ(line[0], L'\x25B6');
+    EXPECT_EQ(line(1)[0], L'\x25B6');
 }
 
 TEST_F(Window, moves_the_chosen_file_by_key_while_another_plays) {
-    const std::vector<std::wstring> before = queue->files();
+    const std::vector<app::Track> before = queue->tracks();
     queue->play(1);
     ::SendMessageW(list(), LB_SETCURSEL, 0, 0);
     command(CMD_MOVE_UP); // is the first already
-    EXPECT_EQ(queue->files(), before);
+    EXPECT_EQ(queue->tracks(), before);
     command(CMD_MOVE_DOWN);
-    EXPECT_EQ(queue->files(), (std::vector<std::wstring>{before[1], before[0], before[2]}));
+    EXPECT_EQ(queue->tracks(), (std::vector<app::Track>{before[1], before[0], before[2]}));
     EXPECT_EQ(queue->current(), 0u);
     EXPECT_EQ(::SendMessageW(list(), LB_GETCURSEL, 0, 0), 1);
     EXPECT_TRUE(queue->isPlaying());
 }
 
 TEST_F(Window, moves_a_file_that_is_dragged_to_another_line) {
-    const std::vector<std::wstring> before = queue->files();
+    const std::vector<app::Track> before = queue->tracks();
     const UINT message = ::RegisterWindowMessage(DRAGLISTMSGSTRING);
     ::SendMessageW(list(), LB_SETCURSEL, 0, 0);
     RECT line{};
@@ -187,11 +118,11 @@ TEST_F(Window, moves_a_file_that_is_dragged_to_another_line) {
     EXPECT_TRUE(send(DL_BEGINDRAG));
     EXPECT_EQ(send(DL_DRAGGING), DL_MOVECURSOR);
     send(DL_DROPPED); // before the third line
-    EXPECT_EQ(queue->files(), (std::vector<std::wstring>{before[1], before[0], before[2]}));
+    EXPECT_EQ(queue->tracks(), (std::vector<app::Track>{before[1], before[0], before[2]}));
     drag.ptCursor = {point.x, point.y + 10000}; // behind the last line
     ::SendMessageW(list(), LB_SETCURSEL, 0, 0);
     send(DL_DROPPED);
-    EXPECT_EQ(queue->files(), (std::vector<std::wstring>{before[0], before[2], before[1]}));
+    EXPECT_EQ(queue->tracks(), (std::vector<app::Track>{before[0], before[2], before[1]}));
 }
 
 TEST_F(Window, switches_shuffle_and_repeat) {
@@ -214,7 +145,8 @@ TEST_F(Window, keeps_every_control_inside_at_any_width) {
         ::GetClientRect(window->handle(), &client);
         ::MapWindowPoints(window->handle(), nullptr, reinterpret_cast<POINT*>(&client), 2);
         for (const int control :
-             {CMD_PREVIOUS, CMD_PAUSE, CMD_STOP, CMD_NEXT, CTL_DEVICE, CTL_LIST, CTL_SEEK}) {
+             {CMD_PREVIOUS, CMD_PAUSE, CMD_STOP, CMD_NEXT, CMD_MUTE, CMD_EQUALIZER, CTL_VOLUME,
+              CTL_BALANCE, CTL_DEVICE, CTL_LIST, CTL_SEEK}) {
             RECT place{};
             ::GetWindowRect(::GetDlgItem(window->handle(), control), &place);
             EXPECT_GE(place.left, client.left) << control << " at " << width;
@@ -226,18 +158,18 @@ TEST_F(Window, keeps_every_control_inside_at_any_width) {
 
 TEST_F(Window, ends_what_plays_when_it_is_closed) {
     queue->play(0);
-    ASSERT_TRUE(pumpUntil([this] { return queue->player().positionSeconds() > 0; }));
+    ASSERT_TRUE(pumpUntil([this] { return queue->positionMs() > 0; }));
     ::PostMessageW(window->handle(), WM_CLOSE, 0, 0);
     ASSERT_TRUE(waitForEnd());
     EXPECT_FALSE(window->isOpen());
 }
 
-// The graph handles messages while it draws a curve, so the request comes in the middle of it.
 TEST_F(Window, may_be_closed_while_the_graph_draws) {
+    const app::Settings settings = app::Settings::load();
     command(CMD_WAVEFORM);
     queue->play(0);
-    for (int count = 0; count < 50 && window->isOpen(); ++count) {
-        ::PostMessageW(window->handle(), WM_TIMER, 1, 0);
+    ASSERT_TRUE(pumpUntil([&] { return graphShows(settings.curveColor); }, 5s));
+    for (int count = 0; count < 50; ++count) {
         ::PostMessageW(window->handle(), WM_CLOSE, 0, 0);
         dispatchWaitingMessages();
     }

@@ -73,7 +73,7 @@ TEST_F(DiscsInMenu, play_a_chosen_track) {
     const DiscImage disc({{true, 300}, {true, 60 * 75}});
     d->load(disc);
     choose(::GetSubMenu(opened(), 0), firstTrack + 1);
-    EXPECT_EQ(queue->files(), std::vector<std::wstring>{d->trackPath(2)});
+    EXPECT_EQ(queue->tracks(), std::vector<app::Track>{d->trackPath(2)});
     EXPECT_TRUE(queue->isPlaying());
     EXPECT_EQ(queue->player().format().seconds, 60.0);
 }
@@ -82,8 +82,8 @@ TEST_F(DiscsInMenu, play_whole_in_the_order_of_their_tracks) {
     const DiscImage disc({{true, 300}, {true, 300}, {true, 300}});
     d->load(disc);
     choose(::GetSubMenu(opened(), 0), 0);
-    EXPECT_EQ(queue->files(),
-              (std::vector<std::wstring>{d->trackPath(1), d->trackPath(2), d->trackPath(3)}));
+    EXPECT_EQ(queue->tracks(),
+              (std::vector<app::Track>{d->trackPath(1), d->trackPath(2), d->trackPath(3)}));
     EXPECT_TRUE(queue->isPlaying());
 }
 
@@ -91,7 +91,7 @@ TEST_F(DiscsInMenu, respond_to_no_command_that_is_not_theirs) {
     ASSERT_NE(opened(), nullptr);
     for (const WPARAM command : {0, 999, CMD_DISCS, CMD_DISCS + 99, CMD_DISCS + 2600, 0xffff})
         ::SendMessageW(window->handle(), WM_COMMAND, command, 0);
-    EXPECT_TRUE(queue->files().empty());
+    EXPECT_TRUE(queue->tracks().empty());
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "FileLists.h"
 
+#include "Unicode.h"
 #include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
@@ -8,6 +9,20 @@ namespace corvina::app {
 namespace {
 
 using Files = std::vector<std::wstring>;
+constexpr const wchar_t* patterns = L"*.wav;*.mp3;*.ogg";
+
+Files filesOf(const std::vector<Track>& tracks) {
+    Files files;
+    for (const Track& track : tracks) {
+        EXPECT_TRUE(track.isWholeFile()) << toUtf8(track.file);
+        files.push_back(track.file);
+    }
+    return files;
+}
+
+Files filesOfList(std::wstring_view extension, std::string_view bytes, std::wstring_view folder) {
+    return filesOf(tracksOfList(extension, bytes, folder));
+}
 
 TEST(FileLists, m3u_names_one_file_a_line_beside_its_remarks) {
     EXPECT_EQ(filesOfList(L"m3u",
@@ -61,8 +76,8 @@ TEST(FileLists, a_folder_brings_the_audio_files_in_and_below_it_in_order) {
     const std::wstring root = b.substr(0, b.find_last_of(L'\\'));
     ASSERT_TRUE(CreateDirectoryW((root + L"\\sub").c_str(), nullptr));
     const std::wstring below = folder.write(L"sub\\c.ogg", {1});
-    EXPECT_EQ(expandPaths({root}), (Files{a, b, below}));
-    EXPECT_EQ(expandPaths({root + L"\\"}), (Files{a, b, below}));
+    EXPECT_EQ(filesOf(expandPaths({root}, patterns)), (Files{a, b, below}));
+    EXPECT_EQ(filesOf(expandPaths({root + L"\\"}, patterns)), (Files{a, b, below}));
     DeleteFileW(below.c_str());
     RemoveDirectoryW((root + L"\\sub").c_str());
 }
@@ -71,8 +86,18 @@ TEST(FileLists, a_list_brings_its_files_and_everything_else_stays) {
     test::TempFolder folder;
     const std::wstring list = folder.write(L"list.m3u", {'x', '.', 'w', 'a', 'v'});
     const std::wstring root = list.substr(0, list.find_last_of(L'\\') + 1);
-    EXPECT_EQ(expandPaths({L"one.wav", list, L"missing.m3u", L"dots.in\\folder"}),
-              (Files{L"one.wav", root + L"x.wav", L"missing.m3u", L"dots.in\\folder"}));
+    EXPECT_EQ(
+        filesOf(expandPaths({L"one.wav", list, L"missing.m3u", L"dots.in\\folder"}, patterns)),
+        (Files{L"one.wav", root + L"x.wav", L"missing.m3u", L"dots.in\\folder"}));
+}
+
+TEST(FileLists, a_folder_brings_only_what_the_patterns_name) {
+    test::TempFolder folder;
+    const std::wstring file = folder.write(L"a.wav", {1});
+    (void)folder.write(L"b.mp3", {1});
+    const std::wstring root = file.substr(0, file.find_last_of(L'\\'));
+    EXPECT_EQ(filesOf(expandPaths({root}, L"*.wav")), Files{file});
+    EXPECT_TRUE(expandPaths({root}, L"").empty());
 }
 
 } // namespace

@@ -8,6 +8,13 @@ namespace {
 
 using Files = std::vector<std::wstring>;
 
+Files filesOf(const PlayList& list) {
+    Files files;
+    for (const Track& track : list.tracks())
+        files.push_back(track.file);
+    return files;
+}
+
 PlayList listOf(const Files& files) {
     PlayList list(1);
     for (const std::wstring& file : files)
@@ -37,13 +44,13 @@ TEST(PlayList, goes_back_to_the_file_before_and_stays_at_the_first) {
 TEST(PlayList, moves_a_file_down_and_up) {
     PlayList list = listOf({L"a", L"b", L"c", L"d"});
     list.move(0, 2);
-    EXPECT_EQ(list.files(), (Files{L"b", L"c", L"a", L"d"}));
+    EXPECT_EQ(filesOf(list), (Files{L"b", L"c", L"a", L"d"}));
     list.move(3, 0);
-    EXPECT_EQ(list.files(), (Files{L"d", L"b", L"c", L"a"}));
+    EXPECT_EQ(filesOf(list), (Files{L"d", L"b", L"c", L"a"}));
     list.move(1, 1);
     list.move(9, 0);
     list.move(0, 9);
-    EXPECT_EQ(list.files(), (Files{L"d", L"b", L"c", L"a"}));
+    EXPECT_EQ(filesOf(list), (Files{L"d", L"b", L"c", L"a"}));
 }
 
 TEST(PlayList, knows_where_every_file_is_after_a_move) {
@@ -53,7 +60,7 @@ TEST(PlayList, knows_where_every_file_is_after_a_move) {
             PlayList list = listOf(before);
             list.move(from, to);
             for (std::size_t index = 0; index < 5; ++index)
-                EXPECT_EQ(list.files()[PlayList::movedIndex(index, from, to)], before[index]);
+                EXPECT_EQ(filesOf(list)[PlayList::movedIndex(index, from, to)], before[index]);
         }
 }
 
@@ -117,7 +124,7 @@ TEST(PlayList, shuffled_orders_differ) {
     for (std::uint32_t seed = 0; seed < 20; ++seed) {
         PlayList list(seed);
         for (int count = 0; count < 6; ++count)
-            list.add(L"x");
+            list.add(std::wstring(L"x"));
         list.setShuffled(true);
         std::vector<std::size_t> order;
         for (std::optional<std::size_t> index = 0; index; index = list.after(*index)) {
@@ -127,6 +134,42 @@ TEST(PlayList, shuffled_orders_differ) {
         orders.insert(order);
     }
     EXPECT_GT(orders.size(), 10u);
+}
+
+TEST(PlayList, finds_a_track_again_wherever_it_was_moved) {
+    PlayList list = listOf({L"a", L"b", L"c"});
+    const std::uint32_t id = list.idOf(0);
+    list.move(0, 2);
+    EXPECT_EQ(list.indexOf(id), 2u);
+    list.remove(0);
+    EXPECT_EQ(list.indexOf(id), 1u);
+    list.remove(1);
+    EXPECT_EQ(list.indexOf(id), std::nullopt);
+}
+
+// What follows is asked for while a track still plays, and again when the list changes.
+TEST(PlayList, shuffled_a_new_round_does_not_begin_with_the_track_that_plays) {
+    for (std::uint32_t seed = 1; seed < 50; ++seed) {
+        PlayList list(seed);
+        for (const wchar_t* name : {L"a", L"b"})
+            list.add(std::wstring(name));
+        list.setShuffled(true);
+        list.setRepeated(true);
+        list.markPlayed(0);
+        list.markPlayed(1);
+        EXPECT_EQ(list.after(1), 0u);
+        EXPECT_EQ(list.after(1), 0u);
+    }
+}
+
+TEST(Track, runs_into_the_part_of_its_file_that_begins_where_it_ends) {
+    const Track first(L"a.wav", 0, 1000, L"One");
+    EXPECT_TRUE(first.runsInto(Track(L"a.wav", 1000, 0, L"Two")));
+    EXPECT_FALSE(first.runsInto(Track(L"a.wav", 1001, 0, L"Two")));
+    EXPECT_FALSE(first.runsInto(Track(L"b.wav", 1000, 0, L"Two")));
+    EXPECT_FALSE(Track(std::wstring(L"a.wav")).runsInto(Track(std::wstring(L"a.wav"))));
+    EXPECT_EQ(nameOf(first), L"One");
+    EXPECT_EQ(nameOf(Track(std::wstring(L"C:\\music\\a.wav"))), L"a.wav");
 }
 
 } // namespace
