@@ -3,7 +3,9 @@
 #include "Support.h"
 #include "support/ProcessObjects.h"
 
+#include <algorithm>
 #include <cstring>
+#include <limits>
 
 using namespace corvina;
 using namespace corvina::test;
@@ -144,11 +146,16 @@ TEST_F(Server, two_hundred_objects_leave_nothing_behind) {
     };
     create();
     const auto users = ::GetGuiResources(::GetCurrentProcess(), GR_USEROBJECTS);
-    const int handles = countKernelHandles();
-    for (int i = 0; i < 200; ++i)
-        create();
+    // The system takes handles of its own now and then; what the objects leave grows in each round.
+    int leastGrowth = std::numeric_limits<int>::max();
+    for (int round = 0; round < 4; ++round) {
+        const int handles = countKernelHandles();
+        for (int i = 0; i < 50; ++i)
+            create();
+        leastGrowth = std::min(leastGrowth, countKernelHandles() - handles);
+    }
     EXPECT_EQ(users, ::GetGuiResources(::GetCurrentProcess(), GR_USEROBJECTS));
-    EXPECT_LE(countKernelHandles(), handles + 2);
+    EXPECT_LE(leastGrowth, 0);
 }
 
 // The C runtime and the loader keep a little of their own.
