@@ -9,6 +9,8 @@
 namespace corvina::test {
 namespace {
 
+constexpr std::ptrdiff_t framesInSector = 588;
+
 Frames framesOf(const Bytes& bytes) {
     Frames frames(bytes.size() / sizeof(Frame));
     std::memcpy(frames.data(), bytes.data(), frames.size() * sizeof(Frame));
@@ -87,7 +89,10 @@ TEST_F(CdPlayback, a_disc_that_is_taken_out_leaves_the_track_silent_through_pass
         heard = playWhole(d->trackPath(2), sound.size());
         return compare(sound, heard);
     });
-    EXPECT_EQ(withoutSilenceBehind(heard).size(), sound.size());
+    ASSERT_GE(heard.size(), 32u * framesInSector);
+    // Behind the track comes what is left in the player's last block.
+    const Frames track(heard.begin(), heard.begin() + 32 * framesInSector);
+    EXPECT_EQ(withoutSilenceBehind(track).size(), sound.size());
     EXPECT_TRUE(wasAsked("SG_IO BE 00 00 00 00 24 00 00 04 F8 00 00 9408")) << "the track's end";
 }
 
