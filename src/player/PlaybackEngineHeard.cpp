@@ -77,8 +77,16 @@ void PlaybackEngine::tick() noexcept {
             timer_.stop();
             return;
         }
-        if (output_.stalled(paused_))
-            loseDevice();
+        const bool messagesDue =
+            state_ == PlaybackState::draining && drained_ + lost_ < WaveRing::playedBuffers;
+        if (output_.stalled(paused_, messagesDue)) {
+            // Without a buffer in the device it is the messages that are lost: a host's loop drops
+            // them.
+            if (output_.ring().anyQueued())
+                loseDevice();
+            else
+                closeDrained();
+        }
         if (session == session_ && playing())
             reportHeard();
         if (session == session_ && playing() && !paused_ && options_.positionInterval > 0)

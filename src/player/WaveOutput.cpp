@@ -95,10 +95,10 @@ void WaveOutput::setSettings(const SoundSettings& settings) {
         ring_->setSettings(settings, heardFrame() + format_.framesOf(fetchedMs));
 }
 
-bool WaveOutput::stalled(bool paused) noexcept {
+bool WaveOutput::stalled(bool paused, bool messagesDue) noexcept {
     const std::int64_t frame = heardFrame();
     const std::uint64_t now = ::GetTickCount64();
-    const bool waits = ring_->anyQueued() && !(paused && device_.responds());
+    const bool waits = ring_->anyQueued() ? !(paused && device_.responds()) : messagesDue;
     if (!waits || frame != watchedFrame_) {
         watchedFrame_ = frame;
         progressAt_ = now;

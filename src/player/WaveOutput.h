@@ -45,9 +45,10 @@ public:
 
     // The device has returned a buffer or goes on after a pause.
     void noteProgress() noexcept { progressAt_ = ::GetTickCount64(); }
-    // It has buffers and has played none of them for so long that it must be lost. To be called
-    // several times a second.
-    [[nodiscard]] bool stalled(bool paused) noexcept;
+    // It has buffers and has played none of them for so long that it must be lost; or it has none,
+    // and the messages of those that it returned are still due after so long. To be called several
+    // times a second.
+    [[nodiscard]] bool stalled(bool paused, bool messagesDue) noexcept;
 
 private:
     const WaveApi& wave_;

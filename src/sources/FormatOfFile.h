@@ -5,6 +5,7 @@
 
 #include "platform/FileApi.h"
 
+#include <cstdint>
 #include <string>
 
 namespace corvina {

@@ -143,6 +143,13 @@ TEST_F(Life, forged_close_messages_do_not_end_it) {
 
 class LostDevice : public Life {
 protected:
+    // What a host's loop does that handles only some messages.
+    void dropReturnedBuffers() const {
+        MSG dropped{};
+        while (
+            ::PeekMessageW(&dropped, host.window.handle(), MM_WOM_DONE, MM_WOM_DONE, PM_REMOVE)) {
+        }
+    }
     // As long as it takes, and a little more.
     static void watch() {
         tickTimers();
@@ -201,6 +208,31 @@ TEST_F(LostDevice, that_does_not_close_either_ends_the_playback_with_DonePlay) {
     fakeWave.open = false;
     fakeWave.queued.clear();
     expectTheNextPlaybackWorks();
+}
+
+TEST_F(LostDevice,
+       is_not_one_whose_last_messages_are_lost_by_the_host_but_Ended_and_DonePlay_come) {
+    startAndFill();
+    host.player.PlayStop();
+    dropReturnedBuffers();
+    watch();
+    dispatchWaitingMessages();
+    EXPECT_THAT(host.progress, ElementsAre(L"State 1", L"State 0", L"Ended 1"));
+    EXPECT_EQ(host.events, endOfPlayback);
+    expectTheNextPlaybackWorks();
+}
+
+TEST_F(LostDevice, that_keeps_a_refused_buffer_is_still_not_closed) {
+    script.data = noise(buffer * 20);
+    ASSERT_EQ(start(), 0);
+    fakeWave.faults.arm("waveOutWrite", 3);
+    dispatchWaitingMessages();
+    playOut();
+    watch();
+    dispatchWaitingMessages();
+    EXPECT_TRUE(fakeWave.open);
+    EXPECT_EQ(host.countOf(L"DonePlay"), 0);
+    EXPECT_EQ(ends(), 1);
 }
 
 TEST_F(LostDevice, is_replaced_by_the_systems_choice_with_Recover) {

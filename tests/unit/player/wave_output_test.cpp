@@ -157,25 +157,25 @@ TEST_F(Output, changes_what_is_still_to_be_heard_but_for_20_ms) {
 TEST_F(Output, stalls_if_it_has_buffers_and_plays_none_of_them) {
     openAndPrepare();
     send(1);
-    EXPECT_FALSE(output.stalled(false));
+    EXPECT_FALSE(output.stalled(false, false));
     ::Sleep(900);
-    EXPECT_TRUE(output.stalled(false));
-    EXPECT_FALSE(output.stalled(true)); // it is paused, and says where it is
+    EXPECT_TRUE(output.stalled(false, false));
+    EXPECT_FALSE(output.stalled(true, false)); // it is paused, and says where it is
     ::Sleep(900);
     fakeWave.faults.arm("waveOutGetPosition", 1, Faults::Lasting::forever);
-    EXPECT_TRUE(output.stalled(true)); // it says nothing
+    EXPECT_TRUE(output.stalled(true, false)); // it says nothing
     output.noteProgress();
-    EXPECT_FALSE(output.stalled(true));
+    EXPECT_FALSE(output.stalled(true, false));
 }
 
 TEST_F(Output, does_not_stall_while_it_plays_or_has_nothing_to_play) {
     openAndPrepare();
     ::Sleep(900);
-    EXPECT_FALSE(output.stalled(false));
+    EXPECT_FALSE(output.stalled(false, false));
     send(1);
     ::Sleep(900);
     fakeWave.framesBeyond = 1;
-    EXPECT_FALSE(output.stalled(false));
+    EXPECT_FALSE(output.stalled(false, false));
 }
 
 } // namespace
