@@ -3,6 +3,7 @@
 
 #include "Support.h"
 #include "support/Media.h"
+#include "support/TagBytes.h"
 #include "support/TempFolder.h"
 #include "support/WavBytes.h"
 
@@ -42,8 +43,9 @@ class Distribution : public ::testing::Test {
 protected:
     // Registers everything that is delivered but the libraries, of one text.
     void layOutWithout(const std::wstring& missing) {
-        for (const wchar_t* name : {L"Corvina.ocx", L"corvina-play.exe", L"ogg.dll", L"vorbis.dll",
-                                    L"vorbisfile.dll", L"libsndfile.dll", L"MACDll.dll"}) {
+        for (const wchar_t* name :
+             {L"Corvina.ocx", L"corvina-play.exe", L"ogg.dll", L"vorbis.dll", L"vorbisfile.dll",
+              L"libsndfile.dll", L"MACDll.dll", L"CorvinaTags.dll"}) {
             if (missing.find(name) == 0 || missing.find(std::wstring(L" ") + name) != missing.npos)
                 continue;
             const std::wstring delivered = std::wstring(CORVINA_DIST L"/") + name;
@@ -102,6 +104,45 @@ TEST_F(Distribution, passes_over_a_file_that_it_cannot_play_and_plays_the_next) 
     EXPECT_NE(printed.find("short.wav"), std::string::npos) << printed;
 }
 
+// What a script reads of a file with tags, and whether it plays.
+class TagsOfDistribution : public Distribution {
+protected:
+    std::string readTags() {
+        const char text[] = "Set p = CreateObject(\"Corvina.cPlayer\")\r\n"
+                            "p.Init\r\n"
+                            "WScript.Echo \"open \" & p.OpenAudioFile(\"tagged.wav\")\r\n"
+                            "WScript.Echo \"tags \" & p.TagCount\r\n"
+                            "WScript.Echo \"title '\" & p.TagText(\"TITLE\") & \"'\"\r\n"
+                            "WScript.Echo \"no cover \" & (p.Picture Is Nothing)\r\n"
+                            "WScript.Echo \"as long \" & (p.DurationMs > 1000)\r\n"
+                            "WScript.Echo p.FormatName\r\n";
+        const std::wstring script = folder.write(L"tags.vbs", Bytes(text, text + sizeof text - 1));
+        folder.write(L"tagged.wav", WavBytes()
+                                        .format(pcm(44100, 2, 16))
+                                        .chunk("data", Bytes(4 * 44100 * 2))
+                                        .chunk("id3 ", id3Tag(id3Text("TIT2", L"Song")))
+                                        .bytes());
+        std::string printed;
+        EXPECT_EQ(run(L"cscript //nologo \"" + script + L"\"", &printed), 0) << printed;
+        return printed;
+    }
+};
+
+TEST_F(TagsOfDistribution, are_none_without_their_library_and_the_file_opens_as_always) {
+    layOutWithout(L"CorvinaTags.dll");
+    const std::string printed = readTags();
+    for (const char* line :
+         {"open 0", "tags 0", "title ''", "no cover True", "as long True", "WAV"})
+        EXPECT_NE(printed.find(line), std::string::npos) << line << "\n" << printed;
+}
+
+TEST_F(TagsOfDistribution, are_read_with_their_library) {
+    layOutWithout(L"none");
+    const std::string printed = readTags();
+    for (const char* line : {"open 0", "title 'Song'", "no cover True", "as long True", "WAV"})
+        EXPECT_NE(printed.find(line), std::string::npos) << line << "\n" << printed;
+}
+
 // A folder of music with a library in it under the name of a decoder, and hosts that run there.
 class PlantedLibrary : public Distribution {
 protected:
@@ -145,7 +186,7 @@ INSTANTIATE_TEST_SUITE_P(Library, DistributionWithout,
                          ::testing::Values(L"none", L"ogg.dll", L"ogg.dll libsndfile.dll",
                                            L"vorbis.dll libsndfile.dll",
                                            L"vorbisfile.dll libsndfile.dll", L"libsndfile.dll",
-                                           L"MACDll.dll"),
+                                           L"MACDll.dll", L"CorvinaTags.dll"),
                          [](const auto& test) {
                              const std::string name = narrow(test.param);
                              const bool two = name.find(' ') != name.npos;
