@@ -7,6 +7,7 @@
 #include "support/TempFolder.h"
 
 #include <algorithm>
+#include <cctype>
 #include <gtest/gtest.h>
 #include <iostream>
 #include <memory>
