@@ -47,7 +47,7 @@ std::optional<std::int64_t> PlayedTrack::frames() {
 std::int32_t PlayedTrack::durationMs() {
     const std::optional<std::int64_t> known = frames();
     return known ? static_cast<std::int32_t>(format().millisecondsOf(*known))
-                 : source_->Info().Duration();
+                 : statedDurationMs(*source_);
 }
 
 std::int32_t PlayedTrack::read(void* destination, std::int32_t bytes, bool exactly) {

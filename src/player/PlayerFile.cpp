@@ -51,7 +51,7 @@ std::int32_t Player::DurationMs() {
     const std::optional<std::int64_t> frames = countFrames(file_, *source_);
     const std::int32_t rate = source_->Info().SampleRate();
     return frames && rate > 0 ? static_cast<std::int32_t>(*frames * 1000 / rate)
-                              : source_->Info().Duration();
+                              : statedDurationMs(*source_);
 }
 
 FileFacts& Player::facts() {

@@ -1,5 +1,6 @@
 #include "player/WaveLength.h"
 
+#include "runtime/RuntimeError.h"
 #include "stream/FileAccess.h"
 #include "stream/RiffChunk.h"
 #include "stream/SoundBlocks.h"
@@ -67,6 +68,14 @@ std::optional<std::int64_t> countFrames(const std::wstring& file, cSoundSTRM& so
     // The last block may be filled up with what is no sound.
     const std::int64_t counted = countedByWriter(file);
     return counted > 0 && counted <= inData ? counted : inData;
+}
+
+std::int32_t statedDurationMs(cSoundSTRM& source) {
+    try {
+        return source.Info().Duration();
+    } catch (const RuntimeError&) {
+        return 0;
+    }
 }
 
 } // namespace corvina

@@ -15,4 +15,8 @@ class cSoundSTRM;
 // the file's format cannot be counted.
 [[nodiscard]] std::optional<std::int64_t> countFrames(const std::wstring& file, cSoundSTRM& source);
 
+// What the source says in milliseconds; 0 if it has no length that a number can hold, as damaged
+// files may.
+[[nodiscard]] std::int32_t statedDurationMs(cSoundSTRM& source);
+
 } // namespace corvina
