@@ -178,7 +178,6 @@ int main() {
     corvina::test::TempFolder folder;
     corvina::bench::pcmBesideReadFile(folder);
     corvina::bench::linearBesideReadFile(folder, WAVE_FORMAT_PCM, 32, "32 bits");
-    corvina::bench::linearBesideReadFile(folder, WAVE_FORMAT_PCM, 24, "24 bits");
     corvina::bench::linearBesideReadFile(folder, WAVE_FORMAT_IEEE_FLOAT, 32, "Floating point");
     corvina::bench::adpcmBesideAcm(folder, L"ms-adpcm.wav",
                                    "MS-ADPCM through the converter, beside a bare ACM loop");
