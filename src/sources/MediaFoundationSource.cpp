@@ -46,14 +46,11 @@ std::int32_t MediaFoundationSource::OpenSource(const std::wstring& source) {
 }
 
 void MediaFoundationSource::forget() {
-    format_ = {};
+    forgetFile();
     block_ = {};
     offset_ = 0;
     startTime_ = 0;
     duration_ = 0;
-    bitrate_ = 0;
-    ended_ = false;
-    tags_.ClearTags();
 }
 
 void MediaFoundationSource::describe(const std::wstring& path) {
@@ -150,10 +147,6 @@ LONGLONG MediaFoundationSource::timeOfBytes(std::size_t bytes) const {
     if (format_.nAvgBytesPerSec == 0)
         return 0;
     return static_cast<LONGLONG>(bytes) * second / format_.nAvgBytesPerSec;
-}
-
-std::int32_t MediaFoundationSource::SampleRate() {
-    return static_cast<std::int32_t>(format_.nSamplesPerSec);
 }
 
 std::int32_t MediaFoundationSource::Position() {

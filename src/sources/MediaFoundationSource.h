@@ -8,17 +8,16 @@
 // seconds, 1, and one without sound that it can decode 12. Without an open file CloseSource returns
 // 1, Read 5 and SeekTo 4, which also is the result of a seek out of range.
 
+#include "sources/DecodedSource.h"
 #include "sources/MediaFoundationReader.h"
 #include "sources/StereoMixer.h"
-#include "stream/StrmTags.h"
-#include "stream/cSoundSTRM.h"
 
 #include <cstdint>
 #include <vector>
 
 namespace corvina {
 
-class MediaFoundationSource final : public cSoundSTRM, public cSoundInf {
+class MediaFoundationSource final : public DecodedSource {
 public:
     static constexpr DWORD longestOpen = 10'000; // milliseconds
 
@@ -30,24 +29,13 @@ public:
     MediaFoundationSource& operator=(const MediaFoundationSource&) = delete;
     ~MediaFoundationSource() override { MediaFoundationSource::CloseSource(); }
 
-    cSoundInf& Info() override { return *this; }
     std::vector<std::wstring> Extensions() override;
-    bool EndOfStream() override { return ended_; }
     bool Seekable() override { return true; }
-    const WAVEFORMATEX* WFXPointer() override { return &format_; }
     std::int32_t OpenSource(const std::wstring& source) override;
     std::int32_t CloseSource() override;
     std::int32_t Read(void* buffer, std::int32_t bytes, std::int32_t& bytesRead) override;
     std::int32_t SeekTo(std::int32_t value, std::int32_t& mode) override;
 
-    StrmTags* Tags() override { return &tags_; }
-    bool Force16Bit() override { return true; }
-    std::int32_t SampleRate() override;
-    std::int16_t Channels() override { return static_cast<std::int16_t>(format_.nChannels); }
-    std::int16_t BitsPerSample() override {
-        return static_cast<std::int16_t>(format_.wBitsPerSample);
-    }
-    std::int32_t Bitrate() override { return bitrate_; }
     std::int32_t Position() override;
     std::int32_t Duration() override;
 
@@ -65,15 +53,11 @@ private:
     std::shared_ptr<MediaFoundationLibrary> library_;
     DWORD longestOpen_;
     std::unique_ptr<MediaFoundationReader> reader_; // null unless a file is open
-    WAVEFORMATEX format_{};                         // of what Read delivers
     StereoMixer mix_;
     MediaFoundationReader::Block block_; // mixed; from offset_ on not yet delivered
     std::size_t offset_ = 0;             // in bytes
     LONGLONG startTime_ = 0;             // of the first block
     LONGLONG duration_ = 0;
-    std::int32_t bitrate_ = 0;
-    bool ended_ = false;
-    StrmTags tags_;
 };
 
 } // namespace corvina

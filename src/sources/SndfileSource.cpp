@@ -131,13 +131,10 @@ std::int32_t SndfileSource::OpenSource(const std::wstring& source) {
 }
 
 void SndfileSource::forget() {
+    forgetFile();
     info_ = {};
-    format_ = {};
     totalFrames_ = 0;
     nextFrame_ = 0;
-    bitrate_ = 0;
-    ended_ = false;
-    tags_.ClearTags();
 }
 
 bool SndfileSource::prepare(const std::wstring& path) {
@@ -265,10 +262,6 @@ bool SndfileSource::seekFrame(std::int64_t frame) {
     nextFrame_ = frame;
     ended_ = totalFrames_ > 0 && nextFrame_ >= totalFrames_;
     return true;
-}
-
-std::int32_t SndfileSource::SampleRate() {
-    return static_cast<std::int32_t>(format_.nSamplesPerSec);
 }
 
 std::int32_t SndfileSource::Position() {

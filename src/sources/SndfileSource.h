@@ -9,41 +9,28 @@
 // last three return 1. A seek out of range, or one that the library refuses, returns 4. What a
 // closed file was, its format, times and tags, is known until the next open.
 
+#include "sources/DecodedSource.h"
 #include "sources/SndfileLibrary.h"
 #include "sources/StereoMixer.h"
-#include "stream/StrmTags.h"
-#include "stream/cSoundSTRM.h"
 
 #include <cstdint>
 
 namespace corvina {
 
-class SndfileSource final : public cSoundSTRM, public cSoundInf {
+class SndfileSource final : public DecodedSource {
 public:
     explicit SndfileSource(const LibraryApi& libraries = systemLibraryApi) : library_(libraries) {}
     SndfileSource(const SndfileSource&) = delete;
     SndfileSource& operator=(const SndfileSource&) = delete;
     ~SndfileSource() override;
 
-    cSoundInf& Info() override { return *this; }
     std::vector<std::wstring> Extensions() override;
-    bool EndOfStream() override { return ended_; }
     bool Seekable() override { return info_.seekable != 0; }
-    const WAVEFORMATEX* WFXPointer() override { return &format_; }
     std::int32_t OpenSource(const std::wstring& source) override;
     std::int32_t CloseSource() override;
     std::int32_t Read(void* buffer, std::int32_t bytes, std::int32_t& bytesRead) override;
     std::int32_t SeekTo(std::int32_t value, std::int32_t& mode) override;
 
-    StrmTags* Tags() override { return &tags_; }
-    bool Force16Bit() override { return true; }
-    std::int32_t SampleRate() override;
-    std::int16_t Channels() override { return static_cast<std::int16_t>(format_.nChannels); }
-    std::int16_t BitsPerSample() override {
-        return static_cast<std::int16_t>(format_.wBitsPerSample);
-    }
-    // The file's size over its duration.
-    std::int32_t Bitrate() override { return bitrate_; }
     std::int32_t Position() override;
     std::int32_t Duration() override;
 
@@ -60,16 +47,12 @@ private:
     SndfileLibrary library_;
     SndfileInfo info_{};
     std::int32_t file_ = 0;
-    WAVEFORMATEX format_{}; // of what Read delivers
     StereoMixer mix_;
     std::vector<std::int16_t> unmixed_;
     std::vector<float> floats_;
     bool asFloat_ = false;
     std::int64_t totalFrames_ = 0; // 0: unknown
     std::int64_t nextFrame_ = 0;
-    std::int32_t bitrate_ = 0;
-    bool ended_ = false;
-    StrmTags tags_;
 };
 
 } // namespace corvina

@@ -19,19 +19,18 @@ __m128i loadFour(const std::uint8_t* bytes) noexcept {
 
 // Four of three bytes, each with the byte behind it on top.
 __m128i loadFourOfThree(const std::uint8_t* bytes) noexcept {
-    std::int32_t samples[4];
-    for (std::size_t index = 0; index < 4; ++index)
-        std::memcpy(&samples[index], bytes + 3 * index, sizeof samples[index]);
-    return _mm_set_epi32(samples[3], samples[2], samples[1], samples[0]);
+    const __m128i first = _mm_unpacklo_epi32(_mm_loadu_si32(bytes), _mm_loadu_si32(bytes + 3));
+    const __m128i second = _mm_unpacklo_epi32(_mm_loadu_si32(bytes + 6), _mm_loadu_si32(bytes + 9));
+    return _mm_unpacklo_epi64(first, second);
 }
 
 // Four samples whose full scale is 1; what is no number counts as silence.
 __m128i toIntegers(__m128 samples) noexcept {
-    const __m128i cut = _mm_cvttps_epi32(_mm_mul_ps(samples, _mm_set1_ps(2147483648.0F)));
-    // What is too loud comes out as the lowest number, on both sides.
-    const __m128i loud = _mm_castps_si128(_mm_cmpge_ps(samples, _mm_set1_ps(1.0F)));
-    const __m128i number = _mm_castps_si128(_mm_cmpord_ps(samples, samples));
-    return _mm_and_si128(_mm_xor_si128(cut, loud), number);
+    const __m128 numbers = _mm_and_ps(samples, _mm_cmpord_ps(samples, samples));
+    const __m128 scaled = _mm_mul_ps(numbers, _mm_set1_ps(2147483648.0F));
+    // What is too loud becomes the greatest number that fits. What is too low comes out as the
+    // lowest one.
+    return _mm_cvttps_epi32(_mm_min_ps(scaled, _mm_set1_ps(2147483520.0F)));
 }
 
 void store(std::int16_t sample, std::uint8_t* output) noexcept {

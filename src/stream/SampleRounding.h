@@ -4,6 +4,8 @@
 // one triangular noise of one step to either side is added first, so that the error is noise and
 // never distortion. Nothing wraps around: what is too loud becomes the loudest sample.
 
+#include "stream/NoiseLanes.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -19,7 +21,8 @@ public:
         constexpr std::int32_t below = 0xFFFF;
         if ((sample & below) == 0)
             return static_cast<std::int16_t>(sample >> 16);
-        const std::uint32_t noise = next();
+        state_ = nextNoise(state_);
+        const std::uint32_t noise = state_;
         // Two uniform numbers of 16 bits less one step, and half a step to round to nearest.
         const std::int32_t added =
             static_cast<std::int32_t>((noise & below) + (noise >> 16)) - below + 0x8000;
@@ -37,18 +40,29 @@ public:
     [[nodiscard]] std::size_t roundMany(const std::uint8_t* from, std::uint8_t* to,
                                         std::size_t count, std::size_t fourBytes,
                                         Load load) noexcept {
-        constexpr std::size_t eight = 8;
         auto* const lanes = reinterpret_cast<__m128i*>(lanes_);
-        __m128i noise = _mm_loadu_si128(lanes);
+        NoiseLanes noise(_mm_loadu_si128(lanes));
+        const auto roundEight = [=](std::size_t at, NoiseLanes& with) {
+            const std::uint8_t* const source = from + at / 4 * fourBytes;
+            const __m128i first = roundFour(load(source), with.next());
+            const __m128i second = roundFour(load(source + fourBytes), with.next());
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(to + at * sizeof(std::int16_t)),
+                             _mm_packs_epi32(first, second));
+        };
+        // Two halves of a block at a time, so that the noise of neither is waited for.
+        constexpr std::size_t half = 4 * NoiseLanes::stepsAhead;
         std::size_t done = 0;
-        for (; done + eight <= count; done += eight) {
-            const __m128i first = roundFour(load(from), noise);
-            const __m128i second = roundFour(load(from + fourBytes), noise);
-            _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_packs_epi32(first, second));
-            from += 2 * fourBytes;
-            to += eight * sizeof(std::int16_t);
+        for (; done + 2 * half <= count; done += 2 * half) {
+            NoiseLanes ofSecondHalf = noise.ahead();
+            for (std::size_t at = done; at < done + half; at += 8) {
+                roundEight(at, noise);
+                roundEight(at + half, ofSecondHalf);
+            }
+            noise = ofSecondHalf;
         }
-        _mm_storeu_si128(lanes, noise);
+        for (; done + 8 <= count; done += 8)
+            roundEight(done, noise);
+        _mm_storeu_si128(lanes, noise.states());
         return done;
     }
 
@@ -66,27 +80,16 @@ public:
     }
 
 private:
-    // Marsaglia's xorshift: the same noise in every run.
-    [[nodiscard]] std::uint32_t next() noexcept {
-        state_ ^= state_ << 13;
-        state_ ^= state_ >> 17;
-        state_ ^= state_ << 5;
-        return state_;
-    }
-
-    [[nodiscard]] static __m128i roundFour(__m128i samples, __m128i& noise) noexcept {
-        noise = _mm_xor_si128(noise, _mm_slli_epi32(noise, 13));
-        noise = _mm_xor_si128(noise, _mm_srli_epi32(noise, 17));
-        noise = _mm_xor_si128(noise, _mm_slli_epi32(noise, 5));
-        const __m128i below = _mm_set1_epi32(0xFFFF);
-        const __m128i added =
-            _mm_add_epi32(_mm_add_epi32(_mm_and_si128(noise, below), _mm_srli_epi32(noise, 16)),
-                          _mm_set1_epi32(0x8000 - 0xFFFF));
-        // The upper 16 bits are kept apart, so that no sum overflows.
-        const __m128i rest = _mm_and_si128(samples, below);
-        const __m128i carry = _mm_srai_epi32(_mm_add_epi32(rest, added), 16);
-        const __m128i exact = _mm_cmpeq_epi32(rest, _mm_setzero_si128());
-        return _mm_add_epi32(_mm_srai_epi32(samples, 16), _mm_andnot_si128(exact, carry));
+    // What stays of each is the lower half of its lane's upper half.
+    [[nodiscard]] static __m128i roundFour(__m128i samples, __m128i noise) noexcept {
+        const __m128i rest = _mm_and_si128(samples, _mm_set1_epi32(0xFFFF));
+        const __m128i inexact = _mm_cmpgt_epi32(rest, _mm_setzero_si128());
+        // With one uniform number u in each half the sum of both less 0xFFFE: as signed numbers the
+        // halves are 0x7FFF - u, and they are multiplied by -1, or 0 if the sample is exact.
+        const __m128i added = _mm_madd_epi16(_mm_xor_si128(noise, _mm_set1_epi16(0x7FFF)), inexact);
+        const __m128i sum = _mm_add_epi32(_mm_add_epi32(rest, _mm_set1_epi32(0x7FFF)), added);
+        // Halves are added apart, so that no sum overflows; the lower ones are dropped.
+        return _mm_srai_epi32(_mm_adds_epi16(samples, sum), 16);
     }
 
     std::uint32_t state_ = 2463534242U;

@@ -2,10 +2,12 @@
 
 #include "support/WavBytes.h"
 
+#include <algorithm>
 #include <cmath>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <limits>
+#include <random>
 
 #include <ks.h>
 #include <ksmedia.h>
@@ -167,6 +169,52 @@ TEST(LinearConversion, what_lies_between_two_steps_is_rounded_with_triangular_no
     EXPECT_NEAR(sum / count, 0, 0.01);
     // Triangular noise and the rounding itself: a sixth and a twelfth of a step squared.
     EXPECT_NEAR(squares / count, 0.25, 0.01);
+}
+
+// Of eight samples at a time, four generators make the noise in turn.
+Samples roundedOneByOne(const std::vector<std::int32_t>& source) {
+    std::uint32_t states[] = {0x05491333, 0x159A55E5, 0x075BCD15, 0x1F123BB5};
+    Samples rounded;
+    for (std::size_t index = 0; index < source.size(); ++index) {
+        std::uint32_t& noise = states[index % 4];
+        noise = nextNoise(noise);
+        const std::int64_t added = std::int64_t{noise & 0xFFFF} + (noise >> 16) - 0x7FFF;
+        const bool exact = (source[index] & 0xFFFF) == 0;
+        const std::int64_t sum = (source[index] + (exact ? 0 : added)) >> 16;
+        rounded.push_back(static_cast<std::int16_t>(
+            std::clamp<std::int64_t>(sum, std::numeric_limits<std::int16_t>::min(),
+                                     std::numeric_limits<std::int16_t>::max())));
+    }
+    return rounded;
+}
+
+TEST(LinearConversion, the_noise_is_the_same_however_many_samples_are_converted_at_once) {
+    std::mt19937 random(1);
+    std::vector<std::int32_t> source(10'000);
+    for (std::size_t index = 0; index < source.size(); ++index) {
+        const auto any = static_cast<std::int32_t>(random());
+        constexpr std::int32_t loudest = std::numeric_limits<std::int32_t>::max();
+        const std::int32_t choices[] = {any, any & ~0xFFFF, loudest - (any & 0x1FFFF),
+                                        -loudest - 1 + (any & 0x1FFFF)};
+        source[index] = choices[index / 16 % 4];
+    }
+    const Samples expected = roundedOneByOne(source);
+    EXPECT_EQ(converted(plain(1, 32), bytesOf(source)), expected);
+    LinearConversion conversion(plain(1, 32), false);
+    Samples inPieces;
+    for (std::size_t done = 0; done < source.size();) {
+        const std::size_t count = std::min<std::size_t>(8 * (random() % 400), source.size() - done);
+        Bytes piece =
+            bytesOf(std::vector(source.begin() + static_cast<std::ptrdiff_t>(done),
+                                source.begin() + static_cast<std::ptrdiff_t>(done + count)));
+        Bytes output(count * sizeof(std::int16_t));
+        ASSERT_EQ(conversion.convert(piece, output, false, false)->produced, output.size());
+        inPieces.resize(done + count);
+        if (count > 0)
+            std::memcpy(&inPieces[done], output.data(), output.size());
+        done += count;
+    }
+    EXPECT_EQ(inPieces, expected);
 }
 
 TEST(LinearConversion, only_whole_blocks_that_fit_are_converted) {
