@@ -1,10 +1,9 @@
 /* Gives back what the compiler's own libraries would keep when the DLL is unloaded. A host that
  * loads and unloads a DLL for each job would otherwise lose at each:
- *   - an index of thread-local storage, of which a process has about a thousand; the thread library
- *     ends the process once they are used up,
- *   - two handles of the thread that unloads it, which the thread library takes once more behind
- * its own end (two others of its own stay out of reach),
- *   - 19 KB that are kept for exceptions that are thrown when memory is short.
+ *   - an index of thread-local storage; a process has about a thousand, and the thread library ends it
+ *     once they are used up,
+ *   - two handles of the thread that unloads it; two more of the thread library stay out of reach,
+ *   - 19 KB that are kept for exceptions thrown when memory is short.
  *
  * This file takes the place of the import of TlsAlloc, for the whole DLL, to note its indexes. */
 #include <stdlib.h>

@@ -54,6 +54,17 @@ HRESULT callByName(IDispatch* object, const wchar_t* name, WORD flags,
                    std::vector<Variant> arguments, VARIANT* result = nullptr,
                    EXCEPINFO* exception = nullptr);
 
+inline constexpr HRESULT invalidPropertyValue = static_cast<HRESULT>(0x800A0000 + 380);
+
+// The description of the last error that a member raised.
+[[nodiscard]] inline std::wstring errorText() {
+    ComPtr<IErrorInfo> error;
+    Bstr text;
+    if (::GetErrorInfo(0, error.put()) == S_OK)
+        error->GetDescription(text.put());
+    return text.get() ? text.get() : L"";
+}
+
 // Listens to events. It lives on the stack of its test: counting does nothing.
 class EventSink final : public IDispatch {
 public:

@@ -11,19 +11,6 @@ using namespace corvina::test;
 
 namespace {
 
-constexpr HRESULT invalidValue = static_cast<HRESULT>(0x800A017C); // 380
-
-std::wstring errorText() {
-    ComPtr<IErrorInfo> information;
-    if (::GetErrorInfo(0, information.put()) != S_OK)
-        return {};
-    BSTR text = nullptr;
-    information->GetDescription(&text);
-    const std::wstring result(text ? text : L"", ::SysStringLen(text));
-    ::SysFreeString(text);
-    return result;
-}
-
 // Dispatches messages for that long.
 void pumpFor(std::chrono::milliseconds time) {
     (void)pumpUntil([] { return false; }, time);
@@ -93,7 +80,7 @@ TEST_F(GraphControl, a_player_may_outlive_the_graphs_that_follow_it) {
 TEST_F(GraphControl, refuses_a_player_that_is_none_in_words_and_keeps_the_one_before) {
     const auto player = create<_cPlayer>(CLSID_cPlayer);
     ASSERT_EQ(S_OK, graph->put_Player(player.get()));
-    EXPECT_EQ(invalidValue, graph->put_Player(graph.get()));
+    EXPECT_EQ(invalidPropertyValue, graph->put_Player(graph.get()));
     EXPECT_NE(std::wstring::npos, errorText().find(L"cPlayer"));
     ComPtr<IDispatch> followed;
     ASSERT_EQ(S_OK, graph->get_Player(followed.put()));
@@ -118,13 +105,14 @@ TEST_F(GraphControl, scripts_set_the_player_with_and_without_Set) {
 
 TEST_F(GraphControl, values_out_of_range_are_refused_with_the_range_in_words) {
     for (const long value : {0L, 101L, -1L, 0x7FFFFFFFL}) {
-        EXPECT_EQ(invalidValue, graph->put_FramesPerSecond(value));
+        EXPECT_EQ(invalidPropertyValue, graph->put_FramesPerSecond(value));
         EXPECT_NE(std::wstring::npos, errorText().find(L"1 to 100")) << value;
     }
     for (const int value : {-1, 2, 0x7FFFFFFF}) {
-        EXPECT_EQ(invalidValue, graph->put_LevelScale(static_cast<AudioGraphLevelScale>(value)));
+        EXPECT_EQ(invalidPropertyValue,
+                  graph->put_LevelScale(static_cast<AudioGraphLevelScale>(value)));
         EXPECT_NE(std::wstring::npos, errorText().find(L"DECIBEL_SCALE"));
-        EXPECT_EQ(invalidValue,
+        EXPECT_EQ(invalidPropertyValue,
                   graph->put_FrequencyAxis(static_cast<AudioGraphFrequencyAxis>(value)));
         EXPECT_NE(std::wstring::npos, errorText().find(L"OCTAVE_AXIS"));
     }

@@ -14,16 +14,6 @@ using namespace corvina::test;
 
 namespace {
 
-constexpr HRESULT invalidPropertyValue = static_cast<HRESULT>(0x800A0000 + 380);
-
-std::wstring errorText() {
-    ComPtr<IErrorInfo> error;
-    Bstr text;
-    if (::GetErrorInfo(0, error.put()) == S_OK)
-        error->GetDescription(text.put());
-    return textOf(text.get());
-}
-
 class PlayerTags : public PlayerControl {
 protected:
     void SetUp() override {

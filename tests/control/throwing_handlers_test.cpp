@@ -92,9 +92,8 @@ TEST_F(ThrowingPlayerHost, still_gets_done_play_after_an_err_that_threw) {
             raise(ofCpp);
     };
     play();
-    EXPECT_TRUE(pumpUntil([&] {
-        return std::ranges::count(sink.received, DISPID{1}, &EventSink::Event::id) == 1;
-    }));
+    EXPECT_TRUE(pumpUntil(
+        [&] { return std::ranges::count(sink.received, DISPID{1}, &EventSink::Event::id) == 1; }));
     VARIANT_BOOL playing = VARIANT_TRUE;
     EXPECT_EQ(S_OK, player->IsPlaying(&playing));
     EXPECT_EQ(VARIANT_FALSE, playing);
