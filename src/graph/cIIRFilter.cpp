@@ -22,7 +22,8 @@ void cIIRFilter::ProcessSamples(std::span<std::int16_t> samples, std::int32_t la
 
 std::size_t cIIRFilter::filter(std::span<std::int16_t> samples) noexcept {
     const auto [b0, b1, b2, a1, a2] = coefficients_;
-    auto [x1, x2, y1, y2] = delay_;
+    auto x1 = static_cast<float>(delay_.x1), x2 = static_cast<float>(delay_.x2);
+    auto y1 = static_cast<float>(delay_.y1), y2 = static_cast<float>(delay_.y2);
     std::size_t done = 0;
     for (; done < samples.size(); ++done) {
         const float x = static_cast<float>(samples[done]) / 32767.0F;
@@ -45,17 +46,18 @@ std::size_t cIIRFilter::filter(std::span<std::int16_t> samples) noexcept {
 
 void cIIRFilter::processFractions(std::span<float> samples) noexcept {
     // What fades out below this is silence. Much smaller numbers would slow the processor down.
-    constexpr float silence = 1e-15F;
-    const auto [b0, b1, b2, a1, a2] = coefficients_;
+    constexpr double silence = 1e-15;
+    const double b0 = coefficients_.b0, b1 = coefficients_.b1, b2 = coefficients_.b2;
+    const double a1 = coefficients_.a1, a2 = coefficients_.a2;
     auto [x1, x2, y1, y2] = delay_;
     for (float& sample : samples) {
-        const float x = sample;
-        const float y = b0 * x + b1 * x1 + b2 * x2 - a1 * y1 - a2 * y2;
-        sample = y;
+        const double x = sample;
+        const double y = b0 * x + b1 * x1 + b2 * x2 - a1 * y1 - a2 * y2;
+        sample = static_cast<float>(y);
         x2 = x1;
         x1 = x;
         y2 = y1;
-        y1 = std::fabs(y) < silence ? 0.0F : y;
+        y1 = std::fabs(y) < silence ? 0.0 : y;
     }
     delay_ = {x1, x2, y1, y2};
     if (std::isfinite(y1) && std::isfinite(y2))

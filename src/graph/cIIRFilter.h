@@ -36,21 +36,24 @@ public:
     [[nodiscard]] const BiquadCoefficients& Coefficients() const noexcept { return coefficients_; }
 
     void ClearDelayLine() noexcept { delay_ = {}; }
+    // As if that sample, as a fraction of full scale, had gone in and come out for ever.
+    void fillDelayLine(float sample) noexcept { delay_ = {sample, sample, sample, sample}; }
 
     // Filters the samples with the indexes 0 ... lastIndex; a negative lastIndex filters none.
     // Errors: 9 (subscript) when lastIndex is beyond the samples, 6 (overflow) when an output is no
     // finite number. What was filtered until then stays filtered.
     void ProcessSamples(std::span<std::int16_t> samples, std::int32_t lastIndex);
     // The same on fractions, which are neither rounded nor limited: for filters one behind the
-    // other. An output that is no finite number clears the delay line and becomes 0.
+    // other. It counts in 64 bits, for a filter of a low frequency feeds back what was rounded a
+    // thousand times. An output that is no finite number clears the delay line and becomes 0.
     void processFractions(std::span<float> samples) noexcept;
 
 private:
     struct DelayLine {
-        float x1 = 0.0F;
-        float x2 = 0.0F;
-        float y1 = 0.0F;
-        float y2 = 0.0F;
+        double x1 = 0.0;
+        double x2 = 0.0;
+        double y1 = 0.0;
+        double y2 = 0.0;
     };
 
     // Filters all of samples, or up to the first whose output is no finite number; returns how

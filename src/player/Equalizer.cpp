@@ -1,9 +1,20 @@
 #include "player/Equalizer.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <utility>
 
 namespace corvina {
+namespace {
+
+// Until what a filter remembers has become a ten thousandth: its poles, whose square is a2, are
+// multiplied with it for each frame.
+std::size_t framesToFade(const BiquadCoefficients& filter) noexcept {
+    return static_cast<std::size_t>(std::ceil(2 * std::log(1e-4) / std::log(std::fabs(filter.a2))));
+}
+
+} // namespace
 
 double bandFrequency(std::size_t band) noexcept {
     return std::ldexp(31.25, static_cast<int>(band));
@@ -24,29 +35,53 @@ BiquadCoefficients peakingFilter(double frequency, double sampleRate, double gai
             .a2 = part(1 - width / amplitude)};
 }
 
+Equalizer::Equalizer(std::int32_t sampleRate, const Gains& gains) noexcept
+    : sampleRate_(sampleRate) {
+    setGains(gains);
+    for (auto& channel : filters_)
+        for (Filter& filter : channel)
+            filter.begins = false;
+}
+
 void Equalizer::setGains(const Gains& gains) noexcept {
     for (std::size_t band = 0; band < gains.size(); ++band) {
-        if (gains[band] == gains_[band])
+        if (gains[band] == gains_[band] || 2 * bandFrequency(band) >= sampleRate_)
             continue;
-        // A band that was off has not seen the stream: what it remembers is old.
-        const bool begins = gains_[band] == 0.0F;
+        const bool begins = !works(band);
         const BiquadCoefficients coefficients =
             peakingFilter(bandFrequency(band), sampleRate_, gains[band]);
         for (auto& channel : filters_) {
-            channel[band].SetCoefficients(coefficients);
-            if (begins)
-                channel[band].ClearDelayLine();
+            channel[band].biquad.SetCoefficients(coefficients);
+            channel[band].begins = channel[band].begins || begins;
         }
+        fading_[band] = gains[band] == 0.0F ? framesToFade(coefficients) : 0;
     }
     gains_ = gains;
 }
 
-void Equalizer::process(std::size_t channel, std::span<float> samples) noexcept {
-    if (channel >= filters_.size())
-        return;
+bool Equalizer::idle() const noexcept {
     for (std::size_t band = 0; band < gains_.size(); ++band)
-        if (gains_[band] != 0.0F && 2 * bandFrequency(band) < sampleRate_)
-            filters_[channel][band].processFractions(samples);
+        if (works(band) && 2 * bandFrequency(band) < sampleRate_)
+            return false;
+    return true;
+}
+
+void Equalizer::process(std::size_t channel, std::span<float> samples) noexcept {
+    if (channel >= filters_.size() || samples.empty())
+        return;
+    for (std::size_t band = 0; band < gains_.size(); ++band) {
+        if (!works(band) || 2 * bandFrequency(band) >= sampleRate_)
+            continue;
+        Filter& filter = filters_[channel][band];
+        if (std::exchange(filter.begins, false))
+            filter.biquad.fillDelayLine(samples.front());
+        filter.biquad.processFractions(samples);
+    }
+}
+
+void Equalizer::advance(std::size_t frames) noexcept {
+    for (std::size_t& left : fading_)
+        left -= std::min(left, frames);
 }
 
 float softLimit(float sample) noexcept {

@@ -32,11 +32,9 @@ void writeSample(std::uint8_t* at, std::int32_t bits, float value) noexcept {
 } // namespace
 
 SampleChain::SampleChain(const PlayedFormat& format, const SoundSettings& settings) noexcept
-    : format_(format), equalizer_(format.sampleRate),
+    : format_(format), equalizer_(format.sampleRate, settings.bandGains),
       rampFrames_(static_cast<std::size_t>(std::max<std::int64_t>(format.framesOf(rampMs), 1))),
-      rampDone_(rampFrames_), from_(gainsOf(settings)), to_(from_) {
-    equalizer_.setGains(to_.bands);
-}
+      rampDone_(rampFrames_), from_(gainsOf(settings)), to_(from_) {}
 
 SampleChain::Gains SampleChain::gainsOf(const SoundSettings& settings) const noexcept {
     const float level = static_cast<float>(settings.volume) / 100.0F;
@@ -46,6 +44,7 @@ SampleChain::Gains SampleChain::gainsOf(const SoundSettings& settings) const noe
     return {.left = amplitude * std::min(1.0F, 1.0F - balance),
             .right = amplitude * std::min(1.0F, 1.0F + balance),
             .others = amplitude,
+            .limiter = settings.bandGains == Equalizer::Gains{} ? 0.0F : 1.0F,
             .bands = settings.bandGains};
 }
 
@@ -57,6 +56,7 @@ SampleChain::Gains SampleChain::gainsAt(std::size_t rampFrame) const noexcept {
     Gains gains{.left = between(from_.left, to_.left),
                 .right = between(from_.right, to_.right),
                 .others = between(from_.others, to_.others),
+                .limiter = between(from_.limiter, to_.limiter),
                 .bands = {}};
     for (std::size_t band = 0; band < gains.bands.size(); ++band)
         gains.bands[band] = between(from_.bands[band], to_.bands[band]);
@@ -73,7 +73,7 @@ void SampleChain::setTarget(const SoundSettings& settings) noexcept {
 }
 
 bool SampleChain::neutral() const noexcept {
-    return rampDone_ >= rampFrames_ && to_ == Gains{};
+    return rampDone_ >= rampFrames_ && to_ == Gains{} && equalizer_.idle();
 }
 
 void SampleChain::process(std::span<std::uint8_t> bytes) noexcept {
@@ -93,26 +93,34 @@ void SampleChain::process(std::span<std::uint8_t> bytes) noexcept {
     }
 }
 
-void SampleChain::processStep(std::uint8_t* bytes, std::size_t frames) noexcept {
+void SampleChain::equalize(std::size_t channel, std::span<float> samples, const Gains& start,
+                           const Gains& end) noexcept {
     constexpr float fullScale = 32768.0F;
+    for (float& sample : samples)
+        sample /= fullScale;
+    equalizer_.process(channel, samples);
+    const float slope = (end.limiter - start.limiter) / static_cast<float>(samples.size());
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+        const float part = start.limiter + slope * static_cast<float>(i);
+        const float bent = softLimit(samples[i]) - samples[i];
+        samples[i] = (samples[i] + part * bent) * fullScale;
+    }
+}
+
+void SampleChain::processStep(std::uint8_t* bytes, std::size_t frames) noexcept {
     const std::int32_t sampleBytes = format_.bits / 8;
     const Gains start = gainsAt(rampDone_);
     const Gains end = gainsAt(rampDone_ + frames);
     equalizer_.setGains(end.bands);
-    const bool equalizes = end.bands != Equalizer::Gains{};
+    const bool equalizes = !equalizer_.idle();
     for (std::int32_t channel = 0; channel < format_.channels; ++channel) {
         std::array<float, stepFrames> samples;
         std::uint8_t* const first = bytes + channel * sampleBytes;
         for (std::size_t i = 0; i < frames; ++i)
             samples[i] = readSample(first + i * static_cast<std::size_t>(format_.frameBytes()),
                                     format_.bits);
-        if (equalizes) {
-            for (std::size_t i = 0; i < frames; ++i)
-                samples[i] /= fullScale;
-            equalizer_.process(static_cast<std::size_t>(channel), {samples.data(), frames});
-            for (std::size_t i = 0; i < frames; ++i)
-                samples[i] = softLimit(samples[i]) * fullScale;
-        }
+        if (equalizes)
+            equalize(static_cast<std::size_t>(channel), {samples.data(), frames}, start, end);
         const auto gainOf = [channel](const Gains& gains) {
             return channel == 0 ? gains.left : channel == 1 ? gains.right : gains.others;
         };
@@ -122,6 +130,7 @@ void SampleChain::processStep(std::uint8_t* bytes, std::size_t frames) noexcept 
             writeSample(first + i * static_cast<std::size_t>(format_.frameBytes()), format_.bits,
                         samples[i] * (gain + slope * static_cast<float>(i)));
     }
+    equalizer_.advance(frames);
 }
 
 } // namespace corvina

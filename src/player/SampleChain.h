@@ -33,12 +33,15 @@ private:
         float left = 1.0F; // of the first channel
         float right = 1.0F;
         float others = 1.0F;
+        float limiter = 0.0F; // 1: works in full
         Equalizer::Gains bands{};
         bool operator==(const Gains&) const = default;
     };
 
     [[nodiscard]] Gains gainsOf(const SoundSettings& settings) const noexcept;
     [[nodiscard]] Gains gainsAt(std::size_t rampFrame) const noexcept;
+    void equalize(std::size_t channel, std::span<float> samples, const Gains& start,
+                  const Gains& end) noexcept;
     void processStep(std::uint8_t* bytes, std::size_t frames) noexcept;
 
     PlayedFormat format_;

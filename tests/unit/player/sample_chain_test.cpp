@@ -8,6 +8,8 @@
 #include <cmath>
 #include <cstdlib>
 #include <numbers>
+#include <string>
+#include <utility>
 #include <vector>
 
 namespace corvina::test {
@@ -130,6 +132,77 @@ TEST(SampleChain, changes_the_equalizer_without_a_jump_larger_than_the_signals_o
     const double steepest = 2 * 6000 * 2 * std::numbers::pi * 1000 / 44100 * 1.05;
     for (std::size_t i = 2; i < samples.size(); ++i)
         ASSERT_LE(std::abs(samples[i] - samples[i - 2]), steepest) << i;
+}
+
+// The largest step of the signal itself with 12 dB more is allowed, and two of rounding.
+void expectNoJump(const Samples& original, const Samples& samples, double louder) {
+    int own = 0;
+    for (std::size_t i = 2; i < original.size(); ++i)
+        own = std::max(own, std::abs(original[i] - original[i - 2]));
+    for (std::size_t i = 2; i < samples.size(); ++i)
+        ASSERT_LE(std::abs(samples[i] - samples[i - 2]), own * louder + 15) << i;
+}
+
+TEST(SampleChain, begins_and_ends_each_band_without_a_jump_and_is_neutral_afterwards) {
+    for (std::size_t band = 0; band < SoundSettings::bands; ++band)
+        for (const double frequency : {0.0, 20.0, 100.0, 31.25 * std::pow(2, band)}) {
+            SCOPED_TRACE("band " + std::to_string(band) + ", " + std::to_string(frequency) + " Hz");
+            Samples samples = sine(std::min(frequency, 18000.0), 12000, 44100);
+            if (frequency == 0.0)
+                std::fill(samples.begin(), samples.end(), 12000);
+            const Samples original = samples;
+            const auto bytes = bytesOf(samples);
+            SampleChain chain(stereo, {});
+            chain.process(bytes.first(4000));
+            SoundSettings settings;
+            settings.bandGains[band] = -12.0F;
+            chain.setTarget(settings);
+            chain.process(bytes.subspan(4000, 40000));
+            chain.setTarget({});
+            chain.process(bytes.subspan(44000, 4000));
+            EXPECT_FALSE(chain.neutral() && band == 0);
+            chain.process(bytes.subspan(48000));
+            EXPECT_TRUE(chain.neutral());
+            EXPECT_TRUE(std::equal(samples.end() - 20000, samples.end(), original.end() - 20000));
+            expectNoJump(original, samples, 1.01);
+        }
+}
+
+TEST(SampleChain, begins_and_ends_to_limit_without_a_jump) {
+    Samples samples = sine(50, 32767, 22050);
+    const Samples original = samples;
+    const auto bytes = bytesOf(samples);
+    SampleChain chain(stereo, {});
+    SoundSettings settings;
+    settings.bandGains[9] = 0.5F; // which this tone does not notice
+    // Both at the top of a wave, where the limiter takes away most.
+    chain.process(bytes.first(4 * 5513));
+    chain.setTarget(settings);
+    chain.process(bytes.subspan(4 * 5513, 4 * 4410));
+    EXPECT_LT(samples[2 * 8159], 32500) << "it limits";
+    chain.setTarget({});
+    chain.process(bytes.subspan(4 * 9923));
+    expectNoJump(original, samples, 1.01);
+}
+
+// A low filter feeds back what was rounded a thousand times.
+TEST(SampleChain, adds_no_noise_in_a_low_band) {
+    SoundSettings settings;
+    settings.bandGains[0] = 12.0F;
+    SampleChain chain(stereo, settings);
+    Samples samples = sine(1000, 8000, 44100);
+    const BiquadCoefficients c = peakingFilter(bandFrequency(0), 44100, 12);
+    std::vector<double> expected;
+    double x1 = 0, x2 = 0, y1 = 0, y2 = 0;
+    for (std::size_t i = 0; i < samples.size(); i += 2) {
+        const double x = samples[i];
+        expected.push_back(c.b0 * x + c.b1 * x1 + c.b2 * x2 - c.a1 * y1 - c.a2 * y2);
+        x2 = std::exchange(x1, x);
+        y2 = std::exchange(y1, expected.back());
+    }
+    chain.process(bytesOf(samples));
+    for (std::size_t i = 0; i < expected.size(); ++i)
+        ASSERT_NEAR(samples[2 * i], expected[i], 0.6) << i;
 }
 
 TEST(SampleChain, goes_on_in_a_copy_as_the_original_would) {
