@@ -1,6 +1,7 @@
 // The chain of equalizer, limiter and gains by itself.
 
 #include "player/SampleChain.h"
+#include "support/EqualizerCurve.h"
 
 #include <gtest/gtest.h>
 
@@ -46,26 +47,6 @@ double gainOf(SampleChain& chain, double frequency, double amplitude = 3000) {
     return 10 * std::log10(after / before);
 }
 
-// What ten bands in a row come to at a frequency, from their coefficients in double precision.
-double curve(const SoundSettings& settings, double frequency) {
-    double decibels = 0;
-    const double w = 2 * std::numbers::pi * frequency / 44100;
-    for (std::size_t band = 0; band < SoundSettings::bands; ++band) {
-        const double centre = 31.25 * std::pow(2, static_cast<double>(band));
-        const double w0 = 2 * std::numbers::pi * centre / 44100;
-        const double a = std::pow(10, settings.bandGains[band] / 40.0);
-        const double alpha = std::sin(w0) * std::sinh(std::log(2.0) / 2 * w0 / std::sin(w0));
-        const auto square = [w](double c0, double c1, double c2) {
-            const double real = c0 + c1 * std::cos(w) + c2 * std::cos(2 * w);
-            const double imaginary = c1 * std::sin(w) + c2 * std::sin(2 * w);
-            return real * real + imaginary * imaginary;
-        };
-        decibels += 10 * std::log10(square(1 + alpha * a, -2 * std::cos(w0), 1 - alpha * a) /
-                                    square(1 + alpha / a, -2 * std::cos(w0), 1 - alpha / a));
-    }
-    return decibels;
-}
-
 TEST(SampleChain, with_neutral_settings_leaves_every_sample_alone) {
     SampleChain chain(stereo, {});
     Samples samples{INT16_MIN, INT16_MAX, 1, -1, 0, 12345};
@@ -84,7 +65,7 @@ TEST(SampleChain, has_each_band_within_half_a_decibel_of_its_curve) {
             for (const double frequency : {centre, centre * 1.4, centre / 1.4, 1000.0})
                 if (frequency < 20000) {
                     SampleChain chain(stereo, settings);
-                    EXPECT_NEAR(gainOf(chain, frequency), curve(settings, frequency), 0.5)
+                    EXPECT_NEAR(gainOf(chain, frequency), equalizerCurve(settings.bandGains, frequency), 0.5)
                         << "band " << band << " at " << frequency << " Hz";
                 }
             SampleChain chain(stereo, settings);
