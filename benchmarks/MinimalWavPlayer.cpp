@@ -52,6 +52,15 @@ void MinimalWavPlayer::refill(WAVEHDR& header) {
         ++queued_;
 }
 
+void MinimalWavPlayer::jump(LONG byte) {
+    firstWrite_ = {};
+    ::SetFilePointer(file_.get(), headerBytes + byte, nullptr, FILE_BEGIN);
+    ::waveOutReset(device_);
+    // The messages of the dropped buffers fill them anew.
+    if (!test::pumpUntil([this] { return firstWrite_ != Moment{}; }))
+        giveUp("the minimal player does not go on");
+}
+
 void MinimalWavPlayer::stop() {
     if (!device_)
         return;

@@ -26,11 +26,13 @@ public:
 
     // Opens the file and the device and queues all eight buffers.
     void start(const std::wstring& path);
+    // Drops what is queued and goes on at that byte of the sound.
+    void jump(LONG byte);
     // Closes the device and the file.
     void stop();
     // True when everything has been played.
     [[nodiscard]] bool done() const noexcept { return queued_ == 0; }
-    // When the first buffer of this start was handed to the device.
+    // When the first buffer of this start or jump was handed to the device.
     [[nodiscard]] Moment firstWrite() const noexcept { return firstWrite_; }
 
 private:

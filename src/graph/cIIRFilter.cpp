@@ -52,13 +52,16 @@ void cIIRFilter::processFractions(std::span<float> samples) noexcept {
     auto [x1, x2, y1, y2] = delay_;
     for (float& sample : samples) {
         const double x = sample;
-        const double y = b0 * x + b1 * x1 + b2 * x2 - a1 * y1 - a2 * y2;
+        // The output before, which is the last to be known, comes last: nothing else waits for it.
+        const double y = (b0 * x + b1 * x1 + b2 * x2 - a2 * y2) - a1 * y1;
         sample = static_cast<float>(y);
         x2 = x1;
         x1 = x;
         y2 = y1;
-        y1 = std::fabs(y) < silence ? 0.0 : y;
+        y1 = y;
     }
+    if (std::fabs(y1) < silence && std::fabs(y2) < silence)
+        y1 = y2 = 0.0;
     delay_ = {x1, x2, y1, y2};
     if (std::isfinite(y1) && std::isfinite(y2))
         return;

@@ -20,6 +20,11 @@ bool PlayedTrack::begin() {
            (!mixed_ || converter_.mixToStereo());
 }
 
+// The search for a codec takes longer than all else of a jump.
+bool PlayedTrack::beginAgain() {
+    return open_ && (converter_.startAgain() || begin());
+}
+
 bool PlayedTrack::mixToStereo() {
     if (!mixed_)
         mixed_ = converter_.mixToStereo();
@@ -83,7 +88,7 @@ bool PlayedTrack::goTo(std::int32_t seconds) {
 
 bool PlayedTrack::seek(std::int32_t milliseconds) {
     constexpr std::int32_t second = 1000;
-    if (!open_ || !goTo(milliseconds / second) || !begin())
+    if (!open_ || !goTo(milliseconds / second) || !beginAgain())
         return false;
     // Sources are moved to whole seconds, or, without a lead-in, to the block of compressed sound
     // before; the rest is read and dropped.

@@ -56,6 +56,7 @@ public:
     void close();
 
 private:
+    [[nodiscard]] bool beginAgain();
     [[nodiscard]] bool goTo(std::int32_t seconds);
     [[nodiscard]] std::optional<std::int64_t> frames();
 

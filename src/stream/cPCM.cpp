@@ -82,8 +82,7 @@ bool cPCM::InitConversion(cSoundSTRM& source, cCallback* observer, bool force16B
     source_ = &source;
     observer_ = observer;
     restart();
-    readOffset_ = 0;
-    available_ = 0;
+    readOffset_ = available_ = 0;
     return true;
 }
 
@@ -148,6 +147,14 @@ void cPCM::ResetACM() {
     silenceBuffers();
     restart();
     // What was converted before the seek has become silence and is still returned.
+}
+
+bool cPCM::startAgain() noexcept {
+    if (!conversion_ || sourceFormat_.wFormatTag != WAVE_FORMAT_PCM)
+        return false;
+    restart();
+    readOffset_ = available_ = 0;
+    return true;
 }
 
 bool cPCM::CloseConverter() noexcept {

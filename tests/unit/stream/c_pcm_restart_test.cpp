@@ -53,6 +53,45 @@ TEST_F(Converter, a_reset_forgets_unconverted_bytes) {
     EXPECT_EQ(source.asked.back(), 500);
 }
 
+TEST_F(Converter, starts_again_with_PCM_without_asking_for_a_codec) {
+    MemorySource source(pcm(500, 1, 16), noise(3000));
+    ASSERT_TRUE(start(source));
+    pull(100);
+    const std::size_t opened = fakeAcm.openings.size();
+    source.position = 2000;
+    ASSERT_TRUE(converter_->startAgain());
+    EXPECT_EQ(fakeAcm.openings.size(), opened);
+    pulled_.clear();
+    EXPECT_EQ(pull(100), 100);
+    const Bytes all = noise(3000);
+    EXPECT_EQ(pulled_, Bytes(all.begin() + 2000, all.begin() + 2100));
+    EXPECT_EQ(fakeAcm.conversions.back().flags, blockAlignFlag | startFlag);
+}
+
+TEST_F(Converter, starts_again_at_the_end_of_the_source) {
+    MemorySource source(pcm(500, 1, 16), noise(1000));
+    ASSERT_TRUE(start(source));
+    pullAll(500);
+    EXPECT_TRUE(converter_->Exhausted());
+    source.position = 0;
+    ASSERT_TRUE(converter_->startAgain());
+    EXPECT_FALSE(converter_->EndOfStream());
+    EXPECT_EQ(pullAll(500), noise(1000));
+}
+
+TEST_F(Converter, does_not_start_again_with_compressed_sound_nor_once_it_is_closed) {
+    WAVEFORMATEX compressed = pcm(1000, 1, 4);
+    compressed.wFormatTag = WAVE_FORMAT_ADPCM;
+    MemorySource codec(compressed, noise(3000));
+    ASSERT_TRUE(start(codec));
+    EXPECT_FALSE(converter_->startAgain());
+    MemorySource source(pcm(500, 1, 16), noise(3000));
+    ASSERT_TRUE(start(source));
+    EXPECT_TRUE(converter_->startAgain());
+    converter_->CloseConverter();
+    EXPECT_FALSE(converter_->startAgain());
+}
+
 TEST_F(Converter, a_reset_after_closing_does_nothing) {
     MemorySource source(pcm(500, 1, 16), noise(3000));
     ASSERT_TRUE(start(source));
