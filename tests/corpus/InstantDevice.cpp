@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <stdexcept>
+#include <utility>
 
 namespace corvina::test {
 namespace {
@@ -30,9 +31,10 @@ InstantDevice::InstantDevice() {
     redirect("waveOutPrepareHeader", reinterpret_cast<const void*>(&prepare));
     redirect("waveOutUnprepareHeader", reinterpret_cast<const void*>(&unprepare));
     redirect("waveOutWrite", reinterpret_cast<const void*>(&write));
-    redirect("waveOutReset", reinterpret_cast<const void*>(&control));
+    redirect("waveOutReset", reinterpret_cast<const void*>(&reset));
     redirect("waveOutPause", reinterpret_cast<const void*>(&control));
     redirect("waveOutRestart", reinterpret_cast<const void*>(&control));
+    redirect("waveOutGetPosition", reinterpret_cast<const void*>(&position));
     redirect("waveOutClose", reinterpret_cast<const void*>(&close));
 }
 
@@ -63,6 +65,7 @@ MMRESULT InstantDevice::open(HWAVEOUT* device, UINT, const WAVEFORMATEX* format,
     current_->format_ = *format;
     current_->window_ = reinterpret_cast<HWND>(callback);
     current_->isOpen_ = true;
+    current_->bytesSinceReset_ = 0;
     *device = handle();
     ::PostMessageA(current_->window_, MM_WOM_OPEN, reinterpret_cast<WPARAM>(*device), 0);
     return MMSYSERR_NOERROR;
@@ -78,12 +81,46 @@ MMRESULT InstantDevice::unprepare(HWAVEOUT, WAVEHDR* header, UINT) {
     return MMSYSERR_NOERROR;
 }
 
-MMRESULT InstantDevice::write(HWAVEOUT device, WAVEHDR* header, UINT) {
+MMRESULT InstantDevice::write(HWAVEOUT, WAVEHDR* header, UINT) {
     const auto* const data = reinterpret_cast<const std::uint8_t*>(header->lpData);
     current_->bytes_.insert(current_->bytes_.end(), data, data + header->dwBufferLength);
+    current_->bytesSinceReset_ += header->dwBufferLength;
+    if (!current_->holds_) {
+        current_->giveBack(header);
+        return MMSYSERR_NOERROR;
+    }
+    header->dwFlags |= WHDR_INQUEUE;
+    current_->held_.push_back(header);
+    return MMSYSERR_NOERROR;
+}
+
+void InstantDevice::giveBack(WAVEHDR* header) const {
+    header->dwFlags &= ~static_cast<DWORD>(WHDR_INQUEUE);
     header->dwFlags |= WHDR_DONE;
-    ::PostMessageA(current_->window_, MM_WOM_DONE, reinterpret_cast<WPARAM>(device),
+    ::PostMessageA(window_, MM_WOM_DONE, reinterpret_cast<WPARAM>(handle()),
                    reinterpret_cast<LPARAM>(header));
+}
+
+void InstantDevice::release() {
+    holds_ = false;
+    for (WAVEHDR* const header : std::exchange(held_, {}))
+        giveBack(header);
+}
+
+MMRESULT InstantDevice::reset(HWAVEOUT) {
+    if (!current_->isOpen_)
+        return MMSYSERR_INVALHANDLE;
+    for (WAVEHDR* const header : std::exchange(current_->held_, {}))
+        current_->giveBack(header);
+    current_->bytesSinceReset_ = 0;
+    return MMSYSERR_NOERROR;
+}
+
+MMRESULT InstantDevice::position(HWAVEOUT, MMTIME* time, UINT) {
+    if (!current_->isOpen_)
+        return MMSYSERR_INVALHANDLE;
+    time->wType = TIME_BYTES;
+    time->u.cb = static_cast<DWORD>(current_->bytesSinceReset_);
     return MMSYSERR_NOERROR;
 }
 

@@ -1,38 +1,15 @@
 // The sound server ends while the registered control plays, and is started again.
 
 #include "../../control/Support.h"
+#include "OwnSoundServer.h"
 #include "support/ExpectRecorded.h"
 #include "support/Recording.h"
 #include "support/TempFolder.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <fstream>
 
 namespace corvina::test {
 namespace {
-
-// The server that tests/sound/device/with-own-sound-server runs beside the program.
-class SoundServer {
-public:
-    SoundServer() {
-        if (const char* const folder = std::getenv("CORVINA_SOUND_SERVER"))
-            folder_ = "Z:" + std::string(folder) + "/";
-    }
-    [[nodiscard]] bool available() const { return !folder_.empty(); }
-    void end() const { request("end"); }
-    void start() const { request("start"); }
-
-private:
-    void request(const char* wish) const {
-        const std::string file = folder_ + wish;
-        std::ofstream(file).put('\n');
-        ASSERT_TRUE(pumpUntil(
-            [&] { return ::GetFileAttributesA(file.c_str()) == INVALID_FILE_ATTRIBUTES; }));
-    }
-
-    std::string folder_;
-};
 
 class LostServer : public ApartmentTest {
 protected:
@@ -102,7 +79,7 @@ protected:
 
     static constexpr DISPID ended = 3;
     static constexpr std::size_t second = 44100;
-    SoundServer server;
+    OwnSoundServer server;
     Recording recording;
     TempFolder folder;
     ComPtr<_cPlayer> player;
