@@ -154,11 +154,17 @@ HRESULT callLate(IDispatch* control, const Member& member, const MemberValues& v
     }
     Variant ignored;
     const bool put = member.kind == INVOKE_PROPERTYPUT || member.kind == INVOKE_PROPERTYPUTREF;
-    return callByName(control, member.name.c_str(), static_cast<WORD>(member.kind),
-                      std::move(arguments),
-                      put      ? nullptr
-                      : result ? result
-                               : &ignored);
+    EXCEPINFO raised{};
+    const HRESULT called = callByName(control, member.name.c_str(), static_cast<WORD>(member.kind),
+                                      std::move(arguments),
+                                      put      ? nullptr
+                                      : result ? result
+                                               : &ignored,
+                                      &raised);
+    ::SysFreeString(raised.bstrSource);
+    ::SysFreeString(raised.bstrDescription);
+    ::SysFreeString(raised.bstrHelpFile);
+    return called == DISP_E_EXCEPTION ? raised.scode : called;
 }
 
 } // namespace corvina::test

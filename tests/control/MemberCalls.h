@@ -43,7 +43,8 @@ struct MemberValues {
 
 // Through the vtable of that interface. What is returned is given back at once.
 HRESULT callEarly(IUnknown* vtable, const Member& member, const MemberValues& values);
-// By name. result: if not null, gets what is returned.
+// By name; an error that is raised is returned as its number. result: if not null, gets what is
+// returned.
 HRESULT callLate(IDispatch* control, const Member& member, const MemberValues& values,
                  Variant* result = nullptr);
 
