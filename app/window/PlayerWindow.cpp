@@ -16,15 +16,10 @@ namespace {
 constexpr const wchar_t* className = L"CorvinaPlayer";
 constexpr long wheelStep = 5; // of the volume
 
-} // namespace
-
-PlayerWindow::PlayerWindow(PlayQueue& queue, const Options& options)
-    : queue_(queue), settings_(Settings::load()), forPicture_(!options.pictureFile.empty()) {
-    const HINSTANCE instance = GetModuleHandleW(nullptr);
-    keys_ = LoadAcceleratorsW(instance, MAKEINTRESOURCEW(IDR_KEYS));
+void registerKind(HINSTANCE instance, WNDPROC procedure) {
     WNDCLASSEXW kind{};
     kind.cbSize = sizeof kind;
-    kind.lpfnWndProc = &procedure;
+    kind.lpfnWndProc = procedure;
     kind.hInstance = instance;
     kind.hCursor = LoadCursorW(nullptr, reinterpret_cast<LPCWSTR>(IDC_ARROW));
     kind.hIcon = LoadIconW(nullptr, reinterpret_cast<LPCWSTR>(IDI_APPLICATION));
@@ -32,6 +27,15 @@ PlayerWindow::PlayerWindow(PlayQueue& queue, const Options& options)
     kind.lpszMenuName = MAKEINTRESOURCEW(IDR_MENU);
     kind.lpszClassName = className;
     RegisterClassExW(&kind);
+}
+
+} // namespace
+
+PlayerWindow::PlayerWindow(PlayQueue& queue, const Options& options)
+    : queue_(queue), settings_(Settings::load()), forPicture_(!options.pictureFile.empty()) {
+    const HINSTANCE instance = GetModuleHandleW(nullptr);
+    keys_ = LoadAcceleratorsW(instance, MAKEINTRESOURCEW(IDR_KEYS));
+    registerKind(instance, &procedure);
 
     // A window for a picture has no user. On a display without a window manager, a window with a
     // frame or an active one would wait seconds for a manager.
