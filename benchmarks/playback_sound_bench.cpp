@@ -73,8 +73,8 @@ void measureChain() {
         return [&, blocks] { return perSecond(blocks, [&] { ring.applySettings(filled(ring)); }); };
     };
     const Pair whole = interleaved(manyTurns, through(changed, 2), without(2));
-    report("The whole chain with ten bands, processor time for a second of sound", "ms",
-           whole.value, whole.reference, whole.ratio, Judged::excessAtMost, 10);
+    report("All ten bands, volume and balance, for a second of stereo sound", "ms", whole.value,
+           whole.reference, whole.ratio, Judged::excessAtMost, 10);
     // The blocks pass it untouched, so reading the file is all there is to compare with.
     const Pair defaults = interleaved(manyTurns, through(neutral, 50), without(50));
     report("The chain with the initial settings, beside reading the file alone", "ms",

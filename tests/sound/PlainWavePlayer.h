@@ -1,8 +1,7 @@
 #pragma once
 
-// Plays 16-bit stereo frames on the wave mapper without the library: eight buffers of 8000 bytes,
-// each written again when it comes back. It shows how exact the recording is, and what this machine
-// and its sound server can do.
+// Plays frames on the wave mapper without the library: eight buffers of 8000 bytes, each written
+// again when it comes back. It shows how exact the recording is, and what this machine can do.
 
 #include "support/MessagePump.h"
 #include "support/SoundSignal.h"
@@ -18,10 +17,9 @@ class PlainWavePlayer {
 public:
     // Wine hands the last buffer back while the sound server still holds some milliseconds of it,
     // which closing the device would cut off: a block of silence is played behind the frames.
-    explicit PlainWavePlayer(Frames frames, DWORD sampleRate = 44100)
-        : frames_(std::move(frames)), sampleRate_(sampleRate) {
+    explicit PlainWavePlayer(Frames frames) : frames_(std::move(frames)) {
         frames_.resize((frames_.size() / blockFrames + 2) * blockFrames);
-        WAVEFORMATEX format = pcm(sampleRate, 2, 16);
+        WAVEFORMATEX format = pcm(44100, 2, 16);
         if (::waveOutOpen(&device_, WAVE_MAPPER, &format, 0, 0, CALLBACK_NULL) != MMSYSERR_NOERROR)
             throw std::runtime_error("no wave output");
         for (Slot& slot : slots_)
@@ -30,7 +28,6 @@ public:
     PlainWavePlayer(const PlainWavePlayer&) = delete;
     PlainWavePlayer& operator=(const PlainWavePlayer&) = delete;
     ~PlainWavePlayer() {
-        ::waveOutReset(device_);
         for (Slot& slot : slots_)
             ::waveOutUnprepareHeader(device_, &slot.header, sizeof slot.header);
         ::waveOutClose(device_);
@@ -52,23 +49,6 @@ public:
         return busy;
     }
 
-    void pause() { ::waveOutPause(device_); }
-    void resume() { ::waveOutRestart(device_); }
-    // Drops what is queued and goes on at that frame.
-    void jump(std::size_t frame) {
-        ::waveOutReset(device_);
-        next_ = first_ = frame;
-        for (Slot& slot : slots_)
-            fillAndWrite(slot);
-    }
-    // The place that the device says it plays.
-    [[nodiscard]] double positionMs() const {
-        MMTIME time{};
-        time.wType = TIME_SAMPLES;
-        ::waveOutGetPosition(device_, &time, sizeof time);
-        return static_cast<double>(first_ + time.u.sample) * 1000 / sampleRate_;
-    }
-
 private:
     static constexpr std::size_t blockFrames = 2000;
 
@@ -79,7 +59,7 @@ private:
     };
 
     void fillAndWrite(Slot& slot) {
-        slot.queued = next_ + blockFrames <= frames_.size();
+        slot.queued = next_ < frames_.size();
         if (!slot.queued)
             return;
         std::copy_n(frames_.begin() + static_cast<std::ptrdiff_t>(next_), blockFrames,
@@ -95,8 +75,6 @@ private:
     }
 
     Frames frames_;
-    DWORD sampleRate_;
-    std::size_t first_ = 0; // the frame at which the device counts 0
     std::size_t next_ = 0;
     HWAVEOUT device_ = nullptr;
     std::array<Slot, 8> slots_;

@@ -65,7 +65,8 @@ TEST(SampleChain, has_each_band_within_half_a_decibel_of_its_curve) {
             for (const double frequency : {centre, centre * 1.4, centre / 1.4, 1000.0})
                 if (frequency < 20000) {
                     SampleChain chain(stereo, settings);
-                    EXPECT_NEAR(gainOf(chain, frequency), equalizerCurve(settings.bandGains, frequency), 0.5)
+                    EXPECT_NEAR(gainOf(chain, frequency),
+                                equalizerCurve(settings.bandGains, frequency), 0.5)
                         << "band " << band << " at " << frequency << " Hz";
                 }
             SampleChain chain(stereo, settings);
