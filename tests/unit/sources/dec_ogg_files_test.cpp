@@ -2,6 +2,8 @@
 
 #include "DecodedFiles.h"
 #include "sources/DecOGG.h"
+#include "support/OggPages.h"
+#include "support/ProcessObjects.h"
 
 namespace corvina::test {
 namespace {
@@ -63,6 +65,40 @@ TEST(OggFiles, a_chain_of_links_plays_to_its_end) {
     const Reading whole = readToEnd(source);
     EXPECT_EQ(whole.result, 5);
     EXPECT_THAT(whole.bytes, SizeIs(132'300 * 4 + 132'300 * 2));
+}
+
+// The file with another number for its stream; its third header spoilt if so.
+Bytes linkOfAChain(std::uint8_t number, bool refused) {
+    Bytes link = fileBytes(mediaFile(L"clip.ogg"));
+    for (std::size_t at = 0; const std::size_t size = oggPageSize(link, at); at += size)
+        link[at + 14] = number;
+    constexpr std::array<std::uint8_t, 7> setup{5, 'v', 'o', 'r', 'b', 'i', 's'};
+    const auto header = std::search(link.begin(), link.end(), setup.begin(), setup.end());
+    if (refused)
+        std::fill_n(header + setup.size(), 40, std::uint8_t{0xFF});
+    correctOggPages(link);
+    return link;
+}
+
+TEST(OggFiles, a_chain_with_a_refused_link_is_refused_and_keeps_no_memory) {
+    TempFolder folder;
+    std::vector<std::wstring> chains;
+    for (std::uint8_t refused = 1; refused < 4; ++refused) {
+        Bytes chain;
+        for (std::uint8_t number = 0; number < 4; ++number) {
+            const Bytes link = linkOfAChain(number, number == refused);
+            chain.insert(chain.end(), link.begin(), link.end());
+        }
+        chains.push_back(folder.write(std::to_wstring(refused) + L".ogg", chain));
+    }
+    DecOGG source;
+    std::size_t before = 0;
+    for (int round = 0; round < 200; ++round) {
+        for (const std::wstring& chain : chains)
+            ASSERT_EQ(source.OpenSource(chain), 1);
+        before = round < 20 ? countHeapBytes() : before;
+    }
+    EXPECT_LE(countHeapBytes(), before + (anyHeapGroupsSmallBlocks() ? 32 * 1024 : 0));
 }
 
 TEST(OggFiles, vorbis_beside_another_stream_is_found) {

@@ -11,12 +11,12 @@
 #include "stream/cPCM.h"
 #include "support/FileBytes.h"
 #include "support/Media.h"
+#include "support/OggPages.h"
 #include "support/ProcessObjects.h"
 #include "support/RandomDamage.h"
 #include "support/TempFolder.h"
 
 #include <cctype>
-#include <cstring>
 #include <functional>
 #include <gtest/gtest.h>
 #include <memory>
@@ -192,42 +192,12 @@ std::string lettersOf(const testing::TestParamInfo<Format>& tested) {
 
 INSTANTIATE_TEST_SUITE_P(Formats, HostileFiles, testing::ValuesIn(formats()), lettersOf);
 
-// Ogg pages carry a checksum, which hides most damage from the decoder; with it mended the damage
-// reaches the packets.
-std::uint32_t pageChecksum(const std::uint8_t* page, std::size_t size) {
-    std::uint32_t sum = 0;
-    for (std::size_t at = 0; at < size; ++at) {
-        const std::uint8_t byte = at >= 22 && at < 26 ? std::uint8_t{0} : page[at];
-        sum ^= static_cast<std::uint32_t>(byte) << 24;
-        for (int bit = 0; bit < 8; ++bit)
-            sum = (sum << 1) ^ (sum & 0x80000000u ? 0x04C11DB7u : 0u);
-    }
-    return sum;
-}
-
-void mendPages(Bytes& bytes) {
-    std::size_t at = 0;
-    while (at + 27 <= bytes.size() && std::memcmp(&bytes[at], "OggS", 4) == 0) {
-        const std::size_t segments = bytes[at + 26];
-        if (at + 27 + segments > bytes.size())
-            return;
-        std::size_t size = 27 + segments;
-        for (std::size_t segment = 0; segment < segments; ++segment)
-            size += bytes[at + 27 + segment];
-        if (at + size > bytes.size())
-            return;
-        const std::uint32_t sum = pageChecksum(&bytes[at], size);
-        for (std::size_t byte = 0; byte < 4; ++byte)
-            bytes[at + 22 + byte] = static_cast<std::uint8_t>(sum >> 8 * byte);
-        at += size;
-    }
-}
-
+// Behind right checksums the damage reaches the packets.
 class HostilePackets : public HostileFiles {};
 
 TEST_P(HostilePackets, random_damage_behind_good_checksums) {
     RandomDamage::forEachVariant(clip, [this](Bytes bytes) {
-        mendPages(bytes);
+        correctOggPages(bytes);
         play(bytes);
     });
 }
