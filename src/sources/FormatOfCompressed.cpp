@@ -72,10 +72,10 @@ const wchar_t* mp4Object(const FilePiece& entry) {
     return L"MP4";
 }
 
-std::wstring mp4(const std::wstring& path) {
+std::wstring mp4(const std::wstring& path, const FileApi& files) {
     constexpr std::uint64_t countOfEntries = 8;
     constexpr std::size_t codec = 4, bits = 26;
-    const Mp4Boxes file(path);
+    const Mp4Boxes file(path, files);
     std::wstring words;
     file.forEach(file.child(file.whole(), "moov"), 0, [&](const Mp4Boxes::Box& track) {
         if (!words.empty() || !track.is("trak"))
@@ -172,7 +172,8 @@ std::uint64_t behindTags(const FileHead& head) {
 
 } // namespace
 
-std::wstring formatOfCompressedFile(const FileHead& head, const std::wstring& path) {
+std::wstring formatOfCompressedFile(const FileHead& head, const std::wstring& path,
+                                    const FileApi& files) {
     const std::uint64_t begin = behindTags(head);
     const FilePiece start = head.piece(begin, 512);
     if (start.hasAt(0, "fLaC"))
@@ -182,7 +183,7 @@ std::wstring formatOfCompressedFile(const FileHead& head, const std::wstring& pa
     if (start.hasAt(0, "MAC "))
         return ape(start);
     if (start.hasAt(4, "ftyp"))
-        return mp4(path);
+        return mp4(path, files);
     if (start.hasAt(0, "\x30\x26\xB2\x75\x8E\x66\xCF\x11"))
         return windowsMedia(head);
     std::wstring words = begin > 0 ? mpeg(head, begin) : mpegFrame(start, 0);

@@ -15,7 +15,7 @@ std::wstring formatOfFile(const std::wstring& path, const FileApi& files) {
     const FileAccess access(files);
     const FileHead head(access, path);
     std::wstring words = formatOfSampleFile(head);
-    return words.empty() ? formatOfCompressedFile(head, path) : words;
+    return words.empty() ? formatOfCompressedFile(head, path, files) : words;
 }
 
 } // namespace corvina

@@ -19,7 +19,8 @@ class FileHead;
 // The kinds whose files hold plain samples, or samples of one of several codecs. Empty for others.
 [[nodiscard]] std::wstring formatOfSampleFile(const FileHead& head);
 // The kinds whose sound is always compressed. Empty for others.
-[[nodiscard]] std::wstring formatOfCompressedFile(const FileHead& head, const std::wstring& path);
+[[nodiscard]] std::wstring formatOfCompressedFile(const FileHead& head, const std::wstring& path,
+                                                  const FileApi& files);
 
 // "kind, 16 bits"; without the number for 0.
 [[nodiscard]] std::wstring withBits(const wchar_t* kind, std::uint32_t bits);

@@ -10,16 +10,21 @@ constexpr std::uint64_t mostBytes = 1 << 20; // of a content; no text is so long
 
 } // namespace
 
-Mp4Boxes::Mp4Boxes(const std::wstring& path)
-    : file_(::CreateFileW(path.c_str(), GENERIC_READ,
-                          FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                          OPEN_EXISTING, 0, nullptr)) {}
+Mp4Boxes::Mp4Boxes(const std::wstring& path, const FileApi& files)
+    : files_(files),
+      file_(files, files.createFileWide(path.c_str(), GENERIC_READ,
+                                        FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                        nullptr, OPEN_EXISTING, 0, nullptr)) {}
 
 Mp4Boxes::Box Mp4Boxes::whole() const {
-    LARGE_INTEGER size{};
     Box box;
-    if (file_ && ::GetFileSizeEx(file_.get(), &size))
-        box.size = static_cast<std::uint64_t>(size.QuadPart);
+    if (!file_)
+        return box;
+    LONG upper = 0;
+    ::SetLastError(NO_ERROR);
+    const DWORD lower = files_.setFilePointer(file_.get(), 0, &upper, FILE_END);
+    if (lower != INVALID_SET_FILE_POINTER || ::GetLastError() == NO_ERROR)
+        box.size = static_cast<std::uint64_t>(static_cast<DWORD>(upper)) << 32 | lower;
     return box;
 }
 
@@ -63,7 +68,7 @@ std::vector<std::uint8_t> Mp4Boxes::read(std::uint64_t at, DWORD count) const {
     place.Offset = static_cast<DWORD>(at);
     place.OffsetHigh = static_cast<DWORD>(at >> 32);
     DWORD got = 0;
-    if (!file_ || !::ReadFile(file_.get(), result.data(), count, &got, &place))
+    if (!file_ || !files_.readFile(file_.get(), result.data(), count, &got, &place))
         got = 0;
     result.resize(got);
     return result;

@@ -3,7 +3,7 @@
 // An MP4 file in boxes: a size, a name of four characters and the content, which may be boxes. What
 // is damaged ends a walk; a file that cannot be opened has no boxes.
 
-#include "platform/UniqueHandle.h"
+#include "platform/FileApi.h"
 
 #include <array>
 #include <cstddef>
@@ -34,7 +34,8 @@ public:
         }
     };
 
-    explicit Mp4Boxes(const std::wstring& path);
+    // The table outlives this object.
+    explicit Mp4Boxes(const std::wstring& path, const FileApi& files = systemFileApi);
 
     // The file as one box.
     [[nodiscard]] Box whole() const;
@@ -58,17 +59,13 @@ public:
     [[nodiscard]] std::vector<std::uint8_t> bytes(const Box& box) const;
 
 private:
-    struct FileTraits {
-        using Handle = HANDLE;
-        static inline const Handle none = INVALID_HANDLE_VALUE;
-        static void close(Handle file) noexcept { ::CloseHandle(file); }
-    };
     static constexpr int mostBoxes = 10'000; // of one level
 
     [[nodiscard]] bool readHead(std::uint64_t at, std::uint64_t end, Box& box) const;
     [[nodiscard]] std::vector<std::uint8_t> read(std::uint64_t at, DWORD count) const;
 
-    UniqueHandle<FileTraits> file_;
+    const FileApi& files_;
+    FileHandle file_;
 };
 
 } // namespace corvina

@@ -31,7 +31,7 @@ struct Times {
 
 class Movie {
 public:
-    explicit Movie(const std::wstring& path) : file_(path) {}
+    Movie(const std::wstring& path, const FileApi& files) : file_(path, files) {}
 
     [[nodiscard]] bool isMp4() const {
         constexpr std::string_view firstNames[] = {"ftyp", "moov", "mdat", "free",
@@ -204,8 +204,8 @@ private:
 
 } // namespace
 
-bool mayBePlayed(const std::wstring& path) {
-    const Movie movie(path);
+bool mayBePlayed(const std::wstring& path, const FileApi& files) {
+    const Movie movie(path, files);
     return !movie.isMp4() || movie.hasSound();
 }
 

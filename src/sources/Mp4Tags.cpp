@@ -48,9 +48,9 @@ std::wstring valueOf(const Mp4Boxes& file, const Mp4Boxes::Box& item) {
 
 } // namespace
 
-void readMp4Tags(const std::wstring& path, StrmTags& tags) {
+void readMp4Tags(const std::wstring& path, StrmTags& tags, const FileApi& files) {
     constexpr std::uint64_t versionAndFlags = 4;
-    const Mp4Boxes file(path);
+    const Mp4Boxes file(path, files);
     const Mp4Boxes::Box meta =
         file.child(file.child(file.child(file.whole(), "moov"), "udta"), "meta");
     file.forEach(file.child(meta, "ilst", versionAndFlags), 0, [&](const Mp4Boxes::Box& item) {

@@ -19,6 +19,12 @@ using Clock = std::chrono::steady_clock;
 constexpr DWORD longestRunMs = 5000; // on a busy machine
 constexpr std::chrono::milliseconds slow{20};
 
+Clock::duration timeOf(const FuzzTarget& target, const Bytes& input) {
+    const auto start = Clock::now();
+    runOnce(target, input);
+    return Clock::now() - start;
+}
+
 const FuzzTarget* currentTarget = nullptr;
 const Bytes* currentInput = nullptr;
 std::atomic<DWORD> runningSince{0}; // 0 between runs
@@ -111,29 +117,41 @@ void runOnce(const FuzzTarget& target, const Bytes& input) {
 FuzzReport fuzz(const FuzzTarget& target, const FuzzOptions& options) {
     coverage::forgetAll();
     FuzzReport report;
+    std::vector<Clock::duration> times; // of the inputs of the corpus
     const auto attempt = [&](Bytes input) {
         ++report.runs;
-        const auto start = Clock::now();
         runOnce(target, input);
+        if (coverage::learn() == 0)
+            return;
         // What is slow would make all that grows out of it slow.
-        if (coverage::learn() > 0 && Clock::now() - start < slow)
+        const Clock::duration time = timeOf(target, input);
+        if (time < slow) {
             report.corpus.push_back(std::move(input));
+            times.push_back(time);
+        }
     };
     for (const std::vector<Bytes>& given : {target.seeds(), options.corpus})
         for (const Bytes& input : given)
             attempt(input);
-    if (report.corpus.empty())
+    if (report.corpus.empty()) {
         report.corpus.emplace_back();
+        times.emplace_back();
+    }
 
     Mutator mutator(options.seed);
+    // The younger half is tried as often as all the others, and of two the one that runs quicker.
+    const auto choose = [&] {
+        const std::size_t count = report.corpus.size();
+        const std::size_t first = mutator.below(2) ? count / 2 : 0;
+        const std::size_t one = first + mutator.below(count - first);
+        const std::size_t other = first + mutator.below(count - first);
+        return times[one] <= times[other] ? one : other;
+    };
     const auto end = Clock::now() + std::chrono::duration<double>(options.seconds);
     while ((options.runs == 0 || report.runs < options.runs) &&
            (report.runs % 64 != 0 || Clock::now() < end)) {
-        // The younger half is tried as often as all the others.
-        const std::size_t count = report.corpus.size();
-        const std::size_t first = mutator.below(2) ? count / 2 : 0;
-        const Bytes& chosen = report.corpus[first + mutator.below(count - first)];
-        const Bytes& other = report.corpus[mutator.below(count)];
+        const Bytes& chosen = report.corpus[choose()];
+        const Bytes& other = report.corpus[mutator.below(report.corpus.size())];
         attempt(mutator.mutated(chosen, other, target.longest));
     }
     report.places = coverage::places();

@@ -23,6 +23,8 @@ OpenFile* fileOf(HANDLE handle) {
 }
 
 DWORD readAt(std::int64_t position, void* to, DWORD bytes) {
+    if (position < 0)
+        return 0;
     const std::int64_t left = static_cast<std::int64_t>(disk.size()) - position;
     const auto got = static_cast<DWORD>(std::clamp<std::int64_t>(left, 0, bytes));
     if (got > 0)
@@ -30,13 +32,21 @@ DWORD readAt(std::int64_t position, void* to, DWORD bytes) {
     return got;
 }
 
-HANDLE WINAPI createFile(LPCSTR, DWORD, DWORD, LPSECURITY_ATTRIBUTES, DWORD, DWORD, HANDLE) {
+HANDLE openDisk() {
     const auto free =
         std::find_if(table.begin(), table.end(), [](const OpenFile& file) { return !file.open; });
     if (free == table.end())
         return INVALID_HANDLE_VALUE;
     *free = {true, 0};
     return reinterpret_cast<HANDLE>(static_cast<std::uintptr_t>(free - table.begin()) + 1);
+}
+
+HANDLE WINAPI createFile(LPCSTR, DWORD, DWORD, LPSECURITY_ATTRIBUTES, DWORD, DWORD, HANDLE) {
+    return openDisk();
+}
+
+HANDLE WINAPI createFileWide(LPCWSTR, DWORD, DWORD, LPSECURITY_ATTRIBUTES, DWORD, DWORD, HANDLE) {
+    return openDisk();
 }
 
 BOOL WINAPI closeHandle(HANDLE handle) {
@@ -46,17 +56,20 @@ BOOL WINAPI closeHandle(HANDLE handle) {
     return TRUE;
 }
 
-BOOL WINAPI readFile(HANDLE handle, LPVOID to, DWORD bytes, LPDWORD got, LPOVERLAPPED) {
+BOOL WINAPI readFile(HANDLE handle, LPVOID to, DWORD bytes, LPDWORD got, LPOVERLAPPED place) {
     OpenFile* const file = fileOf(handle);
     *got = 0;
     if (!file)
         return FALSE;
+    if (place)
+        file->position =
+            static_cast<std::int64_t>(std::uint64_t{place->OffsetHigh} << 32 | place->Offset);
     *got = readAt(file->position, to, bytes);
     file->position += *got;
     return TRUE;
 }
 
-DWORD WINAPI setFilePointer(HANDLE handle, LONG distance, PLONG, DWORD method) {
+DWORD WINAPI setFilePointer(HANDLE handle, LONG distance, PLONG upper, DWORD method) {
     OpenFile* const file = fileOf(handle);
     if (!file)
         return INVALID_SET_FILE_POINTER;
@@ -68,6 +81,8 @@ DWORD WINAPI setFilePointer(HANDLE handle, LONG distance, PLONG, DWORD method) {
     if (from + distance < 0)
         return INVALID_SET_FILE_POINTER;
     file->position = from + distance;
+    if (upper)
+        *upper = static_cast<LONG>(file->position >> 32);
     return static_cast<DWORD>(file->position);
 }
 
@@ -135,6 +150,7 @@ const FileApi& MemoryFiles::files() {
     static const FileApi api = [] {
         FileApi made;
         made.createFile = &createFile;
+        made.createFileWide = &createFileWide;
         made.closeHandle = &closeHandle;
         made.readFile = &readFile;
         made.setFilePointer = &setFilePointer;

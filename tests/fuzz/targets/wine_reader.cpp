@@ -4,9 +4,9 @@
 #include "AsfFile.h"
 #include "FileAttributes.h"
 #include "fuzz/FuzzTarget.h"
+#include "fuzz/MediaStart.h"
 #include "fuzz/ScratchFile.h"
 
-#include <cstdio>
 #include <exception>
 #include <tbytevectorstream.h>
 
@@ -53,25 +53,16 @@ void useAttributes(std::span<const std::uint8_t> input) {
     }
 }
 
-Bytes mediaStart(const char* path, std::size_t bytes) {
-    Bytes start(bytes);
-    std::FILE* const file = std::fopen(path, "rb");
-    start.resize(file ? std::fread(start.data(), 1, bytes, file) : 0);
-    if (file)
-        std::fclose(file);
-    return start;
-}
-
 std::vector<Bytes> asfSeeds() {
-    return {mediaStart("../../media/tune.wma", 4200), mediaStart("../../media/tune.wmv", 4200)};
+    return {mediaStart("tune.wma", 4200), mediaStart("tune.wmv", 4200)};
 }
 
 std::vector<Bytes> tagSeeds() {
-    return {mediaStart("../../media/tune.mp3", 1500), mediaStart("../../media/tune.wma", 1000)};
+    return {mediaStart("tune.mp3", 1500), mediaStart("tune.wma", 1000)};
 }
 
 const FuzzTarget asf{"wine_reader", &usePackets, &asfSeeds, 8192};
-const FuzzTarget attributes{"wine_attributes", &useAttributes, &tagSeeds, 4096};
+const FuzzTarget attributes{"wine_attributes", &useAttributes, &tagSeeds, 2048};
 
 } // namespace
 } // namespace corvina::fuzz
