@@ -6,6 +6,7 @@
 // complex product, sum and difference is computed as written below, one rounding an operation: the
 // results are the same bit for bit however the loops are ordered.
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -35,6 +36,9 @@ public:
     void run(std::span<Complex> data) const noexcept;
 
 private:
+    // From that stage on, up to that end.
+    void runStages(std::span<Complex> data, std::size_t stage, std::size_t end) const noexcept;
+
     // Stage i joins blocks of 2^i values into blocks twice as long.
     std::vector<TwiddleRotation> stages_;
 };
