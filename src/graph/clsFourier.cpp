@@ -20,6 +20,9 @@ double finite(double value) {
     return value;
 }
 
+// Stands for a weight that was not computed yet: none is above 1.
+constexpr double noWeight = 2.0;
+
 bool allFinite(const std::vector<Complex>& values) noexcept {
     double faults = 0.0; // 0 * value is 0 for every finite value and NaN for any other
     for (const Complex& value : values)
@@ -41,8 +44,10 @@ void clsFourier::NumberOfSamples(std::int32_t count) {
     if (static_cast<std::size_t>(count) > data.max_size())
         throwOutOfMemory();
     data.resize(static_cast<std::size_t>(count));
+    std::vector<double> weights(data.size(), noWeight);
     RadixTwoTransform transform(count);
     data_ = std::move(data);
+    weights_ = std::move(weights);
     transform_ = std::move(transform);
     bits_ = std::countr_zero(static_cast<std::uint32_t>(count));
     dirty_ = true;
@@ -82,11 +87,16 @@ float clsFourier::Timing() const noexcept {
 }
 
 // The Blackman window. Its divisor is the highest index, not the count, so both the first and the
-// last sample have the weight 0.
-double clsFourier::weight(std::int32_t index) const noexcept {
-    const double twoPi = 2.0 * std::numbers::pi;
-    const double angle = (index - 1) * twoPi / (NumberOfSamples() - 1);
-    return 0.42 - 0.5 * std::cos(angle) + 0.08 * std::cos(2.0 * angle);
+// last sample have the weight 0. Each weight is kept: a picture needs a thousand of them, whose
+// cosines would take longer than its transform.
+double clsFourier::weight(std::int32_t index) noexcept {
+    double& kept = weights_[static_cast<std::size_t>(index - 1)];
+    if (kept == noWeight) {
+        const double twoPi = 2.0 * std::numbers::pi;
+        const double angle = (index - 1) * twoPi / (NumberOfSamples() - 1);
+        kept = 0.42 - 0.5 * std::cos(angle) + 0.08 * std::cos(2.0 * angle);
+    }
+    return kept;
 }
 
 Complex& clsFourier::input(std::int32_t index) {

@@ -49,12 +49,13 @@ public:
 private:
     [[nodiscard]] Complex& input(std::int32_t index);
     [[nodiscard]] const Complex& output(std::int32_t index);
-    [[nodiscard]] double weight(std::int32_t index) const noexcept;
+    [[nodiscard]] double weight(std::int32_t index) noexcept;
     void checkIndex(std::int32_t index) const;
     void transform();
 
     const PerformanceCounterApi& counter_;
     std::vector<Complex> data_;
+    std::vector<double> weights_; // of the window, as far as they were needed
     std::optional<RadixTwoTransform> transform_; // empty while the size is unknown
     int bits_ = 0;                               // log2 N
     bool dirty_ = false;
