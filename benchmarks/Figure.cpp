@@ -29,6 +29,14 @@ void report(const std::string& name, const std::string& unit, double value, doub
     std::fflush(stdout);
 }
 
+void reportWithoutGoal(const std::string& name, const std::string& unit, double value,
+                       double reference) {
+    std::printf("{\"name\": \"%s\", \"unit\": \"%s\", \"value\": %.4f, \"reference\": %.4f, "
+                "\"ratio\": %.4f, \"judged\": \"excess\", \"goal\": null}\n",
+                name.c_str(), unit.c_str(), value, reference, value / reference);
+    std::fflush(stdout);
+}
+
 double median(std::vector<double> values) {
     if (values.empty())
         giveUp("no runs to take a median of");

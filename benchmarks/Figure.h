@@ -19,26 +19,50 @@ enum class Judged { ratioAtLeast, ratioAtMost, excessAtMost, valueAtMost };
 void report(const std::string& name, const std::string& unit, double value, double reference,
             double ratio, Judged judged, double goal);
 
+// The same for a figure that is shown only, because its greater part is the system's.
+void reportWithoutGoal(const std::string& name, const std::string& unit, double value,
+                       double reference);
+
 [[nodiscard]] double median(std::vector<double> values);
 
 struct Pair {
     double value;
     double reference;
-    double ratio; // median of the single turns' ratios
+    double ratio; // for medians that of the single turns' ratios
 };
 
-// Measures both once without counting it, then so many times in turns; returns the medians.
+struct Turns {
+    std::vector<double> values, references, ratios;
+};
+
+// Measures both once without counting it, then so many times in turns.
 template <typename Measure, typename MeasureReference>
-[[nodiscard]] Pair interleaved(int turns, Measure measure, MeasureReference measureReference) {
+[[nodiscard]] Turns inTurns(int turns, Measure measure, MeasureReference measureReference) {
     (void)measureReference();
     (void)measure();
-    std::vector<double> values, references, ratios;
+    Turns all;
     for (int turn = 0; turn < turns; ++turn) {
-        references.push_back(measureReference());
-        values.push_back(measure());
-        ratios.push_back(values.back() / references.back());
+        all.references.push_back(measureReference());
+        all.values.push_back(measure());
+        all.ratios.push_back(all.values.back() / all.references.back());
     }
-    return {median(values), median(references), median(ratios)};
+    return all;
+}
+
+// The medians.
+template <typename Measure, typename MeasureReference>
+[[nodiscard]] Pair interleaved(int turns, Measure measure, MeasureReference measureReference) {
+    const Turns all = inTurns(turns, measure, measureReference);
+    return {median(all.values), median(all.references), median(all.ratios)};
+}
+
+// The shortest times: for what is too short for a mean on a machine that does other work too.
+template <typename Measure, typename MeasureReference>
+[[nodiscard]] Pair shortest(int turns, Measure measure, MeasureReference measureReference) {
+    const Turns all = inTurns(turns, measure, measureReference);
+    const double value = *std::min_element(all.values.begin(), all.values.end());
+    const double reference = *std::min_element(all.references.begin(), all.references.end());
+    return {value, reference, value / reference};
 }
 
 // Seconds that the body takes.

@@ -20,14 +20,21 @@ MinimalWavPlayer::~MinimalWavPlayer() {
     stop();
 }
 
-void MinimalWavPlayer::start(const std::wstring& path) {
+void MinimalWavPlayer::start(const std::wstring& path, Codec codec) {
     const HANDLE file = ::CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
                                       OPEN_EXISTING, 0, nullptr);
     if (file == INVALID_HANDLE_VALUE)
         giveUp("the minimal player cannot open its file");
     file_.reset(file);
     ::SetFilePointer(file, headerBytes, nullptr, FILE_BEGIN);
-    const WAVEFORMATEX format = test::pcm(44100, 2, 16);
+    WAVEFORMATEX format = test::pcm(44100, 2, 16);
+    if (codec == Codec::opened) {
+        WAVEFORMATEX output = format;
+        HACMSTREAM stream = nullptr;
+        if (::acmStreamOpen(&stream, nullptr, &format, &output, nullptr, 0, 0, 0) != 0)
+            giveUp("the minimal player finds no codec for PCM");
+        codec_.reset(stream);
+    }
     if (::waveOutOpen(&device_, WAVE_MAPPER, &format, reinterpret_cast<DWORD_PTR>(window_.handle()),
                       0, CALLBACK_WINDOW) != 0)
         giveUp("the minimal player cannot open the wave mapper");
@@ -70,6 +77,7 @@ void MinimalWavPlayer::stop() {
     ::waveOutClose(device_);
     device_ = nullptr;
     file_.reset();
+    codec_.reset();
     test::dispatchWaitingMessages();
     queued_ = 0;
 }

@@ -2,6 +2,7 @@
 
 // The smallest program that plays a WAV file of CD quality: eight buffers of 8000 bytes, refilled
 // with ReadFile when the device's window messages return them. The player is measured against it.
+// It may open a codec for the file too, which copies PCM to PCM and of which it makes no use.
 
 #include "platform/UniqueHandle.h"
 #include "support/HiddenWindow.h"
@@ -11,7 +12,9 @@
 #include <string>
 #include <windows.h>
 
+#include <mmreg.h>
 #include <mmsystem.h>
+#include <msacm.h>
 
 namespace corvina::bench {
 
@@ -24,8 +27,10 @@ public:
     MinimalWavPlayer& operator=(const MinimalWavPlayer&) = delete;
     ~MinimalWavPlayer();
 
+    enum class Codec { none, opened };
+
     // Opens the file and the device and queues all eight buffers.
-    void start(const std::wstring& path);
+    void start(const std::wstring& path, Codec codec = Codec::none);
     // Drops what is queued and goes on at that byte of the sound.
     void jump(LONG byte);
     // Closes the device and the file.
@@ -47,12 +52,18 @@ private:
         static void close(Handle file) noexcept { ::CloseHandle(file); }
     };
     using File = UniqueHandle<FileTraits>;
+    struct CodecTraits {
+        using Handle = HACMSTREAM;
+        static constexpr Handle none = nullptr;
+        static void close(Handle codec) noexcept { ::acmStreamClose(codec, 0); }
+    };
 
     static LRESULT CALLBACK windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     void refill(WAVEHDR& header);
 
     test::HiddenWindow window_;
     File file_;
+    UniqueHandle<CodecTraits> codec_;
     HWAVEOUT device_ = nullptr;
     std::array<Slot, 8> slots_{};
     int queued_ = 0;

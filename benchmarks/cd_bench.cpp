@@ -128,7 +128,7 @@ void measure(const Way& way, VirtualDrive& drive) {
     const double megabytes = sectors * bytesPerSector / 1e6;
     report(std::string("CD track through ") + way.name + ", beside its bare requests, time",
            "ms/MB", seconds.value * 1000 / megabytes, seconds.reference * 1000 / megabytes,
-           seconds.ratio, Judged::ratioAtMost, 1.5);
+           seconds.ratio, Judged::ratioAtMost, 1.05);
 }
 
 // 6.9 ms for four sectors: a little less than eight times the speed of playing them.

@@ -74,7 +74,7 @@ void pcmBesideReadFile(TempFolder& folder) {
     constexpr double megabytes = bytes / 1e6;
     report("PCM through the converter, beside a bare ReadFile loop", "MB/s",
            megabytes / seconds.value, megabytes / seconds.reference, 1 / seconds.ratio,
-           Judged::ratioAtLeast, 0.8);
+           Judged::ratioAtLeast, 0.95);
 }
 
 // Samples that the audio compression manager refuses are converted by our own code, which counts,
@@ -168,7 +168,7 @@ void adpcmBesideAcm(TempFolder& folder, const wchar_t* name, const char* title) 
         turns, [&path] { return throughConverter(path); }, [&path] { return bareAcmLoop(path); });
     constexpr double soundSeconds = 3.0 * times;
     report(title, "x realtime", soundSeconds / seconds.value, soundSeconds / seconds.reference,
-           1 / seconds.ratio, Judged::ratioAtLeast, 0.9);
+           1 / seconds.ratio, Judged::ratioAtLeast, 0.95);
 }
 
 } // namespace

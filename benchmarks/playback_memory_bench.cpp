@@ -10,9 +10,9 @@
 namespace corvina::bench {
 namespace {
 
-constexpr int turns = 7;
+constexpr int turns = 5;
 constexpr DWORD bytesPerSecond = 44100 * 4;
-constexpr auto playTime = std::chrono::milliseconds(1500);
+constexpr auto playTime = std::chrono::milliseconds(1000);
 constexpr auto deadline = std::chrono::seconds(10);
 
 // Silence, in a file that takes no space on the disk.

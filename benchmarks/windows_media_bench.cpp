@@ -60,7 +60,7 @@ void throughput(const std::wstring& path, const std::string& kind) {
         });
     report(kind + " through the converter, beside a bare reader loop", "x realtime",
            soundSeconds / seconds.value, soundSeconds / seconds.reference, 1 / seconds.ratio,
-           Judged::ratioAtLeast, 0.9);
+           Judged::ratioAtLeast, 0.95);
 }
 
 // The source object exists before the file is opened, as the player has it; so does the library.
