@@ -6,6 +6,8 @@
 #include "support/BarePlayer.h"
 #include "support/Media.h"
 
+#include <numeric>
+
 namespace corvina::bench {
 namespace {
 
@@ -48,8 +50,12 @@ int main() {
     host.init();
     MinimalWavPlayer minimal;
     const std::wstring path = corvina::test::mediaFile(L"half-minute.wav");
-    const Pair time = interleaved(
+    const Turns all = inTurns(
         turns, [&] { return player(host, path); }, [&] { return bare(minimal, path); });
-    report("Processor time for a second of sound, beside the minimal player", "ms", time.value,
-           time.reference, time.value / time.reference, Judged::ratioAtMost, 1.05);
+    // The system counts in hundredths of a second, of which a turn takes few: the sums are
+    // compared.
+    const double value = std::accumulate(all.values.begin(), all.values.end(), 0.0);
+    const double reference = std::accumulate(all.references.begin(), all.references.end(), 0.0);
+    report("Processor time for a second of sound, beside the minimal player", "ms", value / turns,
+           reference / turns, value / reference, Judged::ratioAtMost, 1.05);
 }
