@@ -237,8 +237,8 @@ void cPCM::convert(std::int32_t length) noexcept {
         return;
     const auto used = static_cast<std::int32_t>(converted->used);
     leftover_ = length - used;
-    std::memmove(sourceBuffer_.data(), sourceBuffer_.data() + used,
-                 static_cast<std::size_t>(leftover_));
+    // Also from and to an empty buffer.
+    std::copy(sourceBuffer_.begin() + used, sourceBuffer_.begin() + length, sourceBuffer_.begin());
     available_ = static_cast<std::int32_t>(converted->produced);
     // The output may have been full before the codec came to the end of a compressed stream: then
     // blocks are left here, or decoded samples in the codec.
