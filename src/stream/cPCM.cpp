@@ -329,7 +329,10 @@ bool cPCM::GetSamples(void* buffer, std::int32_t bytes, std::int32_t& bytesRetur
         const std::int32_t waiting = available_ - readOffset_;
         if (waiting > 0) {
             const std::int32_t part = std::min(waiting, bytes - bytesReturned);
-            auto* const destination = static_cast<std::uint8_t*>(buffer) + bytesReturned;
+            // By its number, for the host's address may be none.
+            void* const destination =
+                reinterpret_cast<void*>(reinterpret_cast<std::uintptr_t>(buffer) +
+                                        static_cast<std::uint32_t>(bytesReturned));
             const auto* const converted =
                 reinterpret_cast<const std::uint8_t*>(outputBuffer_.data()) + readOffset_;
             // A destination that cannot be written is counted as if it had been. This runs for
