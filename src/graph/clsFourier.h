@@ -55,7 +55,7 @@ private:
 
     const PerformanceCounterApi& counter_;
     std::vector<Complex> data_;
-    std::vector<double> weights_; // of the window, as far as they were needed
+    std::vector<double> weights_;                // of the window, as far as they were needed
     std::optional<RadixTwoTransform> transform_; // empty while the size is unknown
     int bits_ = 0;                               // log2 N
     bool dirty_ = false;
