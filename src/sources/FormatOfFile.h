@@ -21,7 +21,7 @@ class FileHead;
 // The kinds whose sound is always compressed. Empty for others.
 [[nodiscard]] std::wstring formatOfCompressedFile(const FileHead& head, const std::wstring& path);
 
-// "kind, 16 bits"; without the number for 0.
+// "kind, 16 bits"; without the number for 0 and for one that is no width of samples.
 [[nodiscard]] std::wstring withBits(const wchar_t* kind, std::uint32_t bits);
 
 } // namespace corvina

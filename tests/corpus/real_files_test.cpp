@@ -116,7 +116,7 @@ TEST_P(RealFileOf, has_the_format_length_and_tags_that_its_package_expects) {
     }
     long duration = -1;
     EXPECT_EQ(S_OK, player()->get_DurationMs(&duration));
-    EXPECT_GE(duration, 0);
+    EXPECT_GT(duration, 0);
     if (expected.milliseconds != 0) {
         EXPECT_NEAR(static_cast<double>(duration), static_cast<double>(expected.milliseconds),
                     slack());
@@ -177,6 +177,10 @@ TEST_F(RealFiles, of_ape_whose_header_is_wrong_open_without_sound) {
         SCOPED_TRACE(narrow(name));
         EXPECT_EQ(open(tagLibraryFile(name)), 0);
         EXPECT_EQ(rate(), 0);
+        // The header of one says 1248 bits, which is no width.
+        EXPECT_EQ(narrow(format()), std::wstring(name) == L"longloop.ape"
+                                        ? "Monkey's Audio"
+                                        : "Monkey's Audio, 16 bits");
         EXPECT_EQ(host_->start(tagLibraryFile(name)), 5);
         EXPECT_FALSE(host_->isPlaying());
     }
