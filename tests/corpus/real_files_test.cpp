@@ -177,13 +177,12 @@ TEST_F(RealFiles, of_ape_whose_header_is_wrong_open_without_sound) {
         SCOPED_TRACE(narrow(name));
         EXPECT_EQ(open(tagLibraryFile(name)), 0);
         EXPECT_EQ(rate(), 0);
-        // The header of one says 1248 bits, which is no width.
-        EXPECT_EQ(narrow(format()), std::wstring(name) == L"longloop.ape"
-                                        ? "Monkey's Audio"
-                                        : "Monkey's Audio, 16 bits");
         EXPECT_EQ(host_->start(tagLibraryFile(name)), 5);
         EXPECT_FALSE(host_->isPlaying());
     }
+    // Its header says 1248 bits, which is no width.
+    EXPECT_EQ(open(tagLibraryFile(L"longloop.ape")), 0);
+    EXPECT_EQ(narrow(format()), "Monkey's Audio");
 }
 
 std::vector<std::wstring> filesWithoutSound() {
