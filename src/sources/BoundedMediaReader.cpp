@@ -1,12 +1,15 @@
 #include "sources/BoundedMediaReader.h"
 
+#include <algorithm>
 #include <new>
 
 namespace corvina {
 namespace {
 
-// Sound that is fetched at a time, in samples of all channels.
-constexpr std::size_t fetchedSamples = 32 * 1024;
+// Sound that is fetched at a time, in samples of all channels: little at first, so that nobody
+// waits for more than was asked for, and then twice as much each time.
+constexpr std::size_t firstFetch = 4 * 1024;
+constexpr std::size_t largestFetch = 32 * 1024;
 
 } // namespace
 
@@ -55,7 +58,7 @@ BoundedMediaReader::BoundedMediaReader(std::shared_ptr<const MediaFoundationLibr
                                        DWORD milliseconds)
     : work_(std::make_shared<Work>(
           Work{.reader = std::make_unique<MediaFoundationReader>(std::move(library))})),
-      thread_(milliseconds, [work = work_] { work->reader.reset(); }) {}
+      thread_(milliseconds, [work = work_] { work->reader.reset(); }), fetch_(firstFetch) {}
 
 BoundedMediaReader::Opened BoundedMediaReader::open(const std::wstring& path) {
     try {
@@ -74,7 +77,8 @@ bool BoundedMediaReader::fetchBlocks() {
     if (work_->ended)
         return false;
     next_ = 0;
-    lost_ = !thread_.run([work = work_] { work->readBlocks(fetchedSamples); });
+    lost_ = !thread_.run([work = work_, samples = fetch_] { work->readBlocks(samples); });
+    fetch_ = std::min(fetch_ * 2, largestFetch);
     return !lost_ && work_->count > 0;
 }
 
@@ -92,6 +96,7 @@ bool BoundedMediaReader::seek(LONGLONG time) {
     if (lost_ || !work_->sought)
         return false;
     next_ = 0;
+    fetch_ = firstFetch;
     return true;
 }
 

@@ -40,6 +40,7 @@ private:
     BoundedThread thread_;
     Format format_;
     LONGLONG duration_ = 0;
+    std::size_t fetch_;    // samples that are fetched next
     std::size_t next_ = 0; // of the blocks that were fetched
     bool lost_ = false;    // the reader did not come back
 };
