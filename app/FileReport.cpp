@@ -23,9 +23,12 @@ constexpr std::size_t nameColumn = 9;
 
 std::wstring formatLine(PlayerClient& player) {
     const FileFormat format = player.format();
+    // Of some formats the bit rate is unknown.
+    const std::wstring rate =
+        format.bitrate > 0 ? std::to_wstring(std::lround(format.bitrate / 1000.0)) + L" kbit/s, "
+                           : L"";
     return std::to_wstring(format.sampleRate) + L" Hz, " + std::to_wstring(format.bitsPerSample) +
-           L" bit, " + channelWords(format.channels) + L", " +
-           std::to_wstring(std::lround(format.bitrate / 1000.0)) + L" kbit/s, " +
+           L" bit, " + channelWords(format.channels) + L", " + rate +
            player.timeText(std::lround(format.seconds));
 }
 

@@ -2,6 +2,7 @@
 
 #include "PlayerCalls.h"
 
+#include <string_view>
 #include <utility>
 
 namespace corvina::app {
@@ -9,6 +10,15 @@ namespace corvina::app {
 namespace {
 
 _COM_SMARTPTR_TYPEDEF(IConnectionPointContainer, __uuidof(IConnectionPointContainer));
+
+// Of these formats the control says bytes per second in place of bits. AU files without a header
+// have no name: they are taken for 8000 Hz mono.
+bool countsBytes(const std::wstring& name, const FileFormat& format) {
+    for (const std::wstring_view kind : {L"AIFF", L"AU", L"VOC"})
+        if (name.starts_with(kind))
+            return true;
+    return name.empty() && format.sampleRate == 8000 && format.channels == 1;
+}
 
 } // namespace
 
@@ -65,11 +75,14 @@ void PlayerClient::showAbout() {
 }
 
 FileFormat PlayerClient::format() {
-    return {call(player_, &_cPlayer::get_Info_Bitrate),
-            call(player_, &_cPlayer::get_Info_BitsPerSample),
-            call(player_, &_cPlayer::get_Info_Channels),
-            call(player_, &_cPlayer::get_Info_Samplerate),
-            call(player_, &_cPlayer::get_Info_Duration)};
+    FileFormat format{call(player_, &_cPlayer::get_Info_Bitrate),
+                      call(player_, &_cPlayer::get_Info_BitsPerSample),
+                      call(player_, &_cPlayer::get_Info_Channels),
+                      call(player_, &_cPlayer::get_Info_Samplerate),
+                      call(player_, &_cPlayer::get_Info_Duration)};
+    if (countsBytes(formatName(), format))
+        format.bitrate *= 8;
+    return format;
 }
 
 // Without the library that reads tags of every format, some decoders know a few of their own.

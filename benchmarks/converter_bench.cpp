@@ -77,21 +77,43 @@ void pcmBesideReadFile(TempFolder& folder) {
            Judged::ratioAtLeast, 0.95);
 }
 
-// Samples that the audio compression manager refuses are converted by our own code, which counts,
-// rounds and adds noise for each of them.
+// Samples below full scale, without a pattern.
+Bytes samplesOf(WORD tag, WORD bits, std::size_t bytes) {
+    Bytes data = noise(bytes);
+    const std::size_t width = bits / 8;
+    if (tag == WAVE_FORMAT_IEEE_FLOAT)
+        for (std::size_t last = width - 1; last < bytes; last += width)
+            data[last] =
+                static_cast<std::uint8_t>((data[last] & 0x80) | (width == 4 ? 0x3E : 0x3F));
+    return data;
+}
+
+// The record of stereo sound in the extensible form, which the audio compression manager refuses.
+Bytes extensibleWav(WORD tag, WORD bits, const Bytes& data) {
+    WAVEFORMATEXTENSIBLE record{};
+    record.Format = pcm(44100, 2, bits);
+    record.Format.wFormatTag = WAVE_FORMAT_EXTENSIBLE;
+    record.Format.cbSize = sizeof record - sizeof record.Format;
+    record.Samples.wValidBitsPerSample = bits;
+    record.SubFormat = {tag, 0, 0x10, {0x80, 0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71}};
+    const auto* const first = reinterpret_cast<const std::uint8_t*>(&record);
+    return WavBytes()
+        .format(record.Format, sizeof record.Format,
+                Bytes(first + sizeof record.Format, first + sizeof record))
+        .chunk("data", data)
+        .bytes();
+}
+
+// Such samples are converted by our own code, which counts, rounds and adds noise for each of them.
 void linearBesideReadFile(TempFolder& folder, WORD tag, WORD bits, const std::string& title) {
     constexpr std::size_t bytes = 8000 * 6000;
-    WAVEFORMATEX format = pcm(44100, 2, bits);
-    format.wFormatTag = tag;
-    Bytes data = noise(bytes);
-    if (tag == WAVE_FORMAT_IEEE_FLOAT)
-        for (std::size_t at = 3; at < bytes; at += 4)
-            data[at] = static_cast<std::uint8_t>((data[at] & 0x80) | 0x3E); // below full scale
-    const std::wstring path = folder.write(L"linear.wav", plainWav(format, data));
+    const Bytes wav = extensibleWav(tag, bits, samplesOf(tag, bits, bytes));
+    const auto offset = static_cast<LONG>(wav.size() - bytes);
+    const std::wstring path = folder.write(L"linear.wav", wav);
     const Pair seconds = interleaved(
         turns, [&path] { return throughConverter(path); },
-        [&path] {
-            RawFile file(path, 44);
+        [&path, offset] {
+            RawFile file(path, offset);
             return secondsFor([&file] {
                 while (file.read(block.data, blockBytes) == blockBytes)
                     continue;
@@ -177,8 +199,11 @@ void adpcmBesideAcm(TempFolder& folder, const wchar_t* name, const char* title) 
 int main() {
     corvina::test::TempFolder folder;
     corvina::bench::pcmBesideReadFile(folder);
+    corvina::bench::linearBesideReadFile(folder, WAVE_FORMAT_PCM, 24, "24 bits");
     corvina::bench::linearBesideReadFile(folder, WAVE_FORMAT_PCM, 32, "32 bits");
     corvina::bench::linearBesideReadFile(folder, WAVE_FORMAT_IEEE_FLOAT, 32, "Floating point");
+    corvina::bench::linearBesideReadFile(folder, WAVE_FORMAT_IEEE_FLOAT, 64,
+                                         "Floating point of 64 bits");
     corvina::bench::adpcmBesideAcm(folder, L"ms-adpcm.wav",
                                    "MS-ADPCM through the converter, beside a bare ACM loop");
     corvina::bench::adpcmBesideAcm(folder, L"ima-adpcm.wav",

@@ -37,7 +37,15 @@ LimitedFile::LimitedFile(const std::wstring& path)
     LARGE_INTEGER size{};
     if (file_ && ::GetFileType(file_.get()) == FILE_TYPE_DISK &&
         ::GetFileSizeEx(file_.get(), &size))
-        length_ = std::min<std::int64_t>(size.QuadPart, std::numeric_limits<Offset>::max());
+        whole_ = std::min<std::int64_t>(size.QuadPart, std::numeric_limits<Offset>::max());
+    length_ = whole_;
+}
+
+void LimitedFile::beginAt(std::int64_t start) {
+    start_ = std::min(start, whole_);
+    length_ = whole_ - start_;
+    position_ = 0;
+    buffer_.clear();
 }
 
 bool LimitedFile::withinLimits(std::int64_t bytes) {
@@ -72,8 +80,8 @@ TagLib::ByteVector LimitedFile::readAt(std::int64_t at, std::int64_t bytes) {
         return {};
     TagLib::ByteVector block(static_cast<unsigned>(bytes));
     OVERLAPPED place{};
-    place.Offset = static_cast<DWORD>(at);
-    place.OffsetHigh = static_cast<DWORD>(at >> 32);
+    place.Offset = static_cast<DWORD>(start_ + at);
+    place.OffsetHigh = static_cast<DWORD>((start_ + at) >> 32);
     DWORD got = 0;
     if (!::ReadFile(file_.get(), block.data(), static_cast<DWORD>(bytes), &got, &place))
         got = 0;

@@ -37,6 +37,9 @@ class LimitedFile final : public TagLib::IOStream {
 public:
     explicit LimitedFile(const std::wstring& path);
 
+    // What is in front of that byte of the file is no longer part of what is read.
+    void beginAt(std::int64_t start);
+
     [[nodiscard]] TagLib::FileName name() const override { return path_.c_str(); }
     [[nodiscard]] bool isOpen() const override { return static_cast<bool>(file_); }
     [[nodiscard]] bool readOnly() const override { return true; }
@@ -56,7 +59,9 @@ private:
 
     const std::wstring path_;
     UniqueHandle<FileTraits> file_;
-    std::int64_t length_ = 0; // what lies behind the largest Offset is out of reach
+    std::int64_t whole_ = 0;  // what lies behind the largest Offset is out of reach
+    std::int64_t start_ = 0;  // of what is read, in the file
+    std::int64_t length_ = 0; // of what is read
     std::int64_t position_ = 0;
     TagLib::ByteVector buffer_; // from bufferAt_ on
     std::int64_t bufferAt_ = 0;

@@ -6,13 +6,15 @@
 
 namespace TagLib {
 class File;
-class IOStream;
 } // namespace TagLib
 
 namespace corvina::tags {
 
-// By the content: a name may lie. Null if the file is of none of the kinds that are played. The
+class LimitedFile;
+
+// By the content: a name may lie. Null if the file is of none of the kinds that are played. Of MPEG
+// audio behind up to 64 KB of other bytes the stream then begins with the audio or its tag. The
 // stream must outlive the result.
-[[nodiscard]] std::unique_ptr<TagLib::File> openTagFile(TagLib::IOStream& stream);
+[[nodiscard]] std::unique_ptr<TagLib::File> openTagFile(LimitedFile& stream);
 
 } // namespace corvina::tags

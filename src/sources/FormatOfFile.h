@@ -22,7 +22,7 @@ class FileHead;
 [[nodiscard]] std::wstring formatOfCompressedFile(const FileHead& head, const std::wstring& path,
                                                   const FileApi& files);
 
-// "kind, 16 bits"; without the number for 0.
+// "kind, 16 bits"; without the number for 0 and for one that is no width of samples.
 [[nodiscard]] std::wstring withBits(const wchar_t* kind, std::uint32_t bits);
 
 } // namespace corvina

@@ -11,19 +11,13 @@
 namespace corvina {
 namespace {
 
-constexpr std::uint32_t mostBits = 64; // a damaged header may say more
-
 std::wstring named(const wchar_t* kind, const wchar_t* codec) {
     return std::wstring(kind) + L", " + codec;
 }
 
-std::wstring integers(const wchar_t* kind, std::uint32_t bits) {
-    return withBits(kind, bits <= mostBits ? bits : 0);
-}
-
 std::wstring floats(const wchar_t* kind, std::uint32_t bits) {
-    return bits == 0 || bits > mostBits ? named(kind, L"floating point")
-                                        : withBits(kind, bits) + L" floating point";
+    const std::wstring words = withBits(kind, bits);
+    return words == kind ? named(kind, L"floating point") : words + L" floating point";
 }
 
 // format: a WAVEFORMATEX record.
@@ -34,7 +28,7 @@ std::wstring waveFormat(const wchar_t* kind, const FilePiece& format) {
         tag = format.little(subFormatAt, 2);
     switch (tag) {
     case WAVE_FORMAT_PCM:
-        return integers(kind, format.little(bitsAt, 2));
+        return withBits(kind, format.little(bitsAt, 2));
     case WAVE_FORMAT_IEEE_FLOAT:
         return floats(kind, format.little(bitsAt, 2));
     case WAVE_FORMAT_ADPCM:
@@ -93,7 +87,7 @@ std::wstring appleFormat(const wchar_t* kind, const FilePiece& at, std::size_t c
         return floats(kind, 32);
     if (at.hasAt(codec, "fl64") || at.hasAt(codec, "FL64"))
         return floats(kind, 64);
-    return integers(kind, bits);
+    return withBits(kind, bits);
 }
 
 std::wstring aiff(const FileHead& head, const FilePiece& start) {
@@ -107,7 +101,7 @@ std::wstring aiff(const FileHead& head, const FilePiece& start) {
             break;
         if (piece.hasAt(0, "COMM")) {
             const std::uint32_t bits = piece.big(14, 2);
-            return compressed ? appleFormat(kind, piece, 26, bits) : integers(kind, bits);
+            return compressed ? appleFormat(kind, piece, 26, bits) : withBits(kind, bits);
         }
         const std::uint64_t size = piece.big(4, 4);
         at += 8 + size + size % 2;
@@ -120,13 +114,13 @@ std::wstring au(const FilePiece& start) {
     case 1:
         return named(L"AU", L"mu-law");
     case 2:
-        return integers(L"AU", 8);
+        return withBits(L"AU", 8);
     case 3:
-        return integers(L"AU", 16);
+        return withBits(L"AU", 16);
     case 4:
-        return integers(L"AU", 24);
+        return withBits(L"AU", 24);
     case 5:
-        return integers(L"AU", 32);
+        return withBits(L"AU", 32);
     case 6:
         return floats(L"AU", 32);
     case 7:
@@ -154,9 +148,9 @@ std::wstring voc(const FileHead& head, const FilePiece& start) {
         return L"VOC";
     switch (codec) {
     case 0:
-        return integers(L"VOC", 8);
+        return withBits(L"VOC", 8);
     case 4:
-        return integers(L"VOC", 16);
+        return withBits(L"VOC", 16);
     case 6:
         return named(L"VOC", L"A-law");
     case 7:

@@ -2,7 +2,6 @@
 
 #include "runtime/Text.h"
 #include "sources/MediaFileSize.h"
-#include "sources/MediaFoundationOpening.h"
 #include "sources/MediaTime.h"
 #include "sources/Mp4Check.h"
 #include "sources/Mp4Tags.h"
@@ -36,11 +35,12 @@ std::int32_t MediaFoundationSource::OpenSource(const std::wstring& source) {
         return noLibrary;
     if (!mayBePlayed(source))
         return SourceResult::notOpen;
-    OpenedMedia media = openMedia(library_, source, longestOpen_);
-    if (media.result != OpenedMedia::Result::opened)
-        return media.result == OpenedMedia::Result::unreadable ? SourceResult::notOpen : unusable;
-    reader_ = std::move(media.reader);
-    block_ = std::move(media.first);
+    auto reader = std::make_unique<BoundedMediaReader>(library_, longestCall_);
+    const BoundedMediaReader::Opened opened = reader->open(source);
+    if (opened != BoundedMediaReader::Opened::yes)
+        return opened == BoundedMediaReader::Opened::unreadable ? SourceResult::notOpen : unusable;
+    reader_ = std::move(reader);
+    ended_ = !reader_->read(block_);
     describe(source);
     return SourceResult::done;
 }
@@ -54,7 +54,7 @@ void MediaFoundationSource::forget() {
 }
 
 void MediaFoundationSource::describe(const std::wstring& path) {
-    const MediaFoundationReader::Format& format = reader_->format();
+    const BoundedMediaReader::Format& format = reader_->format();
     format_ = pcmFormat(format.rate, static_cast<WORD>(std::min<DWORD>(format.channels, 2)), 16);
     mix_ = StereoMixer(speakersOf(static_cast<std::int32_t>(format.channels), format.channelMask));
     duration_ = reader_->duration();
@@ -62,7 +62,6 @@ void MediaFoundationSource::describe(const std::wstring& path) {
     readMp4Tags(path, tags_);
     // The times of some files do not begin with 0.
     startTime_ = block_.time;
-    ended_ = block_.samples.empty();
     takeBlock();
 }
 

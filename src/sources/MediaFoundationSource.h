@@ -6,10 +6,12 @@
 //
 // Without Media Foundation OpenSource returns 3; a file that it cannot read, or not within 10
 // seconds, 1, and one without sound that it can decode 12. Without an open file CloseSource returns
-// 1, Read 5 and SeekTo 4, which also is the result of a seek out of range.
+// 1, Read 5 and SeekTo 4, which also is the result of a seek out of range. Where Media Foundation
+// does not come back from a read or a seek within 10 seconds, the file is at its end: Read returns
+// 5 and SeekTo 4 until it is opened again.
 
+#include "sources/BoundedMediaReader.h"
 #include "sources/DecodedSource.h"
-#include "sources/MediaFoundationReader.h"
 #include "sources/StereoMixer.h"
 
 #include <cstdint>
@@ -19,12 +21,12 @@ namespace corvina {
 
 class MediaFoundationSource final : public DecodedSource {
 public:
-    static constexpr DWORD longestOpen = 10'000; // milliseconds
+    static constexpr DWORD longestCall = 10'000; // of Media Foundation, in milliseconds
 
     explicit MediaFoundationSource(const LibraryApi& libraries = systemLibraryApi,
-                                   DWORD longestOpenMs = longestOpen)
+                                   DWORD longestCallMs = longestCall)
         : library_(std::make_shared<MediaFoundationLibrary>(libraries)),
-          longestOpen_(longestOpenMs) {}
+          longestCall_(longestCallMs) {}
     MediaFoundationSource(const MediaFoundationSource&) = delete;
     MediaFoundationSource& operator=(const MediaFoundationSource&) = delete;
     ~MediaFoundationSource() override { MediaFoundationSource::CloseSource(); }
@@ -51,12 +53,12 @@ private:
     }
 
     std::shared_ptr<MediaFoundationLibrary> library_;
-    DWORD longestOpen_;
-    std::unique_ptr<MediaFoundationReader> reader_; // null unless a file is open
+    DWORD longestCall_;
+    std::unique_ptr<BoundedMediaReader> reader_; // null unless a file is open
     StereoMixer mix_;
-    MediaFoundationReader::Block block_; // mixed; from offset_ on not yet delivered
-    std::size_t offset_ = 0;             // in bytes
-    LONGLONG startTime_ = 0;             // of the first block
+    BoundedMediaReader::Block block_; // mixed; from offset_ on not yet delivered
+    std::size_t offset_ = 0;          // in bytes
+    LONGLONG startTime_ = 0;          // of the first block
     LONGLONG duration_ = 0;
 };
 

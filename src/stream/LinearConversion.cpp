@@ -6,40 +6,47 @@
 namespace corvina {
 namespace {
 
-template <typename Number>
-double floatAt(const std::uint8_t* bytes) noexcept {
-    Number number;
-    std::memcpy(&number, bytes, sizeof number);
-    return static_cast<double>(number);
+// Nothing for samples that 16 bits always hold.
+std::optional<SampleForm> formOf(const LinearFormat& format) noexcept {
+    switch (format.sampleBytes) {
+    case 3:
+        return SampleForm::integer24;
+    case 4:
+        return format.isFloat ? SampleForm::float32 : SampleForm::integer32;
+    case 8:
+        return SampleForm::float64;
+    default:
+        return std::nullopt;
+    }
 }
 
-__m128i loadFour(const std::uint8_t* bytes) noexcept {
-    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
+// A sample of one byte or two. The former alone are stored without a sign.
+std::uint16_t narrowSampleAt(std::size_t sampleBytes, const std::uint8_t* bytes,
+                             std::uint32_t valid) noexcept {
+    const std::uint32_t bits =
+        sampleBytes == 1 ? (bytes[0] ^ 0x80U) << 8 : numberAt<std::uint16_t>(bytes);
+    return static_cast<std::uint16_t>(bits & valid >> 16);
 }
 
-// Four of three bytes, each with the byte behind it on top.
-__m128i loadFourOfThree(const std::uint8_t* bytes) noexcept {
-    const __m128i first = _mm_unpacklo_epi32(_mm_loadu_si32(bytes), _mm_loadu_si32(bytes + 3));
-    const __m128i second = _mm_unpacklo_epi32(_mm_loadu_si32(bytes + 6), _mm_loadu_si32(bytes + 9));
-    return _mm_unpacklo_epi64(first, second);
-}
-
-// Four samples whose full scale is 1; what is no number counts as silence.
-__m128i toIntegers(__m128 samples) noexcept {
-    const __m128 numbers = _mm_and_ps(samples, _mm_cmpord_ps(samples, samples));
-    const __m128 scaled = _mm_mul_ps(numbers, _mm_set1_ps(2147483648.0F));
-    // What is too loud becomes the greatest number that fits. What is too low comes out as the
-    // lowest one.
-    return _mm_cvttps_epi32(_mm_min_ps(scaled, _mm_set1_ps(2147483520.0F)));
-}
-
-void store(std::int16_t sample, std::uint8_t* output) noexcept {
+template <typename Sample>
+void store(Sample sample, std::uint8_t* output) noexcept {
+    static_assert(sizeof sample == sizeof(std::int16_t));
     std::memcpy(output, &sample, sizeof sample);
+}
+
+// Many of them, compiled for each width by itself and without a look at what the other array holds.
+template <std::size_t sampleBytes>
+void storeNarrow(const std::uint8_t* __restrict source, std::uint8_t* __restrict output,
+                 std::size_t count, std::uint32_t valid) noexcept {
+    for (std::size_t at = 0; at < count; ++at)
+        store(narrowSampleAt(sampleBytes, source + at * sampleBytes, valid),
+              output + at * sizeof(std::int16_t));
 }
 
 } // namespace
 
-LinearConversion::LinearConversion(const LinearFormat& format, bool mixed) : format_(format) {
+LinearConversion::LinearConversion(const LinearFormat& format, bool mixed)
+    : format_(format), form_(formOf(format)) {
     if (mixed && format.channels > 2)
         weights_ = stereoWeights(speakersOf(format.channels, format.channelMask));
 }
@@ -49,41 +56,24 @@ std::optional<std::uint32_t> LinearConversion::sourceBytes(std::uint32_t outputB
 }
 
 // A sample with its most significant bit in bit 31.
-std::int32_t LinearConversion::sampleAt(const std::uint8_t* bytes) const noexcept {
-    if (format_.isFloat)
-        return SampleRounding::toInteger(format_.sampleBytes == 4 ? floatAt<float>(bytes)
-                                                                  : floatAt<double>(bytes));
-    std::uint32_t bits = 0;
-    for (std::int32_t byte = 0; byte < format_.sampleBytes; ++byte)
-        bits = bits >> 8 | std::uint32_t{bytes[byte]} << 24;
-    if (format_.sampleBytes == 1) // these alone are stored without a sign
-        bits ^= 0x80000000U;
-    return static_cast<std::int32_t>(bits & validMask());
+std::int32_t LinearConversion::wholeSampleAt(const std::uint8_t* bytes) const noexcept {
+    if (form_)
+        return sampleAt(*form_, bytes, validMask());
+    const auto width = static_cast<std::size_t>(format_.sampleBytes);
+    const std::uint32_t upper = narrowSampleAt(width, bytes, validMask());
+    return static_cast<std::int32_t>(upper << 16);
 }
 
 void LinearConversion::roundSamples(const std::uint8_t* source, std::uint8_t* output,
                                     std::size_t count) noexcept {
-    std::size_t done = 0;
-    const auto bytes = static_cast<std::size_t>(format_.sampleBytes);
-    if (format_.isFloat && bytes == 4) {
-        done = rounding_.roundMany(source, output, count, 4 * bytes, [](const std::uint8_t* from) {
-            return toIntegers(_mm_castsi128_ps(loadFour(from)));
-        });
-    } else if (!format_.isFloat && bytes == 4) {
-        const __m128i valid = _mm_set1_epi32(static_cast<std::int32_t>(validMask()));
-        done = rounding_.roundMany(
-            source, output, count, 4 * bytes,
-            [valid](const std::uint8_t* from) { return _mm_and_si128(loadFour(from), valid); });
-    } else if (bytes == 3 && count > 0) {
-        // Each is read with the byte behind it, so the last one is left.
-        const __m128i valid = _mm_set1_epi32(static_cast<std::int32_t>(validMask()));
-        done = rounding_.roundMany(
-            source, output, count - 1, 4 * bytes, [valid](const std::uint8_t* from) {
-                return _mm_and_si128(_mm_slli_epi32(loadFourOfThree(from), 8), valid);
-            });
-    }
+    const std::uint32_t valid = validMask();
+    if (!form_ && format_.sampleBytes == 1)
+        return storeNarrow<1>(source, output, count, valid);
+    if (!form_)
+        return storeNarrow<2>(source, output, count, valid);
+    std::size_t done = rounding_.roundMany(*form_, source, output, count, valid);
     for (; done < count; ++done)
-        store(rounding_.round(sampleAt(source + done * bytes)),
+        store(rounding_.round(sampleAt(*form_, source + done * bytesOf(*form_), valid)),
               output + done * sizeof(std::int16_t));
 }
 
@@ -92,7 +82,7 @@ void LinearConversion::mixBlock(const std::uint8_t* source, std::uint8_t* output
     double left = 0;
     double right = 0;
     for (const StereoWeights& weight : weights_) {
-        const double sample = sampleAt(source) / fullScale;
+        const double sample = wholeSampleAt(source) / fullScale;
         left += weight.left * sample;
         right += weight.right * sample;
         source += format_.sampleBytes;

@@ -31,15 +31,16 @@ private:
     [[nodiscard]] std::uint32_t outputBlock() const noexcept {
         return static_cast<std::uint32_t>(outputChannels()) * sizeof(std::int16_t);
     }
-    // The bits of a sample that count, of 32.
+    // The bits of a sample that count, of 32. In floating point all do.
     [[nodiscard]] std::uint32_t validMask() const noexcept {
-        return ~std::uint32_t{0} << (32 - format_.validBits);
+        return ~std::uint32_t{0} << (format_.isFloat ? 0 : 32 - format_.validBits);
     }
-    [[nodiscard]] std::int32_t sampleAt(const std::uint8_t* bytes) const noexcept;
+    [[nodiscard]] std::int32_t wholeSampleAt(const std::uint8_t* bytes) const noexcept;
     void roundSamples(const std::uint8_t* source, std::uint8_t* output, std::size_t count) noexcept;
     void mixBlock(const std::uint8_t* source, std::uint8_t* output) noexcept;
 
     LinearFormat format_;
+    std::optional<SampleForm> form_;     // none if 16 bits hold every sample
     std::vector<StereoWeights> weights_; // by channel; empty unless mixed
     SampleRounding rounding_;
 };

@@ -20,14 +20,24 @@ namespace corvina {
     return state;
 }
 
+// What each of four generators is at.
+using NoiseStates = std::array<std::uint32_t, 4>;
+
 class NoiseLanes {
 public:
     // How far ahead() goes. The more steps, the less its own time matters.
     static constexpr std::size_t stepsAhead = 256;
 
-    explicit NoiseLanes(__m128i states) noexcept : states_(states) {}
+    explicit NoiseLanes(__m128i vector) noexcept : states_(vector) {}
+    explicit NoiseLanes(const NoiseStates& states) noexcept
+        : states_(_mm_loadu_si128(reinterpret_cast<const __m128i*>(states.data()))) {}
 
-    [[nodiscard]] __m128i states() const noexcept { return states_; }
+    [[nodiscard]] __m128i vector() const noexcept { return states_; }
+    [[nodiscard]] NoiseStates states() const noexcept {
+        NoiseStates states;
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(states.data()), states_);
+        return states;
+    }
 
     // Four numbers of 32 bits.
     __m128i next() noexcept {

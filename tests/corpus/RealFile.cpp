@@ -128,7 +128,7 @@ const std::vector<RealFile>& playableFiles() {
         {L"ape-id3v1.mp3", "MP3"},
         {L"ape-id3v2.mp3", "MP3"},
         {L"id3v22-tda.mp3", "MP3"},
-        {L"garbage.mp3", "MP3"},
+        {.path = L"garbage.mp3", .format = "MP3", .title = L"Title A", .artist = L"Artist A"},
         {.path = L"toc_many_children.mp3", .format = "MP3", .whole = cutOff},
         // Of these the first few thousand bytes. What length the reader of the system makes of such
         // a

@@ -135,6 +135,15 @@ TEST_P(NamedFiles, longer_than_260_characters_play_as_under_their_own_name) {
     expectSame(heard(deep.copy(file_, L"\u6771\u4EAC" + extension_)), own);
 }
 
+TEST_P(NamedFiles, that_the_system_is_to_take_literally_play_as_under_their_own_name) {
+    LongFolder deep(folder_.path());
+    const Samples own = heard(file_);
+    const std::wstring copy = folder_.file(L"short" + extension_);
+    ASSERT_TRUE(::CopyFileW(file_.c_str(), copy.c_str(), TRUE));
+    expectSame(heard(L"\\\\?\\" + copy), own);
+    expectSame(heard(L"\\\\?\\" + deep.copy(file_, L"long" + extension_)), own);
+}
+
 INSTANTIATE_TEST_SUITE_P(Sources, NamedFiles,
                          testing::Values("level1-44100-2.ape", "vorbis-44100-2.ogg",
                                          "s16x-44100-6.wav", "s16-44100-2.aiff", "lame-44100-2.mp3",

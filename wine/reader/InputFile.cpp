@@ -45,8 +45,13 @@ InputFile::InputFile(FileHandle file, const AsfFile& asf) noexcept
         return;
     if (const std::optional<MpegStart> found = findMpegStart(file_.get())) {
         mpegAudio_ = true;
-        start_ = found->usual ? 0 : found->firstFrame;
+        firstFrame_ = found->firstFrame;
+        start_ = found->usual ? 0 : firstFrame_;
     }
+}
+
+std::uint64_t InputFile::lengthOfFrames() const {
+    return mpegAudio_ && file_ ? lengthOfMpegFrames(file_.get(), firstFrame_) : 0;
 }
 
 void InputFile::closeFile() {

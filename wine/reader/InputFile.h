@@ -21,6 +21,8 @@ public:
 
     [[nodiscard]] const AsfFile& asf() const { return asf_; }
     [[nodiscard]] bool isMpegAudio() const { return mpegAudio_; }
+    // Of MPEG audio, by its frames; in units of 100 nanoseconds.
+    [[nodiscard]] std::uint64_t lengthOfFrames() const;
 
     // Takes the file from a reader that hangs. It is closed, unless a read is under way, and from
     // now on every call fails.
@@ -63,6 +65,7 @@ private:
     std::uint64_t start_ = 0;    // of the stream in the file
     AsfFile asf_;
     bool mpegAudio_ = false;
+    std::uint64_t firstFrame_ = 0; // of MPEG audio, in the file
     std::atomic<ULONG> references_{1};
 };
 

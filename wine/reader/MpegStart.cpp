@@ -57,6 +57,8 @@ std::uint64_t tagSize(FileBytes& file, std::uint64_t at) {
 struct Frame {
     unsigned kind = 0; // of the stream: version, layer and rate, the same in every frame
     std::uint32_t bytes = 0;
+    std::uint32_t samples = 0; // of one channel
+    std::uint32_t hertz = 0;
 };
 
 enum Version { version25 = 0, version2 = 2, version1 = 3 };
@@ -93,6 +95,8 @@ Frame frameAt(FileBytes& file, std::uint64_t at) {
     const std::uint32_t bits = kilobits(version, layer, bitrate) * 1000;
     Frame frame;
     frame.kind = version << 4 | layer << 2 | rate;
+    frame.hertz = hertz;
+    frame.samples = layer == layer1 ? 384 : layer == layer3 && version != version1 ? 576 : 1152;
     if (layer == layer1)
         frame.bytes = (12 * bits / hertz + padding) * 4;
     else
@@ -116,7 +120,44 @@ bool isSound(FileBytes& file, std::uint64_t at) {
     return true;
 }
 
+bool hasTextAt(FileBytes& file, std::uint64_t at, const char* text) {
+    for (; *text; ++text)
+        if (file[at++] != static_cast<std::uint8_t>(*text))
+            return false;
+    return true;
+}
+
+// A frame without sound, in which an encoder wrote how many follow.
+bool describesOthers(FileBytes& file, std::uint64_t at) {
+    constexpr std::uint64_t places[] = {4 + 9, 4 + 17, 4 + 32};
+    for (const std::uint64_t place : places)
+        if (hasTextAt(file, at + place, "Xing") || hasTextAt(file, at + place, "Info"))
+            return true;
+    return hasTextAt(file, at + 4 + 32, "VBRI");
+}
+
 } // namespace
+
+std::uint64_t lengthOfMpegFrames(HANDLE handle, std::uint64_t firstFrame) {
+    constexpr std::uint64_t second = 10'000'000;
+    constexpr std::uint64_t longest = 3600 * second;
+    FileBytes file(handle);
+    const Frame first = frameAt(file, firstFrame);
+    std::uint64_t samples = 0;
+    std::uint64_t at = firstFrame;
+    if (first.bytes >= headerSize && describesOthers(file, at))
+        at += first.bytes;
+    std::uint64_t junk = 0;
+    while (first.hertz != 0 && at + headerSize <= file.size() && junk <= mostJunk &&
+           samples * second / first.hertz < longest) {
+        const Frame frame = frameAt(file, at);
+        const bool isOne = frame.kind == first.kind && frame.bytes >= headerSize;
+        samples += isOne && at + frame.bytes <= file.size() ? frame.samples : 0;
+        junk += isOne ? 0 : 1;
+        at += isOne ? frame.bytes : 1;
+    }
+    return first.hertz == 0 ? 0 : samples * second / first.hertz;
+}
 
 std::optional<MpegStart> findMpegStart(HANDLE handle) {
     FileBytes file(handle);

@@ -18,4 +18,9 @@ struct MpegStart {
 // Empty if the file holds no MPEG audio there.
 [[nodiscard]] std::optional<MpegStart> findMpegStart(HANDLE file);
 
+// How long the frames from the first one on sound, in units of 100 nanoseconds. What is no frame is
+// passed over; a first frame that only describes the others does not count. Ends after an hour of
+// sound.
+[[nodiscard]] std::uint64_t lengthOfMpegFrames(HANDLE file, std::uint64_t firstFrame);
+
 } // namespace corvina::wine

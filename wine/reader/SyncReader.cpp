@@ -146,8 +146,7 @@ HRESULT SyncReader::Open(const WCHAR* fileName) {
     // Wine's reader takes whatever GStreamer knows, Windows' only these two; and of some others
     // Wine's never comes to an end, or ends the process.
     const bool known = file->asf().isAsf() || file->isMpegAudio() || startsAsMpegAudio(fileName);
-    const HRESULT result =
-        known ? openStream(file, fileName, file->asf().bitrate()) : NS_E_UNRECOGNIZED_STREAM_TYPE;
+    const HRESULT result = known ? openStream(file, file, fileName) : NS_E_UNRECOGNIZED_STREAM_TYPE;
     if (result == openedInVain)
         file->closeFile();
     file->Release();
@@ -155,10 +154,10 @@ HRESULT SyncReader::Open(const WCHAR* fileName) {
 }
 
 HRESULT SyncReader::OpenStream(IStream* stream) {
-    return stream ? openStream(stream, nullptr, 0) : E_INVALIDARG;
+    return stream ? openStream(stream, nullptr, nullptr) : E_INVALIDARG;
 }
 
-HRESULT SyncReader::openStream(IStream* stream, const WCHAR* fileName, DWORD asfBitrate) {
+HRESULT SyncReader::openStream(IStream* stream, const InputFile* file, const WCHAR* fileName) {
     const HRESULT result = openWithin(openLimit(), *ForwardedReader::inner_, *stream);
     if (result == openedInVain) {
         // A reader that hangs may be neither called nor released. If no new one can be made it
@@ -169,7 +168,7 @@ HRESULT SyncReader::openStream(IStream* stream, const WCHAR* fileName, DWORD asf
     if (SUCCEEDED(result)) {
         open_ = true;
         atStart_ = true;
-        listAttributes(fileName, asfBitrate);
+        listAttributes(file, fileName);
     }
     return result;
 }
@@ -181,19 +180,43 @@ HRESULT SyncReader::Close() {
 }
 
 // What cannot be read of a file's tags is left out; the file plays all the same.
-void SyncReader::listAttributes(const WCHAR* fileName, DWORD asfBitrate) {
+void SyncReader::listAttributes(const InputFile* file, const WCHAR* fileName) {
     attributes_.clear();
     try {
         addReaderAttribute(L"Duration", WMT_TYPE_QWORD);
         addReaderAttribute(L"Seekable", WMT_TYPE_BOOL);
-        if (asfBitrate != 0)
-            attributes_.push_back(numberAttribute(L"Bitrate", WMT_TYPE_DWORD, asfBitrate));
-        if (!fileName)
+        if (!file)
             return;
+        correctDuration(*file);
+        if (const DWORD bitrate = file->asf().bitrate())
+            attributes_.push_back(numberAttribute(L"Bitrate", WMT_TYPE_DWORD, bitrate));
         std::vector<FileAttribute> fromFile = readFileAttributes(fileName);
         std::move(fromFile.begin(), fromFile.end(), std::back_inserter(attributes_));
     } catch (const std::exception&) {
     }
+}
+
+// Of MPEG audio with few frames Wine's reader knows no duration: it says 0, or a number that no
+// file reaches.
+void SyncReader::correctDuration(const InputFile& file) {
+    constexpr QWORD longest = QWORD{10'000} * 0x7FFFFFFF; // of a length that fits into milliseconds
+    const auto duration =
+        std::find_if(attributes_.begin(), attributes_.end(),
+                     [](const FileAttribute& attribute) { return attribute.name == L"Duration"; });
+    QWORD known = 0;
+    if (duration != attributes_.end()) {
+        std::memcpy(&known, duration->value.data(), std::min(sizeof known, duration->value.size()));
+        if (known > 0 && known <= longest)
+            return;
+    }
+    if (!file.isMpegAudio())
+        return;
+    FileAttribute counted =
+        numberAttribute(L"Duration", WMT_TYPE_QWORD, QWORD{file.lengthOfFrames()});
+    if (duration != attributes_.end())
+        *duration = std::move(counted);
+    else
+        attributes_.push_back(std::move(counted));
 }
 
 // An attribute that Wine's reader knows by its name.

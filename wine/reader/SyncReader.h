@@ -18,6 +18,8 @@
 
 namespace corvina::wine {
 
+class InputFile;
+
 class SyncReader final : public ForwardedReader, public ForwardedHeader {
 public:
     // On success the caller owns one reference.
@@ -49,11 +51,11 @@ private:
     ~SyncReader();
 
     [[nodiscard]] HRESULT aggregate();
-    // fileName: the file that the stream's bytes are from; null if unknown. asfBitrate: the bitrate
-    // in an ASF file's header; 0 for another file.
-    [[nodiscard]] HRESULT openStream(IStream* stream, const WCHAR* fileName, DWORD asfBitrate);
+    // file: what the stream is, if it is a file with that name; else both are null.
+    [[nodiscard]] HRESULT openStream(IStream* stream, const InputFile* file, const WCHAR* fileName);
     void addReaderAttribute(const wchar_t* name, WMT_ATTR_DATATYPE type);
-    void listAttributes(const WCHAR* fileName, DWORD asfBitrate);
+    void correctDuration(const InputFile& file);
+    void listAttributes(const InputFile* file, const WCHAR* fileName);
 
     // The aggregated object's own IUnknown, which keeps it alive. Null if it had to be left behind
     // and there is no other.

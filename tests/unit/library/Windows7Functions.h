@@ -44,7 +44,8 @@ kernel32.dll:
     GetSystemTimeAdjustment GetSystemTimeAsFileTime GetTempPathW GetThreadContext GetThreadErrorMode
     GetThreadPriority GetThreadTimes GetTickCount64 GetTimeZoneInformation GetVersionExA
     GetVolumeInformationW GlobalAlloc GlobalFree GlobalLock GlobalUnlock InitializeCriticalSection
-    IsBadWritePtr IsDBCSLeadByteEx IsDebuggerPresent LeaveCriticalSection LoadLibraryA
+    IsBadWritePtr IsDBCSLeadByteEx IsDebuggerPresent IsProcessorFeaturePresent
+    LeaveCriticalSection LoadLibraryA
     LoadLibraryExW LoadLibraryW LocalAlloc LocalFree MapViewOfFile MoveFileExA MoveFileExW MulDiv
     MultiByteToWideChar OpenProcess OutputDebugStringA QueryPerformanceCounter
     QueryPerformanceFrequency RaiseException ReadConsoleInputW ReadFile ReleaseSRWLockExclusive

@@ -101,8 +101,23 @@ TEST_F(FormatOfFile, of_a_cut_header_names_the_kind_alone) {
     EXPECT_EQ(of(bytesOf("caff")), L"CAF");
     EXPECT_EQ(of(bytesOf("OggS")), L"Ogg");
     EXPECT_EQ(of(bytesOf("\1\1\1\1ftyp")), L"MP4");
-    WAVEFORMATEX strange = pcm(44100, 2, 60000);
-    EXPECT_EQ(of(plainWav(strange, Bytes(10))), L"WAV") << "no width at all";
+}
+
+TEST_F(FormatOfFile, has_no_width_that_no_sample_has) {
+    EXPECT_EQ(of(plainWav(pcm(44100, 2, 60000), Bytes(10))), L"WAV");
+    Bytes ape = fileBytes(mediaFile(L"tune.ape"));
+    constexpr std::size_t width = 52 + 16;
+    ASSERT_EQ(of(ape), L"Monkey's Audio, 16 bits");
+    ape[width] = 0xE0;
+    ape[width + 1] = 0x04;
+    EXPECT_EQ(of(ape), L"Monkey's Audio");
+    Bytes alac = fileBytes(mediaFile(L"tune.m4a"));
+    const std::string_view name = "alac";
+    const auto entry = std::search(alac.begin(), alac.end(), name.begin(), name.end());
+    ASSERT_NE(entry, alac.end());
+    constexpr std::ptrdiff_t bits = 22;
+    entry[bits] = 0x7F;
+    EXPECT_EQ(of(alac), L"Apple Lossless");
 }
 
 TEST_F(FormatOfFile, of_damaged_files_is_one_of_the_words_or_none) {

@@ -18,9 +18,9 @@ namespace {
 using Clip = const wchar_t*;
 constexpr Clip clips[] = {L"clip.m4a", L"clip-lossless.m4a", L"clip.aac", L"clip.mp4"};
 
-// A good file opens in milliseconds; one that is never done opening is given up sooner here than in
-// a host.
-constexpr DWORD longestOpen = 3000;
+// A good file opens in milliseconds; a call that is never done is given up sooner here than in a
+// host.
+constexpr DWORD longestCall = 3000;
 
 class HostileMovies : public testing::TestWithParam<Clip> {
 protected:
@@ -32,25 +32,39 @@ protected:
 
     void TearDown() override {
         if (givenUp_ > 0)
-            std::printf("%d opens were given up\n", givenUp_);
+            std::printf("%d files were given up\n", givenUp_);
         EXPECT_LE(longestUse_, 10'000u) << "milliseconds in one file";
     }
 
     // Opens a file with these bytes and uses all that the source offers; what the open returned.
     std::int32_t use(const Bytes& bytes) {
         const std::wstring path =
-            folder_.write(L"a" + std::to_wstring(givenUp_) + (GetParam() + 4), bytes);
+            writeOnceClosed(L"a" + std::to_wstring(givenUp_) + (GetParam() + 4), bytes);
         const DWORD start = ::GetTickCount();
         const std::int32_t result = source_.OpenSource(path);
-        // The reader that was left behind keeps its file open.
-        if (::GetTickCount() - start >= longestOpen)
-            ++givenUp_;
         EXPECT_TRUE(result == 0 || result == 1 || result == 12) << result;
         if (result == 0)
             useAll();
         EXPECT_EQ(source_.CloseSource(), result == 0 ? 0 : 1);
-        longestUse_ = std::max(longestUse_, ::GetTickCount() - start);
+        const DWORD used = ::GetTickCount() - start;
+        longestUse_ = std::max(longestUse_, used);
+        // The reader that was left behind keeps its file open.
+        if (used >= longestCall)
+            ++givenUp_;
         return result;
+    }
+
+    // On a busy machine a thread of the system may have the last file open for a moment after it
+    // was closed. One that is kept open fails the test.
+    std::wstring writeOnceClosed(const std::wstring& name, const Bytes& bytes) {
+        for (int attempt = 0; attempt < 100; ++attempt) {
+            try {
+                return folder_.write(name, bytes);
+            } catch (const std::runtime_error&) {
+                ::Sleep(10);
+            }
+        }
+        return folder_.write(name, bytes);
     }
 
     void useAll() {
@@ -93,7 +107,7 @@ protected:
     TempFolder folder_;
     const Bytes clip_ = fileBytes(mediaFile(GetParam()));
     Bytes buffer_ = Bytes(4002);
-    MediaFoundationSource source_{systemLibraryApi, longestOpen};
+    MediaFoundationSource source_{systemLibraryApi, longestCall};
     int givenUp_ = 0;
     DWORD longestUse_ = 0;
 };

@@ -4,7 +4,6 @@
 #include "sources/MediaFoundationSource.h"
 
 #include <algorithm>
-#include <atomic>
 
 namespace corvina::test {
 namespace {
@@ -133,73 +132,6 @@ TEST(MediaFoundationFiles, without_the_system_library_an_open_returns_3) {
     EXPECT_EQ(source.OpenSource(mediaFile(L"tune.m4a")), 3);
     EXPECT_EQ(source.OpenSource(mediaFile(L"tune.m4a")), 3);
     EXPECT_EQ(source.CloseSource(), 1);
-}
-
-// Media Foundation whose reader of a file is made only when the gate opens. One for all threads.
-struct StalledLibrary {
-    static inline const HANDLE gate = ::CreateEventW(nullptr, TRUE, TRUE, nullptr);
-    static inline std::atomic<int> starts = 0;
-    static inline decltype(&::MFCreateSourceReaderFromByteStream) createReader = nullptr;
-    static inline decltype(&::MFStartup) startup = nullptr;
-    static inline decltype(&::MFShutdown) shutdown = nullptr;
-
-    static HRESULT WINAPI createLate(IMFByteStream* file, IMFAttributes* attributes,
-                                     IMFSourceReader** reader) {
-        ::WaitForSingleObject(gate, INFINITE);
-        return createReader(file, attributes, reader);
-    }
-    static HRESULT WINAPI countedStartup(ULONG version, DWORD flags) {
-        ++starts;
-        return startup(version, flags);
-    }
-    static HRESULT WINAPI countedShutdown() {
-        const HRESULT result = shutdown();
-        --starts;
-        return result;
-    }
-
-    template <typename Function>
-    static FARPROC replaced(FARPROC found, Function& original, Function replacement) {
-        original = reinterpret_cast<Function>(reinterpret_cast<void*>(found));
-        return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(replacement));
-    }
-    static FARPROC WINAPI find(HMODULE library, LPCSTR name) {
-        const FARPROC found = ::GetProcAddress(library, name);
-        const std::string wanted = name;
-        if (wanted == "MFCreateSourceReaderFromByteStream")
-            return replaced(found, createReader, &createLate);
-        if (wanted == "MFStartup")
-            return replaced(found, startup, &countedStartup);
-        if (wanted == "MFShutdown")
-            return replaced(found, shutdown, &countedShutdown);
-        return found;
-    }
-    static inline const LibraryApi api = [] {
-        LibraryApi table;
-        table.getProcAddress = &find;
-        return table;
-    }();
-};
-
-TEST(MediaFoundationFiles, an_open_that_never_ends_returns_1_in_time_and_the_next_file_opens) {
-    constexpr DWORD limit = 200;
-    {
-        MediaFoundationSource source(StalledLibrary::api, limit);
-        ::ResetEvent(StalledLibrary::gate);
-        const DWORD start = ::GetTickCount();
-        EXPECT_EQ(source.OpenSource(mediaFile(L"tune.m4a")), 1);
-        const DWORD waited = ::GetTickCount() - start;
-        EXPECT_GE(waited, limit - 20);
-        EXPECT_LE(waited, MediaFoundationSource::longestOpen);
-        EXPECT_EQ(source.CloseSource(), 1);
-        ::SetEvent(StalledLibrary::gate);
-        MediaFoundationSource patient(StalledLibrary::api);
-        EXPECT_EQ(patient.OpenSource(mediaFile(L"tune.m4a")), 0);
-    }
-    // What was left behind has its own share of the library, and gives it back when it ends.
-    for (int waits = 0; StalledLibrary::starts > 0 && waits < 500; ++waits)
-        ::Sleep(10);
-    EXPECT_EQ(StalledLibrary::starts, 0);
 }
 
 } // namespace

@@ -201,6 +201,44 @@ TEST(SndfileSourceFiles, the_length_of_mpeg_audio_is_counted_without_its_tags) {
     EXPECT_NEAR(source.Duration(), duration, 60);
 }
 
+TEST(SndfileSourceFiles, the_tag_of_mpeg_audio_is_found_behind_other_bytes) {
+    const Bytes tagged = fileBytes(mediaFile(L"tune.mp3"));
+    TempFolder folder;
+    SndfileSource source;
+    for (const std::size_t count : {1u, 700u, 3000u, 60'000u}) {
+        for (const wchar_t* name : {L"a.mp3", L"a.mp2"}) {
+            Bytes bytes(count, 'x');
+            bytes.insert(bytes.end(), tagged.begin(), tagged.end());
+            ASSERT_EQ(source.OpenSource(folder.write(name, bytes)), 0) << count;
+            EXPECT_EQ(source.Duration(), 3000);
+            // Only the tag in front of the sound has it so, the one behind has no genre.
+            EXPECT_THAT(tagsOf(source),
+                        Contains(std::pair<std::wstring, std::wstring>(L"genre", L"Other")))
+                << count;
+            EXPECT_THAT(readToEnd(source).bytes, SizeIs(132'300 * 4));
+            EXPECT_EQ(source.CloseSource(), 0);
+        }
+    }
+}
+
+TEST(SndfileSourceFiles, mpeg_audio_in_front_of_a_tag_is_not_passed_over) {
+    const Bytes sound = fileBytes(mediaFile(L"clip.mp3"));
+    const Bytes tag{'I', 'D', '3', 4, 0, 0, 0, 0, 0, 0};
+    TempFolder folder;
+    SndfileSource source;
+    ASSERT_EQ(source.OpenSource(mediaFile(L"clip.mp3")), 0);
+    const std::size_t once = readToEnd(source).bytes.size();
+    ASSERT_GT(once, 0u);
+    for (const std::size_t count : {0u, 500u}) {
+        Bytes bytes(count, 'x');
+        for (const Bytes& part : {sound, tag, sound})
+            bytes.insert(bytes.end(), part.begin(), part.end());
+        ASSERT_EQ(source.OpenSource(folder.write(L"joined.mp3", bytes)), 0);
+        EXPECT_THAT(readToEnd(source).bytes, SizeIs(2 * once)) << count;
+        EXPECT_EQ(source.CloseSource(), 0);
+    }
+}
+
 TEST(SndfileSourceFiles, a_closed_file_is_still_described) {
     SndfileSource source;
     ASSERT_EQ(source.OpenSource(mediaFile(L"tune.flac")), 0);

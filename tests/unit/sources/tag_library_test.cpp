@@ -86,6 +86,19 @@ TEST_F(TagsOfFiles, are_unicode_and_so_may_be_the_name_of_the_file) {
               L"Caf\u00E9");
 }
 
+TEST_F(TagsOfFiles, are_found_behind_other_bytes_of_mpeg_audio) {
+    const Bytes tag =
+        id3Tag(joined({id3Text("TIT2", L"Hidden"), id3Picture(3, Bytes(5000, 0xFF))}));
+    const Bytes oldTag = joined({bytesOf("TAGBehind"), Bytes(128 - 9)});
+    for (const std::size_t count : {1u, 1500u, 60'000u}) {
+        EXPECT_EQ(texts(joined({Bytes(count, 'x'), tag, mpegFrames()}))[L"TITLE"], L"Hidden");
+        EXPECT_EQ(texts(joined({noise(count), tag, mpegFrames(50)}))[L"TITLE"], L"Hidden");
+        EXPECT_EQ(texts(joined({Bytes(count, 'x'), mpegFrames(50), oldTag}))[L"TITLE"], L"Behind");
+        EXPECT_EQ(read(joined({Bytes(count, 'x'), tag, mpegFrames()})).picture.size(), 5000u);
+    }
+    EXPECT_THAT(texts(joined({Bytes(70'000, 'x'), tag, mpegFrames()})), IsEmpty());
+}
+
 TEST_F(TagsOfFiles, go_by_what_a_file_holds_and_not_by_its_name) {
     const Bytes bytes = fileBytes(mediaFile(L"tune.flac"));
     for (const wchar_t* name : {L"a.mp3", L"a.wav", L"a.ogg", L"a", L"a.unknown"})

@@ -51,6 +51,29 @@ protected:
     // Everything that a file with these bytes delivers.
     Bytes sound(const Bytes& bytes) { return BareReader(folder_.write(L"a.mp3", bytes)).rest(); }
 
+    // In the list of attributes, in units of 100 nanoseconds.
+    QWORD duration(const Bytes& bytes) {
+        const BareReader bare(folder_.write(L"d.mp3", bytes));
+        EXPECT_TRUE(bare.opened());
+        const auto header = ComPtr<IWMSyncReader>(&bare.reader()).query<IWMHeaderInfo3>();
+        constexpr WORD wholeFile = 0xFFFF;
+        WORD count = 0;
+        header->GetAttributeCountEx(wholeFile, &count);
+        for (WORD index = 0; index < count; ++index) {
+            WCHAR name[100];
+            WORD nameLength = ARRAYSIZE(name);
+            WMT_ATTR_DATATYPE type{};
+            WORD language = 0;
+            QWORD value = 0;
+            DWORD length = sizeof value;
+            if (header->GetAttributeByIndexEx(wholeFile, index, name, &nameLength, &type, &language,
+                                              reinterpret_cast<BYTE*>(&value), &length) == S_OK &&
+                std::wstring(name) == L"Duration")
+                return value;
+        }
+        return 0;
+    }
+
     TempFolder folder_;
     const Bytes file_ = fileBytes(mediaFile(L"tune.mp3"));
     const Bytes frames_{file_.begin() + static_cast<int>(tagSize(file_)), file_.end()};
@@ -83,6 +106,22 @@ TEST_F(CrowdedMp3, a_file_whose_sound_begins_later_can_be_sought) {
         return reader.rest();
     };
     EXPECT_TRUE(from(joined({tag(title_), tag(title_, 40'000), frames_})) == from(frames_));
+}
+
+// MPEG-1 with 44100 samples a second: 1152 in a frame. The first one describes the others.
+TEST_F(CrowdedMp3, the_duration_of_a_few_frames_is_counted) {
+    constexpr double frame = 1152e7 / 44100;
+    for (const int frames : {2, 5, 10}) {
+        std::size_t size = 0;
+        for (int count = 0; count <= frames; ++count)
+            size += 144 * 128'000 / 44100 + (frames_.at(size + 2) >> 1 & 1);
+        const Bytes cut(frames_.begin(), frames_.begin() + static_cast<int>(size));
+        EXPECT_NEAR(static_cast<double>(duration(cut)), frames * frame, frame) << frames;
+        EXPECT_NEAR(static_cast<double>(duration(joined({Bytes(3000, 'x'), cut}))), frames * frame,
+                    frame)
+            << frames;
+    }
+    EXPECT_NEAR(static_cast<double>(duration(file_)), 3e7, 4 * frame);
 }
 
 TEST_F(CrowdedMp3, tags_without_sound_and_frames_that_do_not_follow_each_other_are_refused) {
