@@ -64,7 +64,7 @@ TEST(MediaFoundationFiles, a_seek_out_of_range_returns_4) {
 
 // As in a movie whose pictures go on for longer.
 TEST(MediaFoundationFiles, a_seek_behind_the_end_of_the_sound_comes_to_the_end) {
-    constexpr std::uint32_t milliseconds = 5000;
+    constexpr std::uint32_t milliseconds = 900;
     TempFolder folder;
     const std::wstring path = folder.write(
         L"longer.m4a", withNumber(fileBytes(mediaFile(L"clip.m4a")), "mvhd", 16, milliseconds));
