@@ -56,7 +56,7 @@ void QueueView::showStarted() {
 void QueueView::showEnded() {
     SetWindowTextW(window_, L"Corvina");
     controls_.headline().setText(L"Corvina", {});
-    controls_.headline().setCover(nullptr);
+    controls_.headline().setCover(IPicturePtr());
     showTracks();
     showState();
 }

@@ -4,12 +4,14 @@
 #include "sources/MediaFileSize.h"
 #include "sources/MediaTime.h"
 #include "sources/Mp4Check.h"
+#include "sources/Mp4SoundEnd.h"
 #include "sources/Mp4Tags.h"
 #include "stream/PcmFormat.h"
 #include "stream/SeekTarget.h"
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 
 namespace corvina {
 namespace {
@@ -21,6 +23,13 @@ constexpr std::int32_t seekRefused = 4;
 constexpr LONGLONG second = 10'000'000; // in units of 100 nanoseconds
 // A decoder needs the frames before a place to be exact at it.
 constexpr LONGLONG preRoll = second / 5;
+
+LONGLONG soundEnd(const std::wstring& path) {
+    constexpr LONGLONG unknown = std::numeric_limits<LONGLONG>::max();
+    const std::optional<double> end = mp4SoundEnd(path);
+    constexpr double mostSeconds = 1e9;
+    return end && *end < mostSeconds ? static_cast<LONGLONG>(*end * second) : unknown;
+}
 
 } // namespace
 
@@ -51,6 +60,7 @@ void MediaFoundationSource::forget() {
     offset_ = 0;
     startTime_ = 0;
     duration_ = 0;
+    soundEnd_ = 0;
 }
 
 void MediaFoundationSource::describe(const std::wstring& path) {
@@ -58,6 +68,7 @@ void MediaFoundationSource::describe(const std::wstring& path) {
     format_ = pcmFormat(format.rate, static_cast<WORD>(std::min<DWORD>(format.channels, 2)), 16);
     mix_ = StereoMixer(speakersOf(static_cast<std::int32_t>(format.channels), format.channelMask));
     duration_ = reader_->duration();
+    soundEnd_ = soundEnd(path);
     bitrate_ = averageBitrate(path, static_cast<double>(duration_) / second);
     readMp4Tags(path, tags_);
     // The times of some files do not begin with 0.
@@ -120,12 +131,13 @@ std::int32_t MediaFoundationSource::SeekTo(std::int32_t value, std::int32_t& mod
 }
 
 // The reader goes to the start of some sample before the place; what comes before the place is
-// dropped.
+// dropped. Behind the end of the sound, which pictures may outlast, there is nothing to go to.
 bool MediaFoundationSource::seekTime(LONGLONG time) {
+    const bool behindEnd = time >= soundEnd_;
     time += startTime_;
-    if (!reader_ || !reader_->seek(time - preRoll))
+    if (!reader_ || (!behindEnd && !reader_->seek(time - preRoll)))
         return false;
-    ended_ = false;
+    ended_ = behindEnd;
     block_.samples.clear();
     block_.time = time;
     offset_ = 0;

@@ -60,6 +60,7 @@ private:
     std::size_t offset_ = 0;          // in bytes
     LONGLONG startTime_ = 0;          // of the first block
     LONGLONG duration_ = 0;
+    LONGLONG soundEnd_ = 0; // as the file says it; the highest number if it does not
 };
 
 } // namespace corvina

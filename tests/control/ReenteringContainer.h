@@ -6,6 +6,7 @@
 // the messages that its window gets. The first time that the chosen one comes, the chosen action is
 // performed; everything else is an ordinary container's behaviour.
 
+#include "ReenteringListener.h"
 #include "com/Implements.h"
 #include "support/HiddenWindow.h"
 
@@ -17,9 +18,6 @@
 #include <string>
 
 namespace corvina::test {
-
-// Notes that a callback has come, by its name.
-using Callback = std::function<void(const std::string& name)>;
 
 class ReenteringFrame final : public Implements<IOleInPlaceFrame> {
 public:

@@ -22,6 +22,10 @@ constexpr double sameSoundWithNoise = 0.995;
 // A decoder that begins in the middle fills in what it cannot know.
 constexpr double sameSoundBehindSeek = 0.999;
 
+// How far the sound may be shifted, in milliseconds, and that of readers that come later.
+constexpr std::size_t mostShiftMs = 30;
+constexpr std::size_t mostLateMs = 100;
+
 double likeness(const Samples& expected, const Samples& heard, std::ptrdiff_t lag,
                 std::size_t channels) {
     const std::ptrdiff_t shift = lag * static_cast<std::ptrdiff_t>(channels);
@@ -58,6 +62,12 @@ Alignment align(const Cell& cell, const Samples& expected, const Samples& heard,
             if (const double now = likeness(expected, heard, lag, channels); now > best.likeness)
                 best = {lag, now};
     return best;
+}
+
+// The last block is sent whole, and what stands in it behind the end of the sound is no part of it.
+Samples withoutLastBlock(const Samples& heard, std::size_t block) {
+    return {heard.begin(),
+            heard.end() - static_cast<std::ptrdiff_t>(std::min(heard.size(), block))};
 }
 
 std::string firstDifference(const Samples& expected, const Samples& heard, int most) {
@@ -162,7 +172,11 @@ std::string difference(const Cell& cell, std::size_t channels, const Samples& ex
     const double enough = isLater(cell)           ? sameSoundWithNoise
                           : cell.judge == "rough" ? roughlySameSound
                                                   : sameSound;
-    const Alignment found = align(cell, sure, heard, channels, enough, isLater(cell) ? 100 : 30);
+    // A reader that keeps what it makes before the start may end when the file's length is over,
+    // and so that much before the sound does.
+    const Alignment found = isLater(cell) ? align(cell, sure, withoutLastBlock(heard, block),
+                                                  channels, enough, mostLateMs)
+                                          : align(cell, sure, heard, channels, enough, mostShiftMs);
     return found.likeness >= enough ? std::string() : unlike(found);
 }
 
@@ -175,7 +189,9 @@ std::string differenceBehindSeek(const Cell& cell, std::size_t channels, const S
     const double enough = exact           ? 1.0 - 1e-7
                           : isLater(cell) ? sameSoundWithNoise
                                           : sameSoundBehindSeek;
-    const Alignment found = align(cell, sure, heard, channels, enough, isLater(cell) ? 100 : 30);
+    const Alignment found = isLater(cell) ? align(cell, sure, withoutLastBlock(heard, block),
+                                                  channels, enough, mostLateMs)
+                                          : align(cell, sure, heard, channels, enough, mostShiftMs);
     const double least = std::min(enough, sameSoundBehindSeek);
     if (!exact || found.likeness < least)
         return found.likeness >= least ? std::string() : unlike(found);

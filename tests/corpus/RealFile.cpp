@@ -105,7 +105,12 @@ const std::vector<RealFile>& playableFiles() {
         {L"covr-junk.m4a", "AAC"},
         // The package's tests say 22050 Hz: the decoder makes the upper half of the sound by
         // itself.
-        {L"zero-length-mdat.m4a", "AAC", 1115, 1, 44100},
+        {.path = L"zero-length-mdat.m4a",
+         .format = "AAC",
+         .milliseconds = 1115,
+         .channels = 1,
+         .rate = 44100,
+         .leadIn = 119},
         {.path = L"nonprintable-atom-type.m4a",
          .format = "AAC",
          .channels = 1,

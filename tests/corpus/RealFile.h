@@ -25,6 +25,8 @@ struct RealFile {
     // if the file itself says it.
     Whole whole = Whole::yes;
     int since = 1; // the first version of the tag library that has it
+    // What an encoder put before the sound, in milliseconds: newer systems' readers leave it out.
+    long leadIn = 0;
     const wchar_t* package = L"taglib\\tests\\data\\";
 
     [[nodiscard]] std::wstring file() const;

@@ -4,6 +4,7 @@
 #include "support/Media.h"
 
 #include <algorithm>
+#include <string_view>
 
 namespace corvina::test {
 namespace {
@@ -35,8 +36,9 @@ std::size_t silenceWithin(const Frames& heard) {
 class PlaybackOfFormat : public SoundTest, public ::testing::WithParamInterface<Format> {};
 
 TEST_P(PlaybackOfFormat, plays_to_its_end_with_the_right_length) {
-    const auto& [name, bytesPerSecond] = GetParam();
-    const std::wstring text(name, name + std::strlen(name));
+    const std::string_view name = GetParam().name;
+    const int bytesPerSecond = GetParam().bytesPerSecond;
+    const std::wstring text(name.begin(), name.end());
     expectExactPlayback([&] {
         const std::size_t before = recording.now();
         PlayerHost host;

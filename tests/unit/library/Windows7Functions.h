@@ -8,8 +8,8 @@ namespace corvina::test {
 
 inline constexpr char functionsOfWindows7[] = R"(
 advapi32.dll:
-    RegCloseKey RegCreateKeyExW RegDeleteKeyValueW RegDeleteTreeW RegGetValueW RegOpenKeyExW
-    RegSetValueExW
+    CryptAcquireContextA CryptGenRandom CryptReleaseContext RegCloseKey RegCreateKeyExW
+    RegDeleteKeyValueW RegDeleteTreeW RegGetValueW RegOpenKeyExW RegSetValueExW
 bcrypt.dll:
     BCryptCloseAlgorithmProvider BCryptGenRandom BCryptOpenAlgorithmProvider
 comctl32.dll:
@@ -42,10 +42,10 @@ kernel32.dll:
     GetModuleHandleA GetModuleHandleExW GetModuleHandleW GetNumberOfConsoleInputEvents
     GetProcAddress GetProcessAffinityMask GetProcessTimes GetStartupInfoA GetStdHandle
     GetSystemTimeAdjustment GetSystemTimeAsFileTime GetTempPathW GetThreadContext GetThreadErrorMode
-    GetThreadPriority GetThreadTimes GetTickCount64 GetTimeZoneInformation GetVersionExA
-    GetVolumeInformationW GlobalAlloc GlobalFree GlobalLock GlobalUnlock InitializeCriticalSection
-    IsBadWritePtr IsDBCSLeadByteEx IsDebuggerPresent IsProcessorFeaturePresent
-    LeaveCriticalSection LoadLibraryA
+    GetThreadPriority GetThreadTimes GetTickCount GetTickCount64 GetTimeZoneInformation
+    GetVersionExA GetVolumeInformationW GlobalAlloc GlobalFree GlobalLock GlobalUnlock
+    InitializeCriticalSection IsBadWritePtr IsDBCSLeadByteEx IsDebuggerPresent
+    IsProcessorFeaturePresent LeaveCriticalSection LoadLibraryA
     LoadLibraryExW LoadLibraryW LocalAlloc LocalFree MapViewOfFile MoveFileExA MoveFileExW MulDiv
     MultiByteToWideChar OpenProcess OutputDebugStringA QueryPerformanceCounter
     QueryPerformanceFrequency RaiseException ReadConsoleInputW ReadFile ReleaseSRWLockExclusive

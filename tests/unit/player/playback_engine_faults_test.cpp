@@ -148,7 +148,7 @@ TEST_F(PlaybackFaults, a_failed_reset_is_reported_with_its_number_as_text_and_is
 TEST_F(PlaybackFaults, the_end_within_the_report_of_a_failed_reset_is_reported_like_any_other) {
     startAndFill();
     fakeWave.faults.arm("waveOutReset", 1, once, 11);
-    host.onErr = [this, handled = false](const std::wstring&) mutable {
+    host.onErr = [handled = false](const std::wstring&) mutable {
         if (!std::exchange(handled, true))
             playOut();
     };

@@ -72,9 +72,8 @@ protected:
         for (const auto& [value, mode] :
              {std::pair{50, SeekMode::percent}, std::pair{99, SeekMode::percent},
               std::pair{0, SeekMode::seconds}, std::pair{0x7FFFFFFF, SeekMode::seconds}}) {
-            raisingAtMost([&] {
-                std::int32_t by = mode;
-                const std::int32_t sought = source_.SeekTo(value, by);
+            raisingAtMost([this, to = value, by = mode]() mutable {
+                const std::int32_t sought = source_.SeekTo(to, by);
                 EXPECT_TRUE(sought == 0 || sought == 4) << sought;
             });
             readSome();

@@ -1,6 +1,7 @@
 // The source of MP4 and AAC over the system's Media Foundation.
 
 #include "DecodedFiles.h"
+#include "Mp4Bytes.h"
 #include "sources/MediaFoundationSource.h"
 
 #include <algorithm>
@@ -58,6 +59,27 @@ TEST(MediaFoundationFiles, a_seek_out_of_range_returns_4) {
         std::int32_t mode = by;
         EXPECT_EQ(source.SeekTo(value, mode), 4) << value;
     }
+}
+
+// As in a movie whose pictures go on for longer.
+TEST(MediaFoundationFiles, a_seek_behind_the_end_of_the_sound_comes_to_the_end) {
+    constexpr std::uint32_t milliseconds = 900;
+    TempFolder folder;
+    const std::wstring path = folder.write(
+        L"longer.m4a", withNumber(fileBytes(mediaFile(L"clip.m4a")), "mvhd", 16, milliseconds));
+    MediaFoundationSource source;
+    ASSERT_EQ(source.OpenSource(path), 0);
+    for (const auto& [value, by] :
+         {std::pair{99, SeekMode::percent}, std::pair{50, SeekMode::percent},
+          std::pair{1, SeekMode::seconds}}) {
+        std::int32_t mode = by;
+        const std::int32_t sought = source.SeekTo(value, mode);
+        // A reader that goes by the sound has a shorter file.
+        EXPECT_TRUE(sought == 0 || sought == 4) << sought;
+        EXPECT_LT(readToEnd(source).bytes.size(), 8000u);
+    }
+    seekTo(source, 0, SeekMode::seconds);
+    EXPECT_GT(readToEnd(source).bytes.size(), 6000u);
 }
 
 TEST(MediaFoundationFiles, an_aac_stream_plays_for_its_length) {

@@ -1,7 +1,7 @@
 // What an MP4 file must hold before the system's decoder gets it.
 
+#include "Mp4Bytes.h"
 #include "sources/Mp4Check.h"
-#include "support/FileBytes.h"
 #include "support/Media.h"
 #include "support/TempFolder.h"
 
@@ -15,21 +15,6 @@ namespace {
 class Mp4Check : public testing::Test {
 protected:
     bool plays(const Bytes& bytes) { return mayBePlayed(folder_.write(L"a.m4a", bytes)); }
-
-    // The place of the content of the first box of that name from a place on.
-    static std::size_t content(const Bytes& bytes, std::string_view name, std::size_t from = 0) {
-        const auto found = std::search(bytes.begin() + static_cast<std::ptrdiff_t>(from),
-                                       bytes.end(), name.begin(), name.end());
-        EXPECT_NE(found, bytes.end()) << name;
-        return static_cast<std::size_t>(found - bytes.begin()) + name.size();
-    }
-    // With a number of four bytes at that place of the box.
-    static Bytes with(Bytes bytes, std::string_view box, std::size_t at, std::uint32_t number) {
-        const std::size_t place = content(bytes, box) + at;
-        for (std::size_t byte = 0; byte < 4; ++byte)
-            bytes.at(place + byte) = static_cast<std::uint8_t>(number >> (24 - 8 * byte));
-        return bytes;
-    }
 
     TempFolder folder_;
     const Bytes clip_ = fileBytes(mediaFile(L"clip.m4a"));
@@ -57,14 +42,14 @@ TEST_F(Mp4Check, a_box_that_ends_behind_its_parent_is_refused) {
     for (const char* box : {"moov", "mvhd", "trak", "mdia", "mdhd", "hdlr", "minf", "stbl", "stsd",
                             "stts", "stsc", "stsz", "stco"})
         for (const std::uint32_t bytes : {0x40000000U, 0xFFFFFFFFU, 7U})
-            EXPECT_FALSE(plays(with(clip_, box, size, bytes))) << box << ' ' << bytes;
+            EXPECT_FALSE(plays(withNumber(clip_, box, size, bytes))) << box << ' ' << bytes;
 }
 
 TEST_F(Mp4Check, a_track_that_lacks_a_table_is_refused) {
     constexpr std::size_t name = static_cast<std::size_t>(-4);
     for (const char* box :
          {"trak", "mdia", "mdhd", "hdlr", "minf", "stbl", "stsd", "stts", "stsc", "stsz", "stco"})
-        EXPECT_FALSE(plays(with(clip_, box, name, 0x78787878))) << box;
+        EXPECT_FALSE(plays(withNumber(clip_, box, name, 0x78787878))) << box;
 }
 
 struct Contradiction {
@@ -95,16 +80,16 @@ constexpr Contradiction contradictions[] = {
 
 TEST_F(Mp4Check, tables_that_contradict_each_other_are_refused) {
     for (const auto& [box, at, number, what] : contradictions)
-        EXPECT_FALSE(plays(with(clip_, box, at, number))) << what;
+        EXPECT_FALSE(plays(withNumber(clip_, box, at, number))) << what;
 }
 
 TEST_F(Mp4Check, pictures_with_broken_tables_are_refused_with_their_sound) {
     EXPECT_TRUE(plays(movie_));
-    EXPECT_FALSE(plays(with(movie_, "stsc", 8, 2)));
+    EXPECT_FALSE(plays(withNumber(movie_, "stsc", 8, 2)));
 }
 
 TEST_F(Mp4Check, tags_may_be_anything) {
-    EXPECT_TRUE(plays(with(clip_, "ilst", static_cast<std::size_t>(-8), 0x40000000)));
+    EXPECT_TRUE(plays(withNumber(clip_, "ilst", static_cast<std::size_t>(-8), 0x40000000)));
 }
 
 } // namespace

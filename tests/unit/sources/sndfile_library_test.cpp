@@ -64,8 +64,10 @@ TEST_F(SndfileOperations, transfers_pass_handle_buffer_and_the_count_low_word_fi
     };
     char buffer[1];
     for (const auto& [name, transfer] : transfers)
-        EXPECT_THAT(words(name, 4, [&](SndfileLibrary& l) { return transfer(l, buffer); }),
-                    ElementsAre(9, word(buffer), 3, 2))
+        EXPECT_THAT(
+            words(name, 4,
+                  [&buffer, call = transfer](SndfileLibrary& l) { return call(l, buffer); }),
+            ElementsAre(9, word(buffer), 3, 2))
             << name;
 }
 

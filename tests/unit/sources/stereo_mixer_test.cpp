@@ -49,7 +49,7 @@ TEST(StereoMixer, each_channel_goes_to_its_side) {
 
 TEST(StereoMixer, full_scale_on_all_channels_is_not_wrapped_around) {
     for (std::size_t channels = 1; channels <= 8; ++channels) {
-        const std::vector<DWORD> speakers = speakersOf(channels);
+        const std::vector<DWORD> speakers = speakersOf(static_cast<std::int32_t>(channels));
         for (const std::int16_t value : {std::int16_t{32767}, std::int16_t{-32768}}) {
             const std::vector<std::int16_t> result =
                 mixed(speakers, std::vector<std::int16_t>(channels, value));

@@ -87,7 +87,7 @@ TEST_F(DamagedForWine, a_file_that_ends_within_its_first_packet_is_refused) {
         EXPECT_EQ(open({tune_.begin(), tune_.begin() + static_cast<int>(length)}),
                   NS_E_INVALID_INPUT_FORMAT)
             << length;
-    EXPECT_EQ(open({tune_.begin(), tune_.begin() + firstPacket + 3200}), S_OK);
+    EXPECT_EQ(open({tune_.begin(), tune_.begin() + static_cast<int>(firstPacket + 3200)}), S_OK);
 }
 
 // Memory of that size would be reserved, and the process ended if there is not so much.
