@@ -1,13 +1,16 @@
 // Stands in for what runs the tests of a program, to try one mutant after the other in one process.
 //
-//   CORVINA_MUTANT_LEARN=FILE   runs all tests and writes for each its name, its milliseconds, whether it
-//                               passed, and the mutants that it reached
+//   CORVINA_MUTANT_LEARN=FILE   runs all tests and writes for each its name, its milliseconds,
+//   whether it
+//                               passed, and the mutants that it reached; the tests run twice, and
+//                               the last line is what they reached the second time
 //   CORVINA_MUTANT_JOBS=FILE    lines of a number, a limit in milliseconds and a filter of tests
-//   CORVINA_MUTANT_RESULTS=FILE what became of each: started, passed, failed, unsure (failed once, then
+//   CORVINA_MUTANT_RESULTS=FILE what became of each: started, passed, failed, unsure (failed once,
+//   then
 //                               passed), dirty (fails without the mutant now), slow, crashed
 //
-// A failure counts when the test passes without the mutant and fails with it once more. The process ends
-// at the first mutant that leaves it unfit for others; who started it goes on with the next.
+// A failure counts when the test passes without the mutant and fails with it once more. The process
+// ends at the first mutant that leaves it unfit for others; who started it goes on with the next.
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
@@ -71,17 +74,13 @@ private:
     }
 };
 
-// What each test reached, and what was reached before the first.
+// What each test reached, and what was reached before the first; then what is reached again when
+// all run once more in the same process.
 class Reach : public testing::EmptyTestEventListener {
 public:
+    bool again = false;
+
     explicit Reach(std::FILE* file) : file_(file) { write("before", 0, true); }
-
-private:
-    void OnTestEnd(const testing::TestInfo& test) override {
-        write(std::string(test.test_suite_name()) + "." + test.name(),
-              static_cast<int>(test.result()->elapsed_time()), !test.result()->Failed());
-    }
-
     void write(const std::string& name, int milliseconds, bool passed) {
         std::fprintf(file_, "%s\t%d\t%d\t", name.c_str(), milliseconds, passed ? 1 : 0);
         State* const now = state ? state : openState();
@@ -92,6 +91,13 @@ private:
             }
         std::fprintf(file_, "\n");
         std::fflush(file_);
+    }
+
+private:
+    void OnTestEnd(const testing::TestInfo& test) override {
+        if (!again)
+            write(std::string(test.test_suite_name()) + "." + test.name(),
+                  static_cast<int>(test.result()->elapsed_time()), !test.result()->Failed());
     }
 
     std::FILE* file_;
@@ -149,8 +155,13 @@ extern "C" int __thiscall __wrap__ZN7testing8UnitTest3RunEv(testing::UnitTest* a
         return __real__ZN7testing8UnitTest3RunEv(all);
     delete all->listeners().Release(all->listeners().default_result_printer());
     if (!learn.empty()) {
-        all->listeners().Append(new Reach(std::fopen(learn.c_str(), "w")));
-        return __real__ZN7testing8UnitTest3RunEv(all);
+        auto* const reach = new Reach(std::fopen(learn.c_str(), "w"));
+        all->listeners().Append(reach);
+        const int result = __real__ZN7testing8UnitTest3RunEv(all);
+        reach->again = true;
+        (void)__real__ZN7testing8UnitTest3RunEv(all);
+        reach->write("again", 0, true);
+        return result;
     }
     results = std::fopen(variable("CORVINA_MUTANT_RESULTS").c_str(), "a");
     runJobs(all, jobs);

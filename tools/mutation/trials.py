@@ -47,7 +47,7 @@ class Program:
 
     def __init__(self, name, longest):
         self.name = name
-        self.cases, self.before = [], set()
+        self.cases, self.before, self.again = [], set(), None
         log = os.path.join(WORK, "learnt.txt")
         if os.path.exists(log):
             os.remove(log)
@@ -57,6 +57,8 @@ class Program:
             reached = {int(number) for number in numbers.split()}
             if case == "before":
                 self.before = reached
+            elif case == "again":
+                self.again = reached
             elif passed != "1":
                 print("  %s: %s fails without a mutant and is left out" % (name, case), flush=True)
             elif int(milliseconds) > 1000 * longest:
@@ -64,6 +66,10 @@ class Program:
             else:
                 self.cases.append(Case(case, int(milliseconds), reached))
         self.cases.sort(key=lambda case: case.milliseconds)
+
+    def reaches_once(self, number):
+        """What runs before the first test, or only the first time in a process."""
+        return number in self.before or self.again is not None and number not in self.again
 
     def reaching(self, number):
         """The cases that reach it, the quickest first. What runs before the first may matter to each."""
@@ -94,7 +100,7 @@ def try_with(program, numbers, settle, fresh=False):
     jobs = [Job(number, program.reaching(number)) for number in numbers]
     jobs = [job for job in jobs if job.names]
     if fresh:
-        for job in jobs:
+        for job in [job for job in jobs if program.reaches_once(job.number)]:
             again = [job]
             while again:
                 again = run_jobs(program, again, settle, {"CORVINA_MUTANT": str(job.number)})
