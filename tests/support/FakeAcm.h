@@ -33,6 +33,7 @@ struct FakeAcm {
     Faults faults;
     int openStreams = 0;
     int preparedHeaders = 0;
+    int wrongHeaders = 0; // of another size than a header has, or with flags
     int openDrivers = 0;
     std::vector<Opening> openings;
     std::vector<Conversion> conversions;
@@ -77,7 +78,13 @@ inline MMRESULT WINAPI acmStreamSize(HACMSTREAM stream, DWORD bytes, LPDWORD res
     return 0;
 }
 
-inline MMRESULT WINAPI acmStreamPrepareHeader(HACMSTREAM, LPACMSTREAMHEADER, DWORD) {
+inline void checkHeader(const ACMSTREAMHEADER& header, DWORD flags) {
+    if (header.cbStruct != sizeof header || flags != 0)
+        ++fakeAcm.wrongHeaders;
+}
+
+inline MMRESULT WINAPI acmStreamPrepareHeader(HACMSTREAM, LPACMSTREAMHEADER header, DWORD flags) {
+    checkHeader(*header, flags);
     if (fakeAcm.faults.strikes("acmStreamPrepareHeader"))
         return MMSYSERR_NOMEM;
     ++fakeAcm.preparedHeaders;
@@ -98,7 +105,8 @@ inline MMRESULT WINAPI acmStreamConvert(HACMSTREAM stream, LPACMSTREAMHEADER hea
     return 0;
 }
 
-inline MMRESULT WINAPI acmStreamUnprepareHeader(HACMSTREAM, LPACMSTREAMHEADER, DWORD) {
+inline MMRESULT WINAPI acmStreamUnprepareHeader(HACMSTREAM, LPACMSTREAMHEADER header, DWORD flags) {
+    checkHeader(*header, flags);
     --fakeAcm.preparedHeaders;
     return fakeAcm.faults.strikes("acmStreamUnprepareHeader") ? MMSYSERR_ERROR : 0;
 }

@@ -1,48 +1,54 @@
 // Included before every source of a mutated build. Each place that has a mutant calls one of these with
-// the mutant's number: they behave as the code says, unless that number is in CORVINA_MUTANT. What is
-// reached is written to the file that CORVINA_MUTANTS_REACHED names.
+// the mutant's number: they behave as the code says, unless that mutant is the active one.
 #pragma once
 
 // The build tools try the compiler without the language version.
 #if __cplusplus >= 202002L
 
-#include <cstdio>
-#include <cstdlib>
 #include <type_traits>
 #include <utility>
 
 namespace mutants {
 
-inline bool seen[200000];
+// One for a process, shared by the program and the libraries of the mutated build that it loads.
+struct State {
+    volatile int active;
+    volatile bool reached[100000];
+};
 
-inline void reached(int number) {
-    static const char* const path = std::getenv("CORVINA_MUTANTS_REACHED");
-    if (!path || seen[number])
-        return;
-    seen[number] = true;
-    if (std::FILE* const file = std::fopen(path, "a")) {
-        std::fprintf(file, "%d\n", number);
-        std::fclose(file);
-    }
-}
+extern State* state;
+State* openState();
 
 inline bool chosen(int number) {
-    static const int active = [] {
-        const char* const text = std::getenv("CORVINA_MUTANT");
-        return text ? std::atoi(text) : 0;
-    }();
-    reached(number);
-    return number == active;
+    State* const now = state ? state : openState();
+    now->reached[number] = true;
+    return number == now->active;
 }
 
-// Number 0 is of a build for one mutant alone.
+// What is added to the number of a mutant in a constant, which is then computed when the program starts.
+constexpr int inConstant = 1000000;
+
 constexpr bool is(int number) {
-    if (number == 0)
-        return true;
+    if (number < 0)
+        return false;
+    if (number >= inConstant)
+        return chosen(number - inConstant);
     if (std::is_constant_evaluated())
         return false;
     return chosen(number);
 }
+
+// A relation with two mutants, or one.
+#define CORVINA_MUTANT_RELATION(name, original, first, second)                                     \
+    template <typename A, typename B>                                                              \
+    constexpr bool name(int one, int two, A&& a, B&& b) {                                          \
+        return is(one) ? static_cast<bool>(a first b)                                              \
+                       : is(two) ? static_cast<bool>(a second b) : static_cast<bool>(a original b); \
+    }
+CORVINA_MUTANT_RELATION(less, <, <=, >=)
+CORVINA_MUTANT_RELATION(lessEqual, <=, <, >)
+CORVINA_MUTANT_RELATION(greater, >, >=, <=)
+CORVINA_MUTANT_RELATION(greaterEqual, >=, >, <)
 
 // One of two operators.
 #define CORVINA_MUTANT_OPERATOR(name, original, mutated)                                           \
@@ -51,26 +57,18 @@ constexpr bool is(int number) {
         using Result = decltype(std::forward<A>(a) original std::forward<B>(b));                   \
         return is(number) ? static_cast<Result>(a mutated b) : static_cast<Result>(a original b);  \
     }
-CORVINA_MUTANT_OPERATOR(less_lessEqual, <, <=)
-CORVINA_MUTANT_OPERATOR(less_greaterEqual, <, >=)
-CORVINA_MUTANT_OPERATOR(lessEqual_less, <=, <)
-CORVINA_MUTANT_OPERATOR(lessEqual_greater, <=, >)
-CORVINA_MUTANT_OPERATOR(greater_greaterEqual, >, >=)
-CORVINA_MUTANT_OPERATOR(greater_lessEqual, >, <=)
-CORVINA_MUTANT_OPERATOR(greaterEqual_greater, >=, >)
-CORVINA_MUTANT_OPERATOR(greaterEqual_less, >=, <)
-CORVINA_MUTANT_OPERATOR(equal_notEqual, ==, !=)
-CORVINA_MUTANT_OPERATOR(notEqual_equal, !=, ==)
-CORVINA_MUTANT_OPERATOR(plus_minus, +, -)
-CORVINA_MUTANT_OPERATOR(minus_plus, -, +)
-CORVINA_MUTANT_OPERATOR(times_plus, *, +)
-CORVINA_MUTANT_OPERATOR(divide_times, /, *)
-CORVINA_MUTANT_OPERATOR(remainder_times, %, *)
-CORVINA_MUTANT_OPERATOR(and_or, &, |)
-CORVINA_MUTANT_OPERATOR(or_and, |, &)
-CORVINA_MUTANT_OPERATOR(xor_and, ^, &)
-CORVINA_MUTANT_OPERATOR(left_right, <<, >>)
-CORVINA_MUTANT_OPERATOR(right_left, >>, <<)
+CORVINA_MUTANT_OPERATOR(equal, ==, !=)
+CORVINA_MUTANT_OPERATOR(notEqual, !=, ==)
+CORVINA_MUTANT_OPERATOR(plus, +, -)
+CORVINA_MUTANT_OPERATOR(minus, -, +)
+CORVINA_MUTANT_OPERATOR(times, *, +)
+CORVINA_MUTANT_OPERATOR(divide, /, *)
+CORVINA_MUTANT_OPERATOR(remainder, %, *)
+CORVINA_MUTANT_OPERATOR(bitAnd, &, |)
+CORVINA_MUTANT_OPERATOR(bitOr, |, &)
+CORVINA_MUTANT_OPERATOR(bitXor, ^, &)
+CORVINA_MUTANT_OPERATOR(left, <<, >>)
+CORVINA_MUTANT_OPERATOR(right, >>, <<)
 
 #define CORVINA_MUTANT_ASSIGNMENT(name, original, mutated)                                         \
     template <typename A, typename B>                                                              \

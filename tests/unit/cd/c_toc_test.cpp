@@ -144,6 +144,14 @@ TEST(CdTable, writing_the_count_discards_every_entry) {
     EXPECT_EQ(table.track(1)->StartLBA(), 0);
 }
 
+TEST(CdTable, a_count_of_0_empties_the_table) {
+    cTOC table;
+    table.TrackCount(2);
+    table.TrackCount(0);
+    EXPECT_EQ(table.TrackCount(), 0);
+    EXPECT_EQ(table.track(1), nullptr);
+}
+
 TEST(CdTable, an_index_outside_gives_nothing) {
     cTOC table;
     table.TrackCount(3);

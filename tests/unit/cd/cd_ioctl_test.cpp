@@ -64,6 +64,14 @@ TEST_F(IoctlBackend, reads_sectors_by_an_offset_as_of_2048_bytes) {
     EXPECT_EQ(onlyRequest().outputBytes, 9408u);
 }
 
+TEST_F(IoctlBackend, reads_no_sectors_where_none_are_wanted_and_refuses_fewer) {
+    EXPECT_EQ(backend.ReadSectorsRAW(5, 0, buffer.data()), 0);
+    EXPECT_EQ(onlyRequest().input[8], 0);
+    EXPECT_EQ(onlyRequest().outputBytes, 0u);
+    EXPECT_EQ(backend.ReadSectorsRAW(5, -1, buffer.data()), CdStatus::readFailed);
+    EXPECT_EQ(machine.requests.size(), 1u);
+}
+
 TEST_F(IoctlBackend, an_offset_beyond_4_gigabytes_is_whole) {
     EXPECT_EQ(backend.ReadSectorsRAW(highest, 1, buffer.data()), 0);
     EXPECT_THAT(onlyRequest().input, ElementsAre(0, 0xF8, 0xFF, 0xFF, 0xFF, 0x03, 0, 0, //

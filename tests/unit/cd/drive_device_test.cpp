@@ -49,7 +49,8 @@ TEST(DriveDevice, asks_for_the_scsi_address_with_8_bytes_both_ways_and_closes) {
     EXPECT_EQ(address->Lun, 4);
     ASSERT_EQ(machine.requests.size(), 1u);
     EXPECT_EQ(machine.requests[0].code, 0x41018u);
-    EXPECT_EQ(machine.requests[0].input.size(), 8u);
+    ASSERT_EQ(machine.requests[0].input.size(), 8u);
+    EXPECT_EQ(machine.requests[0].input[0], 8u) << "its length stands at its beginning";
     EXPECT_EQ(machine.requests[0].outputBytes, 8u);
     EXPECT_TRUE(machine.open.empty());
 }

@@ -27,6 +27,14 @@ std::size_t countOf(std::uint32_t device) {
     return count;
 }
 
+TEST(IoControlCodes, are_the_same_when_they_are_built_at_run_time) {
+    const std::size_t count = ioControlTable.size();
+    for (std::size_t index = 0; index < count; ++index) {
+        const IoControlCode built = buildIoControlCodes()[index];
+        EXPECT_EQ(built.code, tableCode(built.name)) << built.name;
+    }
+}
+
 TEST(IoControlCodes, are_62) {
     EXPECT_EQ(ioControlTable.size(), 62u);
 }

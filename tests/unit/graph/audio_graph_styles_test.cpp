@@ -43,6 +43,19 @@ TEST_F(GraphStyles, a_mark_stays_where_the_bar_was) {
     EXPECT_EQ(pixel(41, size_.cy - full + 2), white);
 }
 
+TEST_F(GraphStyles, marks_that_were_hidden_begin_anew) {
+    settings_.peakHold = true;
+    take(sineBlock(53, 32767));
+    display();
+    take({});
+    settings_.peakHold = false;
+    for (int picture = 0; picture < 20; ++picture)
+        display();
+    settings_.peakHold = true;
+    display();
+    EXPECT_EQ(count(settings_.backgroundColor), 400 * 200);
+}
+
 TEST_F(GraphStyles, without_marks_only_the_bars_are_drawn) {
     take(sineBlock(53, 32767));
     display();

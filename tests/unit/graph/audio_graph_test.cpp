@@ -166,6 +166,22 @@ TEST_F(Graph, clearing_keeps_samples_and_levels) {
     EXPECT_EQ(barHeight(40, green), 200);
 }
 
+TEST_F(Graph, no_bands_show_no_bar) {
+    settings_.bands = 0;
+    take(sineBlock(3, 32767));
+    display();
+    EXPECT_EQ(count(settings_.backgroundColor), 400 * 200);
+}
+
+TEST_F(Graph, that_is_no_higher_than_its_border_shows_nothing_else) {
+    settings_.border = true;
+    for (const SIZE size : {SIZE{20, 2}, SIZE{20, 1}, SIZE{2, 20}, SIZE{1, 20}}) {
+        resize(size);
+        display();
+        EXPECT_EQ(count(::GetSysColor(COLOR_3DSHADOW)), size.cx * size.cy);
+    }
+}
+
 TEST_F(Graph, a_border_is_a_line_around_the_picture) {
     settings_.border = true;
     take(sineBlock(53, 32767));

@@ -125,6 +125,59 @@ TEST(IIRFilter, the_arithmetic_is_that_of_32_bit_floating_point_term_by_term) {
     EXPECT_EQ(filtered(filterWith(lowPass), input), expected);
 }
 
+std::vector<float> fractions(std::size_t count) {
+    std::vector<float> samples;
+    for (const std::int16_t sample : noise(count))
+        samples.push_back(static_cast<float>(sample) / 32768.0F);
+    return samples;
+}
+
+TEST(IIRFilter, fractions_are_filtered_in_64_bits_in_blocks_of_any_size) {
+    const std::vector<float> source = fractions(1000);
+    cIIRFilter filter = filterWith(lowPass);
+    std::vector<float> samples = source;
+    filter.processFractions(std::span(samples).first(300));
+    filter.processFractions(std::span(samples).subspan(300));
+    double x1 = 0, x2 = 0, y1 = 0, y2 = 0;
+    for (std::size_t index = 0; index < source.size(); ++index) {
+        const double x = source[index];
+        const double y = double{lowPass.b0} * x + double{lowPass.b1} * x1 +
+                         double{lowPass.b2} * x2 - double{lowPass.a1} * y1 -
+                         double{lowPass.a2} * y2;
+        x2 = x1;
+        x1 = x;
+        y2 = y1;
+        y1 = y;
+        EXPECT_NEAR(samples[index], y, 1e-7) << index;
+    }
+}
+
+TEST(IIRFilter, fractions_that_have_faded_out_are_silent_from_the_next_block_on) {
+    cIIRFilter filter = filterWith(lowPass);
+    std::vector<float> samples(100);
+    samples[0] = 0.5F;
+    filter.processFractions(samples);
+    EXPECT_NE(samples[10], 0.0F);
+    std::vector<float> next(100);
+    filter.processFractions(next);
+    EXPECT_EQ(next, std::vector<float>(100));
+}
+
+TEST(IIRFilter, fractions_that_are_no_finite_number_become_silence_and_the_next_block_is_right) {
+    cIIRFilter filter = filterWith(lowPass);
+    std::vector<float> samples(100, 0.25F);
+    samples[50] = std::numeric_limits<float>::quiet_NaN();
+    filter.processFractions(samples);
+    EXPECT_NE(samples[49], 0.0F);
+    for (std::size_t index = 50; index < samples.size(); ++index)
+        EXPECT_EQ(samples[index], 0.0F) << index;
+    std::vector<float> next = fractions(100);
+    std::vector<float> expected = next;
+    filterWith(lowPass).processFractions(expected);
+    filter.processFractions(next);
+    EXPECT_EQ(next, expected);
+}
+
 TEST(IIRFilter, two_halves_of_a_block_give_the_same_as_the_whole) {
     const Samples whole = noise(1001);
     Samples first(whole.begin(), whole.begin() + 500);

@@ -40,6 +40,18 @@ TEST(PeakMarks, hold_again_once_lifted) {
     EXPECT_EQ(marks.levels()[0], 0.6);
 }
 
+TEST(PeakMarks, hold_from_the_last_picture_in_which_a_bar_reached_them) {
+    PeakMarks marks;
+    for (int picture = 0; picture < 5; ++picture)
+        marks.update(std::vector{0.5}, 2);
+    for (int picture = 0; picture < 2; ++picture) {
+        marks.update(std::vector{0.1}, 2);
+        EXPECT_EQ(marks.levels()[0], 0.5);
+    }
+    marks.update(std::vector{0.1}, 2);
+    EXPECT_LT(marks.levels()[0], 0.5);
+}
+
 TEST(PeakMarks, are_as_many_as_the_bars_and_none_after_a_reset) {
     PeakMarks marks;
     marks.update(std::array{0.5, 0.5, 0.5}, hold);

@@ -5,8 +5,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <complex>
 #include <gtest/gtest.h>
 #include <numbers>
+#include <random>
+#include <vector>
 
 namespace corvina {
 namespace {
@@ -108,9 +111,66 @@ TEST(SpectrumBars, linear_octaves_are_full_at_a_tenth_of_full_scale) {
     EXPECT_NEAR(highestLevel(half), 0.5, 0.03);
 }
 
+// The transform as it is defined, slowly.
+std::vector<double> amplitudesOf(const std::vector<double>& values, int size) {
+    std::vector<double> windowed;
+    double weights = 0;
+    const double last = static_cast<double>(values.size()) - 1;
+    for (std::size_t index = 0; index < values.size(); ++index) {
+        const double angle = 2 * std::numbers::pi * static_cast<double>(index) / last;
+        const double weight = 0.42 - 0.5 * std::cos(angle) + 0.08 * std::cos(2 * angle);
+        weights += weight;
+        windowed.push_back(values[index] * weight);
+    }
+    std::vector<double> amplitudes;
+    for (int bin = 0; bin < size / 2; ++bin) {
+        std::complex<double> sum;
+        std::complex<double> turned = 1;
+        const auto turn = std::polar(1.0, -2 * std::numbers::pi * bin / size);
+        for (const double value : windowed) {
+            sum += value * turned;
+            turned *= turn;
+        }
+        amplitudes.push_back(2 * std::abs(sum) / weights);
+    }
+    return amplitudes;
+}
+
+TEST(SpectrumBars, octaves_follow_the_transforms_definition) {
+    std::mt19937 random(1);
+    SampleBlock block{.channels = 1, .sampleRate = 32000};
+    std::vector<double> values;
+    for (int frame = 0; frame < 2000; ++frame) {
+        block.samples.push_back(static_cast<std::int16_t>(random() % 20000) - 10000);
+        values.push_back(block.samples.back() / 32768.0);
+    }
+    constexpr int size = 4096;
+    constexpr int count = 25;
+    const std::vector<double> amplitudes = amplitudesOf(values, size);
+    GraphSettings settings = octaves;
+    settings.bands = count;
+    SpectrumBars bars;
+    bars.update({}, block, settings);
+    const auto binAt = [](int bar) {
+        return 20.0 * std::pow(16000.0 / 20.0, static_cast<double>(bar) / count) / 32000 * size;
+    };
+    for (int bar = 0; bar < count; ++bar) {
+        // Between two bins, and the highest of those within.
+        const double middle = (binAt(bar) + binAt(bar + 1)) / 2;
+        const auto below = static_cast<std::size_t>(middle);
+        const double part = middle - static_cast<double>(below);
+        double highest = amplitudes[below] * (1 - part) + amplitudes[below + 1] * part;
+        for (int bin = 0; bin < size / 2; ++bin)
+            if (bin >= binAt(bar) && bin < binAt(bar + 1))
+                highest = std::max(highest, amplitudes[static_cast<std::size_t>(bin)]);
+        EXPECT_NEAR(bars.levels()[static_cast<std::size_t>(bar)], std::min(highest / 0.1, 1.0),
+                    1e-6)
+            << bar;
+    }
+}
+
 TEST(SpectrumBars, any_number_of_bars_and_any_block_is_safe) {
-    for (const std::int32_t count :
-         {test::lowest, -1, 0, 1, 3, 50, 1024, 1025, test::highest}) {
+    for (const std::int32_t count : {test::lowest, -1, 0, 1, 3, 50, 1024, 1025, test::highest}) {
         for (GraphSettings settings : {decibels, octaves}) {
             settings.bands = count;
             SpectrumBars bars;

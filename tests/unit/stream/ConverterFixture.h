@@ -27,6 +27,7 @@ protected:
         converter_.reset();
         EXPECT_EQ(fakeAcm.openStreams, 0);
         EXPECT_EQ(fakeAcm.preparedHeaders, 0);
+        EXPECT_EQ(fakeAcm.wrongHeaders, 0);
     }
 
     bool start(MemorySource& source, bool force16Bit = false) {

@@ -70,6 +70,61 @@ TEST_F(Converter, what_a_codec_leaves_at_the_end_of_the_data_is_converted_too) {
     EXPECT_EQ(heard, noise(800));
 }
 
+TEST_F(Converter, one_whole_block_that_a_codec_leaves_at_the_end_is_converted_too) {
+    MemorySource source(pcm(500, 1, 16), noise(500));
+    fakeAcm.conversion = [](ACMSTREAMHEADER& header) {
+        const DWORD bytes = std::min(header.cbSrcLength, DWORD{498});
+        std::memcpy(header.pbDst, header.pbSrc, bytes);
+        header.cbSrcLengthUsed = header.cbDstLengthUsed = bytes;
+        return MMRESULT{0};
+    };
+    ASSERT_TRUE(start(source));
+    EXPECT_EQ(pull(498), 498);
+    EXPECT_EQ(pull(2), 2);
+}
+
+// A codec that takes 10 bytes for each buffer that it fills, and holds back as many full buffers
+// as it is given.
+class HoldingBack : public Converter {
+protected:
+    // The buffers that come after the source has ended.
+    int buffersAtEnd(WORD tag, int before, int heldBack) {
+        MemorySource source(pcm(500, 1, 16), noise(10u * static_cast<unsigned>(before)));
+        source.format.wFormatTag = tag;
+        fakeAcm.sourceSize = [](DWORD) { return DWORD{10}; };
+        fakeAcm.conversion = [&](ACMSTREAMHEADER& header) {
+            header.cbSrcLengthUsed = header.cbSrcLength;
+            if (header.cbSrcLength == 0 && --heldBack < 0)
+                return MMRESULT{0};
+            header.cbDstLengthUsed = header.cbDstLength;
+            return MMRESULT{0};
+        };
+        EXPECT_TRUE(start(source));
+        int buffers = 0;
+        while (pull(500) == 500)
+            ++buffers;
+        return buffers - before;
+    }
+};
+
+TEST_F(HoldingBack, decoded_sound_at_the_end_of_the_data_comes_out) {
+    EXPECT_EQ(buffersAtEnd(WAVE_FORMAT_ADPCM, 5, 3), 3);
+}
+
+TEST_F(HoldingBack, as_much_again_as_came_before_is_believed) {
+    EXPECT_EQ(buffersAtEnd(WAVE_FORMAT_ADPCM, 200, 200), 200);
+}
+
+TEST_F(HoldingBack, for_ever_ends) {
+    const int buffers = buffersAtEnd(WAVE_FORMAT_ADPCM, 10, 100'000);
+    EXPECT_GE(buffers, 10);
+    EXPECT_LE(buffers, 10 + 64);
+}
+
+TEST_F(HoldingBack, is_not_expected_of_plain_samples) {
+    EXPECT_EQ(buffersAtEnd(WAVE_FORMAT_PCM, 5, 3), 0);
+}
+
 TEST_F(Converter, a_block_that_is_not_whole_at_the_end_is_left_alone) {
     MemorySource source(pcm(500, 1, 16), noise(501));
     fakeAcm.conversion = [](ACMSTREAMHEADER& header) {
@@ -122,6 +177,14 @@ TEST_F(Converter, floating_point_that_every_codec_refuses_becomes_16_bits) {
     EXPECT_EQ(converter_->OutputBitsPerSample(), 16);
     EXPECT_EQ(pullAll(100), samplesOf(16384, 1300));
     EXPECT_TRUE(converter_->Exhausted());
+}
+
+TEST_F(Converter, floating_point_becomes_16_bits_also_where_the_caller_forces_them) {
+    MemorySource source(floating(500, 1), halfScale(300));
+    fakeAcm.refusedBits = {8, 16};
+    ASSERT_TRUE(start(source, true));
+    EXPECT_EQ(fakeAcm.openings.size(), 1u) << "no other width is asked for";
+    EXPECT_EQ(pullAll(100), samplesOf(16384, 300));
 }
 
 TEST_F(Converter, what_it_converts_itself_goes_on_after_a_restart_and_reaches_the_observer) {

@@ -81,6 +81,34 @@ TEST_F(Converter, an_observer_may_put_an_array_of_its_own_in_the_place) {
     EXPECT_EQ(pullAll(100), noise(1500));
 }
 
+// Counts how often it is released.
+class CountedObject final : public IUnknown {
+public:
+    int releases = 0;
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void** result) override {
+        *result = nullptr;
+        return E_NOINTERFACE;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
+    ULONG STDMETHODCALLTYPE Release() override {
+        ++releases;
+        return 1;
+    }
+};
+
+TEST_F(Converter, an_array_that_an_observer_put_in_the_place_is_destroyed) {
+    MemorySource source(pcm(500, 1, 16), noise(500));
+    CountedObject element;
+    observer_.act = [&element](SAFEARRAY** samples) {
+        *samples = ::SafeArrayCreateVector(VT_UNKNOWN, 0, 1);
+        static_cast<IUnknown**>((*samples)->pvData)[0] = &element;
+    };
+    ASSERT_TRUE(start(source));
+    EXPECT_EQ(pullAll(500), noise(500));
+    EXPECT_EQ(1, element.releases);
+}
+
 TEST_F(Converter, what_an_observer_writes_into_the_samples_is_played) {
     MemorySource source(pcm(500, 1, 16), noise(500));
     observer_.act = [](SAFEARRAY** samples) { std::memset((*samples)->pvData, 0, 500); };

@@ -177,6 +177,44 @@ TEST_F(Converter, another_conversion_replaces_everything) {
     EXPECT_EQ(pullAll(100), noise(1200, 5));
 }
 
+TEST_F(Converter, another_conversion_starts_where_the_last_one_has_ended) {
+    MemorySource first(pcm(500, 1, 16), noise(700));
+    ASSERT_TRUE(start(first));
+    EXPECT_EQ(pullAll(100), noise(700));
+    ASSERT_TRUE(converter_->Exhausted());
+    MemorySource second(pcm(500, 1, 16), noise(900, 5));
+    ASSERT_TRUE(converter_->InitConversion(second, &observer_, false));
+    EXPECT_FALSE(converter_->Exhausted());
+    EXPECT_EQ(pullAll(100), noise(900, 5));
+    EXPECT_EQ(fakeAcm.conversions[2].flags, blockAlignFlag | startFlag);
+}
+
+TEST_F(Converter, a_reset_forgets_how_much_was_to_be_dropped) {
+    MemorySource source(pcm(500, 1, 16), noise(3000));
+    ASSERT_TRUE(start(source));
+    source.sought = {.position = 0, .leadIn = {.frames = std::int64_t{1} << 40}};
+    EXPECT_EQ(pull(100), 0);
+    source.position = 0;
+    converter_->ResetACM();
+    EXPECT_EQ(pullAll(100), noise(3000));
+}
+
+TEST_F(Converter, what_a_codec_has_not_used_is_forgotten_when_it_is_opened_anew) {
+    MemorySource source(pcm(500, 1, 16), noise(3000));
+    fakeAcm.conversion = [](ACMSTREAMHEADER& header) {
+        const DWORD bytes = std::min(header.cbSrcLength, DWORD{300});
+        std::memcpy(header.pbDst, header.pbSrc, bytes);
+        header.cbSrcLengthUsed = header.cbDstLengthUsed = bytes;
+        return MMRESULT{0};
+    };
+    ASSERT_TRUE(start(source));
+    EXPECT_EQ(pull(300), 300);
+    source.sought = {.position = 2000, .leadIn = {.frames = 30, .fromReset = true}};
+    EXPECT_EQ(pull(100), 100);
+    const Bytes all = noise(3000);
+    EXPECT_EQ(pulled_, Bytes(all.begin() + 2060, all.begin() + 2160));
+}
+
 TEST_F(Converter, a_refused_second_conversion_leaves_no_stream) {
     MemorySource source(pcm(500, 1, 16), noise(3000));
     ASSERT_TRUE(start(source));

@@ -143,6 +143,14 @@ TEST_F(Converter, half_a_second_of_output_is_measured_ties_to_even) {
     EXPECT_EQ(fakeAcm.measured.back(), 5514u); // 5513.5
 }
 
+TEST_F(Converter, half_a_second_of_no_bytes_is_accepted_and_silent) {
+    MemorySource source(pcm(1, 1, 8), noise(10));
+    ASSERT_TRUE(start(source));
+    EXPECT_EQ(fakeAcm.measured, std::vector<DWORD>{0});
+    EXPECT_EQ(pull(10), 0);
+    EXPECT_TRUE(converter_->Exhausted());
+}
+
 TEST_F(Converter, the_source_is_asked_for_what_the_codec_needs_for_half_a_second_of_output) {
     fakeAcm.sourceSize = [](DWORD outputBytes) { return outputBytes / 2; };
     MemorySource source(pcm(500, 1, 16), noise(3000));

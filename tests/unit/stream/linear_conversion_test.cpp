@@ -93,6 +93,11 @@ TEST(LinearFormat, compressed_and_contradictory_records_have_none) {
     EXPECT_FALSE(linearFormat(record));
 }
 
+TEST(LinearFormat, has_no_more_channels_than_a_mask_has_places) {
+    EXPECT_TRUE(linearFormat(pcm(48000, 32, 16)));
+    EXPECT_FALSE(linearFormat(pcm(48000, 33, 16)));
+}
+
 TEST(LinearConversion, samples_that_16_bits_hold_come_out_exactly) {
     EXPECT_THAT(converted(plain(1, 8), {0, 64, 128, 192, 255}),
                 ElementsAre(-32768, -16384, 0, 16384, 32512));
@@ -169,6 +174,38 @@ TEST(LinearConversion, what_lies_between_two_steps_is_rounded_with_triangular_no
     EXPECT_NEAR(sum / count, 0, 0.01);
     // Triangular noise and the rounding itself: a sixth and a twelfth of a step squared.
     EXPECT_NEAR(squares / count, 0.25, 0.01);
+}
+
+TEST(LinearConversion, a_few_samples_at_a_time_have_triangular_noise_too) {
+    constexpr int count = 20'000;
+    constexpr int few = 5;
+    constexpr double between = 100.25;
+    LinearConversion conversion(plain(1, 32), false);
+    Bytes source =
+        bytesOf(std::vector<std::int32_t>(few, static_cast<std::int32_t>(between * 65536)));
+    double sum = 0;
+    double squares = 0;
+    for (int piece = 0; piece < count; ++piece) {
+        Samples samples(few);
+        const std::span output(reinterpret_cast<std::uint8_t*>(samples.data()), 2u * few);
+        ASSERT_EQ(conversion.convert(source, output, false, false)->produced, output.size());
+        for (const std::int16_t sample : samples) {
+            sum += sample - between;
+            squares += (sample - between) * (sample - between);
+        }
+    }
+    EXPECT_NEAR(sum / (count * few), 0, 0.01);
+    EXPECT_NEAR(squares / (count * few), 0.25, 0.01);
+}
+
+TEST(LinearConversion, no_bytes_become_none) {
+    for (const WORD bits : {WORD{8}, WORD{16}, WORD{24}, WORD{32}}) {
+        LinearConversion conversion(plain(1, bits), false);
+        Bytes output(64);
+        const auto done = conversion.convert({}, output, false, true);
+        EXPECT_EQ(done->used, 0u) << bits;
+        EXPECT_EQ(done->produced, 0u) << bits;
+    }
 }
 
 // Of eight samples at a time, four generators make the noise in turn.
@@ -253,6 +290,41 @@ TEST(StereoMix, without_places_the_usual_order_counts_and_every_number_of_channe
         EXPECT_LE(right, 1.0000001);
         EXPECT_GT(right, 0.5);
     }
+}
+
+TEST(StereoMix, speakers_of_one_side_alone_cannot_become_too_loud) {
+    for (const bool toLeft : {true, false}) {
+        const DWORD mask = toLeft ? SPEAKER_FRONT_LEFT | SPEAKER_BACK_LEFT | SPEAKER_SIDE_LEFT
+                                  : SPEAKER_FRONT_RIGHT | SPEAKER_BACK_RIGHT | SPEAKER_SIDE_RIGHT;
+        double left = 0;
+        double right = 0;
+        for (const StereoWeights& weight : stereoWeights(speakersOf(3, mask))) {
+            left += weight.left;
+            right += weight.right;
+        }
+        EXPECT_DOUBLE_EQ(toLeft ? left : right, 1);
+        EXPECT_EQ(toLeft ? right : left, 0);
+    }
+}
+
+TEST(StereoMix, without_places_each_number_of_channels_has_its_usual_speakers) {
+    constexpr DWORD frontLeft = SPEAKER_FRONT_LEFT;
+    constexpr DWORD frontRight = SPEAKER_FRONT_RIGHT;
+    EXPECT_THAT(speakersOf(1, 0), ElementsAre(SPEAKER_FRONT_CENTER));
+    EXPECT_THAT(speakersOf(3, 0), ElementsAre(frontLeft, frontRight, SPEAKER_FRONT_CENTER));
+    EXPECT_THAT(speakersOf(4, 0),
+                ElementsAre(frontLeft, frontRight, SPEAKER_BACK_LEFT, SPEAKER_BACK_RIGHT));
+    const std::vector<DWORD> nine = speakersOf(9, 0);
+    EXPECT_EQ(std::vector(nine.begin(), nine.end() - 1), speakersOf(8, 0));
+    EXPECT_EQ(nine.back(), 0u) << "nowhere in particular";
+}
+
+TEST(StereoMix, a_speaker_behind_the_middle_is_half_as_loud_on_each_side) {
+    const std::vector<DWORD> speakers = speakersOf(7, 0);
+    ASSERT_EQ(speakers[4], DWORD{SPEAKER_BACK_CENTER});
+    const auto weights = stereoWeights(speakers);
+    EXPECT_DOUBLE_EQ(weights[4].left, weights[0].left / 2);
+    EXPECT_DOUBLE_EQ(weights[4].right, weights[0].left / 2);
 }
 
 TEST(LinearConversion, more_than_two_channels_become_two) {

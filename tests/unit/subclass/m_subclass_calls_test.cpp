@@ -6,6 +6,7 @@ namespace corvina::test {
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::IsEmpty;
 
 TEST_F(Subclass, a_destroyed_window_gets_its_procedure_back_if_no_client_handles_that_message) {
     attach(first);
@@ -55,6 +56,43 @@ TEST_F(Subclass, a_client_that_takes_the_destruction_is_called_once) {
     attach(client, WM_DESTROY);
     window.destroy();
     EXPECT_THAT(calls, ElementsAre("destroyed", "client"));
+}
+
+TEST_F(Subclass, a_client_that_takes_the_destruction_still_gets_what_comes_after_it) {
+    attach(first, WM_DESTROY);
+    attach(second, WM_NCDESTROY);
+    window.destroy();
+    EXPECT_THAT(calls, ElementsAre("destroyed", "first", "second"));
+}
+
+TEST_F(Subclass, a_window_is_subclassed_from_the_first_attached_client_to_the_last_detached_one) {
+    EXPECT_FALSE(MSubclass::isSubclassed(window.handle()));
+    attach(first);
+    EXPECT_TRUE(MSubclass::isSubclassed(window.handle()));
+    attach(second);
+    detach(first);
+    EXPECT_TRUE(MSubclass::isSubclassed(window.handle()));
+    detach(second);
+    EXPECT_FALSE(MSubclass::isSubclassed(window.handle()));
+}
+
+TEST_F(Subclass, a_window_without_bookkeeping_gets_0_from_the_shared_procedure) {
+    attach(first);
+    const auto shared = reinterpret_cast<WNDPROC>(::GetWindowLongA(window.handle(), GWL_WNDPROC));
+    const HiddenWindow foreign(windowClass());
+    EXPECT_EQ(0, ::CallWindowProcA(shared, foreign.handle(), hello, 0, 0));
+    EXPECT_THAT(calls, IsEmpty());
+}
+
+TEST_F(Subclass, a_message_of_which_the_client_goes_away_returns_0) {
+    first.handle = [this](HWND, UINT, WPARAM, LPARAM) {
+        first.status = E_FAIL;
+        window.destroy();
+        return 7L;
+    };
+    first.response = emrConsume;
+    attach(first);
+    EXPECT_EQ(0, send());
 }
 
 TEST_F(Subclass, the_module_stays_loaded_while_a_window_is_subclassed) {
