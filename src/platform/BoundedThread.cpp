@@ -1,5 +1,6 @@
 #include "platform/BoundedThread.h"
 
+#include <array>
 #include <new>
 #include <objbase.h>
 #include <utility>
@@ -74,7 +75,7 @@ bool BoundedThread::run(std::function<void()> job) {
         return false;
     shared_->job = std::move(job);
     ::SetEvent(shared_->wanted.get());
-    if (::WaitForSingleObject(shared_->done.get(), limit_) != WAIT_OBJECT_0) {
+    if (!waitUntilDone()) {
         ::SetEvent(shared_->wanted.get()); // for the end, should the job come back
         shared_.reset();
         return false;
@@ -91,8 +92,15 @@ BoundedThread::~BoundedThread() {
     // A host may release its last object while it is itself being unloaded: then no thread can end
     // before this one goes on.
     constexpr DWORD longestExit = 1000;
-    if (::WaitForSingleObject(shared_->done.get(), limit_) == WAIT_OBJECT_0)
+    if (waitUntilDone())
         ::WaitForSingleObject(thread_.get(), longestExit);
+}
+
+// The system ends all other threads of a process that exits: then there is nothing to wait for.
+bool BoundedThread::waitUntilDone() const noexcept {
+    const std::array<HANDLE, 2> either = {shared_->done.get(), thread_.get()};
+    return ::WaitForMultipleObjects(static_cast<DWORD>(either.size()), either.data(), FALSE,
+                                    limit_) == WAIT_OBJECT_0;
 }
 
 } // namespace corvina

@@ -38,6 +38,7 @@ private:
     };
     using OwnedHandle = UniqueHandle<HandleTraits>;
 
+    [[nodiscard]] bool waitUntilDone() const noexcept;
     static HMODULE work(void* parameter) noexcept;
     static DWORD WINAPI threadMain(void* parameter);
 

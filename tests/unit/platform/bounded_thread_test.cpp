@@ -57,6 +57,13 @@ TEST(BoundedThread, jobs_are_in_the_multithreaded_apartment) {
     EXPECT_EQ(type, APTTYPE_MTA);
 }
 
+// As when the process exits: the system ends the other threads first.
+TEST(BoundedThread, a_thread_that_was_ended_is_not_waited_for) {
+    BoundedThread thread(INFINITE, [] {});
+    EXPECT_FALSE(thread.run([] { ::ExitThread(0); }));
+    EXPECT_FALSE(thread.run([] {}));
+}
+
 TEST(BoundedThread, what_a_job_holds_is_released_on_the_thread) {
     DWORD released = 0;
     const auto note = [&released](int* number) {
