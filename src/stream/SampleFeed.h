@@ -16,8 +16,8 @@ namespace corvina {
 
 // The samples that a player sent to its device last.
 struct SampleBlock {
-    std::vector<std::int16_t> samples =
-        {}; // frame after frame, a sample of each channel in a frame
+    // Frame after frame, a sample of each channel in a frame.
+    std::vector<std::int16_t> samples = {};
     std::int32_t channels = 2;
     std::int32_t sampleRate = 44100; // Hz
 };
