@@ -27,9 +27,11 @@ std::wstring formatLine(PlayerClient& player) {
     const std::wstring rate =
         format.bitrate > 0 ? std::to_wstring(std::lround(format.bitrate / 1000.0)) + L" kbit/s, "
                            : L"";
-    return std::to_wstring(format.sampleRate) + L" Hz, " + std::to_wstring(format.bitsPerSample) +
-           L" bit, " + channelWords(format.channels) + L", " + rate +
-           player.timeText(std::lround(format.seconds));
+    // The name says the width of the samples, where they have one.
+    const std::wstring name = player.formatName();
+    return (name.empty() ? std::to_wstring(format.bitsPerSample) + L" bits" : name) + L", " +
+           std::to_wstring(format.sampleRate) + L" Hz, " + channelWords(format.channels) + L", " +
+           rate + player.timeText(std::lround(format.seconds));
 }
 
 std::vector<std::wstring> reportFile(PlayerClient& player, const std::wstring& file) {

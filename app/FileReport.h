@@ -9,8 +9,8 @@
 
 namespace corvina::app {
 
-// "44100 Hz, 16 bit, stereo, 1411 kbit/s, 0:03:05", of the file that the player opened or started
-// last.
+// "WAV, 16 bits, 44100 Hz, stereo, 1411 kbit/s, 0:03:05", of the file that the player opened or
+// started last.
 [[nodiscard]] std::wstring formatLine(PlayerClient& player);
 
 // Name, format and tags of that file.

@@ -41,9 +41,7 @@ void QueueView::showStarted() {
         title = nameOf(track);
     if (!artist.empty())
         title = artist + L" \x2013 " + title;
-    const std::wstring format = player.formatName();
-    controls_.headline().setText(title,
-                                 (format.empty() ? L"" : format + L", ") + formatLine(player));
+    controls_.headline().setText(title, formatLine(player));
     controls_.headline().setCover(player.cover());
     SetWindowTextW(window_, (title + L" \x2013 Corvina").c_str());
 
