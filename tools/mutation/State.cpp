@@ -1,5 +1,5 @@
-// Which mutant is active, and which were reached. The first part of a process that asks, the program,
-// leaves the address in the environment for the libraries that are loaded later.
+// Which mutant is active, and which were reached. The first part of a process that asks, the
+// program, leaves the address in the environment for the libraries that are loaded later.
 #include <cstdio>
 #include <cstdlib>
 #include <windows.h>

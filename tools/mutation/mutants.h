@@ -1,5 +1,5 @@
-// Included before every source of a mutated build. Each place that has a mutant calls one of these with
-// the mutant's number: they behave as the code says, unless that mutant is the active one.
+// Included before every source of a mutated build. Each place that has a mutant calls one of these
+// with the mutant's number: they behave as the code says, unless that mutant is the active one.
 #pragma once
 
 // The build tools try the compiler without the language version.
@@ -25,7 +25,8 @@ inline bool chosen(int number) {
     return number == now->active;
 }
 
-// What is added to the number of a mutant in a constant, which is then computed when the program starts.
+// What is added to the number of a mutant in a constant, which is then computed when the program
+// starts.
 constexpr int inConstant = 1000000;
 
 constexpr bool is(int number) {
@@ -42,8 +43,9 @@ constexpr bool is(int number) {
 #define CORVINA_MUTANT_RELATION(name, original, first, second)                                     \
     template <typename A, typename B>                                                              \
     constexpr bool name(int one, int two, A&& a, B&& b) {                                          \
-        return is(one) ? static_cast<bool>(a first b)                                              \
-                       : is(two) ? static_cast<bool>(a second b) : static_cast<bool>(a original b); \
+        return is(one)   ? static_cast<bool>(a first b)                                            \
+               : is(two) ? static_cast<bool>(a second b)                                           \
+                         : static_cast<bool>(a original b);                                        \
     }
 CORVINA_MUTANT_RELATION(less, <, <=, >=)
 CORVINA_MUTANT_RELATION(lessEqual, <=, <, >)
