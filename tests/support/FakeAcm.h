@@ -50,6 +50,14 @@ struct FakeAcm {
 
 inline FakeAcm fakeAcm;
 
+// A conversion that takes that many bytes and delivers them as they are.
+inline MMRESULT copySound(ACMSTREAMHEADER& header, DWORD bytes) {
+    if (bytes > 0)
+        std::memcpy(header.pbDst, header.pbSrc, bytes);
+    header.cbSrcLengthUsed = header.cbDstLengthUsed = bytes;
+    return MMSYSERR_NOERROR;
+}
+
 namespace fake {
 
 inline HACMSTREAM acmHandle() {
@@ -97,12 +105,7 @@ inline MMRESULT WINAPI acmStreamConvert(HACMSTREAM stream, LPACMSTREAMHEADER hea
         return MMSYSERR_ERROR;
     if (fakeAcm.conversion)
         return fakeAcm.conversion(*header);
-    const DWORD bytes = std::min(header->cbSrcLength, header->cbDstLength);
-    if (bytes > 0)
-        std::memcpy(header->pbDst, header->pbSrc, bytes);
-    header->cbSrcLengthUsed = bytes;
-    header->cbDstLengthUsed = bytes;
-    return 0;
+    return copySound(*header, std::min(header->cbSrcLength, header->cbDstLength));
 }
 
 inline MMRESULT WINAPI acmStreamUnprepareHeader(HACMSTREAM, LPACMSTREAMHEADER header, DWORD flags) {

@@ -56,10 +56,7 @@ TEST_F(Converter, the_source_is_read_in_whole_blocks) {
 TEST_F(Converter, what_a_codec_leaves_at_the_end_of_the_data_is_converted_too) {
     MemorySource source(pcm(1000, 1, 8), noise(800));
     fakeAcm.conversion = [](ACMSTREAMHEADER& header) {
-        const DWORD bytes = std::min(header.cbSrcLength, DWORD{150});
-        std::memcpy(header.pbDst, header.pbSrc, bytes);
-        header.cbSrcLengthUsed = header.cbDstLengthUsed = bytes;
-        return MMRESULT{0};
+        return copySound(header, std::min(header.cbSrcLength, DWORD{150}));
     };
     ASSERT_TRUE(start(source));
     Bytes heard;
@@ -73,10 +70,7 @@ TEST_F(Converter, what_a_codec_leaves_at_the_end_of_the_data_is_converted_too) {
 TEST_F(Converter, one_whole_block_that_a_codec_leaves_at_the_end_is_converted_too) {
     MemorySource source(pcm(500, 1, 16), noise(500));
     fakeAcm.conversion = [](ACMSTREAMHEADER& header) {
-        const DWORD bytes = std::min(header.cbSrcLength, DWORD{498});
-        std::memcpy(header.pbDst, header.pbSrc, bytes);
-        header.cbSrcLengthUsed = header.cbDstLengthUsed = bytes;
-        return MMRESULT{0};
+        return copySound(header, std::min(header.cbSrcLength, DWORD{498}));
     };
     ASSERT_TRUE(start(source));
     EXPECT_EQ(pull(498), 498);

@@ -202,10 +202,7 @@ TEST_F(Converter, a_reset_forgets_how_much_was_to_be_dropped) {
 TEST_F(Converter, what_a_codec_has_not_used_is_forgotten_when_it_is_opened_anew) {
     MemorySource source(pcm(500, 1, 16), noise(3000));
     fakeAcm.conversion = [](ACMSTREAMHEADER& header) {
-        const DWORD bytes = std::min(header.cbSrcLength, DWORD{300});
-        std::memcpy(header.pbDst, header.pbSrc, bytes);
-        header.cbSrcLengthUsed = header.cbDstLengthUsed = bytes;
-        return MMRESULT{0};
+        return copySound(header, std::min(header.cbSrcLength, DWORD{300}));
     };
     ASSERT_TRUE(start(source));
     EXPECT_EQ(pull(300), 300);
