@@ -5,9 +5,10 @@
 // first; linear samples that it refuses are converted here.
 //
 // Call InitConversion once the source is open, GetSamples repeatedly, ResetACM or startAgain after
-// each seek of the source. One thread. The source and the observer must outlive the converter or be
-// replaced by another InitConversion. No reference to the observer is held: it may own the
-// converter. A run-time error of the source passes through.
+// each seek of the source, CloseConverter at the end (the destructor does it too). One thread. The
+// source and the observer must outlive the converter or be replaced by another InitConversion. No
+// reference to the observer is held: it may own the converter. A run-time error of the source
+// passes through.
 
 #include "platform/AcmApi.h"
 #include "stream/Conversion.h"
@@ -43,7 +44,8 @@ public:
     bool GetSamples(void* buffer, std::int32_t bytes, std::int32_t& bytesReturned);
     // For a source that was repositioned. What was converted before becomes silence.
     void ResetACM();
-    // The same, but that is dropped. False without effect if the source is not PCM.
+    // For a source that was repositioned. What was converted before is dropped. False, and nothing
+    // is done, if the source is not PCM.
     [[nodiscard]] bool startAgain() noexcept;
     bool CloseConverter() noexcept; // always true
     // False if the format cannot be converted. The observer, if any, sees each block of 16 bits.
@@ -93,7 +95,8 @@ private:
     int fillsWithoutOutput_ = 0;
     std::int64_t fillsAtEnd_ = 0; // less those before the end
     bool blocksLeft_ = false;     // the end of the stream is still to be converted
-    bool ended_ = false, first_ = true;
+    bool ended_ = false;
+    bool first_ = true;
 };
 
 } // namespace corvina
