@@ -48,6 +48,18 @@ private:
 
 } // namespace
 
+// The system may do a seek on a thread of its own. Wine's ends the process when the reader goes
+// before that thread has come to it. A read is done behind the seek.
+MediaFoundationReader::~MediaFoundationReader() {
+    if (!seeking_)
+        return;
+    DWORD stream = 0;
+    DWORD flags = 0;
+    LONGLONG time = 0;
+    ComPtr<IMFSample> sample;
+    (void)reader_->ReadSample(firstSound, 0, &stream, &flags, &time, sample.put());
+}
+
 bool MediaFoundationReader::open(const std::wstring& path) {
     reader_ = library_->openFile(path);
     return static_cast<bool>(reader_);
@@ -96,6 +108,7 @@ LONGLONG MediaFoundationReader::duration() const {
 
 bool MediaFoundationReader::read(Block& block) {
     const DWORD end = MF_SOURCE_READERF_ERROR | MF_SOURCE_READERF_ENDOFSTREAM;
+    seeking_ = false;
     for (int call = 0; call < mostCallsWithoutSample; ++call) {
         DWORD stream = 0;
         DWORD flags = 0;
@@ -138,7 +151,9 @@ bool MediaFoundationReader::seek(LONGLONG time) {
     ::PropVariantInit(&position);
     position.vt = VT_I8;
     position.hVal.QuadPart = std::max(time, LONGLONG{0});
-    return SUCCEEDED(reader_->SetCurrentPosition(GUID_NULL, position));
+    const bool sought = SUCCEEDED(reader_->SetCurrentPosition(GUID_NULL, position));
+    seeking_ = seeking_ || sought;
+    return sought;
 }
 
 } // namespace corvina

@@ -28,6 +28,10 @@ public:
     // library: started.
     explicit MediaFoundationReader(std::shared_ptr<const MediaFoundationLibrary> library)
         : library_(std::move(library)) {}
+    MediaFoundationReader(const MediaFoundationReader&) = delete;
+    MediaFoundationReader& operator=(const MediaFoundationReader&) = delete;
+    // Waits for the end of a seek.
+    ~MediaFoundationReader();
 
     // False if the system cannot read the file.
     [[nodiscard]] bool open(const std::wstring& path);
@@ -49,6 +53,7 @@ private:
     std::shared_ptr<const MediaFoundationLibrary> library_; // outlives the reader
     ComPtr<IMFSourceReader> reader_;
     Format format_;
+    bool seeking_ = false; // a seek was asked for, and nothing has been read since
 };
 
 } // namespace corvina

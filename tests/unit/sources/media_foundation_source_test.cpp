@@ -156,5 +156,18 @@ TEST(MediaFoundationFiles, without_the_system_library_an_open_returns_3) {
     EXPECT_EQ(source.CloseSource(), 1);
 }
 
+// The system may do a seek on a thread of its own.
+TEST(MediaFoundationFiles, a_reader_that_is_let_go_of_right_behind_a_seek_leaves_the_host_alive) {
+    const auto library = std::make_shared<MediaFoundationLibrary>(systemLibraryApi);
+    ASSERT_TRUE(library->start());
+    for (int file = 0; file < 100; ++file) {
+        MediaFoundationReader reader(library);
+        ASSERT_TRUE(reader.open(mediaFile(L"tune.m4a")) && reader.selectSound());
+        MediaFoundationReader::Block block;
+        ASSERT_TRUE(reader.read(block));
+        ASSERT_TRUE(reader.seek(file * 100'000));
+    }
+}
+
 } // namespace
 } // namespace corvina::test
