@@ -37,12 +37,12 @@ void changeVolume(PlayerClient& player, long step) {
 void TerminalFront::onStarted(PlayQueue& queue) {
     PlayerClient& player = queue.player();
     const Track& track = queue.tracks()[queue.current()];
-    std::vector<std::wstring> lines = reportFile(player, track.file);
+    durationMs_ = queue.durationMs();
+    durationText_ = player.timeText(wholeSeconds(durationMs_));
+    std::vector<std::wstring> lines = reportFile(player, track.file, durationMs_);
     lines.front() = nameOf(track);
     for (const std::wstring& line : lines)
         screen_.line(line);
-    durationMs_ = queue.durationMs();
-    durationText_ = player.timeText(wholeSeconds(durationMs_));
 }
 
 void TerminalFront::onFailed(const PlayQueue& queue, const std::wstring& words) {

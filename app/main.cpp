@@ -71,7 +71,7 @@ long showInfo(ConsoleScreen& screen, const std::wstring& file) {
         screen.errorLine(L"  " + file);
         return result;
     }
-    for (const std::wstring& line : reportFile(player, file))
+    for (const std::wstring& line : reportFile(player, file, player.durationMs()))
         screen.line(line);
     return 0;
 }

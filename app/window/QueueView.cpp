@@ -41,7 +41,7 @@ void QueueView::showStarted() {
         title = nameOf(track);
     if (!artist.empty())
         title = artist + L" \x2013 " + title;
-    controls_.headline().setText(title, formatLine(player));
+    controls_.headline().setText(title, formatLine(player, queue_.durationMs()));
     controls_.headline().setCover(player.cover());
     SetWindowTextW(window_, (title + L" \x2013 Corvina").c_str());
 

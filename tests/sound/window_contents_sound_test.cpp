@@ -2,11 +2,13 @@
 
 #include "Unicode.h"
 #include "WindowTest.h"
+#include "support/FileBytes.h"
 #include "support/PictureBytes.h"
 #include "support/TagBytes.h"
 #include "window/ChildControls.h"
 #include "window/CoverView.h"
 #include "window/FileChoice.h"
+#include "window/WindowPicture.h"
 
 #include <algorithm>
 #include <shellapi.h>
@@ -34,6 +36,14 @@ HGLOBAL dropOf(const std::vector<std::wstring>& paths) {
     return memory;
 }
 
+bool hasLabelWith(HWND window, const std::wstring& words) {
+    for (HWND child = ::GetWindow(window, GW_CHILD); child; child = ::GetWindow(child, GW_HWNDNEXT))
+        if (wchar_t text[256] = L""; ::GetWindowTextW(child, text, 256) > 0 &&
+                                     std::wstring(text).find(words) != std::wstring::npos)
+            return true;
+    return false;
+}
+
 TEST_F(Window, plays_the_files_folders_and_sheets_that_are_dropped_on_it) {
     TempFolder music;
     const std::wstring whole = music.write(L"a.wav", stereoWav(signal(10 * 44100)));
@@ -54,8 +64,24 @@ TEST_F(Window, plays_the_files_folders_and_sheets_that_are_dropped_on_it) {
     ASSERT_TRUE(pumpUntil([this] { return queue->isPlaying() && queue->current() == 2; }));
     EXPECT_EQ(::SendMessageW(control(CTL_SEEK), TBM_GETRANGEMAX, 0, 0), 6000);
     EXPECT_NE(textOf(window->handle()).find(L"Second part"), std::wstring::npos);
+    EXPECT_TRUE(hasLabelWith(window->handle(), L"kbit/s, 0:00:06"));
     queue->stop();
     EXPECT_TRUE(waitForEnd());
+}
+
+TEST_F(Window, its_picture_shows_the_part_that_is_on_the_screen) {
+    constexpr int visible = 100;
+    const int screenWidth = ::GetSystemMetrics(SM_CXVIRTUALSCREEN);
+    ::SetWindowPos(window->handle(), nullptr, screenWidth - visible, 0, 0, 0,
+                   SWP_NOSIZE | SWP_NOZORDER);
+    const std::wstring picturePath = folder.file(L"window.png");
+    ASSERT_TRUE(app::saveWindowPicture(window->handle(), picturePath));
+    const Bytes picture = fileBytes(picturePath);
+    ASSERT_GT(picture.size(), 24u);
+    EXPECT_EQ(picture[18] * 256 + picture[19], visible);
+
+    ::SetWindowPos(window->handle(), nullptr, screenWidth, 0, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+    EXPECT_FALSE(app::saveWindowPicture(window->handle(), picturePath));
 }
 
 TEST_F(Window, offers_in_its_dialog_what_the_control_can_play) {
