@@ -76,7 +76,7 @@ user32.dll:
     AdjustWindowRect AppendMenuW BeginPaint CallWindowProcA CheckMenuItem CheckMenuRadioItem
     ChildWindowFromPoint CreatePopupMenu CreateWindowExW DefWindowProcW DeleteMenu DestroyWindow
     DispatchMessageW EnableWindow EndPaint EqualRect FillRect GetActiveWindow GetCapture
-    GetClassNameW GetClientRect GetDC GetFocus GetKeyState GetMenu GetPropA GetSubMenu GetSysColor
+    GetClassNameW GetClientRect GetDC GetFocus GetKeyState GetMenu GetPropA GetSubMenu GetSysColor GetSystemMetrics
     GetSysColorBrush GetWindowLongA GetWindowLongW GetWindowRect GetWindowTextLengthW GetWindowTextW
     GetWindowThreadProcessId IntersectRect InvalidateRect IsChild IsDialogMessageW IsIconic
     IsRectEmpty IsWindow IsWindowEnabled IsWindowVisible KillTimer LoadAcceleratorsW LoadCursorW
