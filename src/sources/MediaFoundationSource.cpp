@@ -1,6 +1,7 @@
 #include "sources/MediaFoundationSource.h"
 
 #include "runtime/Text.h"
+#include "sources/AacStreamCheck.h"
 #include "sources/MediaFileSize.h"
 #include "sources/MediaTime.h"
 #include "sources/Mp4Check.h"
@@ -42,7 +43,7 @@ std::int32_t MediaFoundationSource::OpenSource(const std::wstring& source) {
     forget();
     if (!library_->start())
         return noLibrary;
-    if (!mayBePlayed(source))
+    if (!mayBePlayed(source) || !firstFrameIsWhole(source))
         return SourceResult::notOpen;
     auto reader = std::make_unique<BoundedMediaReader>(library_, longestCall_);
     const BoundedMediaReader::Opened opened = reader->open(source);
