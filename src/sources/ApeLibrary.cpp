@@ -32,17 +32,17 @@ std::int32_t ApeLibrary::getInfo(std::int32_t handle, std::int32_t field) {
     return function<GetInfo>("c_APEDecompress_GetInfo")(handle, field, 0, 0);
 }
 
-std::int32_t ApeLibrary::getData(std::int32_t handle, void* buffer, std::int32_t blocks,
-                                 std::int32_t& blocksRetrieved) {
-    return function<GetData>("c_APEDecompress_GetData")(handle, buffer, blocks, &blocksRetrieved);
+void ApeLibrary::getData(std::int32_t handle, void* buffer, std::int32_t blocks,
+                         std::int32_t& blocksRetrieved) {
+    function<GetData>("c_APEDecompress_GetData")(handle, buffer, blocks, &blocksRetrieved);
 }
 
-std::int32_t ApeLibrary::seek(std::int32_t handle, std::int32_t block) {
-    return function<Seek>("c_APEDecompress_Seek")(handle, block);
+void ApeLibrary::seek(std::int32_t handle, std::int32_t block) {
+    function<Seek>("c_APEDecompress_Seek")(handle, block);
 }
 
-std::int32_t ApeLibrary::destroy(std::int32_t handle) {
-    return function<Destroy>("c_APEDecompress_Destroy")(handle);
+void ApeLibrary::destroy(std::int32_t handle) {
+    function<Destroy>("c_APEDecompress_Destroy")(handle);
 }
 
 template <typename Function>

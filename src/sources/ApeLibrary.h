@@ -19,11 +19,11 @@ public:
     // The same for a name that the ANSI code page cannot spell, or a long one.
     std::int32_t createWide(const wchar_t* path, std::int32_t& error);
     std::int32_t getInfo(std::int32_t handle, std::int32_t field);
-    // A block is one sample of every channel.
-    std::int32_t getData(std::int32_t handle, void* buffer, std::int32_t blocks,
-                         std::int32_t& blocksRetrieved);
-    std::int32_t seek(std::int32_t handle, std::int32_t block);
-    std::int32_t destroy(std::int32_t handle);
+    // A block is one sample of every channel. A failure shows in the blocks that come.
+    void getData(std::int32_t handle, void* buffer, std::int32_t blocks,
+                 std::int32_t& blocksRetrieved);
+    void seek(std::int32_t handle, std::int32_t block);
+    void destroy(std::int32_t handle);
 
 private:
     template <typename Function>

@@ -47,7 +47,7 @@ std::optional<double> CompressedWave::rateInsteadOfRecord(const FileAccess& acce
     };
     if (framesInBlock_ > 0)
         return differing(samplesPerSecond * record_.nBlockAlign / framesInBlock_);
-    if (!isMpeg() || data_.size <= 0)
+    if (!isMpeg())
         return std::nullopt;
     if (counted > 0) {
         const double rate = data_.size * samplesPerSecond / static_cast<double>(counted);

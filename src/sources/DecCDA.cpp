@@ -32,10 +32,6 @@ struct DecCDA::TrackPlace {
 DecCDA::DecCDA(const FileApi& files, CdBackends backends)
     : files_(files), manager_(std::move(backends)), ready_(manager_.InitManager()) {}
 
-DecCDA::~DecCDA() {
-    stream_.CloseSource();
-}
-
 std::int32_t DecCDA::OpenSource(const std::wstring& source) {
     if (!ready_)
         return noTrack;

@@ -22,7 +22,6 @@ namespace corvina {
 class DecCDA final : public cSoundSTRM, public cSoundInf {
 public:
     explicit DecCDA(const FileApi& files = systemFileApi, CdBackends backends = systemCdBackends());
-    ~DecCDA() override;
     DecCDA(const DecCDA&) = delete;
     DecCDA& operator=(const DecCDA&) = delete;
 

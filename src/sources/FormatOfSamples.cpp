@@ -139,14 +139,10 @@ std::wstring au(const FilePiece& start) {
 std::wstring voc(const FileHead& head, const FilePiece& start) {
     constexpr std::uint32_t soundBlock = 1, newSoundBlock = 9;
     const FilePiece block = head.piece(start.little(20, 2), 16);
-    std::uint32_t codec = 0;
-    if (block.byte(0) == soundBlock)
-        codec = block.byte(5);
-    else if (block.byte(0) == newSoundBlock)
-        codec = block.little(10, 2);
-    else
+    const std::uint8_t type = block.byte(0);
+    if (type != soundBlock && type != newSoundBlock)
         return L"VOC";
-    switch (codec) {
+    switch (type == soundBlock ? block.byte(5) : block.little(10, 2)) {
     case 0:
         return withBits(L"VOC", 8);
     case 4:

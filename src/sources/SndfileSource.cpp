@@ -133,7 +133,6 @@ std::int32_t SndfileSource::OpenSource(const std::wstring& source) {
 void SndfileSource::forget() {
     forgetFile();
     info_ = {};
-    totalFrames_ = 0;
     nextFrame_ = 0;
 }
 
@@ -171,8 +170,8 @@ std::vector<DWORD> SndfileSource::speakers() {
         return speakersOf(static_cast<std::int32_t>(channels));
     std::vector<DWORD> result;
     for (const std::int32_t number : map) {
-        const bool known = number >= 0 && static_cast<std::size_t>(number) < std::size(mapSpeakers);
-        result.push_back(known ? mapSpeakers[number] : 0);
+        const auto index = static_cast<std::size_t>(number); // large if the number is negative
+        result.push_back(index < std::size(mapSpeakers) ? mapSpeakers[index] : 0);
     }
     return result;
 }
@@ -204,7 +203,7 @@ std::int32_t SndfileSource::Read(void* buffer, std::int32_t bytes, std::int32_t&
         return noLibrary;
     if (file_ == 0)
         return SourceResult::notOpen;
-    const std::int32_t wanted = bytes > 0 ? bytes / format_.nBlockAlign : 0;
+    const std::int32_t wanted = std::max(bytes, 0) / format_.nBlockAlign;
     const std::int32_t got = readFrames(static_cast<std::int16_t*>(buffer), wanted);
     nextFrame_ += got;
     bytesRead = got * format_.nBlockAlign;

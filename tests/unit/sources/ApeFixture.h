@@ -23,6 +23,7 @@ struct ApeResults {
                                                      {1007, 4},     {1016, 441000}, {1017, 10000},
                                                      {1018, 700},   {2001, 1234}};
     std::int32_t retrieved = 0;
+    bool fails = false; // getData leaves the count as it was
 };
 inline ApeResults results;
 inline std::string openedPath;
@@ -41,6 +42,8 @@ inline std::int32_t __stdcall getInfo(std::int32_t decoder, std::int32_t field, 
 inline std::int32_t __stdcall getData(std::int32_t decoder, std::int32_t buffer,
                                       std::int32_t blocks, std::int32_t* retrieved) {
     StandIns::record("GetData", {decoder, buffer, blocks});
+    if (results.fails)
+        return -1;
     *retrieved = results.retrieved;
     return 0;
 }

@@ -6,6 +6,7 @@
 #include "support/StandIns.h"
 #include "support/TempFolder.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstdint>
@@ -79,6 +80,7 @@ protected:
     static inline std::string openedMode;
     static inline std::int32_t firstWordAtClear = 0;
     static inline std::int32_t state = 0;
+    static inline bool emptyAtOpen = false;
 
     TempFolder folder;
     std::wstring path = folder.write(L"a.ogg", {1});
@@ -100,6 +102,8 @@ private:
                                        std::int32_t initial, std::int32_t bytes) {
         StandIns::record("ov_open", {file, initial, bytes});
         state = word(decoder);
+        constexpr std::ptrdiff_t words = 176; // of the decoder's state
+        emptyAtOpen = std::count(decoder, decoder + words, 0) == words;
         *decoder = file;
         return results.ovOpen;
     }

@@ -24,12 +24,15 @@ struct SndResults {
     std::int32_t end = 1000;    // sf_seek to the end
     std::int32_t current = 0;   // sf_seek by 0
     std::int32_t readItems = 0; // sf_read_short
+    bool seeks = true;          // or any sf_seek is refused
+    std::int32_t counting = 0;  // items from 1 on that sf_read_short writes, if it is not 0
 };
 
 class SndCalls : public testing::Test {
 protected:
     SndCalls() {
         results = {};
+        counted = 0;
         libraries.add("libsndfile.dll", usual());
     }
 
@@ -78,7 +81,8 @@ protected:
 
     static inline SndResults results;
     static inline std::string openedPath;
-    static inline std::wstring openedName; // by its characters
+    static inline std::wstring openedName;  // by its characters
+    static inline std::int32_t counted = 0; // of the items that count on
     StandIns libraries;
 
 private:
@@ -92,15 +96,23 @@ private:
     static std::int32_t __cdecl sfSeek(std::int32_t file, std::int32_t low, std::int32_t high,
                                        std::int32_t whence) {
         StandIns::record("sf_seek", {file, low, high, whence});
+        if (!results.seeks)
+            return -1;
         return whence == 2 ? results.end : whence == 1 ? results.current : low;
     }
-    static std::int32_t __cdecl sfReadShort(std::int32_t file, std::int32_t buffer,
+    static std::int32_t __cdecl sfReadShort(std::int32_t file, std::int16_t* buffer,
                                             std::int32_t low, std::int32_t high) {
-        StandIns::record("sf_read_short", {file, buffer, low, high});
-        return results.readItems;
+        StandIns::record("sf_read_short", {file, word(buffer), low, high});
+        if (results.counting == 0)
+            return results.readItems;
+        const std::int32_t items = std::min(low, results.counting - counted);
+        for (std::int32_t item = 0; item < items; ++item)
+            buffer[item] = static_cast<std::int16_t>(++counted);
+        return items;
     }
     static std::int32_t __cdecl sfClose(std::int32_t file) {
         StandIns::record("sf_close", {file});
+        counted = 0;
         return 0;
     }
 

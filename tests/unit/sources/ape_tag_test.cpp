@@ -1,6 +1,7 @@
 // The APE tag, honest and lying, read with a guarded allocator.
 
 #include "sources/ApeTag.h"
+#include "support/FaultyFiles.h"
 #include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
@@ -129,6 +130,31 @@ TEST_F(ApeTag, a_size_smaller_than_the_footer_gives_none) {
     const TagBytes tag = TagBytes().item("Title", "t");
     for (const std::uint32_t size : {0u, 31u, 32u})
         EXPECT_EQ(read(tag.file(size, 1)), L"") << size;
+}
+
+TEST_F(ApeTag, a_tag_of_16_megabytes_is_read_and_a_larger_one_is_not) {
+    constexpr std::uint32_t largest = 16u << 20;
+    for (const std::uint32_t size : {largest, largest + 1}) {
+        TagBytes tag = TagBytes().item("Title", "t");
+        tag.bytes.resize(size - 32);
+        EXPECT_EQ(read(tag.file(size, 1)), size == largest ? L"Title=t;" : L"") << size;
+    }
+}
+
+TEST_F(ApeTag, a_file_whose_end_cannot_be_reached_has_no_tags_though_it_begins_with_a_header) {
+    const TagBytes tag = TagBytes().item("Title", "t");
+    const Bytes whole = tag.file();
+    Bytes file(whole.end() - 32, whole.end());
+    file.insert(file.end(), whole.begin(), whole.end());
+    const std::wstring path = folder.write(L"a.ape", file);
+    for (const int call : {1, 2}) {
+        StrmTags tags;
+        fileFaults.arm("SetFilePointer", call);
+        readApeTag(FileAccess(faultyFileApi), path, tags);
+        fileFaults.disarm();
+        EXPECT_EQ(tags.TagCount(), 0) << call;
+    }
+    EXPECT_EQ(read(file), L"Title=t;");
 }
 
 TEST_F(ApeTag, a_count_beyond_the_items_ends_with_them) {

@@ -99,6 +99,37 @@ TEST_F(CompressedSound, a_record_without_its_number_of_frames_or_a_block_says_no
     EXPECT_FALSE(CompressedWave(record.common, data_).isKnown());
 }
 
+TEST_F(CompressedSound, a_block_may_hold_a_single_frame) {
+    write(noise(100));
+    const BlockRecord record = blocks(WAVE_FORMAT_IMA_ADPCM, 8000, 4, 1, 1000);
+    const CompressedWave wave(record.common, data_);
+    EXPECT_TRUE(wave.isKnown());
+    EXPECT_EQ(rate(record.common), 32'000);
+    EXPECT_EQ(wave.frameOfBlockAt(12), 3);
+    EXPECT_EQ(place(record.common, 7)->offset, 28);
+}
+
+TEST_F(CompressedSound, the_first_frame_of_a_block_follows_from_its_place) {
+    write(noise(2560));
+    const BlockRecord record = blocks(WAVE_FORMAT_IMA_ADPCM, 22050, 256, 505, 11178);
+    const CompressedWave wave(record.common, data_);
+    EXPECT_EQ(wave.frameOfBlockAt(0), 0);
+    EXPECT_EQ(wave.frameOfBlockAt(255), 0);
+    EXPECT_EQ(wave.frameOfBlockAt(256), 505);
+    EXPECT_EQ(wave.frameOfBlockAt(0x7FFFFF00), 0x7FFFFFll * 505);
+    EXPECT_EQ(CompressedWave(mp3Record(16000), data_).frameOfBlockAt(256), std::nullopt);
+}
+
+TEST_F(CompressedSound, without_a_sample_rate_nothing_follows) {
+    write(noise(4000));
+    EXPECT_EQ(rate(blocks(WAVE_FORMAT_IMA_ADPCM, 0, 256, 505, 4000).common), std::nullopt);
+    WAVEFORMATEX record = mp3Record(16000);
+    record.nSamplesPerSec = 0;
+    EXPECT_FALSE(CompressedWave(record, data_).isKnown());
+    record.nSamplesPerSec = 1;
+    EXPECT_TRUE(CompressedWave(record, data_).isKnown());
+}
+
 TEST_F(CompressedSound, a_rounded_average_rate_is_the_records_own) {
     write(noise(4000));
     for (const DWORD recorded : {11177u, 11178u, 11188u})
@@ -188,6 +219,44 @@ TEST_F(CompressedSound, a_count_that_no_bit_rate_explains_is_not_believed) {
         EXPECT_NEAR(rate(mp3Record(0), counted).value(), data_.size * 44100.0 / (300 * 1152), 0.01);
     write(Bytes(5000, 0));
     EXPECT_EQ(rate(mp3Record(0)), std::nullopt);
+}
+
+TEST_F(CompressedSound, a_count_is_believed_from_900_to_44000_bytes_a_second) {
+    write(noise(5000));
+    for (const auto& [bytesPerSecond, believed] :
+         {std::pair{899u, false}, std::pair{900u, true}, std::pair{44'000u, true},
+          std::pair{44'001u, false}}) {
+        WAVEFORMATEX record = mp3Record(9000);
+        record.nSamplesPerSec = bytesPerSecond; // a frame for each of the 5000 bytes
+        EXPECT_EQ(rate(record, 5000),
+                  believed ? std::optional<double>(bytesPerSecond) : std::nullopt);
+    }
+}
+
+TEST_F(CompressedSound, the_frames_of_mpeg_sound_are_counted_only_if_the_record_has_no_rate) {
+    writeMp3Frames(30);
+    EXPECT_TRUE(rate(mp3Record(0)));
+    EXPECT_EQ(rate(mp3Record(1)), std::nullopt);
+    write({});
+    EXPECT_EQ(rate(mp3Record(0)), std::nullopt);
+    EXPECT_EQ(rate(mp3Record(0), 1000), std::nullopt);
+}
+
+TEST_F(CompressedSound, mpeg_sound_of_long_frames_is_reached_from_three_before_it) {
+    Bytes data;
+    for (int index = 0; index < 20; ++index) {
+        Bytes frame(1044, 0x55); // 320 kbit/s
+        const std::array<std::uint8_t, 4> header{0xFF, 0xFB, 0xE0, 0xC4};
+        std::copy(header.begin(), header.end(), frame.begin());
+        data.insert(data.end(), frame.begin(), frame.end());
+    }
+    write(data, 100);
+    for (const auto& [frame, first] : {std::pair{10, 7}, std::pair{3, 0}, std::pair{2, 0}}) {
+        const auto found = place(mp3Record(40'000), frame * 1152 + 5);
+        ASSERT_TRUE(found);
+        EXPECT_EQ(found->offset, 100 + first * 1044);
+        EXPECT_EQ(found->leadIn.frames, (frame - first) * 1152 + 5);
+    }
 }
 
 TEST_F(CompressedSound, mpeg_sound_is_reached_from_frames_before_it) {

@@ -51,6 +51,16 @@ TEST_F(ApeCalls, reading_at_the_end_returns_5_with_0_bytes) {
     EXPECT_TRUE(source.EndOfStream());
 }
 
+TEST_F(ApeCalls, a_library_that_fails_without_a_count_has_delivered_nothing) {
+    DecAPE& source = opened();
+    char buffer[8];
+    std::int32_t got = 7;
+    results.fails = true;
+    EXPECT_EQ(source.Read(buffer, 8, got), 5);
+    EXPECT_EQ(got, 0);
+    EXPECT_TRUE(source.EndOfStream());
+}
+
 TEST_F(ApeCalls, read_on_a_closed_source_returns_1_and_calls_nothing) {
     DecAPE source(StandIns::api());
     char buffer[8];

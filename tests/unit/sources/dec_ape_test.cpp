@@ -99,6 +99,19 @@ TEST_F(ApeCalls, a_handle_of_0_is_not_tested_and_is_passed_on) {
     EXPECT_THAT(libraries.calls, IsEmpty());
 }
 
+TEST_F(ApeCalls, an_open_that_raised_an_error_leaves_the_source_closed) {
+    results.create = 0;
+    DecAPE& source = opened();
+    libraries.removeExport("MACDll.dll", "c_APEDecompress_Create");
+    EXPECT_THROW(source.OpenSource(path), RuntimeError);
+    char buffer[4];
+    std::int32_t got = 0;
+    EXPECT_EQ(source.Read(buffer, 4, got), 1);
+    EXPECT_EQ(source.Position(), 0);
+    EXPECT_EQ(seek(source, 0, 0), 0);
+    EXPECT_EQ(libraries.called("Seek"), 0);
+}
+
 TEST_F(ApeCalls, opening_again_begins_at_the_start_with_another_decoder) {
     DecAPE& source = opened();
     std::int32_t got = 0;

@@ -45,6 +45,16 @@ TEST_F(OggCalls, half_a_millisecond_rounds_to_the_even_position) {
     EXPECT_EQ(source.Position(), 2);
 }
 
+TEST_F(OggCalls, a_single_byte_moves_the_position) {
+    results.information = {0, 1, 100, 0, 0, 0, 0, 0};
+    DecOGG& source = opened();
+    char buffer[8];
+    std::int32_t got = 0;
+    results.ovRead = 1; // half a sample of 10 ms
+    source.Read(buffer, 8, got);
+    EXPECT_EQ(source.Position(), 5);
+}
+
 TEST_F(OggCalls, a_count_whose_thousandfold_overflows_raises_overflow) {
     DecOGG& source = opened();
     char buffer[8];

@@ -97,6 +97,20 @@ TEST_F(OggCalls, a_rate_below_1_is_cleared_and_closed_and_returns_1) {
     }
 }
 
+TEST_F(OggCalls, a_rate_of_1_plays) {
+    results.information[2] = 1;
+    results.pcmTotal = 3;
+    EXPECT_EQ(opened().Duration(), 3000);
+}
+
+TEST_F(OggCalls, the_decoder_is_empty_at_each_open) {
+    DecOGG& source = opened();
+    EXPECT_TRUE(emptyAtOpen);
+    emptyAtOpen = false;
+    EXPECT_EQ(source.OpenSource(path), 0);
+    EXPECT_TRUE(emptyAtOpen);
+}
+
 TEST_F(OggCalls, more_than_two_channels_are_cleared_and_closed_and_return_1) {
     results.information[1] = 3;
     EXPECT_EQ(openResult(), 1);
@@ -257,6 +271,10 @@ TEST_F(OggCalls, opening_again_clears_the_tags) {
 
 TEST_F(OggCalls, without_a_comment_block_there_are_no_tags) {
     results.comments = 0;
+    results.values = {{"title", "t"}};
+    EXPECT_EQ(openResult(), 0);
+    for (const Call& call : callsAtOpen)
+        EXPECT_THAT(call.name, testing::Not(testing::StartsWith("vorbis_comment_query")));
     EXPECT_EQ(opened().Tags()->TagCount(), 0);
 }
 

@@ -160,5 +160,98 @@ TEST_F(SndCalls, a_closed_file_still_has_its_duration_and_is_at_its_start) {
     EXPECT_EQ(source.Position(), 0);
 }
 
+// A file that the library cannot seek in.
+class SndCallsWithoutSeek : public SndCalls {
+protected:
+    SndCallsWithoutSeek() {
+        results.seeks = false;
+        results.info.seekable = 0;
+        results.info.framesLow = 50'000;
+        results.counting = 100'000;
+    }
+
+    // The reads, as the number of items each asks for.
+    std::vector<std::int32_t> itemsAskedFor() const {
+        std::vector<std::int32_t> items;
+        for (const Call& call : libraries.calls)
+            if (call.name == "sf_read_short")
+                items.push_back(call.words.at(2));
+        return items;
+    }
+    // Reads one frame and returns its number.
+    static std::int32_t nextFrame(DecSND& source) {
+        std::int16_t items[2] = {};
+        std::int32_t got = 0;
+        EXPECT_EQ(source.Read(items, 4, got), 0);
+        return (items[0] - 1) / 2;
+    }
+};
+
+TEST_F(SndCallsWithoutSeek, the_position_counts_the_frames_that_were_read) {
+    results.info.sampleRate = 1000;
+    DecSND& source = opened();
+    EXPECT_EQ(source.Position(), 0);
+    std::int16_t items[20];
+    std::int32_t got = 0;
+    EXPECT_EQ(source.Read(items, 40, got), 0);
+    EXPECT_EQ(source.Position(), 10);
+    ASSERT_EQ(source.OpenSource(L"b.vox"), 0);
+    EXPECT_EQ(source.Position(), 0) << "the next file begins at its start";
+}
+
+TEST_F(SndCallsWithoutSeek, a_seek_decodes_up_to_the_place_and_no_further) {
+    DecSND& source = opened();
+    EXPECT_EQ(seek(source, 10, 1), 0);
+    EXPECT_EQ(source.Position(), 10'000);
+    EXPECT_THAT(itemsAskedFor(), ElementsAre(8192, 8192, 2 * (10'000 - 2 * 4096)));
+    EXPECT_EQ(nextFrame(source), 10'000);
+    EXPECT_EQ(libraries.called("sf_open"), 0);
+}
+
+TEST_F(SndCallsWithoutSeek, a_seek_backwards_opens_the_file_again_and_decodes_from_its_start) {
+    DecSND& source = opened();
+    EXPECT_EQ(seek(source, 10, 1), 0);
+    libraries.calls.clear();
+    EXPECT_EQ(seek(source, 3, 1), 0);
+    EXPECT_EQ(source.Position(), 3000);
+    EXPECT_THAT(itemsAskedFor(), ElementsAre(6000));
+    EXPECT_EQ(nextFrame(source), 3000);
+    EXPECT_EQ(libraries.called("sf_close"), 1);
+    EXPECT_EQ(libraries.called("sf_open"), 1);
+    EXPECT_EQ(seek(source, 0, 0), 0);
+    EXPECT_EQ(source.Position(), 0);
+    EXPECT_EQ(nextFrame(source), 0);
+}
+
+TEST_F(SndCalls, an_odd_count_of_vox_samples_is_decoded_beside_the_callers_buffer) {
+    results.info.format = 0x200021;
+    results.counting = 9;
+    DecSND& source = opened();
+    for (const std::int16_t count : {std::int16_t{1}, std::int16_t{3}, std::int16_t{5}}) {
+        std::int16_t items[8] = {};
+        std::int32_t got = 0;
+        const std::int16_t before = static_cast<std::int16_t>(counted);
+        EXPECT_EQ(source.Read(items, 2 * count, got), 0);
+        EXPECT_EQ(got, 2 * count);
+        for (std::int16_t item = 0; item < 8; ++item)
+            EXPECT_EQ(items[item], item < count ? before + item + 1 : 0) << count;
+    }
+    std::int16_t untouched = 77;
+    std::int32_t got = 7;
+    EXPECT_EQ(source.Read(&untouched, 2, got), 5);
+    EXPECT_EQ(got, 0);
+    EXPECT_EQ(untouched, 77);
+}
+
+TEST_F(SndCalls, an_even_count_of_vox_samples_goes_straight_to_the_callers_buffer) {
+    results.info.format = 0x200021;
+    results.counting = 9;
+    DecSND& source = opened();
+    std::int16_t items[4] = {};
+    std::int32_t got = 0;
+    EXPECT_EQ(source.Read(items, 8, got), 0);
+    EXPECT_THAT(libraries.calls, ElementsAre(Call{"sf_read_short", {handle, word(items), 4, 0}}));
+}
+
 } // namespace
 } // namespace corvina::test

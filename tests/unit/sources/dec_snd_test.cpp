@@ -38,6 +38,14 @@ TEST_F(SndCalls, the_properties_raise_nothing_about_the_library_when_it_is_missi
     EXPECT_TRUE(source.EndOfStream());
     EXPECT_EQ(source.SampleRate(), 0);
     EXPECT_EQ(source.Tags()->TagCount(), 0);
+    for (const auto time : {&DecSND::Position, &DecSND::Duration}) {
+        try {
+            (void)(source.*time)();
+            FAIL() << "no error";
+        } catch (const RuntimeError& error) {
+            EXPECT_EQ(error.number(), 6) << "no frames at no rate";
+        }
+    }
 }
 
 TEST_F(SndCalls, open_for_reading_measures_by_seeking_to_the_end_and_back) {

@@ -146,6 +146,41 @@ TEST_F(DecWAVTest, mpeg_sound_without_an_average_rate_has_the_length_of_its_coun
     EXPECT_EQ(errorOf([&] { (void)wav_.Duration(); }), 11);
 }
 
+TEST_F(DecWAVTest, a_file_opened_after_a_seek_in_another_has_no_lead_in) {
+    ASSERT_EQ(open(adpcmFile(11'178, noise(51'200))), 0);
+    EXPECT_EQ(seek(3, 1), 0);
+    EXPECT_TRUE(wav_.hasLeadIn());
+    const Bytes data = noise(51'200, 2);
+    ASSERT_EQ(open(adpcmFile(11'178, data)), 0);
+    EXPECT_FALSE(wav_.hasLeadIn());
+    EXPECT_EQ(wav_.goToLeadIn().frames, 0);
+    EXPECT_EQ(dataPosition(data), 0);
+}
+
+TEST_F(DecWAVTest, mpeg_sound_is_read_from_its_start_after_its_frames_were_counted) {
+    WAVEFORMATEX record = pcm(44100, 1, 16);
+    record.wFormatTag = WAVE_FORMAT_MPEGLAYER3;
+    record.nAvgBytesPerSec = 0;
+    Bytes data;
+    for (int frame = 0; frame < 100; ++frame) {
+        const Bytes content = noise(413, static_cast<std::uint32_t>(frame));
+        data.insert(data.end(), {0xFF, 0xFB, 0x90, 0xC4});
+        data.insert(data.end(), content.begin(), content.end());
+    }
+    ASSERT_EQ(open(plainWav(record, data)), 0);
+    EXPECT_EQ(wav_.Duration(), 2612); // 100 frames of 1152 samples
+    EXPECT_EQ(wav_.Position(), 0);
+    EXPECT_EQ(dataPosition(data), 0);
+}
+
+TEST_F(DecWAVTest, the_recorded_rate_of_mpeg_sound_without_a_count_holds_also_for_a_few_bytes) {
+    WAVEFORMATEX record = pcm(8000, 1, 16);
+    record.wFormatTag = WAVE_FORMAT_MPEGLAYER3;
+    record.nAvgBytesPerSec = 1000;
+    ASSERT_EQ(open(plainWav(record, noise(5))), 0);
+    EXPECT_EQ(wav_.Duration(), 5);
+}
+
 TEST_F(DecWAVTest, an_unknown_mode_goes_to_the_first_byte) {
     const Bytes data = noise(4000);
     ASSERT_EQ(open(plainWav(pcm(44100, 2, 16), data)), 0);

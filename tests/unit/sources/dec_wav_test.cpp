@@ -147,6 +147,25 @@ TEST_F(DecWAVTest, a_failed_open_leaves_the_description_as_it_was) {
     EXPECT_EQ(got, 50);
 }
 
+TEST_F(DecWAVTest, an_open_that_fails_on_the_way_closes_its_file) {
+    const std::wstring path = folder_.write(L"a.wav", plainWav(pcm(8000, 1, 8), noise(100)));
+    for (const char* const function : {"ReadFile", "SetFilePointer"}) {
+        fileFaults.arm(function, 1);
+        EXPECT_EQ(wav_.OpenSource(path), 1) << function;
+        fileFaults.disarm();
+        EXPECT_EQ(openFiles, 0);
+        std::int32_t got = 7;
+        EXPECT_EQ(read(10, got), 1);
+    }
+}
+
+TEST_F(DecWAVTest, a_file_in_which_the_system_finds_both_chunks_is_not_searched_again) {
+    const std::wstring path = folder_.write(L"a.wav", plainWav(pcm(8000, 1, 8), noise(100)));
+    fileFaults.arm("", 0);
+    EXPECT_EQ(wav_.OpenSource(path), 0);
+    EXPECT_EQ(fileFaults.calls("CreateFile"), 2) << "to ask whether it exists, and to play it";
+}
+
 TEST_F(DecWAVTest, a_second_open_does_not_close_the_first_file_first) {
     openPlain(100);
     ASSERT_EQ(openFiles, 1);

@@ -51,6 +51,9 @@ TEST_F(WindowsMedia, a_bitrate_beyond_32_bits_overflows) {
     DecWMAMP3 source(standInApi);
     source.OpenSource(L"song.wma");
     EXPECT_THROW((void)source.Bitrate(), RuntimeError);
+    library.attributes = {numberAttribute(L"Bitrate", WMT_TYPE_DWORD, DWORD{0x7FFFFFFF})};
+    source.OpenSource(L"other.wma");
+    EXPECT_EQ(source.Bitrate(), 0x7FFFFFFF);
 }
 
 } // namespace
