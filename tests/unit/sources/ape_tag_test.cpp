@@ -132,13 +132,19 @@ TEST_F(ApeTag, a_size_smaller_than_the_footer_gives_none) {
         EXPECT_EQ(read(tag.file(size, 1)), L"") << size;
 }
 
-TEST_F(ApeTag, a_tag_of_16_megabytes_is_read_and_a_larger_one_is_not) {
-    constexpr std::uint32_t largest = 16u << 20;
-    for (const std::uint32_t size : {largest, largest + 1}) {
-        TagBytes tag = TagBytes().item("Title", "t");
-        tag.bytes.resize(size - 32);
-        EXPECT_EQ(read(tag.file(size, 1)), size == largest ? L"Title=t;" : L"") << size;
-    }
+// A tag of that size, which begins with a title.
+Bytes largeTag(std::uint32_t size) {
+    TagBytes tag = TagBytes().item("Title", "t");
+    tag.bytes.resize(size - 32);
+    return tag.file(size, 1);
+}
+
+TEST_F(ApeTag, a_tag_of_16_megabytes_is_read) {
+    EXPECT_EQ(read(largeTag(16u << 20)), L"Title=t;");
+}
+
+TEST_F(ApeTag, a_larger_tag_is_not_read) {
+    EXPECT_EQ(read(largeTag((16u << 20) + 1)), L"");
 }
 
 TEST_F(ApeTag, a_file_whose_end_cannot_be_reached_has_no_tags_though_it_begins_with_a_header) {

@@ -127,8 +127,11 @@ TEST_F(FormatOfSamples, aiff_steps_over_other_chunks_also_of_odd_length) {
             << size;
 }
 
-TEST_F(FormatOfSamples, aiff_is_searched_for_a_thousand_chunks) {
+TEST_F(FormatOfSamples, the_thousandth_chunk_of_aiff_is_looked_at) {
     EXPECT_EQ(of(aiff("AIFF", 16, "", 999)), L"AIFF, 16 bits");
+}
+
+TEST_F(FormatOfSamples, no_chunk_of_aiff_behind_a_thousand_is_looked_at) {
     EXPECT_EQ(of(aiff("AIFF", 16, "", 1000)), L"AIFF");
 }
 
