@@ -14,7 +14,6 @@ PendingMessages::PendingMessages(const PerformanceCounterApi& counter) noexcept
     LARGE_INTEGER frequency{};
     counter_.frequency(&frequency);
     ticksPerMillisecond_ = frequency.QuadPart / 1000;
-    nextQuery_ = now();
 }
 
 void PendingMessages::handle() noexcept {

@@ -26,7 +26,7 @@ private:
 
     const PerformanceCounterApi& counter_;
     LONGLONG ticksPerMillisecond_ = 0;
-    LONGLONG nextQuery_ = 0;
+    LONGLONG nextQuery_ = 0; // no counter is below it at first
     bool quitting_ = false;
 };
 

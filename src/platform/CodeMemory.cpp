@@ -30,14 +30,13 @@ public:
     static constexpr std::size_t pieces = 256; // 64 KiB, the least that the system maps
 
     Pool() {
-        // The views keep the memory after the section's handle is closed.
+        // The views keep the memory after the section's handle is closed. Without a section there
+        // are no views either.
         const Section section(::CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr,
                                                    PAGE_EXECUTE_READWRITE, 0, bytes, nullptr));
-        if (!section)
-            throwOutOfMemory();
-        writable_ = View(::MapViewOfFile(section.get(), FILE_MAP_WRITE, 0, 0, bytes));
+        writable_ = View(::MapViewOfFile(section.get(), FILE_MAP_WRITE, 0, 0, 0));
         executable_ =
-            View(::MapViewOfFile(section.get(), FILE_MAP_READ | FILE_MAP_EXECUTE, 0, 0, bytes));
+            View(::MapViewOfFile(section.get(), FILE_MAP_READ | FILE_MAP_EXECUTE, 0, 0, 0));
         if (!writable_ || !executable_)
             throwOutOfMemory();
     }

@@ -25,6 +25,34 @@ TEST_F(Graph, is_drawn_anew_at_another_size) {
     EXPECT_EQ(count(white), 0);
 }
 
+TEST_F(Graph, is_drawn_anew_if_only_its_width_or_its_height_is_another) {
+    settings_.backgroundColor = blue;
+    take(sineBlock(53, 32767));
+    display();
+    for (const SIZE size : {SIZE{500, 200}, SIZE{500, 300}}) {
+        resize(size);
+        paint();
+        EXPECT_EQ(barHeight(40, green), size.cy);
+        EXPECT_EQ(count(green) + count(blue), size.cx * size.cy);
+        EXPECT_EQ(pixel(499, 0), blue);
+    }
+}
+
+TEST_F(Graph, has_only_the_new_background_at_another_size_once_it_was_cleared) {
+    take(sineBlock(53, 32767));
+    for (const auto style : {GraphStyle::amplitude, GraphStyle::frequency}) {
+        settings_.style = style;
+        settings_.backgroundColor = black;
+        display();
+        settings_.backgroundColor = blue;
+        graph_.clear(settings_);
+        resize({300, 150});
+        paint();
+        EXPECT_EQ(count(blue), 300 * 150);
+        resize({400, 200});
+    }
+}
+
 TEST_F(Graph, the_waveform_is_drawn_anew_at_another_size) {
     settings_.style = GraphStyle::amplitude;
     take(std::vector<std::int16_t>(511, 16384));
@@ -70,6 +98,16 @@ TEST_F(Graph, a_metafile_played_back_shows_the_same_picture) {
                     different += ::GetPixel(played.dc(), x, y) != pixel(x, y);
             EXPECT_EQ(different, 0);
         }
+}
+
+TEST_F(Graph, a_plain_metafile_holds_lines_and_areas_and_no_pixels) {
+    take(sineBlock(53, 20000));
+    display();
+    const HDC recording = ::CreateMetaFileW(nullptr);
+    graph_.paint(recording, {0, 0, 400, 200}, size_);
+    const HMETAFILE metafile = ::CloseMetaFile(recording);
+    EXPECT_LT(::GetMetaFileBitsEx(metafile, 0, nullptr), 30000U);
+    ::DeleteMetaFile(metafile);
 }
 
 TEST_F(Graph, a_painting_that_finds_no_memory_leaves_the_context_as_it_was) {
@@ -130,6 +168,17 @@ TEST_F(Graph, any_number_and_size_of_bands_is_drawn_or_left_out) {
             }
 }
 
+TEST_F(Graph, without_bands_there_is_no_bar_whatever_was_shown_before) {
+    take(sineBlock(3, 32767)); // in band 0
+    display();
+    ASSERT_GT(barHeight(0, green), 0);
+    for (const std::int32_t bands : {0, -1, lowest}) {
+        settings_.bands = bands;
+        display();
+        EXPECT_EQ(count(black), 400 * 200) << bands;
+    }
+}
+
 TEST_F(Graph, any_size_is_displayed) {
     take(sineBlock(53, 32767));
     for (const SIZE size : {SIZE{0, 0}, SIZE{1, 1}, SIZE{2, 2}, SIZE{0, 200}, SIZE{400, 0},
@@ -170,6 +219,35 @@ TEST_F(Graph, a_hundred_pictures_leave_no_gdi_object_behind) {
     draw();
     EXPECT_EQ(freeGdiObjects(), before);
     EXPECT_GT(before, 1000U);
+}
+
+TEST(PictureFrame, spreads_a_picture_of_a_single_pixel_over_its_bounds) {
+    const Frame frame({10, 20, 110, 70}, {1, 1});
+    EXPECT_EQ(frame.at(0, 0).x, 10);
+    EXPECT_EQ(frame.at(0, 0).y, 20);
+    EXPECT_EQ(frame.at(1, 1).x, 110);
+    EXPECT_EQ(frame.at(1, 1).y, 70);
+    EXPECT_EQ(frame.lineWidth(), 100);
+}
+
+// Plain metafiles hold the lower 16 bits of what lies outside the picture.
+TEST(Bars, reach_no_further_than_their_picture_in_a_metafile_either) {
+    const GraphSettings settings{.bandsSpace = -131072, .bandsWidth = 65636, .freqColor = green};
+    const std::vector<std::vector<double>> levels = {{1.0}, {0.0, 1.0}};
+    for (std::size_t bar = 0; bar < levels.size(); ++bar) {
+        const HDC recording = ::CreateMetaFileW(nullptr);
+        paintBars(recording, Frame({400, 50}), levels[bar], settings);
+        const HMETAFILE metafile = ::CloseMetaFile(recording);
+        Surface played;
+        ASSERT_TRUE(played.resize({400, 50}));
+        played.clear(white);
+        ::PlayMetaFile(played.dc(), metafile);
+        ::DeleteMetaFile(metafile);
+        // The first from 0 to 65636, the second from -65436 to 200.
+        const int right = bar == 0 ? 400 : 200;
+        for (int x = 0; x < 400; ++x)
+            EXPECT_EQ(::GetPixel(played.dc(), x, 25), x < right ? green : white) << bar << ' ' << x;
+    }
 }
 
 TEST(BarRectangle, stands_on_the_lower_edge_with_its_height_rounded) {

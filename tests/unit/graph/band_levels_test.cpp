@@ -205,6 +205,23 @@ TEST(BandLevels, loudness_averages_the_nine_lowest_bands_rounding_at_every_step)
     EXPECT_GT(bands.loudness(), 0);
 }
 
+TEST(BandLevels, loudness_is_rounded_right_at_every_strength) {
+    for (int amplitude = 100; amplitude <= 3000; amplitude += 100) {
+        const auto bands = after(sine(9, amplitude), 50);
+        double total = 0;
+        for (std::size_t band = 0; band < 9; ++band)
+            total = std::nearbyint(bands.levels()[band] * 100 + total);
+        EXPECT_EQ(bands.loudness(), static_cast<std::int32_t>(std::nearbyint(total / 9)))
+            << amplitude;
+    }
+}
+
+TEST(BandLevels, a_tone_in_the_tenth_band_has_no_loudness) {
+    const auto bands = after(sine(48, 32767), 50);
+    EXPECT_GT(bands.levels()[9], 0.5);
+    EXPECT_EQ(bands.loudness(), 0);
+}
+
 TEST(BandLevels, loudness_stays_within_a_hundred) {
     std::vector<std::int16_t> loud(511);
     for (std::size_t i = 0; i < loud.size(); ++i)

@@ -51,6 +51,28 @@ TEST(ChannelCurves, a_column_reaches_from_its_lowest_to_its_highest_sample) {
     }
 }
 
+TEST(ChannelCurves, each_column_shows_its_own_samples_alone) {
+    SampleBlock block{.channels = 1};
+    block.samples.assign(1000, 0);
+    block.samples[309] = 32767; // the last of column 30
+    block.samples[310] = -32768;
+    const auto curves = channelCurves(block, {100, 101});
+    ASSERT_EQ(curves.size(), 1u);
+    ASSERT_EQ(curves[0].size(), 200u);
+    for (std::size_t column = 0; column < 100; ++column) {
+        EXPECT_EQ(curves[0][2 * column].y, column == 30 ? 0 : 50) << column;
+        EXPECT_EQ(curves[0][2 * column + 1].y, column == 31 ? 100 : 50) << column;
+    }
+}
+
+TEST(ChannelCurves, a_single_channel_and_a_single_column_have_a_line) {
+    EXPECT_EQ(channelCurves({{1, 2}, 1, 44100}, {100, 100}).size(), 1u);
+    const auto curves = channelCurves(constant(0, 0, 10), {1, 100});
+    ASSERT_EQ(curves.size(), 2u);
+    ASSERT_EQ(curves[0].size(), 2u);
+    EXPECT_EQ(curves[0][0].x, 0);
+}
+
 TEST(ChannelCurves, few_frames_are_spread_over_the_width) {
     const auto curves = channelCurves(constant(0, 0, 3), {101, 40});
     ASSERT_EQ(curves.size(), 2u);

@@ -169,6 +169,14 @@ TEST(SpectrumBars, octaves_follow_the_transforms_definition) {
     }
 }
 
+TEST(SpectrumBars, octaves_beyond_half_of_a_low_sample_rate_are_empty) {
+    for (const std::int32_t rate : {1, 10, 39}) {
+        SpectrumBars bars;
+        bars.update(silence(), tone(rate / 4.0, 20000, 20000, rate), octaves);
+        EXPECT_EQ(bars.levels()[0], 0.0) << rate;
+    }
+}
+
 TEST(SpectrumBars, any_number_of_bars_and_any_block_is_safe) {
     for (const std::int32_t count : {test::lowest, -1, 0, 1, 3, 50, 1024, 1025, test::highest}) {
         for (GraphSettings settings : {decibels, octaves}) {

@@ -80,12 +80,14 @@ TEST(BoundedThread, what_a_job_holds_is_released_on_the_thread) {
 
 TEST(BoundedThread, a_job_beyond_the_limit_is_given_up_and_no_other_starts) {
     const auto gate = std::make_shared<Gate>();
-    BoundedThread thread(50, [] {});
+    BoundedThread thread(300, [] {});
     const DWORD start = ::GetTickCount();
     EXPECT_FALSE(thread.run([gate] { gate->wait(); }));
-    EXPECT_GE(::GetTickCount() - start, 40u);
+    const DWORD given = ::GetTickCount();
+    EXPECT_GE(given - start, 290u);
     bool ran = false;
     EXPECT_FALSE(thread.run([&ran] { ran = true; }));
+    EXPECT_LT(::GetTickCount() - given, 250u) << "it is not waited for again";
     gate->open();
     ::Sleep(50);
     EXPECT_FALSE(ran);
@@ -116,6 +118,30 @@ TEST(BoundedThread, a_last_action_beyond_the_limit_is_left_behind) {
     EXPECT_FALSE(*ended);
     gate->open();
     EXPECT_TRUE(comesTrue(*ended));
+}
+
+// As the system's own parts do when a thread ends.
+struct SlowEnd {
+    std::atomic<bool>* ended = nullptr;
+    SlowEnd() = default;
+    SlowEnd(const SlowEnd&) = delete;
+    SlowEnd& operator=(const SlowEnd&) = delete;
+    ~SlowEnd() {
+        if (!ended)
+            return;
+        ::Sleep(200);
+        *ended = true;
+    }
+};
+thread_local SlowEnd slowEnd;
+
+TEST(BoundedThread, the_end_of_a_thread_that_has_done_its_last_action_is_waited_for_longer) {
+    std::atomic<bool> ended = false;
+    {
+        BoundedThread thread(100, [] {});
+        EXPECT_TRUE(thread.run([&ended] { slowEnd.ended = &ended; }));
+    }
+    EXPECT_TRUE(ended);
 }
 
 TEST(BoundedThread, a_job_without_memory_throws_where_it_was_wanted_and_the_next_runs) {

@@ -1,4 +1,5 @@
 #include "platform/CodeMemory.h"
+#include "support/ProcessObjects.h"
 
 #include <array>
 #include <gtest/gtest.h>
@@ -18,6 +19,13 @@ std::array<std::uint8_t, 6> codeThatReturns(std::uint8_t number) {
 
 int run(const CodePiece& piece) {
     return reinterpret_cast<int (*)()>(reinterpret_cast<std::uintptr_t>(piece.entry()))();
+}
+
+// The first test: the memory is made once in a process.
+TEST(CodeMemory, keeps_no_handle) {
+    const int before = countKernelHandles();
+    CodePiece(1).write(codeThatReturns(7));
+    EXPECT_EQ(before, countKernelHandles());
 }
 
 TEST(CodeMemory, runs_what_was_written_last) {
