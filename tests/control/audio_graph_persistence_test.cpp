@@ -12,19 +12,19 @@ using namespace corvina::test;
 namespace {
 
 void changeEverything(_cAudioGraph& graph) {
-    graph.put_GraphStyle(AMPLITUDE_STYLE);
-    graph.put_Bands(20);
-    graph.put_BandsSpace(4);
-    graph.put_BandsWidth(7);
-    graph.put_BackgroundColor(0x80000005);
-    graph.put_AmplitudeColor(red);
-    graph.put_FreqColor(blue);
-    graph.put_BorderStyle(StyleFixed);
-    graph.put_FramesPerSecond(12);
-    graph.put_LevelScale(DECIBEL_SCALE);
-    graph.put_FrequencyAxis(OCTAVE_AXIS);
-    graph.put_PeakHold(VARIANT_TRUE);
-    graph.put_ChannelWaveforms(VARIANT_TRUE);
+    EXPECT_EQ(S_OK, graph.put_GraphStyle(AMPLITUDE_STYLE));
+    EXPECT_EQ(S_OK, graph.put_Bands(20));
+    EXPECT_EQ(S_OK, graph.put_BandsSpace(4));
+    EXPECT_EQ(S_OK, graph.put_BandsWidth(7));
+    EXPECT_EQ(S_OK, graph.put_BackgroundColor(0x80000005));
+    EXPECT_EQ(S_OK, graph.put_AmplitudeColor(red));
+    EXPECT_EQ(S_OK, graph.put_FreqColor(blue));
+    EXPECT_EQ(S_OK, graph.put_BorderStyle(StyleFixed));
+    EXPECT_EQ(S_OK, graph.put_FramesPerSecond(12));
+    EXPECT_EQ(S_OK, graph.put_LevelScale(DECIBEL_SCALE));
+    EXPECT_EQ(S_OK, graph.put_FrequencyAxis(OCTAVE_AXIS));
+    EXPECT_EQ(S_OK, graph.put_PeakHold(VARIANT_TRUE));
+    EXPECT_EQ(S_OK, graph.put_ChannelWaveforms(VARIANT_TRUE));
 }
 
 // The same as a property bag holds it.
@@ -48,14 +48,14 @@ void expectEverythingChanged(_cAudioGraph& graph) {
     BorderStyle border{};
     long bands = 0, space = 0, width = 0;
     OLE_COLOR background = 0, amplitude = 0, frequency = 0;
-    graph.get_GraphStyle(&style);
-    graph.get_Bands(&bands);
-    graph.get_BandsSpace(&space);
-    graph.get_BandsWidth(&width);
-    graph.get_BackgroundColor(&background);
-    graph.get_AmplitudeColor(&amplitude);
-    graph.get_FreqColor(&frequency);
-    graph.get_BorderStyle(&border);
+    EXPECT_EQ(S_OK, graph.get_GraphStyle(&style));
+    EXPECT_EQ(S_OK, graph.get_Bands(&bands));
+    EXPECT_EQ(S_OK, graph.get_BandsSpace(&space));
+    EXPECT_EQ(S_OK, graph.get_BandsWidth(&width));
+    EXPECT_EQ(S_OK, graph.get_BackgroundColor(&background));
+    EXPECT_EQ(S_OK, graph.get_AmplitudeColor(&amplitude));
+    EXPECT_EQ(S_OK, graph.get_FreqColor(&frequency));
+    EXPECT_EQ(S_OK, graph.get_BorderStyle(&border));
     EXPECT_EQ(AMPLITUDE_STYLE, style);
     EXPECT_EQ(20, bands);
     EXPECT_EQ(4, space);
@@ -68,11 +68,11 @@ void expectEverythingChanged(_cAudioGraph& graph) {
     AudioGraphLevelScale scale{};
     AudioGraphFrequencyAxis axis{};
     VARIANT_BOOL peaks = VARIANT_FALSE, channels = VARIANT_FALSE;
-    graph.get_FramesPerSecond(&frames);
-    graph.get_LevelScale(&scale);
-    graph.get_FrequencyAxis(&axis);
-    graph.get_PeakHold(&peaks);
-    graph.get_ChannelWaveforms(&channels);
+    EXPECT_EQ(S_OK, graph.get_FramesPerSecond(&frames));
+    EXPECT_EQ(S_OK, graph.get_LevelScale(&scale));
+    EXPECT_EQ(S_OK, graph.get_FrequencyAxis(&axis));
+    EXPECT_EQ(S_OK, graph.get_PeakHold(&peaks));
+    EXPECT_EQ(S_OK, graph.get_ChannelWaveforms(&channels));
     EXPECT_EQ(12, frames);
     EXPECT_EQ(DECIBEL_SCALE, scale);
     EXPECT_EQ(OCTAVE_AXIS, axis);

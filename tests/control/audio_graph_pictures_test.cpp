@@ -126,6 +126,18 @@ TEST_F(GraphControl, clearing_leaves_the_background) {
     EXPECT_EQ(200 * 100, drawn({200, 100}).count(black));
 }
 
+TEST_F(GraphControl, clearing_shows_in_a_container_at_once) {
+    Container container;
+    ASSERT_EQ(S_OK, container.attach(graph.get()));
+    takeTone();
+    display();
+    long result = 7;
+    EXPECT_EQ(S_OK, graph->ClearGraph(&result));
+    const Picture picture = seen();
+    EXPECT_EQ(black, picture.at(41, 0));
+    EXPECT_EQ(black, picture.at(41, 199));
+}
+
 TEST_F(GraphControl, gives_a_metafile_of_its_picture) {
     takeTone();
     display();

@@ -1,8 +1,6 @@
 #include "GraphFixture.h"
 #include "graph/SamplePicture.h"
 
-#include <algorithm>
-
 namespace corvina::test {
 namespace {
 
