@@ -208,6 +208,29 @@ TEST_F(Converter, more_than_two_channels_that_every_codec_refuses_come_out_as_th
     EXPECT_EQ(pullAll(100), noise(6000));
 }
 
+TEST_F(Converter, more_than_two_channels_of_plain_samples_are_left_to_no_codec_that_takes_them) {
+    for (const WORD channels : std::initializer_list<WORD>{3, 6}) {
+        converter_.reset();
+        fakeAcm.reset();
+        MemorySource source(pcm(500, channels, 16), noise(6000));
+        ASSERT_TRUE(start(source));
+        EXPECT_EQ(pullAll(100), noise(6000));
+        EXPECT_EQ(fakeAcm.conversions.size(), 0u);
+        EXPECT_EQ(fakeAcm.openStreams, 0);
+    }
+}
+
+TEST_F(Converter, what_else_a_codec_takes_is_left_to_it) {
+    for (const WORD channels : std::initializer_list<WORD>{2, 6}) {
+        converter_.reset();
+        fakeAcm.reset();
+        MemorySource source(floating(500, channels), halfScale(1200));
+        ASSERT_TRUE(start(source));
+        pull(100);
+        EXPECT_EQ(fakeAcm.conversions.size(), 1u);
+    }
+}
+
 TEST_F(Converter, more_than_two_channels_are_mixed_on_demand) {
     for (const bool managed : {true, false}) {
         converter_.reset();

@@ -53,6 +53,36 @@ TEST_F(Converter, a_reset_forgets_unconverted_bytes) {
     EXPECT_EQ(source.asked.back(), 500);
 }
 
+TEST_F(Converter, a_reset_measures_the_codec_anew) {
+    fakeAcm.sourceSize = [](DWORD) { return DWORD{500}; };
+    MemorySource source(pcm(500, 1, 16), noise(3000));
+    ASSERT_TRUE(start(source));
+    pull(10);
+    EXPECT_EQ(source.asked.back(), 500);
+    fakeAcm.sourceSize = [](DWORD) { return DWORD{300}; };
+    converter_->ResetACM();
+    pull(500);
+    EXPECT_EQ(source.asked.back(), 300);
+}
+
+// The stream would be given up after 64 fills without a byte.
+TEST_F(Converter, a_reset_forgets_how_often_nothing_came) {
+    MemorySource source(pcm(500, 1, 16), {});
+    int reads = 0;
+    source.respond = [&reads](void* buffer, std::int32_t asked, std::int32_t& got) {
+        ++reads;
+        got = reads > 100 ? asked : 0;
+        std::memset(buffer, 0x11, static_cast<std::size_t>(got));
+        return reads == 50 ? SourceResult::notOpen : SourceResult::done;
+    };
+    ASSERT_TRUE(start(source));
+    EXPECT_EQ(pull(100), 0);
+    EXPECT_EQ(reads, 50);
+    converter_->ResetACM();
+    EXPECT_EQ(pull(100), 100);
+    EXPECT_EQ(pulled_, Bytes(100, 0x11));
+}
+
 TEST_F(Converter, starts_again_with_PCM_without_asking_for_a_codec) {
     MemorySource source(pcm(500, 1, 16), noise(3000));
     ASSERT_TRUE(start(source));

@@ -101,5 +101,59 @@ TEST_F(Converter, a_failed_conversion_is_skipped_and_the_next_goes_on_without_a_
     EXPECT_EQ(fakeAcm.conversions[1].flags, blockAlignFlag);
 }
 
+TEST_F(Converter, a_failed_conversion_does_not_bring_the_sound_before_it_again) {
+    MemorySource source(pcm(500, 1, 16), noise(1500));
+    ASSERT_TRUE(start(source));
+    fakeAcm.faults.arm("acmStreamConvert", 2);
+    Bytes expected = noise(1500);
+    expected.erase(expected.begin() + 500, expected.begin() + 1000);
+    EXPECT_EQ(pullAll(100), expected);
+}
+
+TEST_F(Converter, a_codec_that_uses_nothing_of_the_last_bytes_is_not_asked_again) {
+    MemorySource source(pcm(500, 1, 16), noise(400));
+    fakeAcm.conversion = [](ACMSTREAMHEADER&) { return MMRESULT{0}; };
+    ASSERT_TRUE(start(source));
+    EXPECT_EQ(pull(100), 0);
+    EXPECT_EQ(fakeAcm.conversions.size(), 1u);
+    EXPECT_TRUE(converter_->Exhausted());
+}
+
+TEST_F(Converter, a_codec_that_makes_no_sound_of_what_is_left_is_given_up_after_64_fills) {
+    constexpr int before = 10;
+    MemorySource source(pcm(500, 1, 16), {});
+    source.respond = [&](void* buffer, std::int32_t, std::int32_t& got) {
+        const bool last = source.asked.size() > before;
+        got = last ? 400 : 2;
+        std::memset(buffer, 0, static_cast<std::size_t>(got));
+        return last ? SourceResult::endOfData : SourceResult::done;
+    };
+    fakeAcm.conversion = [](ACMSTREAMHEADER& header) {
+        if (header.cbSrcLength == 2)
+            return copySound(header, 2);
+        header.cbSrcLengthUsed = 2;
+        return MMRESULT{0};
+    };
+    ASSERT_TRUE(start(source));
+    EXPECT_EQ(pull(500), 2 * before);
+    EXPECT_TRUE(converter_->Exhausted());
+    EXPECT_EQ(fakeAcm.conversions.size(), before + 64u);
+}
+
+TEST_F(Converter, a_codec_that_takes_none_of_the_whole_blocks_gets_a_part_of_the_next) {
+    MemorySource source(pcm(500, 1, 16), noise(5000));
+    source.format.wFormatTag = WAVE_FORMAT_ADPCM;
+    source.format.nBlockAlign = 300;
+    fakeAcm.sourceSize = [](DWORD) { return DWORD{1000}; };
+    fakeAcm.conversion = [](ACMSTREAMHEADER& header) {
+        return copySound(header, header.cbSrcLength < 1000 ? 0 : 500);
+    };
+    ASSERT_TRUE(start(source));
+    EXPECT_EQ(pull(500), 500);
+    ASSERT_GE(source.asked.size(), 2u);
+    EXPECT_EQ(source.asked[0], 900);
+    EXPECT_EQ(source.asked[1], 100);
+}
+
 } // namespace
 } // namespace corvina::test

@@ -185,8 +185,9 @@ TEST(LinearConversion, a_few_samples_at_a_time_have_triangular_noise_too) {
         bytesOf(std::vector<std::int32_t>(few, static_cast<std::int32_t>(between * 65536)));
     double sum = 0;
     double squares = 0;
+    Samples samples(few);
     for (int piece = 0; piece < count; ++piece) {
-        Samples samples(few);
+        std::ranges::fill(samples, std::int16_t{0});
         const std::span output(reinterpret_cast<std::uint8_t*>(samples.data()), 2u * few);
         ASSERT_EQ(conversion.convert(source, output, false, false)->produced, output.size());
         for (const std::int16_t sample : samples) {
@@ -338,6 +339,18 @@ TEST(LinearConversion, more_than_two_channels_become_two) {
     const auto left = converted(format, bytesOf<std::int16_t>({24142, 0, 0, 0, 0, 0}), true);
     EXPECT_NEAR(left[0], 10000, 2);
     EXPECT_EQ(left[1], 0);
+}
+
+TEST(LinearConversion, three_channels_become_two_block_by_block) {
+    const auto mixed =
+        converted(plain(3, 16), bytesOf<std::int16_t>({17070, 0, 0, 0, 8535, 0, 0, 0, 0}), true);
+    ASSERT_EQ(mixed.size(), 6u);
+    EXPECT_NEAR(mixed[0], 10000, 2);
+    EXPECT_EQ(mixed[1], 0);
+    EXPECT_EQ(mixed[2], 0);
+    EXPECT_NEAR(mixed[3], 5000, 2);
+    EXPECT_EQ(mixed[4], 0);
+    EXPECT_EQ(mixed[5], 0);
 }
 
 TEST(LinearConversion, two_channels_are_not_mixed) {

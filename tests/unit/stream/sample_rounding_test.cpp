@@ -195,6 +195,7 @@ TEST(SampleRounding, rounds_every_other_one_up_or_down_by_the_noise) {
     constexpr std::int32_t half = 100 * 65536 + 0x8000;
     EXPECT_EQ(SampleRounding::roundWith(0, half), 100);
     EXPECT_EQ(SampleRounding::roundWith(0x7FFF, half), 100);
+    EXPECT_EQ(SampleRounding::roundWith(0xFFFE, half), 100);
     EXPECT_EQ(SampleRounding::roundWith(0xFFFF, half), 101);
     EXPECT_EQ(SampleRounding::roundWith(0xFFFFFFFF, half), 101);
     EXPECT_EQ(SampleRounding::roundWith(0xFFFFFFFF, 100 * 65536 + 0xFFFF), 102);
