@@ -182,6 +182,38 @@ TEST_F(GraphControl, shows_a_sample_picture_while_a_form_is_designed) {
     as<IOleObject>()->SetClientSite(nullptr);
 }
 
+// Counts how often a container is to draw the control anew.
+class NewPictures final : public IAdviseSink {
+public:
+    int count = 0;
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** result) override {
+        *result = iid == IID_IUnknown || iid == IID_IAdviseSink ? this : nullptr;
+        return *result ? S_OK : E_NOINTERFACE;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
+    ULONG STDMETHODCALLTYPE Release() override { return 1; }
+    void STDMETHODCALLTYPE OnDataChange(FORMATETC*, STGMEDIUM*) override {}
+    void STDMETHODCALLTYPE OnViewChange(DWORD, LONG) override { ++count; }
+    void STDMETHODCALLTYPE OnRename(IMoniker*) override {}
+    void STDMETHODCALLTYPE OnSave() override {}
+    void STDMETHODCALLTYPE OnClose() override {}
+};
+
+TEST_F(GraphControl, a_property_shows_at_once_only_while_a_form_is_designed) {
+    for (const bool designing : {true, false}) {
+        const auto form = makeCom<FormSite>();
+        form->designing = designing;
+        ASSERT_EQ(S_OK, as<IOleObject>()->SetClientSite(form.get()));
+        NewPictures pictures;
+        as<IViewObject>()->SetAdvise(DVASPECT_CONTENT, 0, &pictures);
+        EXPECT_EQ(S_OK, graph->put_Bands(designing ? 20 : 30));
+        EXPECT_EQ(designing ? 1 : 0, pictures.count);
+        as<IViewObject>()->SetAdvise(0, 0, nullptr);
+        as<IOleObject>()->SetClientSite(nullptr);
+    }
+}
+
 TEST_F(GraphControl, sizes_without_area_and_the_largest_are_displayed) {
     Container container;
     ASSERT_EQ(S_OK, container.attach(graph.get()));

@@ -152,6 +152,19 @@ TEST(BoundedThread, a_job_without_memory_throws_where_it_was_wanted_and_the_next
     EXPECT_TRUE(ran);
 }
 
+TEST(BoundedThread, ten_leave_no_handle) {
+    constexpr std::intptr_t lowest = 0x800;
+    const auto makeSome = [](int count) {
+        for (int made = 0; made < count; ++made) {
+            BoundedThread thread(longEnough, [] {});
+            EXPECT_TRUE(thread.run([] {}));
+        }
+        return countKernelHandles(lowest);
+    };
+    const int handles = makeSome(2);
+    EXPECT_LE(makeSome(10), handles + 2);
+}
+
 TEST(BoundedThread, a_thousand_leave_no_handle) {
     const auto makeSome = [](int count) {
         for (int made = 0; made < count; ++made) {

@@ -23,9 +23,12 @@ int run(const CodePiece& piece) {
 
 // The first test: the memory is made once in a process.
 TEST(CodeMemory, keeps_no_handle) {
-    const int before = countKernelHandles();
-    CodePiece(1).write(codeThatReturns(7));
-    EXPECT_EQ(before, countKernelHandles());
+    constexpr std::intptr_t lowest = 0x800;
+    const int before = countKernelHandles(lowest);
+    CodePiece piece(1);
+    piece.write(codeThatReturns(7));
+    EXPECT_EQ(before, countKernelHandles(lowest));
+    EXPECT_EQ(7, run(piece));
 }
 
 TEST(CodeMemory, runs_what_was_written_last) {
@@ -88,6 +91,16 @@ TEST(CodeMemory, ends_with_256_pieces_in_use_and_has_them_all_again_afterwards) 
                   *entries.rbegin() - *entries.begin());
         EXPECT_THROW(CodePiece(5), std::bad_alloc);
     }
+}
+
+TEST(CodeMemory, is_found_where_only_the_piece_of_its_own_number_is_free) {
+    const std::uint8_t* const own = CodePiece(5).entry();
+    std::vector<std::unique_ptr<CodePiece>> pieces;
+    for (std::uint32_t use = 0; use < 256; ++use)
+        pieces.push_back(std::make_unique<CodePiece>(use));
+    std::erase_if(pieces, [own](const auto& piece) { return piece->entry() == own; });
+    ASSERT_EQ(255u, pieces.size());
+    EXPECT_EQ(own, CodePiece(5).entry());
 }
 
 TEST(CodeMemory, takes_no_more_than_fits_into_a_piece) {
