@@ -32,6 +32,7 @@ public:
 
     [[nodiscard]] std::shared_ptr<SampleFeed> sampleFeed() noexcept override { return feed_; }
     void goAway() { feed_->disconnect(); }
+    [[nodiscard]] long followers() const { return feed_.use_count() - 1; }
 
     HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
@@ -157,7 +158,8 @@ TEST_F(FollowingGraph, ends_its_timer_once_the_player_has_gone) {
     ASSERT_TRUE(looksAgain());
     EXPECT_TRUE(ticks(1000));
     player->goAway();
-    (void)pumpUntil([] { return false; }, 60ms);
+    EXPECT_TRUE(pumpUntil([&] { return player->followers() == 0; }, 3s));
+    (void)ticks(1); // one that waits already
     EXPECT_FALSE(ticks(100));
     EXPECT_EQ(nullptr, followed());
 }
@@ -166,6 +168,7 @@ TEST_F(FollowingGraph, ends_its_timer_when_it_is_to_follow_nobody) {
     follow();
     ASSERT_TRUE(looksAgain());
     ASSERT_EQ(S_OK, graph->put_Player(nullptr));
+    EXPECT_EQ(0, player->followers());
     const int looks = player->looks;
     (void)ticks(1); // one that waits already
     EXPECT_FALSE(ticks(100));
@@ -237,7 +240,9 @@ TEST_F(FollowingGraph, may_be_released_while_it_follows) {
     player->plays = true;
     follow();
     ASSERT_TRUE(looksAgain());
+    EXPECT_EQ(1, player->followers());
     graph.reset();
+    EXPECT_EQ(0, player->followers());
     EXPECT_FALSE(looksAgain(1, 50ms));
 }
 

@@ -80,14 +80,14 @@ TEST(BoundedThread, what_a_job_holds_is_released_on_the_thread) {
 
 TEST(BoundedThread, a_job_beyond_the_limit_is_given_up_and_no_other_starts) {
     const auto gate = std::make_shared<Gate>();
-    BoundedThread thread(300, [] {});
+    BoundedThread thread(600, [] {});
     const DWORD start = ::GetTickCount();
     EXPECT_FALSE(thread.run([gate] { gate->wait(); }));
     const DWORD given = ::GetTickCount();
-    EXPECT_GE(given - start, 290u);
+    EXPECT_GE(given - start, 590u);
     bool ran = false;
     EXPECT_FALSE(thread.run([&ran] { ran = true; }));
-    EXPECT_LT(::GetTickCount() - given, 250u) << "it is not waited for again";
+    EXPECT_LT(::GetTickCount() - given, 500u) << "it is not waited for again";
     gate->open();
     ::Sleep(50);
     EXPECT_FALSE(ran);
@@ -129,7 +129,7 @@ struct SlowEnd {
     ~SlowEnd() {
         if (!ended)
             return;
-        ::Sleep(200);
+        ::Sleep(500);
         *ended = true;
     }
 };
@@ -138,7 +138,7 @@ thread_local SlowEnd slowEnd;
 TEST(BoundedThread, the_end_of_a_thread_that_has_done_its_last_action_is_waited_for_longer) {
     std::atomic<bool> ended = false;
     {
-        BoundedThread thread(100, [] {});
+        BoundedThread thread(300, [] {});
         EXPECT_TRUE(thread.run([&ended] { slowEnd.ended = &ended; }));
     }
     EXPECT_TRUE(ended);
