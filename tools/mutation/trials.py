@@ -13,6 +13,7 @@ MOST = 3000  # milliseconds of tests of one program for one mutant
 
 # What the tests of a module are, if they are not those of its own folder alone.
 TEST_FOLDERS = {"com": ["control"], "library": ["control"], "control": ["control"],
+                "graph": ["control"], "player": ["control"],
                 "platform": ["unit/stream", "unit/subclass"], "stream": ["unit/sources"]}
 
 Case = collections.namedtuple("Case", "name milliseconds reached")
