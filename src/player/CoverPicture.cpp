@@ -25,14 +25,14 @@ ComPtr<IWICBitmapFrameDecode> firstFrame(IWICImagingFactory& factory,
     ComPtr<IWICBitmapDecoder> decoder;
     ComPtr<IWICBitmapFrameDecode> frame;
     // The stream reads only; its function wants to know nothing of const.
-    if (FAILED(factory.CreateStream(stream.put())) ||
+    const bool failed =
+        FAILED(factory.CreateStream(stream.put())) ||
         FAILED(stream->InitializeFromMemory(const_cast<BYTE*>(content.data()),
                                             static_cast<DWORD>(content.size()))) ||
         FAILED(factory.CreateDecoderFromStream(stream.get(), nullptr,
                                                WICDecodeMetadataCacheOnDemand, decoder.put())) ||
-        FAILED(decoder->GetFrame(0, frame.put())))
-        frame.reset();
-    return frame;
+        FAILED(decoder->GetFrame(0, frame.put()));
+    return failed ? ComPtr<IWICBitmapFrameDecode>() : frame;
 }
 
 // The size to which a picture is made smaller; nothing for one that is too large to decode.
@@ -51,20 +51,19 @@ PixelSize shownSize(PixelSize size) {
 ComPtr<IWICBitmapSource> scaled(IWICImagingFactory& factory, IWICBitmapSource& source,
                                 PixelSize size) {
     ComPtr<IWICBitmapScaler> scaler;
-    if (FAILED(factory.CreateBitmapScaler(scaler.put())) ||
-        FAILED(
-            scaler->Initialize(&source, size.width, size.height, WICBitmapInterpolationModeFant)))
-        scaler.reset();
-    return scaler.query<IWICBitmapSource>();
+    const bool failed = FAILED(factory.CreateBitmapScaler(scaler.put())) ||
+                        FAILED(scaler->Initialize(&source, size.width, size.height,
+                                                  WICBitmapInterpolationModeFant));
+    return failed ? ComPtr<IWICBitmapSource>() : scaler.query<IWICBitmapSource>();
 }
 
 ComPtr<IWICBitmapSource> converted(IWICImagingFactory& factory, IWICBitmapSource& source) {
     ComPtr<IWICFormatConverter> converter;
-    if (FAILED(factory.CreateFormatConverter(converter.put())) ||
+    const bool failed =
+        FAILED(factory.CreateFormatConverter(converter.put())) ||
         FAILED(converter->Initialize(&source, GUID_WICPixelFormat32bppBGRA, WICBitmapDitherTypeNone,
-                                     nullptr, 0, WICBitmapPaletteTypeCustom)))
-        converter.reset();
-    return converter.query<IWICBitmapSource>();
+                                     nullptr, 0, WICBitmapPaletteTypeCustom));
+    return failed ? ComPtr<IWICBitmapSource>() : converter.query<IWICBitmapSource>();
 }
 
 // pixels: blue, green, red and how opaque they are.
@@ -85,7 +84,6 @@ Bitmap bitmapOf(IWICBitmapSource& source, PixelSize size) {
     info.bmiHeader.biHeight = -static_cast<LONG>(size.height); // the top line first
     info.bmiHeader.biPlanes = 1;
     info.bmiHeader.biBitCount = 8 * pixelBytes;
-    info.bmiHeader.biCompression = BI_RGB;
     void* bits = nullptr;
     Bitmap bitmap(::CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0));
     if (!bitmap)

@@ -100,7 +100,8 @@ bool PlayedTrack::seek(std::int32_t milliseconds) {
     std::int64_t excess = (format().framesOf(milliseconds) - position_) * format().frameBytes();
     std::array<std::uint8_t, 8000> dropped;
     while (excess > 0) {
-        const auto piece = static_cast<std::int32_t>(std::min<std::int64_t>(excess, 8000));
+        const auto piece =
+            static_cast<std::int32_t>(std::min(excess, static_cast<std::int64_t>(dropped.size())));
         const std::int32_t got = read(dropped.data(), piece, false);
         if (got == 0)
             break;

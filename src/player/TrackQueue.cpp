@@ -41,7 +41,7 @@ TrackQueue::Filled TrackQueue::fill(std::span<std::uint8_t> block, const Options
         filled.bytes += got;
         bytesSinceBegin_ += got;
         fedFrames_ += got / std::max(current_->format().frameBytes(), 1);
-        if (current_->finished(options.exactly) || (got == 0 && filled.bytes < wanted))
+        if (current_->finished(options.exactly))
             filled.ended = !advance(options);
         if (filled.bytes == wanted)
             break;
@@ -123,10 +123,10 @@ void TrackQueue::restart(const Track& track) {
 
 void TrackQueue::close() {
     std::vector<Track> tracks;
+    // The current track is that of the last segment.
     for (const Segment& segment : segments_)
         tracks.push_back(segment.track);
     tracks.push_back(std::move(other_));
-    tracks.push_back(std::move(current_));
     forget();
     FirstFailure failure;
     for (const Track& track : tracks)

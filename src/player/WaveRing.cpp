@@ -71,7 +71,6 @@ void WaveRing::applySettings(WaveBuffer& buffer) {
     filledFrames_ += framesInBuffer(format_);
     buffer.changes.clear();
     buffer.chain.reset();
-    buffer.unchanged.clear();
     if (chain_.neutral())
         return;
     buffer.unchanged = buffer.data;

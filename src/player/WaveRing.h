@@ -27,10 +27,10 @@ struct WaveBuffer {
     std::int32_t dataAddress = 0;
 
     std::int64_t firstFrame = 0;
-    // The samples before the chain changed them; empty if it left them alone.
-    std::vector<std::int16_t> unchanged;
-    // The chain before this buffer, and what it was set to within it, by byte.
+    // The chain before this buffer, if it changed the samples; what they were before, and what the
+    // chain was set to within the buffer, by byte.
     std::optional<SampleChain> chain;
+    std::vector<std::int16_t> unchanged;
     std::vector<std::pair<std::size_t, SoundSettings>> changes;
 
     // The samples that are played.

@@ -92,6 +92,27 @@ TEST_F(CoverPicture, of_png_and_jpeg_is_made_and_transparent_places_become_white
     EXPECT_NEAR(GetRValue(pixel(jpeg, 4, 4)), 200, 6);
 }
 
+TEST_F(CoverPicture, shines_through_where_it_is_partly_transparent) {
+    Bytes pixels;
+    for (int index = 0; index < 64; ++index)
+        pixels.insert(pixels.end(), {0, 100, 200, 51});
+    const ComPtr<IPictureDisp> png = makePicture(encoded(GUID_ContainerFormatPng, 8, 8, pixels));
+    ASSERT_TRUE(png);
+    EXPECT_EQ(pixel(png, 3, 3), RGB(244, 224, 204)) << "a fifth of it, and four of white";
+}
+
+TEST_F(CoverPicture, may_have_a_single_pixel) {
+    const ComPtr<IPictureDisp> picture = makePicture(bmp(1, 1, 0x405060));
+    ASSERT_TRUE(picture);
+    EXPECT_EQ(pixel(picture, 0, 0), RGB(0x40, 0x50, 0x60));
+}
+
+TEST_F(CoverPicture, of_a_file_that_ends_within_its_pixels_is_none) {
+    Bytes file = bmp(5, 4, 0x102030);
+    file.resize(file.size() - 30);
+    EXPECT_FALSE(makePicture(file));
+}
+
 TEST_F(CoverPicture, is_made_smaller_if_it_is_large) {
     const SIZE size = sizeOf(makePicture(bmp(3000, 1500, 0x00FF00)));
     EXPECT_EQ(size.cx, 2048);
@@ -102,6 +123,12 @@ TEST_F(CoverPicture, is_made_smaller_if_it_is_large) {
 TEST_F(CoverPicture, of_more_pixels_than_fit_in_memory_is_none) {
     EXPECT_FALSE(makePicture(bmp(2, 2, 0, 100'000, 100'000)));
     EXPECT_FALSE(makePicture(bmp(2, 2, 0, 6000, 4001)));
+    // All of it is there: a bit for each pixel.
+    const Bytes small =
+        joined({bytesOf("BM"), littleNumber(62 + 752 * 4001), Bytes(4), littleNumber(62),
+                littleNumber(40), littleNumber(6000), littleNumber(4001), littleNumber(1, 2),
+                littleNumber(1, 2), Bytes(24), Bytes(8), Bytes(752 * 4001)});
+    EXPECT_FALSE(makePicture(small));
 }
 
 TEST_F(CoverPicture, of_nothing_or_of_anything_else_is_none) {

@@ -33,8 +33,9 @@ TEST(PlaybackSettings, out_of_range_raise_380_with_the_range_in_words_and_change
         EXPECT_EQ(refusalOf([&] { settings.setBandGain(1, value); }),
                   L"EqualizerGain must be from -12 to 12");
     for (const std::int32_t band : {0, 11, -1})
-        EXPECT_EQ(refusalOf([&] { settings.setBandGain(band, 1.0F); }),
-                  L"Band must be from 1 to 10");
+        for (const auto& refusal : {refusalOf([&] { settings.setBandGain(band, 1.0F); }),
+                                    refusalOf([&] { static_cast<void>(settings.bandGain(band)); })})
+            EXPECT_EQ(refusal, L"Band must be from 1 to 10");
     EXPECT_EQ(refusalOf([&] { settings.setPositionInterval(-1); }),
               L"PositionInterval must be from 0 to 3600000");
     EXPECT_EQ(settings.options().sound, SoundSettings{});
@@ -128,6 +129,8 @@ TEST_F(Sound, level_is_the_peak_of_what_is_heard) {
         script.data[i + 1] = 0x40; // left: half of full scale
         script.data[i + 3] = 0x20;
     }
+    for (std::size_t i = buffer * 3; i < buffer * 4; i += 4)
+        script.data[i + 1] = 0x80; // left: full scale
     startAndFill();
     EXPECT_EQ(host.player.Level(1), 0);
     fakeWave.finishOne();
@@ -135,6 +138,9 @@ TEST_F(Sound, level_is_the_peak_of_what_is_heard) {
     dispatchWaitingMessages();
     EXPECT_EQ(host.player.Level(1), 50);
     EXPECT_EQ(host.player.Level(2), 25);
+    fakeWave.finishOne();
+    dispatchWaitingMessages();
+    EXPECT_EQ(host.player.Level(1), 100);
     for (const std::int32_t channel : {0, 3, -1})
         EXPECT_EQ(refusalOf([&] { static_cast<void>(host.player.Level(channel)); }),
                   L"Channel must be from 1 to 2");

@@ -26,6 +26,21 @@ TEST(PlaybackState, only_a_device_that_is_opening_or_draining_can_begin_to_be_fe
     EXPECT_TRUE(mayFollow(draining, feeding)) << "a jump back from the end";
 }
 
+TEST(PlaybackState, follow_each_other_in_these_ways_alone) {
+    using enum PlaybackState;
+    const std::map<PlaybackState, std::set<PlaybackState>> ways{
+        {closed, {opening}},
+        {opening, {feeding, closed}},
+        {feeding, {draining, closed}},
+        {draining, {feeding, closing, closed}},
+        {closing, {closed, closeRefused}},
+        {closeRefused, {closed}}};
+    for (const auto& [from, followers] : ways)
+        for (const auto& [to, unused] : ways)
+            EXPECT_EQ(mayFollow(from, to), followers.contains(to))
+                << nameOf(from) << " to " << nameOf(to);
+}
+
 TEST_F(States, of_a_playback_to_the_end) {
     script.data = noise(buffer * 10);
     startAndFill();

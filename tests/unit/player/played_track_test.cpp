@@ -125,6 +125,37 @@ TEST_F(TrackOfFrames, is_closed_once_and_cannot_be_begun_or_moved_afterwards) {
     EXPECT_EQ(source->opens, 0);
 }
 
+TEST_F(TrackOfFrames, of_PCM_jumps_without_a_search_for_a_codec) {
+    ASSERT_TRUE(track.begin());
+    const std::size_t openings = fakeAcm.openings.size();
+    ASSERT_TRUE(track.seek(1250));
+    EXPECT_EQ(fakeAcm.openings.size(), openings);
+}
+
+TEST(TrackOfBytes, is_read_byte_by_byte_and_knows_how_far) {
+    fakeAcm.reset();
+    const Bytes sound = noise(1000);
+    PlayedTrack track(L"", std::make_shared<MemorySource>(pcm(1000, 1, 8), sound), fakeAcmApi,
+                      nullptr);
+    ASSERT_TRUE(track.begin());
+    Bytes read(100);
+    EXPECT_EQ(track.read(read.data(), 100, false), 100);
+    EXPECT_EQ(track.position(), 100);
+    EXPECT_EQ(track.read(read.data(), 1, false), 1);
+    EXPECT_EQ(track.position(), 101);
+    EXPECT_EQ(read[0], sound[100]);
+}
+
+TEST(PlayedFormat, without_a_rate_has_no_milliseconds) {
+    EXPECT_EQ(PlayedFormat{}.millisecondsOf(1000), 0);
+    EXPECT_EQ((PlayedFormat{.sampleRate = 1, .channels = 1, .bits = 8}.millisecondsOf(3)), 3000);
+}
+
+TEST(PlayedFormat, is_silent_at_half_of_the_range_in_8_bits) {
+    EXPECT_EQ((PlayedFormat{.sampleRate = 8000, .channels = 1, .bits = 8}.silence()), 0x80);
+    EXPECT_EQ((PlayedFormat{.sampleRate = 8000, .channels = 1, .bits = 16}.silence()), 0);
+}
+
 TEST(TrackOfManyChannels, has_two_once_it_is_mixed_also_after_a_seek) {
     fakeAcm.reset();
     auto source = std::make_shared<MemorySource>(pcm(1000, 6, 16), Bytes(12 * 2000));
@@ -170,6 +201,23 @@ TEST_F(TrackOfWav, ends_exactly_where_its_data_end_if_that_is_asked) {
     EXPECT_TRUE(track.finished(true));
     EXPECT_EQ(track.read(buffer.data(), 4000, true), 0);
     EXPECT_EQ(track.durationMs(), 1000);
+}
+
+TEST_F(TrackOfWav, of_several_bytes_to_a_frame_ends_exactly_with_its_last_frame) {
+    const auto wav =
+        WavBytes().format(pcm(1000, 1, 16)).chunk("data", noise(900)).chunk("LIST", Bytes(2000));
+    PlayedTrack heard = open(wav);
+    ASSERT_TRUE(heard.begin());
+    EXPECT_GT(heard.read(buffer.data(), 4000, false), 900) << "what follows is heard otherwise";
+    heard.close();
+    PlayedTrack track = open(wav);
+    ASSERT_TRUE(track.begin());
+    EXPECT_EQ(track.read(buffer.data(), 500, true), 500);
+    EXPECT_FALSE(track.finished(true));
+    EXPECT_EQ(track.read(buffer.data(), 4000, true), 400);
+    EXPECT_TRUE(track.finished(true));
+    EXPECT_EQ(track.read(buffer.data(), 4000, true), 0);
+    EXPECT_EQ(track.position(), 450);
 }
 
 TEST_F(TrackOfWav, lasts_as_long_as_its_frames_and_not_as_its_rate_of_bytes_says) {

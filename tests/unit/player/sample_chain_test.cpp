@@ -212,5 +212,86 @@ TEST(SampleChain, has_no_balance_in_mono_and_changes_8_bit_sound) {
     EXPECT_EQ(bytes, expected);
 }
 
+TEST(SampleChain, leaves_an_8_bit_channel_alone_whose_gain_is_1) {
+    SoundSettings settings;
+    settings.balance = -50; // left as it is, right half as loud
+    SampleChain chain({.sampleRate = 8000, .channels = 2, .bits = 8}, settings);
+    std::vector<std::uint8_t> bytes;
+    for (int value = 0; value < 256; ++value)
+        bytes.insert(bytes.end(), 2, static_cast<std::uint8_t>(value));
+    chain.process(bytes);
+    for (std::size_t value = 0; value < 256; ++value) {
+        EXPECT_EQ(bytes[2 * value], value);
+        EXPECT_NEAR(bytes[2 * value + 1], 0x80 + (static_cast<int>(value) - 0x80) / 2.0, 0.5);
+    }
+}
+
+TEST(SampleChain, rounds_8_bit_sound_to_the_nearest_step) {
+    SoundSettings settings;
+    settings.volume = 15; // a gain of 0.0225
+    SampleChain chain({.sampleRate = 8000, .channels = 1, .bits = 8}, settings);
+    std::vector<std::uint8_t> bytes{0x80 + 22, 0x80 + 23, 0x80 - 22, 0x80 - 23};
+    chain.process(bytes);
+    const std::vector<std::uint8_t> expected{0x80, 0x81, 0x80, 0x7F};
+    EXPECT_EQ(bytes, expected);
+}
+
+TEST(SampleChain, never_wraps_8_bit_sound_around) {
+    SoundSettings settings;
+    settings.bandGains.fill(12.0F);
+    SampleChain chain({.sampleRate = 44100, .channels = 1, .bits = 8}, settings);
+    std::vector<std::uint8_t> bytes;
+    for (int i = 0; i < 4410; ++i)
+        bytes.push_back(static_cast<std::uint8_t>(
+            std::lround(0x80 + 120 * std::sin(2 * std::numbers::pi * i / 44.1))));
+    chain.process(bytes);
+    EXPECT_EQ(*std::max_element(bytes.begin(), bytes.end()), 0xFF);
+    for (std::size_t i = 1; i < bytes.size(); ++i)
+        ASSERT_LT(std::abs(bytes[i] - bytes[i - 1]), 0xC0) << i;
+}
+
+TEST(SampleChain, balances_the_first_two_channels_alone) {
+    SoundSettings settings;
+    settings.balance = -50;
+    SampleChain chain({.sampleRate = 44100, .channels = 4, .bits = 16}, settings);
+    Samples samples(8, 10000);
+    chain.process(bytesOf(samples));
+    EXPECT_EQ(samples, (Samples{10000, 5000, 10000, 10000, 10000, 5000, 10000, 10000}));
+}
+
+TEST(SampleChain, equalizes_on_while_another_setting_is_reached) {
+    SoundSettings settings;
+    settings.bandGains[0] = 12.0F;
+    SampleChain chain(stereo, settings);
+    SampleChain other = chain;
+    Samples samples = sine(31.25, 6000, 2000);
+    Samples expected = samples;
+    other.process(bytesOf(expected));
+    const auto bytes = bytesOf(samples);
+    chain.process(bytes.first(4 * 960));
+    settings.balance = -40; // which the left channel does not notice
+    chain.setTarget(settings);
+    chain.process(bytes.subspan(4 * 960));
+    for (std::size_t i = 0; i < samples.size(); i += 2)
+        ASSERT_EQ(samples[i], expected[i]) << i;
+    EXPECT_LT(std::abs(samples.back()), std::abs(expected.back()));
+}
+
+TEST(SampleChain, begins_to_limit_evenly_over_20_ms) {
+    SampleChain chain(stereo, {});
+    Samples samples(2 * 1000, 32000);
+    const auto bytes = bytesOf(samples);
+    SoundSettings settings;
+    settings.bandGains[9] = 0.5F; // which a level that lasts does not notice
+    chain.process(bytes.first(4 * 100));
+    chain.setTarget(settings);
+    chain.process(bytes.subspan(4 * 100));
+    const double limited = softLimit(32000 / 32768.0F) * 32768;
+    for (std::size_t frame = 100; frame < 1000; ++frame) {
+        const double part = std::min(1.0, static_cast<double>(frame - 100) / 882);
+        ASSERT_NEAR(samples[2 * frame], 32000 + (limited - 32000) * part, 3) << frame;
+    }
+}
+
 } // namespace
 } // namespace corvina::test

@@ -109,5 +109,11 @@ TEST_F(Sources, are_counted) {
     EXPECT_EQ(list.count(), 4u);
 }
 
+TEST_F(Sources, are_numbered_in_their_order) {
+    EXPECT_EQ(list.indexOf(ape), 0u);
+    EXPECT_EQ(list.indexOf(snd), 2u);
+    EXPECT_EQ(list.indexOf(again), 3u);
+}
+
 } // namespace
 } // namespace corvina::test

@@ -190,5 +190,42 @@ TEST_F(Queue, forgets_its_tracks_without_closing_them) {
     EXPECT_EQ(queue.placeAt(0).track, second);
 }
 
+TEST_F(Queue, ends_if_a_track_that_loops_has_no_sound_any_more) {
+    queue.begin(first);
+    EXPECT_THAT(fill(100, looping), ElementsAreArray(numbersFrom(0, 100)));
+    firstSource->respond = [](void*, std::int32_t, std::int32_t& read) {
+        read = 0;
+        return SourceResult::endOfData;
+    };
+    EXPECT_THAT(fill(100, looping), ElementsAreArray(numbersFrom(100, 50)));
+    EXPECT_TRUE(ended);
+}
+
+TEST_F(Queue, counts_frames_of_a_single_byte) {
+    const auto eightBits = [](std::size_t frames) {
+        return trackOf(std::make_shared<MemorySource>(pcm(1000, 1, 8), Bytes(frames)));
+    };
+    const Track next = eightBits(100);
+    queue.begin(eightBits(150));
+    Bytes block(200);
+    EXPECT_EQ(
+        queue.fill(block, {.loops = false, .exactly = false, .next = [&] { return next; }}).bytes,
+        200);
+    EXPECT_EQ(queue.placeAt(149).milliseconds, 149);
+    EXPECT_EQ(queue.placeAt(150).track, next);
+    EXPECT_EQ(queue.placeAt(150).milliseconds, 0);
+}
+
+TEST_F(Queue, has_no_track_for_another_device_any_more_after_a_restart) {
+    queue.begin(first);
+    const Track other = trackOf(numberedSource(0, 100, 2000));
+    fill(200, {.loops = false, .exactly = false, .next = [&] { return other; }});
+    ASSERT_EQ(queue.other(), other);
+    queue.restart(first);
+    EXPECT_EQ(queue.other(), nullptr);
+    EXPECT_THAT(queue.unheard(), IsEmpty());
+    EXPECT_FALSE(queue.uses(other->source()));
+}
+
 } // namespace
 } // namespace corvina::test

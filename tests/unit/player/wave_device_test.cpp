@@ -156,5 +156,15 @@ TEST_F(Device, keeps_its_last_position_and_says_so_if_the_driver_says_none) {
     EXPECT_TRUE(device.responds());
 }
 
+TEST_F(Device, that_was_opened_again_responds_until_it_is_asked) {
+    ASSERT_EQ(open(), 0u);
+    fakeWave.faults.arm("waveOutGetPosition", 1);
+    EXPECT_EQ(positionAt(1000), 0);
+    EXPECT_FALSE(device.responds());
+    ASSERT_EQ(device.close(), 0u);
+    ASSERT_EQ(open(), 0u);
+    EXPECT_TRUE(device.responds());
+}
+
 } // namespace
 } // namespace corvina::test

@@ -81,5 +81,49 @@ TEST_F(WaveLength, is_unknown_where_blocks_cannot_be_counted) {
         << "not the source of WAV files";
 }
 
+TEST_F(WaveLength, of_PCM_is_not_what_a_writer_counted) {
+    EXPECT_EQ(count(WavBytes()
+                        .format(pcm(8000, 1, 8))
+                        .chunk("fact", number(10))
+                        .chunk("data", Bytes(100))
+                        .bytes()),
+              100);
+}
+
+TEST_F(WaveLength, of_compressed_sound_may_be_a_single_frame) {
+    EXPECT_EQ(count(ima().chunk("fact", number(1)).chunk("data", Bytes(256 * 3)).bytes()), 1);
+}
+
+TEST_F(WaveLength, of_a_file_without_sound_is_0) {
+    EXPECT_EQ(count(WavBytes().format(pcm(8000, 1, 8)).chunk("data", {}).bytes()), 0);
+    EXPECT_EQ(count(WavBytes().format(pcm(8000, 1, 8)).chunk("data", {}, 5000).bytes()), 0)
+        << "cut off behind the header of its data";
+}
+
+TEST_F(WaveLength, is_unknown_of_a_file_without_data) {
+    DecWAV source;
+    ASSERT_EQ(source.OpenSource(folder.write(L"a.wav", plainWav(pcm(8000, 1, 8), Bytes(9)))), 0);
+    const std::wstring other =
+        folder.write(L"b.wav", WavBytes().format(pcm(8000, 1, 8)).chunk("LIST", Bytes(4)).bytes());
+    EXPECT_EQ(countFrames(other, source), std::nullopt);
+}
+
+TEST_F(WaveLength, of_a_file_of_more_than_4_GB_is_what_its_header_says) {
+    const Bytes content = WavBytes().format(pcm(8000, 1, 8)).chunk("data", Bytes(9), 5000).bytes();
+    DecWAV source;
+    ASSERT_EQ(source.OpenSource(folder.write(L"a.wav", content)), 0);
+    const std::wstring large = folder.write(L"large.wav", content);
+    const HANDLE file =
+        ::CreateFileW(large.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    LARGE_INTEGER size;
+    size.QuadPart = (std::int64_t{1} << 32) + 100;
+    // Nothing of the rest is written, so that it takes no place on the disk.
+    const bool made = ::SetFilePointerEx(file, size, nullptr, FILE_BEGIN) && ::SetEndOfFile(file);
+    ::CloseHandle(file);
+    if (!made)
+        GTEST_SKIP() << "the disk takes no file of that size";
+    EXPECT_EQ(countFrames(large, source), 5000);
+}
+
 } // namespace
 } // namespace corvina::test

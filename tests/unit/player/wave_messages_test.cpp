@@ -66,5 +66,15 @@ TEST_F(Messages, that_end_the_hosts_loop_are_put_back) {
     EXPECT_EQ(found.wParam, 77u);
 }
 
+TEST_F(Messages, of_a_closed_device_are_posted_as_the_device_would) {
+    windowLog.clear();
+    EXPECT_TRUE(messages.postClose());
+    EXPECT_EQ(windowLog, std::vector<std::string>{"Post 956 0 0"});
+    EXPECT_TRUE(messages.discardClose());
+    windowFaults.arm("PostMessage", 1);
+    EXPECT_FALSE(messages.postClose());
+    EXPECT_FALSE(messages.discardClose());
+}
+
 } // namespace
 } // namespace corvina::test

@@ -68,6 +68,34 @@ TEST_F(Output, offers_two_channels_only_if_the_sound_has_more) {
     EXPECT_EQ(output.format().channels, 2);
 }
 
+TEST_F(Output, opens_a_device_with_the_rate_of_what_is_sent) {
+    track = std::make_unique<PlayedTrack>(L"", numberedSource(0, 100), fakeAcmApi, nullptr);
+    ASSERT_TRUE(track->begin());
+    ASSERT_EQ(output.open(-1, *track, pcm(500, 1, 16), {}, window.handle()), 0u);
+    EXPECT_EQ(fakeWave.format.nSamplesPerSec, 1000u);
+}
+
+// A device with two loudspeakers.
+MMRESULT WINAPI openForTwoChannels(LPHWAVEOUT result, UINT device, LPCWAVEFORMATEX format,
+                                   DWORD_PTR callback, DWORD_PTR instance, DWORD flags) {
+    return format->nChannels > 2
+               ? WAVERR_BADFORMAT
+               : fakeWaveApi.outOpen(result, device, format, callback, instance, flags);
+}
+
+TEST_F(Output, sends_whole_buffers_of_two_channels_to_a_device_that_takes_no_more) {
+    WaveApi two = fakeWaveApi;
+    two.outOpen = &openForTwoChannels;
+    WaveOutput narrow(two);
+    track = std::make_unique<PlayedTrack>(
+        L"", std::make_shared<MemorySource>(pcm(1000, 6, 16), Bytes(12'000)), fakeAcmApi, nullptr);
+    ASSERT_TRUE(track->begin());
+    ASSERT_EQ(narrow.open(-1, *track, track->sourceFormat(), {}, window.handle()), 0u);
+    EXPECT_EQ(narrow.format().channels, 2);
+    EXPECT_EQ(narrow.ring().first().header.dwBufferLength, 8000u);
+    EXPECT_TRUE(narrow.closeAtOnce());
+}
+
 TEST_F(Output, offers_nothing_else_after_another_failure) {
     fakeWave.faults.arm("waveOutOpen", 1, Faults::Lasting::once, MMSYSERR_ALLOCATED);
     EXPECT_EQ(open(pcm(44100, 6, 16)), static_cast<MMRESULT>(MMSYSERR_ALLOCATED));
@@ -152,6 +180,32 @@ TEST_F(Output, changes_what_is_still_to_be_heard_but_for_20_ms) {
     EXPECT_TRUE(std::ranges::any_of(bytes.first(20 * 4), [](int byte) { return byte != 0; }));
     EXPECT_TRUE(std::ranges::all_of(bytes.last(4), [](int byte) { return byte == 0; }));
     EXPECT_EQ(bytes[20 * 4 - 1], 0x40); // the last frame that a driver may have fetched
+    EXPECT_EQ(bytes[20 * 4 + 1], 0x40); // where silence begins to be reached
+    EXPECT_LT(bytes[21 * 4 + 1], 0x40);
+}
+
+TEST_F(Output, does_not_stall_when_it_has_just_begun) {
+    openAndPrepare();
+    send(1);
+    EXPECT_FALSE(output.stalled(false, false));
+    EXPECT_FALSE(output.stalled(false, true));
+}
+
+TEST_F(Output, stalls_at_the_first_look_if_it_has_played_nothing_since_it_was_prepared) {
+    openAndPrepare();
+    send(1);
+    ::Sleep(870);
+    EXPECT_TRUE(output.stalled(false, false));
+    EXPECT_FALSE(output.stalled(true, false)) << "it is paused, and says where it is";
+}
+
+TEST_F(Output, stalls_at_the_frame_where_it_was_seen_before) {
+    openAndPrepare();
+    send(1);
+    fakeWave.framesBeyond = 100;
+    EXPECT_FALSE(output.stalled(false, false));
+    ::Sleep(870);
+    EXPECT_TRUE(output.stalled(false, false));
 }
 
 TEST_F(Output, stalls_if_it_has_buffers_and_plays_none_of_them) {

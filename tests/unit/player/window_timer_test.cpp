@@ -99,5 +99,23 @@ TEST_F(Timer, ticks_with_the_messages_of_a_real_window) {
     EXPECT_EQ(ticks, before);
 }
 
+std::vector<HWND> stoppedAt;
+BOOL WINAPI noteStop(HWND window, UINT_PTR id) {
+    stoppedAt.push_back(window);
+    return faulty::killTimer(window, id);
+}
+
+TEST_F(Timer, is_stopped_at_the_window_where_it_runs) {
+    const HiddenWindow window;
+    WindowApi api = faultyWindowApi;
+    api.killTimer = &noteStop;
+    timer.emplace(api, [this] { ++ticks; });
+    timer->start(window.handle(), 100);
+    stoppedAt.clear();
+    timer->stop();
+    EXPECT_EQ(stoppedAt, std::vector<HWND>{window.handle()});
+    timer.reset();
+}
+
 } // namespace
 } // namespace corvina::test
