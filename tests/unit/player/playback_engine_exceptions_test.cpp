@@ -1,6 +1,7 @@
 // The playback engine when the source throws.
 
 #include "PlaybackFaultsFixture.h"
+#include "TrackFixture.h"
 
 #include <new>
 
@@ -121,6 +122,84 @@ TEST_F(PlaybackFaults, calls_from_the_Err_of_a_thrown_failure_are_safe) {
         host.init();
         expectTheNextPlaybackWorks();
     }
+}
+
+TEST_F(PlaybackFaults, no_more_is_fed_while_a_thrown_failure_is_reported) {
+    startAndFill();
+    script.onRead = [] { throwOverflow(); };
+    host.onErr = [handled = false](const std::wstring&) mutable {
+        if (std::exchange(handled, true))
+            return;
+        fakeWave.finishAll();
+        dispatchWaitingMessages();
+    };
+    playOut();
+    EXPECT_EQ(host.countOf(L"WindowProcOut|6|Overflow"), 1);
+    EXPECT_EQ(host.countOf(L"DonePlay"), 1);
+    expectTheNextPlaybackWorks();
+}
+
+// An engine whose supply throws when the next track is heard.
+class ThrowingSupply : public ::testing::Test, public TrackSupply, public PlayerEvents {
+protected:
+    ThrowingSupply() {
+        fakeWave.reset();
+        fakeAcm.reset();
+        fakeTimers.clear();
+        engine.connect(window.handle());
+    }
+    static TrackQueue::Track track(std::size_t frames) {
+        return std::make_shared<PlayedTrack>(L"", numberedSource(0, frames), fakeAcmApi, nullptr);
+    }
+    void handleMessages() {
+        MSG message;
+        while (::PeekMessageA(&message, window.handle(), MM_WOM_CLOSE, MM_WOM_DONE, PM_REMOVE))
+            engine.handleMessage(message.message);
+    }
+
+    TrackQueue::Track takeNext() override {
+        const TrackQueue::Track taken = std::exchange(next, nullptr);
+        return taken && taken->begin() ? taken : nullptr;
+    }
+    void giveBack(const TrackQueue::Track&) override {}
+    void nextHeard(const TrackQueue::Track&) override { throwOverflow(); }
+    void reportFailures() override {}
+
+    void Err(const std::wstring& function, std::int32_t, const std::wstring&) noexcept override {
+        events.push_back(function);
+        if (function != L"WindowProcOut")
+            return;
+        const int before = fakeWave.writes;
+        fakeWave.finishOne();
+        handleMessages();
+        EXPECT_EQ(fakeWave.writes, before) << "no more is fed";
+    }
+    void DonePlay() noexcept override { events.emplace_back(L"DonePlay"); }
+    void Ended(PlayEndReason reason) noexcept override {
+        events.push_back(L"Ended " + std::to_wstring(reason));
+    }
+    void StateChanged(PlayState) noexcept override {}
+    void PositionChanged(std::int32_t) noexcept override {}
+    void NextStarted(const std::wstring&) noexcept override {}
+
+    HiddenWindow window;
+    TrackQueue::Track next = track(30'000);
+    std::vector<std::wstring> events;
+    PlaybackOptions options;
+    const PlayerPlatform platform = fakePlatform();
+    PlaybackEngine engine{*this, *this, options, platform};
+};
+
+TEST_F(ThrowingSupply, ends_the_playback_also_if_it_throws_between_two_buffers) {
+    ASSERT_EQ(engine.start(-1, track(6000)), 0);
+    handleMessages();
+    fakeWave.framesBeyond = 6000;
+    tickTimers();
+    EXPECT_FALSE(fakeWave.open);
+    handleMessages();
+    EXPECT_THAT(events, ElementsAre(L"WindowProcOut", L"StopPlayAudio:waveOutReset", L"DonePlay",
+                                    L"Ended 3"));
+    EXPECT_TRUE(engine.done());
 }
 
 } // namespace

@@ -235,5 +235,33 @@ TEST_F(PlaybackFaults, a_device_that_never_closes_is_left_to_itself_with_its_buf
     host.player.shutdown();
 }
 
+TEST_F(PlaybackFaults, each_stop_whose_reset_fails_is_reported) {
+    startAndFill();
+    fakeWave.faults.arm("waveOutReset", 1, forever, 11);
+    EXPECT_EQ(host.player.PlayStop(), 11);
+    EXPECT_EQ(host.player.PlayStop(), 11);
+    EXPECT_EQ(host.countOf(L"StopPlayAudio:waveOutReset|11|11"), 2);
+    fakeWave.faults.disarm();
+    playOut();
+    expectTheNextPlaybackWorks();
+}
+
+TEST_F(PlaybackFaults, no_more_is_fed_while_a_failed_reset_is_reported) {
+    startAndFill();
+    fakeWave.faults.arm("waveOutReset", 1, once, 11);
+    host.onErr = [handled = false](const std::wstring&) mutable {
+        if (std::exchange(handled, true))
+            return;
+        fakeWave.finishOne();
+        dispatchWaitingMessages();
+        EXPECT_EQ(fakeWave.writes, 8);
+    };
+    EXPECT_EQ(host.player.PlayStop(), 11);
+    EXPECT_EQ(fakeWave.queued.size(), 7u);
+    playOut();
+    EXPECT_EQ(fakeWave.writes, 8);
+    expectTheNextPlaybackWorks();
+}
+
 } // namespace
 } // namespace corvina::test

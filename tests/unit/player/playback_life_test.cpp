@@ -118,6 +118,33 @@ TEST_F(Life, of_two_playbacks_of_which_the_second_is_stopped_by_the_firsts_close
     EXPECT_THAT(host.progress, ElementsAre(L"State 1", L"Ended 1", L"State 0", L"Ended 1"));
 }
 
+TEST_F(Life, of_a_playback_begun_in_the_Err_before_DonePlay_ends_as_stopped) {
+    bool started = false;
+    host.onErr = [&](const std::wstring&) {
+        if (!std::exchange(started, true)) {
+            EXPECT_EQ(start(), 0);
+        }
+    };
+    startAndFill();
+    playOut();
+    EXPECT_TRUE(started);
+    EXPECT_THAT(host.progress, ElementsAre(L"State 1", L"Ended 0", L"State 0", L"Ended 1"));
+}
+
+TEST_F(Life, of_the_playback_after_one_that_lost_a_buffer_ends_as_ever) {
+    script.data = noise(buffer * 10);
+    ASSERT_EQ(start(), 0);
+    fakeWave.faults.arm("waveOutWrite", 3);
+    dispatchWaitingMessages();
+    host.player.DeInit();
+    ASSERT_EQ(host.init(), 0);
+    host.progress.clear();
+    startAndFill();
+    playOut();
+    EXPECT_THAT(host.progress, ElementsAre(L"State 1", L"State 0", L"Ended 0"));
+    EXPECT_EQ(host.events.back(), L"DonePlay");
+}
+
 TEST_F(Life, goes_on_with_a_start_inside_Ended) {
     int starts = 0;
     host.onProgress = [&](const std::wstring& event) {
@@ -153,7 +180,7 @@ protected:
     // As long as it takes, and a little more.
     static void watch() {
         tickTimers();
-        ::Sleep(900);
+        ::Sleep(870);
         tickTimers();
     }
 };
@@ -178,6 +205,29 @@ TEST_F(LostDevice, is_not_one_that_plays_slowly_or_is_paused) {
     EXPECT_EQ(ends(), 0);
     host.player.PlayUnPause();
     tickTimers();
+    EXPECT_EQ(ends(), 0);
+}
+
+TEST_F(LostDevice, is_not_one_that_has_just_gone_on_after_a_pause) {
+    startAndFill();
+    tickTimers();
+    host.player.PlayPause();
+    ::Sleep(870);
+    host.player.PlayUnPause();
+    tickTimers();
+    dispatchWaitingMessages();
+    EXPECT_EQ(ends(), 0);
+}
+
+TEST_F(LostDevice, is_not_one_that_returns_buffers_but_does_not_say_where_it_is) {
+    startAndFill();
+    fakeWave.faults.arm("waveOutGetPosition", 1, forever);
+    tickTimers();
+    ::Sleep(870);
+    fakeWave.finishOne();
+    dispatchWaitingMessages();
+    tickTimers();
+    dispatchWaitingMessages();
     EXPECT_EQ(ends(), 0);
 }
 

@@ -3,13 +3,42 @@
 #include "PlaybackFixture.h"
 #include "support/ErrorNumber.h"
 
+#include <cstring>
+
 namespace corvina::test {
 namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-class PlayerTest : public Playback {};
+class PlayerTest : public Playback {
+protected:
+    // A player that reads real files.
+    static PlayerPlatform realSources() {
+        return {fakeWaveApi, systemWindowApi, fakeAcmApi, systemFileApi, &makeSources};
+    }
+};
+
+// A source that refuses every file of its kind.
+class RefusingSource final : public cSoundSTRM {
+public:
+    cSoundInf& Info() override { throwObjectNotSet(); }
+    std::vector<std::wstring> Extensions() override { return {L"test"}; }
+    bool EndOfStream() override { return true; }
+    bool Seekable() override { return false; }
+    const WAVEFORMATEX* WFXPointer() override { return nullptr; }
+    std::int32_t OpenSource(const std::wstring&) override { return SourceResult::notOpen; }
+    std::int32_t CloseSource() override { return SourceResult::done; }
+    std::int32_t Read(void*, std::int32_t, std::int32_t&) override { return SourceResult::notOpen; }
+    std::int32_t SeekTo(std::int32_t, std::int32_t&) override { return SourceResult::notOpen; }
+};
+
+std::vector<std::unique_ptr<cSoundSTRM>> makeRefusingAndScripted() {
+    std::vector<std::unique_ptr<cSoundSTRM>> sources;
+    sources.push_back(std::make_unique<RefusingSource>());
+    sources.push_back(std::make_unique<ScriptedSource>());
+    return sources;
+}
 
 TEST_F(PlayerTest, a_file_is_opened_by_the_source_of_its_extension) {
     EXPECT_EQ(host.player.OpenAudioFile(file), 0);
@@ -81,7 +110,7 @@ TEST_F(PlayerTest, hostile_names_find_no_file) {
 }
 
 TEST_F(PlayerTest, a_real_wav_file_is_opened_and_described) {
-    BarePlayer real({fakeWaveApi, systemWindowApi, fakeAcmApi, systemFileApi, &makeSources});
+    BarePlayer real(realSources());
     ASSERT_EQ(real.init(), 0);
     const auto format = pcm(22050, 1, 16);
     const std::wstring wav = folder.write(L"a.WAV", plainWav(format, noise(22050)));
@@ -157,6 +186,104 @@ TEST_F(PlayerTest, seeking_out_of_range_returns_0) {
     host.player.OpenAudioFile(file);
     EXPECT_EQ(host.player.PositionSet(1000), 0);
     EXPECT_THAT(host.events, IsEmpty());
+}
+
+TEST_F(PlayerTest, a_file_that_one_source_refuses_is_opened_by_another_of_its_kind) {
+    BarePlayer two(
+        {fakeWaveApi, systemWindowApi, fakeAcmApi, systemFileApi, &makeRefusingAndScripted});
+    ASSERT_EQ(two.init(), 0);
+    EXPECT_EQ(two.player.OpenAudioFile(file), 0);
+    EXPECT_THAT(two.events, IsEmpty());
+    EXPECT_EQ(two.player.Info_Samplerate(), 44100);
+    script.data = noise(buffer * 3);
+    two.player.settings().options().nextFile = file;
+    ASSERT_EQ(two.player.PlayStart(file, -1, 0), 0);
+    dispatchWaitingMessages();
+    playOut();
+    EXPECT_EQ(std::count(two.progress.begin(), two.progress.end(), L"Next song.test"), 1);
+    EXPECT_EQ(two.events, endOfPlayback);
+}
+
+TEST_F(PlayerTest, the_length_in_milliseconds_is_exact_and_does_not_go_by_the_header) {
+    BarePlayer real(realSources());
+    ASSERT_EQ(real.init(), 0);
+    WAVEFORMATEX format = pcm(8000, 1, 8);
+    format.nAvgBytesPerSec = 4000;
+    ASSERT_EQ(real.player.OpenAudioFile(folder.write(L"a.wav", plainWav(format, Bytes(80'000)))),
+              0);
+    EXPECT_EQ(real.player.DurationMs(), 10'000);
+}
+
+TEST_F(PlayerTest, the_length_of_a_file_without_a_rate_is_what_its_header_says) {
+    BarePlayer real(realSources());
+    ASSERT_EQ(real.init(), 0);
+    WAVEFORMATEX format = pcm(8000, 1, 8);
+    format.nSamplesPerSec = 0;
+    ASSERT_EQ(real.player.OpenAudioFile(folder.write(L"a.wav", plainWav(format, Bytes(80'000)))),
+              0);
+    EXPECT_EQ(real.player.DurationMs(), 10'000);
+}
+
+TEST_F(PlayerTest, the_extensions_are_patterns_of_all_sources_without_repetition) {
+    script.extensions = {L"test", L"other"};
+    EXPECT_EQ(host.player.Extensions(), L"*.test;*.other");
+    const Player two(
+        host, nullptr,
+        {fakeWaveApi, systemWindowApi, fakeAcmApi, systemFileApi, &makeRefusingAndScripted});
+    EXPECT_EQ(two.Extensions(), L"*.test;*.other") << "that both of its sources read";
+}
+
+TEST_F(PlayerTest, a_file_whose_playback_did_not_start_is_closed_by_the_next_one) {
+    fakeWave.faults.arm("waveOutOpen", 1);
+    EXPECT_NE(start(), 0);
+    script.log.clear();
+    EXPECT_EQ(host.player.OpenAudioFile(file), 0);
+    EXPECT_THAT(script.log, ElementsAre(L"Close", L"Open song.test"));
+    EXPECT_EQ(script.sources, 1);
+}
+
+TEST_F(PlayerTest, a_file_opened_before_the_end_is_reported_has_a_source_of_its_own) {
+    script.data = noise(buffer * 3);
+    startAndFill();
+    fakeWave.finishAll();
+    handleReturnedBuffers();
+    ASSERT_FALSE(fakeWave.open);
+    EXPECT_EQ(host.player.OpenAudioFile(file), 0);
+    EXPECT_EQ(script.sources, 2);
+    dispatchWaitingMessages();
+    EXPECT_EQ(host.events, endOfPlayback);
+    EXPECT_EQ(script.sources, 1);
+    EXPECT_EQ(host.player.Info_Samplerate(), 44100);
+}
+
+UINT WINAPI countThree() {
+    return 3;
+}
+// The first device does not say its name.
+MMRESULT WINAPI nameDevices(UINT_PTR index, LPWAVEOUTCAPSA caps, UINT) {
+    if (index == 0)
+        return MMSYSERR_NODRIVER;
+    *caps = {};
+    std::strcpy(caps->szPname, index == 1 ? "Loudspeaker" : "Headphones");
+    return MMSYSERR_NOERROR;
+}
+
+TEST_F(PlayerTest, a_device_that_is_set_by_its_name_is_opened_by_its_number) {
+    WaveApi named = fakeWaveApi;
+    named.outGetNumDevs = &countThree;
+    named.outGetDevCaps = &nameDevices;
+    BarePlayer other({named, systemWindowApi, fakeAcmApi, systemFileApi, &makeScriptedSources});
+    ASSERT_EQ(other.init(), 0);
+    other.player.settings().options().device = L"Headphones";
+    EXPECT_EQ(other.player.PlayStart(file, -1, 0), 0);
+    EXPECT_EQ(fakeWave.device, 2u);
+    other.player.shutdown();
+    dispatchWaitingMessages();
+    ASSERT_EQ(other.init(), 0);
+    other.player.settings().options().device = L"Loudspeaker";
+    EXPECT_EQ(other.player.PlayStart(file, -1, 0), 0);
+    EXPECT_EQ(fakeWave.device, 1u);
+    other.player.shutdown();
 }
 
 } // namespace

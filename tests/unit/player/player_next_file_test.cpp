@@ -1,0 +1,101 @@
+// The next file: what of it the host sees, before it is heard and afterwards.
+
+#include "PlaybackFaultsFixture.h"
+#include "support/ErrorNumber.h"
+
+namespace corvina::test {
+namespace {
+
+using ::testing::ElementsAre;
+
+class NextFile : public PlaybackFaults {
+protected:
+    NextFile() {
+        script.moves = true;
+        script.extensions = {L"test", L"other"};
+        script.data = noise(buffer * 10);
+        script.otherData[L"next.other"] = noise(buffer * 10, 7);
+        options().nextFile = next;
+    }
+
+    [[nodiscard]] PlaybackOptions& options() { return host.player.settings().options(); }
+    static void playBuffers(int count) {
+        for (int i = 0; i < count; ++i) {
+            fakeWave.finishOne();
+            dispatchWaitingMessages();
+        }
+    }
+    [[nodiscard]] std::wstring format() { return host.player.facts().formatName(); }
+
+    const std::wstring next = folder.write(L"next.other", {0});
+};
+
+TEST_F(NextFile, is_the_one_that_is_described_from_when_it_is_heard_until_another_is_opened) {
+    startAndFill();
+    playBuffers(4);
+    EXPECT_EQ(options().nextFile, L"") << "it is queued";
+    EXPECT_EQ(format(), L"TEST");
+    playBuffers(7);
+    EXPECT_EQ(host.progress.back(), L"Next next.other");
+    EXPECT_EQ(format(), L"OTHER");
+    ASSERT_EQ(host.player.OpenAudioFile(file), 0);
+    EXPECT_EQ(format(), L"TEST");
+    playOut();
+    EXPECT_EQ(host.events, endOfPlayback);
+}
+
+TEST_F(NextFile, is_to_be_played_next_again_if_the_playback_is_stopped_before) {
+    startAndFill();
+    playBuffers(4);
+    EXPECT_EQ(options().nextFile, L"");
+    host.player.PlayStop();
+    EXPECT_EQ(options().nextFile, next);
+    dispatchWaitingMessages();
+    startAndFill();
+    playOut();
+    EXPECT_EQ(host.player.NextFile(), L"");
+    EXPECT_THAT(host.progress, ElementsAre(L"State 1", L"State 0", L"Ended 1", L"State 1",
+                                           L"Next next.other", L"State 0", L"Ended 0"));
+}
+
+TEST_F(NextFile, of_another_format_is_played_on_the_same_device_and_is_the_next_no_longer) {
+    script.otherFormats[L"next.other"] = pcm(22050, 1, 16);
+    ASSERT_EQ(start(3), 0);
+    dispatchWaitingMessages();
+    playOut();
+    EXPECT_EQ(fakeWave.opens, 2);
+    EXPECT_EQ(fakeWave.format.nSamplesPerSec, 22050u);
+    EXPECT_EQ(fakeWave.device, 3u);
+    EXPECT_EQ(host.player.NextFile(), L"");
+    EXPECT_EQ(format(), L"OTHER");
+}
+
+TEST_F(NextFile, whose_device_cannot_be_opened_ends_the_playback_with_an_error) {
+    script.otherFormats[L"next.other"] = pcm(22050, 1, 16);
+    startAndFill();
+    fakeWave.faults.arm("waveOutOpen", 1, once, MMSYSERR_ALLOCATED);
+    playOut();
+    EXPECT_THAT(host.events, ElementsAre(L"StartPlayAudio:waveOutOpen|4|4",
+                                         L"StopPlayAudio:waveOutReset|5|5", L"DonePlay"));
+    EXPECT_THAT(host.progress, ElementsAre(L"State 1", L"State 0", L"Ended 3"));
+}
+
+TEST_F(NextFile, that_no_source_reads_or_opens_is_reported) {
+    options().nextFile = folder.write(L"next.xyz", {0});
+    startAndFill();
+    script.openResult = SourceResult::notOpen;
+    playOut();
+    EXPECT_EQ(host.events.front(), L"NextFile|1|Format not supported");
+    host.events.clear();
+    script.openResult = SourceResult::done;
+    options().nextFile = next;
+    ASSERT_EQ(start(), 0);
+    script.openResult = SourceResult::notOpen;
+    dispatchWaitingMessages();
+    playOut();
+    EXPECT_EQ(host.events.front(), L"NextFile|1|Could not open file");
+    EXPECT_EQ(host.player.NextFile(), L"");
+}
+
+} // namespace
+} // namespace corvina::test

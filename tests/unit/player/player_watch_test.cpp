@@ -1,0 +1,149 @@
+// What a host sees of a playback while it runs: place, samples and the timed events.
+
+#include "PlaybackFaultsFixture.h"
+
+#include <cstring>
+
+namespace corvina::test {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class Watch : public PlaybackFaults {
+protected:
+    Watch() {
+        script.moves = true;
+        script.data = noise(buffer * 12);
+        script.durationMs = 544;
+    }
+
+    [[nodiscard]] PlaybackOptions& options() { return host.player.settings().options(); }
+    static void playBuffers(int count) {
+        for (int i = 0; i < count; ++i) {
+            fakeWave.finishOne();
+            dispatchWaitingMessages();
+        }
+    }
+    static UINT interval() {
+        EXPECT_EQ(fakeTimers.size(), 1u);
+        return fakeTimers.begin()->second.first;
+    }
+};
+
+TEST_F(Watch, has_a_timer_while_something_plays) {
+    host.player.intervalChanged();
+    EXPECT_THAT(fakeTimers, IsEmpty());
+    startAndFill();
+    EXPECT_GT(interval(), 0u) << "also if no event is to come of it";
+    host.player.PlayStop();
+    dispatchWaitingMessages();
+    tickTimers();
+    EXPECT_THAT(fakeTimers, IsEmpty());
+}
+
+TEST_F(Watch, may_be_as_often_as_each_millisecond) {
+    options().positionInterval = 1;
+    startAndFill();
+    EXPECT_EQ(interval(), 1u);
+    host.progress.clear();
+    fakeWave.framesBeyond = 441;
+    tickTimers();
+    EXPECT_THAT(host.progress, ElementsAre(L"Position 10"));
+}
+
+TEST_F(Watch, takes_another_interval_at_once) {
+    startAndFill();
+    options().positionInterval = 250;
+    host.player.intervalChanged();
+    EXPECT_EQ(interval(), 250u);
+    ASSERT_EQ(host.init(), 0); // which sets done
+    options().positionInterval = 70;
+    host.player.intervalChanged();
+    EXPECT_EQ(interval(), 70u) << "as long as the device plays";
+}
+
+TEST_F(Watch, sees_a_next_file_begin_between_two_buffers) {
+    script.otherData[L"next.test"] = noise(buffer * 10, 7);
+    options().nextFile = folder.write(L"next.test", {0});
+    startAndFill();
+    playBuffers(11);
+    host.progress.clear();
+    fakeWave.framesBeyond = 1999;
+    tickTimers();
+    EXPECT_THAT(host.progress, IsEmpty());
+    fakeWave.framesBeyond = 2000;
+    tickTimers();
+    EXPECT_THAT(host.progress, ElementsAre(L"Next next.test"));
+}
+
+TEST_F(Watch, knows_the_place_also_of_a_playback_over_which_Init_was_called) {
+    startAndFill();
+    fakeWave.framesBeyond = 441;
+    ASSERT_EQ(host.init(), 0);
+    EXPECT_TRUE(host.player.DonePlay());
+    EXPECT_EQ(host.player.PositionMs(), 10);
+}
+
+TEST_F(Watch, does_not_count_what_is_heard_behind_the_end_of_a_short_file) {
+    script.data = noise(44 * 4);
+    script.durationMs = 1;
+    startAndFill();
+    EXPECT_EQ(host.player.PositionMs(), 0);
+    fakeWave.framesBeyond = 441;
+    EXPECT_EQ(host.player.PositionMs(), 1);
+}
+
+TEST_F(Watch, sees_the_samples_that_were_sent_last_until_the_end) {
+    script.format = pcm(22050, 2, 16);
+    SampleBlock block;
+    EXPECT_FALSE(host.player.latestSamples(block));
+    ASSERT_EQ(start(), 0);
+    EXPECT_FALSE(host.player.latestSamples(block)) << "nothing was sent yet";
+    dispatchWaitingMessages();
+    playBuffers(2);
+    ASSERT_TRUE(host.player.latestSamples(block));
+    EXPECT_EQ(block.sampleRate, 22050);
+    EXPECT_EQ(block.channels, 2);
+    ASSERT_EQ(block.samples.size(), buffer / 2);
+    EXPECT_EQ(std::memcmp(block.samples.data(), script.data.data() + 9 * buffer, buffer), 0);
+    playOut();
+    EXPECT_FALSE(host.player.latestSamples(block));
+}
+
+TEST_F(Watch, of_a_jump_back_from_the_last_blocks_sees_the_rest_again_and_one_end) {
+    startAndFill();
+    playBuffers(7);
+    ASSERT_EQ(stateLog.back(), "draining");
+    fakeWave.written.clear();
+    host.player.setPositionMs(100);
+    EXPECT_EQ(host.player.PositionMs(), 100);
+    playOut();
+    const auto from = script.data.begin() + 4410 * 4;
+    ASSERT_GE(fakeWave.written.size(), buffer * 12 - 4410 * 4);
+    EXPECT_TRUE(std::equal(from, script.data.end(), fakeWave.written.begin()));
+    EXPECT_EQ(host.events, endOfPlayback);
+    EXPECT_FALSE(fakeWave.open);
+}
+
+TEST_F(Watch, of_a_jump_sees_all_eight_buffers_come_back_at_the_end) {
+    startAndFill();
+    host.player.setPositionMs(100);
+    playOut();
+    EXPECT_EQ(host.events, endOfPlayback);
+    EXPECT_FALSE(fakeWave.open);
+}
+
+TEST_F(Watch, of_a_clean_end_in_8_bits_hears_silence) {
+    options().cleanEnd = true;
+    script.format = pcm(8000, 1, 8);
+    script.data = noise(buffer + 1000);
+    startAndFill();
+    playOut();
+    ASSERT_EQ(fakeWave.written.size(), 2 * buffer);
+    EXPECT_EQ(Bytes(fakeWave.written.begin() + buffer + 1000, fakeWave.written.end()),
+              Bytes(buffer - 1000, 0x80));
+}
+
+} // namespace
+} // namespace corvina::test
