@@ -2,6 +2,8 @@
 
 #include "PlayerControlFixture.h"
 #include "platform/GdiHandles.h"
+#include "support/TempFolder.h"
+#include "support/WavBytes.h"
 
 using namespace corvina;
 using namespace corvina::test;
@@ -70,6 +72,27 @@ TEST_F(PlayerControl, survives_that_its_window_is_destroyed_and_can_be_initialis
     EXPECT_EQ(S_OK, player->Init(&number));
     EXPECT_EQ(0, number);
     EXPECT_EQ(S_OK, player->DeInit(&number));
+}
+
+TEST_F(PlayerControl, ends_its_playback_when_its_window_is_destroyed) {
+    TempFolder folder;
+    EventSink sink(DIID___cPlayer);
+    ASSERT_EQ(S_OK, sink.connect(player.get(), DIID___cPlayer));
+    Container container;
+    ASSERT_EQ(S_OK, container.attach(player.get()));
+    player->Init(&number);
+    const std::wstring file = folder.write(L"a.wav", plainWav(pcm(44100, 2, 16), noise(176400)));
+    ASSERT_EQ(S_OK, player->PlayStart(Bstr(file).get(), -1, 0, &number));
+    ASSERT_EQ(0, number);
+    dispatchWaitingMessages();
+    ::DestroyWindow(inPlaceWindow());
+    PlayState state = PLAY_PLAYING;
+    EXPECT_EQ(S_OK, player->get_State(&state));
+    EXPECT_EQ(PLAY_STOPPED, state);
+    ASSERT_FALSE(sink.received.empty());
+    constexpr DISPID ended = 3;
+    EXPECT_EQ(ended, sink.received.back().id);
+    EXPECT_EQ(PLAYEND_STOPPED, V_I4(&sink.received.back().arguments[0]));
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 // The registered player as a C++ host uses it, in a container and without one.
 
 #include "PlayerControlFixture.h"
+#include "support/ProcessObjects.h"
 #include "support/TempFolder.h"
 #include "support/WavBytes.h"
 
@@ -64,6 +65,20 @@ TEST_F(PlayerControl, describes_the_first_input_device_for_any_other_direction) 
         GTEST_SKIP() << "no input device";
     expectDescribed(caps, AUDIOIN);
     expectDescribed(caps, 0);
+}
+
+TEST_F(PlayerControl, frees_the_texts_of_a_description_that_is_used_again) {
+    AudioDeviceDetails details{};
+    const auto describeOften = [&] {
+        for (int i = 0; i < 1000; ++i)
+            ASSERT_EQ(S_OK, player->GetDetailsDevice(0, AUDIOOUT, &details, &number));
+    };
+    describeOften();
+    const std::size_t before = countHeapBytes();
+    describeOften();
+    EXPECT_LT(countHeapBytes(), before + 8 * 1024);
+    ::SysFreeString(details.DeviceName);
+    ::SysFreeString(details.DeviceDriver);
 }
 
 TEST_F(PlayerControl, a_tag_text_keeps_characters_of_code_0) {
@@ -207,15 +222,17 @@ TEST_F(PlayerControl, takes_samples_and_does_nothing_with_them) {
 }
 
 TEST_F(PlayerControl, shows_and_closes_its_about_box) {
-    std::thread closer([] {
-        for (int i = 0; i < 500; ++i, ::Sleep(10))
+    bool seen = false;
+    std::thread closer([&seen] {
+        for (int i = 0; i < 500 && !seen; ++i, ::Sleep(10))
             if (const HWND box = ::FindWindowW(nullptr, L"About Corvina")) {
                 ::PostMessageW(box, WM_COMMAND, IDOK, 0);
-                return;
+                seen = true;
             }
     });
     EXPECT_EQ(S_OK, player->About());
     closer.join();
+    EXPECT_TRUE(seen);
 }
 
 // A file that plays for a second.
@@ -231,6 +248,26 @@ TEST_F(PlayerControl, may_be_released_while_it_plays) {
     dispatchWaitingMessages();
     player.reset();
     dispatchWaitingMessages();
+}
+
+TEST_F(PlayerControl, raises_no_event_while_it_is_destroyed) {
+    TempFolder folder;
+    EventSink sink(DIID___cPlayer);
+    // Without the connection point, which would keep the control alive.
+    ComPtr<IConnectionPoint> point;
+    DWORD cookie = 0;
+    ASSERT_EQ(S_OK, player.query<IConnectionPointContainer>()->FindConnectionPoint(DIID___cPlayer,
+                                                                                   point.put()));
+    ASSERT_EQ(S_OK, point->Advise(&sink, &cookie));
+    point.reset();
+    player->Init(&number);
+    ASSERT_EQ(S_OK, player->PlayStart(Bstr(wave(folder)).get(), -1, 0, &number));
+    ASSERT_EQ(0, number);
+    dispatchWaitingMessages();
+    EXPECT_FALSE(sink.received.empty());
+    sink.received.clear();
+    player.reset();
+    EXPECT_TRUE(sink.received.empty());
 }
 
 TEST_F(PlayerControl, may_lose_its_container_while_it_plays_and_plays_on) {

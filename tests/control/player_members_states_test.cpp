@@ -2,6 +2,10 @@
 
 #include "PlayerMembersFixture.h"
 
+#include <cmath>
+#include <cstring>
+#include <numbers>
+
 using namespace corvina;
 using namespace corvina::test;
 
@@ -15,6 +19,35 @@ TEST_F(PlayerMembers, DonePlay_is_true_but_from_the_start_to_the_end_of_a_playba
     EXPECT_FALSE(truthOf(&_cPlayer::DonePlay));
     ASSERT_TRUE(playsOut());
     EXPECT_TRUE(truthOf(&_cPlayer::DonePlay));
+}
+
+// A quarter of full scale at 1000 Hz, in both channels.
+std::wstring quietTone(TempFolder& folder) {
+    std::vector<std::int16_t> samples;
+    for (int frame = 0; frame < 3 * 44100; ++frame)
+        samples.insert(samples.end(), 2,
+                       static_cast<std::int16_t>(
+                           std::lround(8192 * std::sin(2 * std::numbers::pi * frame / 44.1))));
+    Bytes bytes(samples.size() * sizeof(std::int16_t));
+    std::memcpy(bytes.data(), samples.data(), bytes.size());
+    return folder.write(L"quiet.wav", plainWav(pcm(44100, 2, 16), bytes));
+}
+
+TEST_F(PlayerMembers, settings_change_what_plays) {
+    const auto level = [&](long channel) {
+        EXPECT_EQ(S_OK, player_->get_Level(channel, &result_));
+        return result_;
+    };
+    ASSERT_EQ(0, start(quietTone(folder_)));
+    EXPECT_TRUE(pumpUntil([&] { return level(1) == 25 && level(2) == 25; }));
+    EXPECT_EQ(S_OK, player_->put_EqualizerGain(6, 12));
+    EXPECT_TRUE(pumpUntil([&] { return level(1) > 80 && level(2) > 80; }));
+    EXPECT_EQ(S_OK, player_->put_Balance(-100));
+    EXPECT_TRUE(pumpUntil([&] { return level(1) > 80 && level(2) == 0; }));
+    EXPECT_EQ(S_OK, player_->put_Volume(0));
+    EXPECT_TRUE(pumpUntil([&] { return level(1) == 0; }));
+    EXPECT_EQ(0, of<long>(&_cPlayer::PlayStop));
+    EXPECT_TRUE(playsOut());
 }
 
 // All of the sound is queued, and the source at its end.

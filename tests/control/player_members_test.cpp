@@ -9,6 +9,14 @@ using namespace corvina::test;
 
 namespace {
 
+TEST_F(PlayerMembers, before_anything_has_played_there_is_nothing_to_see_or_to_end) {
+    EXPECT_EQ(0, of<long>(&_cPlayer::get_AudioDataOut));
+    EXPECT_EQ(0, of<long>(&_cPlayer::PositionGet));
+    EXPECT_EQ(0, of<long>(&_cPlayer::PlayStop));
+    EXPECT_EQ(0, of<long>(&_cPlayer::DeInit));
+    EXPECT_EQ(0, of<long>(&_cPlayer::DeInit));
+}
+
 TEST_F(PlayerMembers, the_information_is_the_opened_files) {
     struct Shape {
         DWORD rate;

@@ -71,6 +71,16 @@ TEST_F(PlayerSettings, are_written_and_read_by_an_early_bound_host) {
     EXPECT_EQ(S_OK, player->put_EqualizerGain(10, -4.5F));
     EXPECT_EQ(S_OK, player->get_EqualizerGain(10, &gain));
     EXPECT_EQ(-4.5F, gain);
+    for (const auto& [put, get] : {std::pair(&_cPlayer::put_Mute, &_cPlayer::get_Mute),
+                                   std::pair(&_cPlayer::put_Looping, &_cPlayer::get_Looping),
+                                   std::pair(&_cPlayer::put_Recover, &_cPlayer::get_Recover),
+                                   std::pair(&_cPlayer::put_CleanEnd, &_cPlayer::get_CleanEnd)})
+        for (const VARIANT_BOOL flag : {VARIANT_TRUE, VARIANT_FALSE}) {
+            VARIANT_BOOL got = static_cast<VARIANT_BOOL>(~flag);
+            EXPECT_EQ(S_OK, (player.get()->*put)(flag));
+            EXPECT_EQ(S_OK, (player.get()->*get)(&got));
+            EXPECT_EQ(flag, got);
+        }
     EXPECT_EQ(S_OK, player->put_NextFile(Bstr(L"C:\\next.wav").get()));
     Bstr text;
     EXPECT_EQ(S_OK, player->get_NextFile(text.put()));
@@ -144,6 +154,11 @@ TEST_F(PlayerSettings, the_events_of_a_playback_come_with_their_arguments) {
     ASSERT_EQ(S_OK, player->Init(&number));
     ASSERT_EQ(S_OK, player->put_PositionInterval(20));
     const Bstr file(folder.write(L"a.wav", plainWav(pcm(44100, 2, 16), Bytes(44100 * 2))).c_str());
+    const auto references = [&] {
+        player->AddRef();
+        return player->Release();
+    };
+    const ULONG before = references();
     ASSERT_EQ(S_OK, player->PlayStart(file.get(), -1, 0, &number));
     ASSERT_EQ(0, number);
     const auto countOf = [&](DISPID id) {
@@ -154,6 +169,7 @@ TEST_F(PlayerSettings, the_events_of_a_playback_come_with_their_arguments) {
     EXPECT_EQ(1, countOf(ended));
     EXPECT_EQ(2, countOf(stateChanged));
     EXPECT_GT(countOf(positionChanged), 3);
+    EXPECT_EQ(before, references()) << "the timed events have kept nothing";
     const EventSink::Event& last = sink.received.back();
     ASSERT_EQ(ended, last.id);
     ASSERT_EQ(1u, last.arguments.size());
