@@ -139,6 +139,7 @@ std::int32_t PlaybackEngine::openSession(std::int32_t deviceIndex, const WAVEFOR
     sent_ = std::move(silence);
     drained_ = 0;
     lost_ = 0;
+    untried_ = false;
     const BOOL posted = messages_.postReturned(
         WaveRing::playedBuffers, reinterpret_cast<LPARAM>(&output_.ring().first().header));
     if (posted != TRUE && posted != FALSE) {
@@ -222,7 +223,9 @@ bool PlaybackEngine::refill() {
     // at the end stays short of eight, so that the device is not closed. Hosts know this: a
     // DonePlay without all of the sound would be a different promise.
     result = output_.device().write(buffer.header);
-    if (result != MMSYSERR_NOERROR) {
+    if (result == MMSYSERR_NOERROR) {
+        untried_ = false;
+    } else {
         ++lost_;
         failed(L"WindowProcOut:waveOutWrite", result);
         // Without any buffer no message would ever come again.

@@ -125,6 +125,7 @@ private:
     std::int32_t deviceIndex_ = -1;
     std::size_t drained_ = 0; // buffers returned since feeding stopped
     std::size_t lost_ = 0;    // buffers that the device refused
+    bool untried_ = false;    // Recover has opened the device, which has taken no buffer yet
     // Counts the starts.
     std::uint32_t playback_ = 0;
     // Counts the openings of the device, so that whoever raised an event notices that its handler

@@ -129,12 +129,13 @@ bool PlaybackEngine::closeAtOnce() noexcept {
 }
 
 // The device is gone: it plays nothing and returns nothing. With Recover the playback goes on where
-// it was heard last, otherwise it ends as if the device had closed.
+// it was heard last, otherwise it ends as if the device had closed. A device that takes nothing
+// from the beginning is not replaced by itself: that would never end.
 void PlaybackEngine::loseDevice() {
     const TrackQueue::Place place = heard();
     const bool closed = closeAtOnce();
     messages_.discardReturned();
-    if (options_.recovers && place.track && recover(place)) {
+    if (options_.recovers && !untried_ && place.track && recover(place)) {
         if (closed)
             messages_.discardClose();
         return;
@@ -153,6 +154,7 @@ bool PlaybackEngine::recover(const TrackQueue::Place& place) {
     if (openSession(systemsChoice, place.track->sourceFormat()) != 0)
         return false;
     deviceIndex_ = systemsChoice;
+    untried_ = true;
     if (paused_)
         output_.device().pause();
     if (!primed_)

@@ -105,6 +105,38 @@ TEST_F(Recovery, ends_the_playback_if_there_is_no_other_device) {
     expectTheNextPlaybackWorks();
 }
 
+TEST_F(Recovery, ends_the_playback_if_the_other_device_takes_no_buffer_either) {
+    startAndFill();
+    int refused = 0;
+    host.onErr = [&](const std::wstring&) {
+        // No playback may go on like this for ever.
+        if (++refused == 100)
+            fakeWave.faults.disarm();
+    };
+    fakeWave.faults.arm("waveOutWrite", 1, forever, MMSYSERR_NODRIVER);
+    fakeWave.finishAll();
+    dispatchWaitingMessages();
+    EXPECT_EQ(fakeWave.opens, 2);
+    EXPECT_EQ(host.countOf(L"WindowProcOut:waveOutWrite|6|"), 16);
+    EXPECT_THAT(host.progress, ElementsAre(L"State 1", L"State 0", L"Ended 2"));
+    EXPECT_EQ(host.countOf(L"DonePlay"), 1);
+    expectTheNextPlaybackWorks();
+}
+
+TEST_F(Recovery, is_tried_anew_with_the_next_playback) {
+    startAndFill();
+    loseDevice([] { fakeWave.faults.arm("waveOutWrite", 1, forever); });
+    ASSERT_EQ(host.progress.back(), L"Ended 2");
+    ASSERT_EQ(fakeWave.opens, 2);
+    ASSERT_EQ(start(3), 0);
+    // From the first buffer on.
+    loseDevice();
+    EXPECT_EQ(fakeWave.opens, 4);
+    EXPECT_EQ(fakeWave.device, WAVE_MAPPER);
+    playOut();
+    EXPECT_EQ(host.progress.back(), L"Ended 0");
+}
+
 TEST_F(Recovery, ends_the_playback_if_the_lost_device_does_not_close) {
     startAndFill();
     loseDevice([] { fakeWave.faults.arm("waveOutClose", 1); });
