@@ -48,14 +48,14 @@ ComPtr<IMFSourceReader> MediaFoundationLibrary::openFile(const std::wstring& pat
     if (SUCCEEDED(createFile_(MF_ACCESSMODE_READ, MF_OPENMODE_FAIL_IF_NOT_EXIST, MF_FILEFLAGS_NONE,
                               path.c_str(), file.put())) &&
         FAILED(createReader_(file.get(), nullptr, reader.put())))
-        reader.reset();
+        (void)reader.detach(); // what a failed call leaves there is no reference
     return reader;
 }
 
 ComPtr<IMFMediaType> MediaFoundationLibrary::makeType() const {
     ComPtr<IMFMediaType> type;
     if (FAILED(createType_(type.put())))
-        type.reset();
+        (void)type.detach();
     return type;
 }
 

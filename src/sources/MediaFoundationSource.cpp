@@ -61,7 +61,6 @@ void MediaFoundationSource::forget() {
     offset_ = 0;
     startTime_ = 0;
     duration_ = 0;
-    soundEnd_ = 0;
 }
 
 void MediaFoundationSource::describe(const std::wstring& path) {

@@ -60,7 +60,8 @@ private:
     std::size_t offset_ = 0;          // in bytes
     LONGLONG startTime_ = 0;          // of the first block
     LONGLONG duration_ = 0;
-    LONGLONG soundEnd_ = 0; // as the file says it; the highest number if it does not
+    // Of the open file, as it says it; the highest number if it does not.
+    LONGLONG soundEnd_ = 0;
 };
 
 } // namespace corvina

@@ -38,12 +38,13 @@ Frame frameOf(const std::uint8_t* header) {
 
 } // namespace
 
-// Null behind the end.
+// Null where the file ends before it. Positions do not go back, and so many bytes are before the
+// end of the part.
 const std::uint8_t* Mp3Frames::headerAt(std::int64_t position) {
     const auto bytesHeld = static_cast<std::int64_t>(piece_.size());
-    if (position < pieceAt_ || position + headerBytes > pieceAt_ + bytesHeld) {
-        const auto wanted = std::min(static_cast<std::int64_t>(pieceBytes), end_ - position);
-        piece_.resize(static_cast<std::size_t>(std::max(wanted, std::int64_t{0})));
+    if (position + headerBytes > pieceAt_ + bytesHeld) {
+        piece_.resize(static_cast<std::size_t>(
+            std::min(static_cast<std::int64_t>(pieceBytes), end_ - position)));
         pieceAt_ = position;
         const bool there =
             access_.setPosition(file_, static_cast<std::int32_t>(position),

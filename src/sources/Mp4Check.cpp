@@ -79,7 +79,7 @@ private:
     [[nodiscard]] bool isTiled(const Box& parent) const {
         std::uint64_t end = parent.content;
         file_.forEach(parent, 0, [&](const Box& box) { end = box.content + box.size; });
-        return parent.size > 0 && parent.content + parent.size - end < 8;
+        return parent.content + parent.size - end < 8;
     }
 
     // Of a header of a movie or of a track's media.

@@ -72,13 +72,11 @@ public:
     HRESULT STDMETHODCALLTYPE GetType(GUID*) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE GetMediaType(WM_MEDIA_TYPE* type, DWORD* size) override {
         const HRESULT result = noted(type ? "GetMediaType" : "GetMediaTypeSize");
-        if (result != S_OK)
-            return result;
         const auto needed = static_cast<DWORD>(sizeof(WM_MEDIA_TYPE) + format_.block.size());
         const DWORD reported = format_.typeBytes ? format_.typeBytes : needed;
         if (!type) {
             *size = reported;
-            return S_OK;
+            return result;
         }
         if (*size < needed)
             return bufferTooSmall;
@@ -89,7 +87,7 @@ public:
         type->cbFormat = static_cast<ULONG>(format_.block.size());
         type->pbFormat = format_.withoutBlock ? nullptr : block;
         std::memcpy(block, format_.block.data(), format_.block.size());
-        return S_OK;
+        return result; // what a failed call has written is there all the same
     }
     HRESULT STDMETHODCALLTYPE SetMediaType(WM_MEDIA_TYPE* type) override {
         WAVEFORMATEX wave{};

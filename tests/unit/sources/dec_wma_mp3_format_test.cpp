@@ -194,6 +194,13 @@ TEST_F(WindowsMediaFormat, a_media_type_of_nonsense_size_returns_12) {
     }
 }
 
+TEST_F(WindowsMediaFormat, a_media_type_of_more_than_a_megabyte_returns_12) {
+    library.formats.at({0, 0}).typeBytes = 1024 * 1024;
+    EXPECT_EQ(open(), 0);
+    library.formats.at({0, 0}).typeBytes = 1024 * 1024 + 1;
+    EXPECT_EQ(open(), 12);
+}
+
 TEST_F(WindowsMediaFormat, extra_bytes_that_the_record_counts_are_readable_behind_it) {
     std::vector<std::uint8_t>& block = library.formats.at({0, 0}).block;
     block[16] = 0xFF;

@@ -159,6 +159,22 @@ TEST_F(WindowsMediaTags, a_value_of_nonsense_length_is_left_out) {
     }
 }
 
+TEST_F(WindowsMediaTags, a_value_of_more_than_16_megabytes_is_left_out) {
+    StandInAttribute attribute = textAttribute(L"Title", L"Tune");
+    attribute.reportedBytes = 16 * 1024 * 1024;
+    EXPECT_THAT(tagsOf({attribute}), ElementsAre(Pair(L"title", L"Tune")));
+    ++attribute.reportedBytes;
+    EXPECT_THAT(tagsOf({attribute}), IsEmpty());
+}
+
+TEST_F(WindowsMediaTags, a_number_that_is_stored_as_a_text_is_no_number) {
+    (void)tagsOf({textAttribute(L"Duration", L"90000"),
+                  textAttribute(L"Bitrate", L"64000"),
+                  {L"Bitrate", WMT_TYPE_BINARY, {5, 6, 7, 8}}});
+    EXPECT_EQ(source.Duration(), 0);
+    EXPECT_EQ(source.Bitrate(), 0);
+}
+
 TEST_F(WindowsMediaTags, the_longest_name_is_read) {
     EXPECT_THAT(
         tagsOf({textAttribute(std::wstring(65534, L'n'), L"a"), textAttribute(L"Title", L"b")}),

@@ -76,6 +76,16 @@ TEST_F(Mp4TagList, each_known_item_is_a_tag_in_the_order_of_the_file) {
                     Pair(L"title", L"Song")));
 }
 
+TEST_F(Mp4TagList, a_track_number_that_is_cut_is_none) {
+    Bytes value{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 2};
+    EXPECT_THAT(tags(fileWith(box("ilst", box("trkn", box("data", value))))),
+                ElementsAre(Pair(L"tracknumber", L"258")));
+    while (value.size() > 8) {
+        value.pop_back();
+        EXPECT_THAT(tags(fileWith(box("ilst", box("trkn", box("data", value))))), IsEmpty());
+    }
+}
+
 TEST_F(Mp4TagList, a_file_without_a_list_or_of_another_kind_has_no_tags) {
     EXPECT_THAT(tags({}), IsEmpty());
     EXPECT_THAT(tags(Bytes(500, 'x')), IsEmpty());
