@@ -27,7 +27,8 @@ Frame frameOf(const std::uint8_t* header) {
     if (header[0] != 0xFF || header[1] >> 5 != 7 || version == 1 || (header[1] >> 1 & 3) != layer3)
         return {};
     const bool first = version == 3;
-    const int bits = (first ? rates1 : rates2)[header[2] >> 4] * 1000;
+    const int* const rates = first ? rates1 : rates2;
+    const int bits = rates[header[2] >> 4] * 1000;
     const int sampleRate = sampleRates[header[2] >> 2 & 3] / (first ? 1 : version == 2 ? 2 : 4);
     if (bits == 0 || sampleRate == 0)
         return {};

@@ -115,7 +115,7 @@ private:
 
     // Whether a list of edits, if there is one, begins in the track's media.
     [[nodiscard]] bool beginsInside(const Box& edits, const Times& times) const {
-        const std::vector<std::uint8_t> bytes = start(edits, 24);
+        const std::vector<std::uint8_t> bytes = start(edits, 20);
         if (bytes.size() < 20 || bytes[0] != 0 || times.ticks == 0)
             return true;
         const std::uint64_t from = bigEndian(&bytes[12], 4);

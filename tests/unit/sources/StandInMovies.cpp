@@ -101,9 +101,9 @@ public:
     }
     HRESULT STDMETHODCALLTYPE ReadSample(DWORD stream, DWORD control, DWORD* which, DWORD* flags,
                                          LONGLONG* time, IMFSample** sample) override {
-        ++movie.calls;
         if (stream != sound || control != 0)
             return E_INVALIDARG;
+        ++movie.calls;
         *which = 0;
         *flags = 0;
         *time = 0;
@@ -118,7 +118,7 @@ public:
             read.before();
         *flags = read.flags;
         *time = read.time;
-        if (!read.withoutSample && SUCCEEDED(makeSample(sample)))
+        if (!read.withoutSample && SUCCEEDED(makeSample(sample)) && !read.withoutBuffer)
             (*sample)->AddBuffer(makeCom<Buffer>(read).get());
         return read.result;
     }

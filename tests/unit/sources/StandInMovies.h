@@ -24,6 +24,7 @@ struct StandInRead {
     DWORD flags = 0;
     HRESULT result = S_OK;
     bool withoutSample = false;
+    bool withoutBuffer = false; // in the sample
     bool cannotBeLocked = false;
     std::function<void()> before = {};
 };

@@ -38,7 +38,7 @@ protected:
     }
 
     Samples readSamples() {
-        Reader::Block block;
+        Reader::Block block{.samples = {-1}};
         return reader->read(block) ? block.samples : Samples{};
     }
 
@@ -165,6 +165,7 @@ TEST_F(MovieReader, cuts_a_frame_that_is_not_whole) {
 
 TEST_F(MovieReader, passes_over_what_holds_no_frame) {
     movie.reads = {{.withoutSample = true},
+                   {.withoutBuffer = true},
                    samplesRead(0),
                    samplesRead(1, 0, 55),
                    {.bytes = {1, 0, 1, 0}, .cannotBeLocked = true},

@@ -70,6 +70,15 @@ TEST_F(Mp4Forms, a_length_may_be_unknown) {
     }
 }
 
+TEST_F(Mp4Forms, a_length_that_a_track_of_text_lacks_is_unknown_too) {
+    movie.times = mp4Times(1000, 700'000);
+    track.times = mp4Times(8000, unknown);
+    movie.tracks.push_back(track);
+    movie.tracks[1].handler = joined({Bytes(8), bytesOf("text")});
+    movie.tracks[1].times = {};
+    EXPECT_TRUE(plays());
+}
+
 TEST_F(Mp4Forms, a_second_has_one_to_ten_million_ticks) {
     for (const auto& [ticks, good] :
          {std::pair{0u, false}, std::pair{1u, true}, std::pair{10'000'000u, true},
