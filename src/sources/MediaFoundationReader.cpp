@@ -95,8 +95,7 @@ bool MediaFoundationReader::readFormat(Format& format) const {
 }
 
 LONGLONG MediaFoundationReader::duration() const {
-    PROPVARIANT value;
-    ::PropVariantInit(&value);
+    PROPVARIANT value{};
     LONGLONG duration = 0;
     if (SUCCEEDED(reader_->GetPresentationAttribute(wholeFile, MF_PD_DURATION, &value)) &&
         value.vt == VT_UI8)
@@ -147,8 +146,7 @@ bool MediaFoundationReader::copySample(IMFSample& sample, std::vector<std::int16
 }
 
 bool MediaFoundationReader::seek(LONGLONG time) {
-    PROPVARIANT position;
-    ::PropVariantInit(&position);
+    PROPVARIANT position{};
     position.vt = VT_I8;
     position.hVal.QuadPart = std::max(time, LONGLONG{0});
     const bool sought = SUCCEEDED(reader_->SetCurrentPosition(GUID_NULL, position));

@@ -104,10 +104,9 @@ bool MediaFoundationSource::fetchBlock() {
     if (!reader_ || ended_)
         return false;
     ended_ = !reader_->read(block_);
-    if (ended_)
-        return false;
-    takeBlock();
-    return true;
+    if (!ended_)
+        takeBlock();
+    return !ended_;
 }
 
 void MediaFoundationSource::takeBlock() {

@@ -150,11 +150,33 @@ private:
 };
 
 HRESULT WINAPI startup(ULONG, DWORD) {
-    return movie.failing == "MFStartup" ? E_FAIL : S_OK;
+    if (movie.failing == "MFStartup")
+        return E_FAIL;
+    ++movie.starts;
+    return S_OK;
 }
 
 HRESULT WINAPI shutdown() {
+    --movie.starts;
     return S_OK;
+}
+
+HMODULE counted(HMODULE library) {
+    movie.libraries += library != nullptr;
+    return library;
+}
+
+HMODULE WINAPI load(LPCSTR name) {
+    return counted(::LoadLibraryA(name));
+}
+
+HMODULE WINAPI loadFile(LPCWSTR name, HANDLE file, DWORD flags) {
+    return counted(::LoadLibraryExW(name, file, flags));
+}
+
+BOOL WINAPI unload(HMODULE library) {
+    --movie.libraries;
+    return ::FreeLibrary(library);
 }
 
 HRESULT WINAPI createType(IMFMediaType** type) {
@@ -214,7 +236,10 @@ StandInRead samplesRead(std::size_t count, LONGLONG time, std::int16_t first) {
 
 const LibraryApi standInMovies = [] {
     LibraryApi api;
+    api.loadLibrary = &load;
+    api.loadLibraryFile = &loadFile;
     api.getProcAddress = &find;
+    api.freeLibrary = &unload;
     return api;
 }();
 

@@ -48,6 +48,8 @@ struct StandInMovie {
     UINT32 wantedBits = 0;
     std::size_t calls = 0; // for a sample
     std::vector<LONGLONG> seeks = {};
+    int starts = 0;    // that were not undone
+    int libraries = 0; // that are loaded
     int readers = 0;   // that are alive
     int locks = 0;     // of buffers, that are not undone
     DWORD letGoBy = 0; // the thread on which the last reader ended

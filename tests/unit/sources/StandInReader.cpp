@@ -187,7 +187,7 @@ public:
                                                     DWORD* valueLength) override {
         const char* const function = name ? "GetAttributeByIndexEx" : "GetAttributeLengths";
         const HRESULT result = noted(call(function, stream, index));
-        if (result != S_OK)
+        if (result != S_OK && !name)
             return result;
         const StandInAttribute& attribute = library.attributes[index % library.attributes.size()];
         *type = attribute.type;
@@ -201,7 +201,7 @@ public:
         std::memcpy(name, attribute.name.c_str(), *nameLength * sizeof(WCHAR));
         std::memcpy(value, attribute.value.data(),
                     std::min<std::size_t>(*valueLength, attribute.value.size()));
-        return S_OK;
+        return result; // what a failed call has written is there all the same
     }
 
 protected:

@@ -111,6 +111,32 @@ TEST_F(BoundedMovie, forgets_what_was_read_ahead_where_it_is_moved) {
     EXPECT_THAT(movie.seeks, ElementsAre(400));
 }
 
+TEST_F(BoundedMovie, is_open_once_its_first_block_is_there_however_short_it_is) {
+    movie.channels = 1;
+    movie.reads = {samplesRead(1), samplesRead(1)};
+    ASSERT_EQ(reader->open(L"a.m4a"), Opened::yes);
+    EXPECT_EQ(movie.calls, 1u);
+}
+
+TEST_F(BoundedMovie, whose_reader_does_not_come_back_is_at_its_end) {
+    const HANDLE gate = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    movie.reads = {samplesRead(10), samplesRead(10)};
+    movie.reads[1].before = [gate] { ::WaitForSingleObject(gate, 10'000); };
+    reader = std::make_unique<BoundedMediaReader>(library, 300);
+    ASSERT_EQ(reader->open(L"a.m4a"), Opened::yes);
+    BoundedMediaReader::Block block;
+    ASSERT_TRUE(reader->read(block));
+    EXPECT_FALSE(reader->read(block));
+    EXPECT_FALSE(reader->seek(0));
+    EXPECT_FALSE(reader->read(block));
+    EXPECT_EQ(movie.readers, 1);
+    ::SetEvent(gate);
+    for (int waits = 0; movie.readers > 0 && waits < 500; ++waits)
+        ::Sleep(10);
+    EXPECT_EQ(movie.readers, 0) << "it is let go of once it comes back";
+    ::CloseHandle(gate);
+}
+
 // Its end may take long too, and then the thread is left behind with it.
 TEST_F(BoundedMovie, is_let_go_of_on_the_thread_that_read_it) {
     movie.reads = {samplesRead(10)};

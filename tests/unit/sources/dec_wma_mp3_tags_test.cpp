@@ -167,6 +167,18 @@ TEST_F(WindowsMediaTags, a_value_of_more_than_16_megabytes_is_left_out) {
     EXPECT_THAT(tagsOf({attribute}), IsEmpty());
 }
 
+TEST_F(WindowsMediaTags, a_value_that_is_left_out_does_not_repeat_the_one_before) {
+    StandInAttribute attribute = textAttribute(L"WM/Genre", L"g");
+    attribute.reportedBytes = 0x7FFFFFFF;
+    EXPECT_THAT(tagsOf({textAttribute(L"Title", L"Tune"), attribute}),
+                ElementsAre(Pair(L"title", L"Tune")));
+}
+
+TEST_F(WindowsMediaTags, a_long_text_is_read_whole) {
+    const std::wstring text(3000, L'\x4E00');
+    EXPECT_THAT(tagsOf({textAttribute(L"Title", text)}), ElementsAre(Pair(L"title", text)));
+}
+
 TEST_F(WindowsMediaTags, a_number_that_is_stored_as_a_text_is_no_number) {
     (void)tagsOf({textAttribute(L"Duration", L"90000"),
                   textAttribute(L"Bitrate", L"64000"),

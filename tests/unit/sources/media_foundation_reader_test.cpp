@@ -103,6 +103,37 @@ TEST_F(MovieReader, opens_no_sound_if_a_call_for_it_fails) {
     }
 }
 
+TEST_F(MovieReader, keeps_the_library_which_is_stopped_and_freed_behind_it) {
+    reader.reset();
+    library.reset();
+    movie = {};
+    library = std::make_shared<MediaFoundationLibrary>(standInMovies);
+    ASSERT_TRUE(library->start());
+    ASSERT_TRUE(library->start());
+    EXPECT_EQ(movie.starts, 1);
+    EXPECT_EQ(movie.libraries, 2);
+    reader = std::make_unique<Reader>(library);
+    ASSERT_TRUE(openSound());
+    library.reset();
+    EXPECT_EQ(movie.starts, 1);
+    reader.reset();
+    EXPECT_EQ(movie.starts, 0);
+    EXPECT_EQ(movie.libraries, 0);
+}
+
+TEST_F(MovieReader, has_no_library_that_does_not_start) {
+    movie = {};
+    movie.failing = "MFStartup";
+    {
+        MediaFoundationLibrary none(standInMovies);
+        EXPECT_FALSE(none.start());
+        EXPECT_EQ(movie.libraries, 0);
+        EXPECT_FALSE(none.start());
+    }
+    EXPECT_EQ(movie.libraries, 0);
+    EXPECT_EQ(movie.starts, 0);
+}
+
 TEST_F(MovieReader, has_the_duration_of_the_file) {
     movie.setDuration(30'000'000);
     ASSERT_TRUE(openSound());

@@ -2,6 +2,7 @@
 // mixes that no file at hand has.
 
 #include "DecodedFiles.h"
+#include "Mp4Movies.h"
 #include "StandInMovies.h"
 #include "sources/MediaFoundationSource.h"
 
@@ -52,6 +53,11 @@ protected:
         std::memcpy(samples.data(), bytes.data(), bytes.size());
         return samples;
     }
+    void readABit() {
+        Bytes buffer(10);
+        std::int32_t got = 0;
+        EXPECT_EQ(source.Read(buffer.data(), 10, got), 0);
+    }
     // The first sample and the number of those that are left.
     std::pair<int, std::size_t> rest() {
         const Samples samples = readAll();
@@ -87,9 +93,10 @@ TEST_F(MovieSound, waits_for_a_library_that_can_be_started) {
 }
 
 TEST_F(MovieSound, of_a_failed_open_leaves_nothing_of_the_file_before) {
-    layBlocks(4);
+    layBlocks(4, -second);
     ASSERT_EQ(open(), 0);
     ASSERT_EQ(seek(1), 0);
+    readABit();
     movie.failing = "SelectSound";
     EXPECT_EQ(open(), 12);
     EXPECT_EQ(source.Position(), 0);
@@ -202,6 +209,41 @@ TEST_F(MovieSound, that_begins_behind_the_place_is_heard_from_where_it_begins) {
     ASSERT_EQ(seek(1), 0);
     EXPECT_EQ(source.Position(), 2000);
     EXPECT_EQ(rest(), std::pair(2000, std::size_t{1000}));
+}
+
+TEST_F(MovieSound, is_not_sought_beyond_its_last_percent_or_second) {
+    layBlocks(6);
+    ASSERT_EQ(open(), 0);
+    EXPECT_EQ(seek(100, SeekMode::percent), 4);
+    EXPECT_EQ(seek(4), 4);
+    EXPECT_THAT(movie.seeks, IsEmpty());
+}
+
+// As where pictures go on for longer. The system's reader is not asked for what is not there.
+TEST_F(MovieSound, sought_where_it_ends_by_its_file_is_at_its_end) {
+    TempFolder folder;
+    const std::wstring path = folder.write(L"a.m4a", Mp4Movie().bytes());
+    layBlocks(6);
+    ASSERT_EQ(source.OpenSource(path), 0);
+    readABit();
+    ASSERT_EQ(seek(1), 0);
+    EXPECT_THAT(movie.seeks, IsEmpty());
+    EXPECT_EQ(source.Position(), 1000);
+    EXPECT_TRUE(source.EndOfStream());
+    EXPECT_THAT(readAll(), IsEmpty());
+    ASSERT_EQ(seek(99, SeekMode::percent), 0);
+    EXPECT_EQ(source.Position(), 2970);
+    ASSERT_EQ(seek(0), 0);
+    EXPECT_EQ(rest(), std::pair(0, std::size_t{3000}));
+}
+
+TEST_F(MovieSound, of_a_file_whose_tables_are_broken_is_not_asked_for) {
+    TempFolder folder;
+    Mp4Movie broken;
+    broken.tracks[0].runs = {};
+    layBlocks(6);
+    EXPECT_EQ(source.OpenSource(folder.write(L"a.m4a", broken.bytes())), 1);
+    EXPECT_EQ(movie.calls, 0u);
 }
 
 TEST_F(MovieSound, whose_reader_refuses_a_seek_returns_4) {

@@ -147,6 +147,13 @@ TEST_F(MpegFrames, end_with_one_that_is_cut) {
     }
 }
 
+TEST_F(MpegFrames, may_be_no_more_than_a_header) {
+    write(equalFrames(1), 4);
+    EXPECT_EQ(count(), 1);
+    write(equalFrames(1), 3);
+    EXPECT_EQ(count(), 0);
+}
+
 TEST_F(MpegFrames, end_where_the_file_cannot_be_read) {
     write(equalFrames(4), std::size_t{4} * 576);
     readsFail = true;

@@ -20,6 +20,7 @@ struct LargeFile {
     std::uint64_t size = 0;   // that can be read
     std::uint64_t stated = 0; // that the system says
     bool fails = false;       // where its size is asked for
+    bool unreadable = false;
     int open = 0;
 };
 LargeFile file;
@@ -44,6 +45,9 @@ DWORD WINAPI setPosition(HANDLE, LONG, PLONG upper, DWORD method) {
 }
 
 BOOL WINAPI readPart(HANDLE, LPVOID to, DWORD count, LPDWORD got, LPOVERLAPPED place) {
+    *got = count;
+    if (file.unreadable)
+        return FALSE;
     const std::uint64_t at = std::uint64_t{place->OffsetHigh} << 32 | place->Offset;
     *got = static_cast<DWORD>(std::min<std::uint64_t>(count, file.size - std::min(at, file.size)));
     auto* const bytes = static_cast<std::uint8_t*>(to);
@@ -148,6 +152,11 @@ TEST_F(LargeMp4, that_ends_before_its_size_gives_what_is_there) {
     const Mp4Boxes::Box head = boxes.child(boxes.whole(), "ftyp");
     EXPECT_EQ(head.size, 192u);
     EXPECT_EQ(boxes.bytes(head), bytesOf("twenty two characters."));
+    int count = 0;
+    boxes.forEach(boxes.whole(), 0, [&](const Mp4Boxes::Box&) { ++count; });
+    EXPECT_EQ(count, 1);
+    file.unreadable = true;
+    EXPECT_TRUE(boxes.bytes(head).empty());
 }
 
 TEST_F(LargeMp4, has_ten_thousand_boxes_of_a_level_at_most) {
