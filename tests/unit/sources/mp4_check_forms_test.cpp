@@ -136,6 +136,23 @@ TEST_F(Mp4Forms, a_table_that_counts_one_more_than_it_has_is_refused) {
     }
 }
 
+TEST_F(Mp4Forms, a_table_of_times_or_chunks_without_an_entry_is_refused) {
+    for (Bytes* const table : {&track.sampleTimes, &track.runs, &track.places}) {
+        const Bytes whole = *table;
+        (*table)[7] = 0;
+        EXPECT_FALSE(plays());
+        *table = whole;
+    }
+}
+
+TEST_F(Mp4Forms, a_chunk_has_one_sample_or_as_many_as_there_are) {
+    for (const auto& [samples, good] :
+         {std::pair{0u, false}, std::pair{1u, true}, std::pair{0x01000000u, true}}) {
+        track.runs = mp4Table({1, 1, samples, 1});
+        EXPECT_EQ(plays(), good) << samples;
+    }
+}
+
 TEST_F(Mp4Forms, the_description_of_a_format_ends_inside_its_table) {
     track.formats = joined({mp4Table({1, 8}), bytesOf("mp4a")});
     EXPECT_TRUE(plays());
@@ -164,6 +181,15 @@ TEST_F(Mp4Forms, the_first_sample_ends_inside_the_file) {
         track.sizes = mp4Table({bytes, 1});
         EXPECT_EQ(plays(), good) << at << ' ' << bytes;
     }
+}
+
+TEST_F(Mp4Forms, a_first_sample_without_a_byte_may_stand_at_the_end_of_the_file) {
+    track.sizes = mp4Table({0, 1, 0});
+    const auto end = static_cast<std::uint32_t>(movie.bytes().size());
+    track.places = mp4Table({1, end});
+    EXPECT_TRUE(plays());
+    track.places = mp4Table({1, end + 1});
+    EXPECT_FALSE(plays());
 }
 
 TEST_F(Mp4Forms, a_place_may_be_of_eight_bytes) {
