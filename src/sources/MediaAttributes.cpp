@@ -105,6 +105,8 @@ void take(const Attribute& attribute, MediaAttributes& attributes, StrmTags& tag
         copyValue(attribute, attributes.duration);
     else if (attribute.name == L"Bitrate")
         copyValue(attribute, attributes.bitrate);
+    else if (attribute.name == L"Seekable")
+        copyValue(attribute, attributes.seekable);
     else
         for (const TagRule& rule : tagRules)
             if (attribute.name == rule.attribute)

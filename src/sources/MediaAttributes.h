@@ -14,6 +14,7 @@ class StrmTags;
 struct MediaAttributes {
     std::uint64_t duration = 0; // in units of 100 nanoseconds
     std::uint64_t bitrate = 0;  // bits per second
+    std::uint16_t seekable = 0; // as the file has it; the source says itself what it can do
 };
 
 // Reads the attributes of the whole file and of every stream; what a file does not hold stays 0.

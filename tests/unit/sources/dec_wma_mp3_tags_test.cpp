@@ -208,6 +208,24 @@ TEST_F(WindowsMediaTags, an_attribute_that_cannot_be_read_is_left_out_and_the_op
     }
 }
 
+// It is read and never asked for: the source is always seekable.
+TEST_F(WindowsMediaTags, whether_the_file_is_seekable_is_kept_as_it_says) {
+    const FARPROC create = standInApi.getProcAddress(nullptr, "WMCreateSyncReader");
+    ComPtr<IWMSyncReader> reader;
+    ASSERT_EQ(reinterpret_cast<decltype(&::WMCreateSyncReader)>(reinterpret_cast<void*>(create))(
+                  nullptr, 0, reader.put()),
+              S_OK);
+    ASSERT_EQ(reader->Open(L"song.wma"), S_OK);
+    for (const DWORD says : {1u, 0u, 0x12345678u}) {
+        library.attributes = {numberAttribute(L"Seekable", WMT_TYPE_BOOL, says)};
+        MediaAttributes attributes;
+        StrmTags tags;
+        ASSERT_TRUE(readMediaAttributes(*reader.get(), attributes, tags));
+        EXPECT_EQ(attributes.seekable, says & 0xFFFF);
+    }
+    reader->Close();
+}
+
 TEST_F(WindowsMediaTags, the_bitrate_is_its_attributes) {
     (void)tagsOf({numberAttribute(L"Bitrate", WMT_TYPE_DWORD, DWORD{128000})});
     EXPECT_EQ(source.Bitrate(), 128000);
