@@ -278,15 +278,25 @@ TEST_F(Hosted, a_fixed_size_may_be_given_with_a_pixel_more_or_less) {
     }
 }
 
-// Ends the box as soon as it is there.
+// Ends the box before it is shown: if no window manager runs the platform waits seconds for one.
 struct AboutBox {
+    static inline HWND box = nullptr;
+    static inline HWND owner = nullptr;
     static inline std::wstring text;
     static inline bool hasIcon = false;
-    static inline HWND owner = nullptr;
 
-    // Without activation: if no window manager runs the platform waits seconds for one.
-    static LRESULT CALLBACK refuseToActivate(int code, WPARAM window, LPARAM details) {
-        return code == HCBT_ACTIVATE ? 1 : ::CallNextHookEx(nullptr, code, window, details);
+    static LRESULT CALLBACK watch(int code, WPARAM wParam, LPARAM lParam) {
+        const HWND window = reinterpret_cast<HWND>(wParam);
+        wchar_t kind[20]{};
+        if (code == HCBT_CREATEWND && ::GetClassNameW(window, kind, 20) != 0 &&
+            std::wstring_view(kind) == L"#32770") {
+            box = window;
+            ::PostMessageW(window, WM_COMMAND, IDOK, 0);
+        } else if (code == HCBT_DESTROYWND && window == box) {
+            owner = ::GetWindow(box, GW_OWNER);
+            ::EnumChildWindows(box, &look, 0);
+        }
+        return ::CallNextHookEx(nullptr, code, wParam, lParam);
     }
     static BOOL CALLBACK look(HWND child, LPARAM) {
         wchar_t words[200]{}, kind[20]{};
@@ -299,23 +309,13 @@ struct AboutBox {
                         ::SendMessageW(child, STM_GETICON, 0, 0) != 0);
         return TRUE;
     }
-    static void CALLBACK close(HWND, UINT, UINT_PTR, DWORD) {
-        const HWND box = ::FindWindowW(L"#32770", L"About Corvina");
-        if (!box)
-            return;
-        owner = ::GetWindow(box, GW_OWNER);
-        ::EnumChildWindows(box, &look, 0);
-        ::SendMessageW(box, WM_COMMAND, IDOK, 0);
-    }
 };
 
 TEST_F(Hosted, the_about_verb_shows_what_the_library_is) {
     const HiddenWindow form;
     const HHOOK hook =
-        ::SetWindowsHookExW(WH_CBT, &AboutBox::refuseToActivate, nullptr, ::GetCurrentThreadId());
-    const UINT_PTR timer = ::SetTimer(nullptr, 0, 10, &AboutBox::close);
+        ::SetWindowsHookExW(WH_CBT, &AboutBox::watch, nullptr, ::GetCurrentThreadId());
     EXPECT_EQ(S_OK, verb(1, form.handle()));
-    ::KillTimer(nullptr, timer);
     ::UnhookWindowsHookEx(hook);
     EXPECT_NE(std::wstring::npos, AboutBox::text.find(L"Audio player and graph controls"));
     EXPECT_TRUE(AboutBox::hasIcon);
