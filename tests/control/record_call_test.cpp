@@ -111,6 +111,38 @@ TEST_F(RecordCall, looks_behind_a_reference_to_a_variant) {
     EXPECT_EQ(0u, badArgument);
 }
 
+// An object that stands for a number.
+class NumberObject final : public IDispatch {
+public:
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void** found) override {
+        *found = this;
+        return S_OK;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
+    ULONG STDMETHODCALLTYPE Release() override { return 1; }
+    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS*, VARIANT* value,
+                                     EXCEPINFO*, UINT*) override {
+        if (id != DISPID_VALUE)
+            return DISP_E_MEMBERNOTFOUND;
+        V_VT(value) = VT_I4;
+        V_I4(value) = 11;
+        return S_OK;
+    }
+};
+
+TEST_F(RecordCall, takes_the_default_value_of_an_object) {
+    NumberObject number;
+    V_VT(&arguments[2]) = VT_DISPATCH;
+    V_DISPATCH(&arguments[2]) = &number;
+    EXPECT_EQ(S_OK, call());
+    EXPECT_EQ(11, OneMember::index);
+}
+
 TEST_F(RecordCall, describes_the_failure_of_the_member) {
     OneMember::returned = static_cast<HRESULT>(0x800A0005);
     ComPtr<ICreateErrorInfo> error;
