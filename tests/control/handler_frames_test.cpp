@@ -34,6 +34,7 @@ TEST(HandlerFrames, are_the_same_after_a_call) {
     EXPECT_EQ(before, __readfsdword(0));
 }
 
+#ifndef _MSC_VER // whose programs list the handlers that may be called
 TEST(HandlerFrames, of_a_handler_that_raises_are_unwound_and_gone) {
     const DWORD before = __readfsdword(0);
     Frame::searched = Frame::unwound = 0;
@@ -46,6 +47,7 @@ TEST(HandlerFrames, of_a_handler_that_raises_are_unwound_and_gone) {
     EXPECT_EQ(1, Frame::unwound);
     EXPECT_EQ(before, __readfsdword(0));
 }
+#endif
 
 } // namespace
 } // namespace corvina::test
