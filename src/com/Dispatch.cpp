@@ -13,12 +13,9 @@ bool isObject(const TYPEDESC& type) noexcept {
     return type.vt == VT_DISPATCH || (type.vt == VT_PTR && type.lptdesc->vt == VT_USERDEFINED);
 }
 
+// As the dispatch view of an interface describes a member: with its result as what it returns.
 bool returnsObject(const FUNCDESC& function) noexcept {
-    if (function.cParams == 0)
-        return isObject(function.elemdescFunc.tdesc);
-    const ELEMDESC& result = function.lprgelemdescParam[0];
-    return function.cParams == 1 && (result.paramdesc.wParamFlags & PARAMFLAG_FRETVAL) != 0 &&
-           result.tdesc.vt == VT_PTR && isObject(*result.tdesc.lptdesc);
+    return function.cParams == 0 && isObject(function.elemdescFunc.tdesc);
 }
 
 // Whether the member is a property without arguments that holds an object.

@@ -52,6 +52,39 @@ public:
     return storage;
 }
 
+// A stream that fails.
+class BrokenStream final : public IStream {
+public:
+    explicit BrokenStream(HRESULT result) noexcept : result_(result) {}
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
+    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
+    ULONG STDMETHODCALLTYPE Release() override { return 1; }
+    HRESULT STDMETHODCALLTYPE Read(void*, ULONG, ULONG*) override { return result_; }
+    HRESULT STDMETHODCALLTYPE Write(const void*, ULONG, ULONG*) override { return result_; }
+    HRESULT STDMETHODCALLTYPE Seek(LARGE_INTEGER, DWORD, ULARGE_INTEGER*) override {
+        return result_;
+    }
+    HRESULT STDMETHODCALLTYPE SetSize(ULARGE_INTEGER) override { return result_; }
+    HRESULT STDMETHODCALLTYPE CopyTo(IStream*, ULARGE_INTEGER, ULARGE_INTEGER*,
+                                     ULARGE_INTEGER*) override {
+        return result_;
+    }
+    HRESULT STDMETHODCALLTYPE Commit(DWORD) override { return result_; }
+    HRESULT STDMETHODCALLTYPE Revert() override { return result_; }
+    HRESULT STDMETHODCALLTYPE LockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override {
+        return result_;
+    }
+    HRESULT STDMETHODCALLTYPE UnlockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override {
+        return result_;
+    }
+    HRESULT STDMETHODCALLTYPE Stat(STATSTG*, DWORD) override { return result_; }
+    HRESULT STDMETHODCALLTYPE Clone(IStream**) override { return result_; }
+
+private:
+    HRESULT result_;
+};
+
 inline void rewind(const ComPtr<IStream>& stream) {
     stream->Seek({}, STREAM_SEEK_SET, nullptr);
 }

@@ -19,6 +19,7 @@ public:
 
     ComPtr<IUnknown> inner;
     ULONG references = 1;
+    int counted = 0; // how often anybody took a reference
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** result) override {
         if (iid != IID_IUnknown && iid != IID_IServiceProvider)
@@ -27,7 +28,10 @@ public:
         AddRef();
         return S_OK;
     }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++references; }
+    ULONG STDMETHODCALLTYPE AddRef() override {
+        ++counted;
+        return ++references;
+    }
     ULONG STDMETHODCALLTYPE Release() override { return --references; }
     HRESULT STDMETHODCALLTYPE QueryService(REFGUID, REFIID, void**) override { return E_NOTIMPL; }
 };
@@ -59,6 +63,16 @@ TEST_P(Aggregation, the_inner_unknown_is_counted_by_itself) {
     EXPECT_EQ(1u, outer.references);
     EXPECT_EQ(3u, outer.inner->AddRef());
     EXPECT_EQ(2u, outer.inner->Release());
+}
+
+// It may be gone except for its destructor, which releases the control.
+TEST_P(Aggregation, the_outer_object_is_not_counted_by_a_control_that_is_destroyed) {
+    OuterObject outer(GetParam());
+    ASSERT_TRUE(outer.inner);
+    outer.counted = 0;
+    outer.inner.reset();
+    EXPECT_EQ(0, outer.counted);
+    EXPECT_EQ(1u, outer.references);
 }
 
 TEST_P(Aggregation, a_connection_point_leads_back_to_the_outer_object) {

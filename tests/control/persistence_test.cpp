@@ -227,6 +227,63 @@ TEST_F(Persistence, the_class_id_is_returned) {
     EXPECT_EQ(E_POINTER, as<IPersistStorage>(control)->GetClassID(nullptr));
 }
 
+TEST_F(Persistence, each_damage_of_a_stream_has_its_own_error) {
+    const auto persist = as<IPersistStreamInit>(control);
+    EXPECT_EQ(STG_E_DOCFILECORRUPT, persist->Load(streamOf({1, 2, 3, 4, 5}).get()));
+    EXPECT_EQ(STG_E_DOCFILECORRUPT, persist->Load(streamOf({signature, -1, 10, 0}).get()));
+    EXPECT_EQ(STG_E_DOCFILECORRUPT, persist->Load(streamOf({signature, 10, -1, 0}).get()));
+    EXPECT_EQ(STG_E_READFAULT, persist->Load(streamOf({signature, 10}).get()));
+    EXPECT_EQ(STG_E_READFAULT, persist->Load(streamOf({signature, 10, 10, 3, 50, 60}).get()));
+    BrokenStream broken(E_ACCESSDENIED);
+    EXPECT_EQ(E_ACCESSDENIED, persist->Load(&broken));
+    EXPECT_EQ(E_ACCESSDENIED, persist->Save(&broken, TRUE));
+}
+
+TEST_F(Persistence, an_extent_of_nothing_is_one) {
+    EXPECT_EQ(S_OK, as<IPersistStreamInit>(control)->Load(streamOf({signature, 0, 0, 0}).get()));
+    SIZEL size{7, 7};
+    as<IOleObject>(control)->GetExtent(DVASPECT_CONTENT, &size);
+    EXPECT_EQ(0, size.cx);
+    EXPECT_EQ(0, size.cy);
+}
+
+TEST_F(Persistence, a_control_without_properties_is_kept_in_a_storage_too) {
+    ControlClass bare = testControlClass;
+    bare.properties = {};
+    auto without = makeCom<TestControl>(bare);
+    const auto storage = memoryStorage();
+    ASSERT_EQ(S_OK, as<IPersistStorage>(without)->Save(storage.get(), TRUE));
+    EXPECT_EQ(S_OK, as<IPersistStorage>(without)->Load(storage.get()));
+}
+
+TEST_F(Persistence, a_loaded_or_new_control_is_not_dirty) {
+    const auto persist = as<IPersistStreamInit>(control);
+    const auto stream = memoryStream();
+    ASSERT_EQ(S_OK, persist->Save(stream.get(), TRUE));
+    rewind(stream);
+    change();
+    EXPECT_EQ(S_OK, persist->IsDirty());
+    EXPECT_EQ(S_OK, persist->Load(stream.get()));
+    EXPECT_EQ(S_FALSE, persist->IsDirty());
+    change();
+    EXPECT_EQ(S_OK, persist->InitNew());
+    EXPECT_EQ(S_FALSE, persist->IsDirty());
+}
+
+TEST_F(Persistence, a_bag_gets_the_extent_and_clears_the_change_if_it_is_asked_to) {
+    change();
+    MemoryPropertyBag bag;
+    const auto persist = as<IPersistPropertyBag>(control);
+    EXPECT_EQ(S_OK, persist->Save(&bag, FALSE, FALSE));
+    EXPECT_EQ(S_OK, as<IPersistStreamInit>(control)->IsDirty());
+    ASSERT_TRUE(bag.has(L"_ExtentX"));
+    ASSERT_TRUE(bag.has(L"_ExtentY"));
+    EXPECT_EQ(1234, V_I4(&bag.values.at(L"_ExtentX")));
+    EXPECT_EQ(567, V_I4(&bag.values.at(L"_ExtentY")));
+    EXPECT_EQ(S_OK, persist->Save(&bag, TRUE, FALSE));
+    EXPECT_EQ(S_FALSE, as<IPersistStreamInit>(control)->IsDirty());
+}
+
 TEST_F(Persistence, null_pointers_are_refused) {
     const auto stream = as<IPersistStreamInit>(control);
     EXPECT_EQ(E_POINTER, stream->Load(nullptr));

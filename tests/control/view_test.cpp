@@ -2,30 +2,12 @@
 
 #include "Picture.h"
 #include "TestControl.h"
+#include "ViewSink.h"
 
 using namespace corvina;
 using namespace corvina::test;
 
 namespace {
-
-class ViewSink final : public IAdviseSink {
-public:
-    int views = 0;
-    int data = 0;
-    int closed = 0;
-
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** result) override {
-        *result = iid == IID_IUnknown || iid == IID_IAdviseSink ? this : nullptr;
-        return *result ? S_OK : E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
-    ULONG STDMETHODCALLTYPE Release() override { return 1; }
-    void STDMETHODCALLTYPE OnDataChange(FORMATETC*, STGMEDIUM*) override { ++data; }
-    void STDMETHODCALLTYPE OnViewChange(DWORD, LONG) override { ++views; }
-    void STDMETHODCALLTYPE OnRename(IMoniker*) override {}
-    void STDMETHODCALLTYPE OnSave() override {}
-    void STDMETHODCALLTYPE OnClose() override { ++closed; }
-};
 
 class View : public ControlBaseTest {
 protected:
