@@ -141,6 +141,8 @@ def configure():
     archive = os.path.join(RUNTIME, "libmutants.a")
     run(["i686-w64-mingw32-ar", "rcs", archive] + objects)
     if os.path.exists(os.path.join(BUILD, "build.ninja")):
+        # Test programs may have been added.
+        run(["ninja", "-C", BUILD, "build.ninja"], stdout=subprocess.DEVNULL)
         return
     # The libraries behind it are those that CMake names by itself.
     run(["cmake", "--preset", "mingw",
