@@ -109,7 +109,8 @@ TEST(BoundedThread, a_last_action_beyond_the_limit_is_left_behind) {
     const auto gate = std::make_shared<Gate>();
     const auto ended = std::make_shared<std::atomic<bool>>(false);
     {
-        BoundedThread thread(50, [gate, ended] {
+        // The job has time on a busy machine, too.
+        BoundedThread thread(700, [gate, ended] {
             gate->wait();
             *ended = true;
         });
@@ -138,7 +139,7 @@ thread_local SlowEnd slowEnd;
 TEST(BoundedThread, the_end_of_a_thread_that_has_done_its_last_action_is_waited_for_longer) {
     std::atomic<bool> ended = false;
     {
-        BoundedThread thread(300, [] {});
+        BoundedThread thread(450, [] {});
         EXPECT_TRUE(thread.run([&ended] { slowEnd.ended = &ended; }));
     }
     EXPECT_TRUE(ended);
