@@ -199,8 +199,8 @@ public:
             return S_OK;
         }
         std::memcpy(name, attribute.name.c_str(), *nameLength * sizeof(WCHAR));
-        std::memcpy(value, attribute.value.data(),
-                    std::min<std::size_t>(*valueLength, attribute.value.size()));
+        std::copy_n(attribute.value.begin(),
+                    std::min<std::size_t>(*valueLength, attribute.value.size()), value);
         return result; // what a failed call has written is there all the same
     }
 
