@@ -74,7 +74,8 @@ const wchar_t* mp4Object(const FilePiece& entry) {
 
 std::wstring mp4(const std::wstring& path, const FileApi& files) {
     constexpr std::uint64_t countOfEntries = 8;
-    constexpr std::size_t codec = 4, bits = 26;
+    constexpr std::size_t codec = 4;
+    constexpr std::size_t bits = 26;
     const Mp4Boxes file(path, files);
     std::wstring words;
     file.forEach(file.child(file.whole(), "moov"), 0, [&](const Mp4Boxes::Box& track) {

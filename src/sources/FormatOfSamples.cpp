@@ -22,7 +22,8 @@ std::wstring floats(const wchar_t* kind, std::uint32_t bits) {
 
 // format: a WAVEFORMATEX record.
 std::wstring waveFormat(const wchar_t* kind, const FilePiece& format) {
-    constexpr std::size_t bitsAt = 14, subFormatAt = 24;
+    constexpr std::size_t bitsAt = 14;
+    constexpr std::size_t subFormatAt = 24;
     std::uint32_t tag = format.little(0, 2);
     if (tag == WAVE_FORMAT_EXTENSIBLE)
         tag = format.little(subFormatAt, 2);
@@ -61,7 +62,8 @@ std::wstring wave(const FileHead& head, const FilePiece& start) {
 }
 
 std::wstring wave64(const FilePiece& start) {
-    constexpr std::size_t firstChunk = 40, chunkHeader = 24;
+    constexpr std::size_t firstChunk = 40;
+    constexpr std::size_t chunkHeader = 24;
     if (!start.hasAt(firstChunk, "fmt "))
         return L"Wave64";
     std::string format;
@@ -137,7 +139,8 @@ std::wstring au(const FilePiece& start) {
 }
 
 std::wstring voc(const FileHead& head, const FilePiece& start) {
-    constexpr std::uint32_t soundBlock = 1, newSoundBlock = 9;
+    constexpr std::uint32_t soundBlock = 1;
+    constexpr std::uint32_t newSoundBlock = 9;
     const FilePiece block = head.piece(start.little(20, 2), 16);
     const std::uint8_t type = block.byte(0);
     if (type != soundBlock && type != newSoundBlock)
@@ -157,7 +160,9 @@ std::wstring voc(const FileHead& head, const FilePiece& start) {
 }
 
 std::wstring caf(const FilePiece& start) {
-    constexpr std::size_t codec = 28, flags = 32, bits = 48;
+    constexpr std::size_t codec = 28;
+    constexpr std::size_t flags = 32;
+    constexpr std::size_t bits = 48;
     constexpr std::uint32_t isFloat = 1;
     if (!start.hasAt(8, "desc"))
         return L"CAF";

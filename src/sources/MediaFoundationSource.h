@@ -29,7 +29,6 @@ public:
           longestCall_(longestCallMs) {}
     MediaFoundationSource(const MediaFoundationSource&) = delete;
     MediaFoundationSource& operator=(const MediaFoundationSource&) = delete;
-    ~MediaFoundationSource() override { MediaFoundationSource::CloseSource(); }
 
     std::vector<std::wstring> Extensions() override;
     bool Seekable() override { return true; }

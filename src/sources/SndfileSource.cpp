@@ -48,30 +48,33 @@ struct TagRule {
 constexpr TagRule tagRules[] = {{1, L"title"},  {4, L"artist"},      {7, L"album"},  {6, L"year"},
                                 {16, L"genre"}, {9, L"tracknumber"}, {5, L"comment"}};
 
-// The speakers of the library's channel map, in the order of its numbers.
-constexpr DWORD mapSpeakers[] = {0, // none
-                                 KSAUDIO_SPEAKER_MONO,
-                                 SPEAKER_FRONT_LEFT,
-                                 SPEAKER_FRONT_RIGHT,
-                                 SPEAKER_FRONT_CENTER,
-                                 SPEAKER_FRONT_LEFT,
-                                 SPEAKER_FRONT_RIGHT,
-                                 SPEAKER_FRONT_CENTER,
-                                 SPEAKER_BACK_CENTER,
-                                 SPEAKER_BACK_LEFT,
-                                 SPEAKER_BACK_RIGHT,
-                                 SPEAKER_LOW_FREQUENCY,
-                                 SPEAKER_FRONT_LEFT_OF_CENTER,
-                                 SPEAKER_FRONT_RIGHT_OF_CENTER,
-                                 SPEAKER_SIDE_LEFT,
-                                 SPEAKER_SIDE_RIGHT,
-                                 SPEAKER_TOP_CENTER,
-                                 SPEAKER_TOP_FRONT_LEFT,
-                                 SPEAKER_TOP_FRONT_RIGHT,
-                                 SPEAKER_TOP_FRONT_CENTER,
-                                 SPEAKER_TOP_BACK_LEFT,
-                                 SPEAKER_TOP_BACK_RIGHT,
-                                 SPEAKER_TOP_BACK_CENTER};
+// The library's numbers of speakers in a channel map.
+struct MapSpeaker {
+    std::int32_t number;
+    DWORD speaker;
+};
+constexpr MapSpeaker mapSpeakers[] = {{1, KSAUDIO_SPEAKER_MONO},
+                                      {2, SPEAKER_FRONT_LEFT},
+                                      {3, SPEAKER_FRONT_RIGHT},
+                                      {4, SPEAKER_FRONT_CENTER},
+                                      {5, SPEAKER_FRONT_LEFT},
+                                      {6, SPEAKER_FRONT_RIGHT},
+                                      {7, SPEAKER_FRONT_CENTER},
+                                      {8, SPEAKER_BACK_CENTER},
+                                      {9, SPEAKER_BACK_LEFT},
+                                      {10, SPEAKER_BACK_RIGHT},
+                                      {11, SPEAKER_LOW_FREQUENCY},
+                                      {12, SPEAKER_FRONT_LEFT_OF_CENTER},
+                                      {13, SPEAKER_FRONT_RIGHT_OF_CENTER},
+                                      {14, SPEAKER_SIDE_LEFT},
+                                      {15, SPEAKER_SIDE_RIGHT},
+                                      {16, SPEAKER_TOP_CENTER},
+                                      {17, SPEAKER_TOP_FRONT_LEFT},
+                                      {18, SPEAKER_TOP_FRONT_RIGHT},
+                                      {19, SPEAKER_TOP_FRONT_CENTER},
+                                      {20, SPEAKER_TOP_BACK_LEFT},
+                                      {21, SPEAKER_TOP_BACK_RIGHT},
+                                      {22, SPEAKER_TOP_BACK_CENTER}};
 
 // The order of Vorbis and Opus, for each number of channels.
 constexpr DWORD left = SPEAKER_FRONT_LEFT;
@@ -92,6 +95,14 @@ constexpr std::array<DWORD, 8> oggSpeakers[] = {
     {left, center, right, sideLeft, sideRight, SPEAKER_BACK_CENTER, low},
     {left, center, right, sideLeft, sideRight, backLeft, backRight, low},
 };
+
+// 0 if the number stands for none.
+DWORD speakerOfNumber(std::int32_t number) {
+    for (const MapSpeaker& known : mapSpeakers)
+        if (known.number == number)
+            return known.speaker;
+    return 0;
+}
 
 std::int16_t toSample(float value) {
     constexpr float fullScale = 32768.0F;
@@ -152,8 +163,7 @@ bool SndfileSource::prepare(const std::wstring& path) {
         static_cast<std::uint64_t>(static_cast<std::uint32_t>(info_.framesHigh)) << 32 |
         info_.framesLow);
     totalFrames_ = frames == std::numeric_limits<std::int64_t>::max() ? 0 : frames;
-    if (totalFrames_ > 0)
-        bitrate_ = averageBitrate(path, static_cast<double>(totalFrames_) / info_.sampleRate);
+    bitrate_ = averageBitrate(path, static_cast<double>(totalFrames_) / info_.sampleRate);
     readTags();
     return true;
 }
@@ -169,10 +179,7 @@ std::vector<DWORD> SndfileSource::speakers() {
                          static_cast<std::int32_t>(channels * sizeof map[0])) == 0)
         return speakersOf(static_cast<std::int32_t>(channels));
     std::vector<DWORD> result;
-    for (const std::int32_t number : map) {
-        const auto index = static_cast<std::size_t>(number); // large if the number is negative
-        result.push_back(index < std::size(mapSpeakers) ? mapSpeakers[index] : 0);
-    }
+    std::ranges::transform(map, std::back_inserter(result), &speakerOfNumber);
     return result;
 }
 

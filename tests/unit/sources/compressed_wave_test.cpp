@@ -123,6 +123,7 @@ TEST_F(CompressedSound, the_first_frame_of_a_block_follows_from_its_place) {
 TEST_F(CompressedSound, without_a_sample_rate_nothing_follows) {
     write(noise(4000));
     EXPECT_EQ(rate(blocks(WAVE_FORMAT_IMA_ADPCM, 0, 256, 505, 4000).common), std::nullopt);
+    EXPECT_EQ(rate(blocks(WAVE_FORMAT_IMA_ADPCM, 1, 256, 512, 4000).common), 0.5);
     WAVEFORMATEX record = mp3Record(16000);
     record.nSamplesPerSec = 0;
     EXPECT_FALSE(CompressedWave(record, data_).isKnown());
@@ -144,6 +145,17 @@ TEST_F(CompressedSound, an_average_rate_that_the_blocks_deny_is_replaced) {
         EXPECT_NEAR(rate(blocks(WAVE_FORMAT_IMA_ADPCM, 22050, 256, 505, recorded).common).value(),
                     11177.8, 0.1)
             << recorded;
+}
+
+TEST_F(CompressedSound, a_recorded_rate_may_be_off_by_a_thousandth_and_a_byte) {
+    write(noise(4000));
+    const auto computed = [this](DWORD recorded) {
+        return rate(blocks(WAVE_FORMAT_IMA_ADPCM, 8000, 4, 1, recorded).common);
+    };
+    EXPECT_EQ(computed(32'000 + 33), std::nullopt);
+    EXPECT_EQ(computed(32'000 - 33), std::nullopt);
+    EXPECT_EQ(computed(32'000 + 34), 32'000);
+    EXPECT_EQ(computed(32'000 - 34), 32'000);
 }
 
 TEST_F(CompressedSound, a_frame_of_adpcm_is_reached_from_the_start_of_its_block) {
@@ -231,6 +243,14 @@ TEST_F(CompressedSound, a_count_is_believed_from_900_to_44000_bytes_a_second) {
         EXPECT_EQ(rate(record, 5000),
                   believed ? std::optional<double>(bytesPerSecond) : std::nullopt);
     }
+}
+
+TEST_F(CompressedSound, a_count_of_a_single_frame_is_believed_too) {
+    write(noise(5000));
+    WAVEFORMATEX record = mp3Record(9000);
+    record.nSamplesPerSec = 1;
+    EXPECT_EQ(rate(record, 1), 5000);
+    EXPECT_EQ(rate(record, 0), std::nullopt);
 }
 
 TEST_F(CompressedSound, the_frames_of_mpeg_sound_are_counted_only_if_the_record_has_no_rate) {

@@ -107,6 +107,23 @@ TEST_F(MovieSound, of_a_failed_open_leaves_nothing_of_the_file_before) {
     EXPECT_EQ(movie.readers, 0);
 }
 
+TEST_F(MovieSound, is_let_go_of_with_its_source) {
+    layBlocks(2);
+    {
+        MediaFoundationSource other(standInMovies);
+        ASSERT_EQ(other.OpenSource(L"a file that only the stand-in has.aac"), 0);
+        EXPECT_EQ(movie.readers, 1);
+    }
+    EXPECT_EQ(movie.readers, 0);
+}
+
+TEST_F(MovieSound, has_places_to_go_to) {
+    EXPECT_TRUE(source.Seekable());
+    layBlocks(2);
+    ASSERT_EQ(open(), 0);
+    EXPECT_TRUE(source.Seekable());
+}
+
 TEST_F(MovieSound, is_delivered_block_by_block_to_its_end) {
     layBlocks(3);
     ASSERT_EQ(open(), 0);

@@ -45,6 +45,14 @@ TEST_F(SndfileSourceCalls, a_destroyed_source_closes_its_file) {
     EXPECT_THAT(libraries.calls, ElementsAre(Call{"sf_close", {handle}}));
 }
 
+TEST_F(SndfileSourceCalls, another_open_closes_the_file_before_first) {
+    SndfileSource& source = opened();
+    EXPECT_EQ(source.OpenSource(path), 0);
+    ASSERT_GE(libraries.calls.size(), 2u);
+    EXPECT_EQ(libraries.calls[0], (Call{"sf_close", {handle}}));
+    EXPECT_EQ(libraries.calls[1], (Call{"sf_wchar_open", {16}}));
+}
+
 TEST_F(SndfileSourceCalls, one_channel_and_64_and_one_frame_a_second_are_played) {
     results.info.channels = 1;
     EXPECT_EQ(opened().Channels(), 1);
@@ -214,6 +222,18 @@ TEST_F(SndfileSourceCalls, every_speaker_of_the_map_is_heard_at_its_side) {
     }
 }
 
+TEST_F(SndfileSourceCalls, a_speaker_of_the_map_in_the_middle_is_softer_behind_than_in_front) {
+    constexpr std::int32_t front = 4;
+    constexpr std::int32_t behind = 8;
+    constexpr std::int32_t low = 11;
+    results.info.channels = 3;
+    results.frame = {10'000, 0, 0};
+    results.map = {{front, low, low}};
+    EXPECT_THAT(read(opened(), 4).samples, ElementsAre(7071, 7071));
+    results.map = {{behind, low, low}};
+    EXPECT_THAT(read(opened(), 4).samples, ElementsAre(5000, 5000));
+}
+
 TEST_F(SndfileSourceCalls, ogg_has_an_order_of_its_own_up_to_eight_channels) {
     results.info.format = ogg;
     EXPECT_THAT(sidesOfAll(3), ElementsAre("L", "LR", "R"));
@@ -236,6 +256,13 @@ TEST_F(SndfileSourceCalls, a_seek_goes_to_the_frame_and_decodes_nothing_before_i
     EXPECT_THAT(libraries.calls,
                 ElementsAre(Call{"sf_seek", {handle, 2'000'000'000, 0, 0}},
                             Call{"sf_seek", {handle, static_cast<std::int32_t>(at99), 0, 0}}));
+}
+
+TEST_F(SndfileSourceCalls, a_percentage_leads_to_the_whole_frame_before_it) {
+    results.info.framesLow = 199;
+    SndfileSource& source = opened();
+    EXPECT_EQ(seekTo(source, 99, SeekMode::percent), 0);
+    EXPECT_THAT(libraries.calls, ElementsAre(Call{"sf_seek", {handle, 197, 0, 0}}));
 }
 
 TEST_F(SndfileSourceCalls, mpeg_audio_is_decoded_from_eight_frames_before_the_place) {

@@ -119,6 +119,16 @@ TEST_F(HoldingBack, is_not_expected_of_plain_samples) {
     EXPECT_EQ(buffersAtEnd(WAVE_FORMAT_PCM, 5, 3), 0);
 }
 
+TEST_F(Converter, a_codec_that_takes_less_than_a_block_at_a_time_gets_all_of_it) {
+    MemorySource source(pcm(1000, 1, 8), noise(1000));
+    source.format.wFormatTag = WAVE_FORMAT_ADPCM;
+    source.format.nBlockAlign = 256;
+    fakeAcm.sourceSize = [](DWORD) { return DWORD{100}; };
+    ASSERT_TRUE(start(source));
+    EXPECT_EQ(pullAll(100), noise(1000));
+    EXPECT_EQ(source.asked.front(), 100);
+}
+
 TEST_F(Converter, a_block_that_is_not_whole_at_the_end_is_left_alone) {
     MemorySource source(pcm(500, 1, 16), noise(501));
     fakeAcm.conversion = [](ACMSTREAMHEADER& header) {
