@@ -5,6 +5,7 @@
 #include "control/Verbs.h"
 #include "library/ClassTable.h"
 #include "library/RegistryChanges.h"
+#include "platform/ModulePath.h"
 
 #include <iterator>
 #include <oleauto.h>
@@ -31,17 +32,6 @@ Text textOfGuid(REFGUID guid) {
     wchar_t text[40];
     ::StringFromGUID2(guid, text, static_cast<int>(std::size(text)));
     return text;
-}
-
-Text modulePath() {
-    Text path(MAX_PATH, L'\0');
-    for (;;) {
-        const DWORD length = ::GetModuleFileNameW(thisModule().handle(), path.data(),
-                                                  static_cast<DWORD>(path.size()));
-        if (length < path.size())
-            return path.substr(0, length);
-        path.resize(path.size() * 2);
-    }
 }
 
 // What the type library says about itself.
@@ -154,7 +144,7 @@ HRESULT registerLibrary(RegistrationScope scope) {
     Library library;
     if (const HRESULT loaded = library.load(); FAILED(loaded))
         return loaded;
-    const Text path = modulePath();
+    const Text path = modulePath(thisModule().handle());
     RegistryChanges changes(scope);
     HRESULT registered = writeClasses(library, path, changes);
     if (SUCCEEDED(registered)) {

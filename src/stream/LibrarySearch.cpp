@@ -4,6 +4,7 @@
 #include "platform/AnsiText.h"
 #include "platform/ErrorBoxes.h"
 #include "platform/FileApi.h"
+#include "platform/ModulePath.h"
 
 namespace corvina {
 namespace {
@@ -11,18 +12,8 @@ namespace {
 // The folder of a module, the host's program if it is null, with a backslash at its end; empty if
 // the system does not give it.
 std::wstring folderOf(HMODULE module) {
-    std::wstring path(MAX_PATH, L'\0');
-    for (;;) {
-        const DWORD length =
-            ::GetModuleFileNameW(module, path.data(), static_cast<DWORD>(path.size()));
-        if (length == 0)
-            return {};
-        if (length < path.size()) {
-            path.resize(length);
-            return path.substr(0, path.find_last_of(L'\\') + 1);
-        }
-        path.resize(path.size() * 2);
-    }
+    const std::wstring path = modulePath(module);
+    return path.substr(0, path.find_last_of(L'\\') + 1);
 }
 
 // With a backslash at its end.

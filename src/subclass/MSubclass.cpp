@@ -2,6 +2,7 @@
 
 #include "com/ComPtr.h"
 #include "com/Module.h"
+#include "platform/ModulePath.h"
 #include "runtime/RuntimeError.h"
 #include "subclass/WindowProperties.h"
 
@@ -25,9 +26,7 @@ std::int32_t currentMessage = 0;
 
 // The host program's file name without folder and extension.
 [[nodiscard]] std::wstring hostProgramName() {
-    constexpr DWORD longestPath = 32768;
-    std::wstring path(longestPath, L'\0');
-    path.resize(::GetModuleFileNameW(nullptr, path.data(), longestPath));
+    const std::wstring path = modulePath(nullptr);
     const std::wstring name = path.substr(path.find_last_of(L"\\/") + 1);
     return name.substr(0, name.rfind(L'.'));
 }

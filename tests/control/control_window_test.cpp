@@ -4,6 +4,8 @@
 #include "support/FaultyWindows.h"
 #include "support/FreeGdiObjects.h"
 
+#include <commctrl.h>
+
 using namespace corvina;
 using namespace corvina::test;
 
@@ -40,6 +42,11 @@ protected:
     static void allowToMove() {
         windowFaults.disarm();
         ControlWindow::useWindowApi(nullptr);
+    }
+    static bool isChild(HWND window) {
+        const LONG style = ::GetWindowLongW(window, GWL_STYLE);
+        EXPECT_NE((style & WS_CHILD) != 0, (style & static_cast<LONG>(WS_POPUP)) != 0);
+        return (style & WS_CHILD) != 0;
     }
 };
 
@@ -88,6 +95,8 @@ TEST_F(WindowOfControl, is_the_first_one_again_after_a_container_that_refused_it
     refuseToMove();
     ASSERT_EQ(S_OK, verb(OLEIVERB_INPLACEACTIVATE));
     EXPECT_NE(before, window());
+    EXPECT_TRUE(isChild(window()));
+    EXPECT_FALSE(isChild(before));
     const FaultWatch watch;
     EXPECT_EQ(S_OK, as<IOleInPlaceObject>()->InPlaceDeactivate());
     EXPECT_EQ(before, window());
@@ -122,15 +131,35 @@ TEST_F(WindowOfControl, goes_with_the_control_and_so_does_the_first_one) {
     EXPECT_FALSE(::IsWindow(first));
 }
 
+// Deactivates the control when its window stops being a child.
+LRESULT CALLBACK deactivateAsPopup(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
+                                   UINT_PTR, DWORD_PTR active) {
+    const auto* styles = reinterpret_cast<const STYLESTRUCT*>(lParam);
+    if (message == WM_STYLECHANGED && (styles->styleOld & WS_CHILD) != 0)
+        reinterpret_cast<IOleInPlaceObject*>(active)->InPlaceDeactivate();
+    return ::DefSubclassProc(window, message, wParam, lParam);
+}
+
+TEST_F(WindowOfControl, deactivated_while_it_is_refused_is_not_replaced) {
+    const HWND own = window();
+    const auto active = as<IOleInPlaceObject>();
+    ::SetWindowSubclass(own, &deactivateAsPopup, 1, reinterpret_cast<DWORD_PTR>(active.get()));
+    refuseToMove();
+    verb(OLEIVERB_INPLACEACTIVATE);
+    ::RemoveWindowSubclass(own, &deactivateAsPopup, 1);
+    EXPECT_EQ(own, window());
+    EXPECT_FALSE(isChild(own));
+    EXPECT_FALSE(control->base().active());
+    EXPECT_EQ(0, control->replacedWindows);
+}
+
 // Nobody's own child.
 TEST_F(WindowOfControl, refused_as_its_own_container_stays_outside_with_the_error_of_the_call) {
     const HWND own = window();
     site->container = own;
     EXPECT_EQ(static_cast<HRESULT>(0x800A0005), verb(OLEIVERB_INPLACEACTIVATE));
     EXPECT_EQ(own, window());
-    const LONG style = ::GetWindowLongW(own, GWL_STYLE);
-    EXPECT_EQ(0, style & WS_CHILD);
-    EXPECT_NE(0, style & static_cast<LONG>(WS_POPUP));
+    EXPECT_FALSE(isChild(own));
 }
 
 } // namespace

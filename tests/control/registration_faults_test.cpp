@@ -1,8 +1,8 @@
-// A registration that fails at any key leaves nothing of itself behind. The user's registry is a
-// key of the test's own, in which a volatile key refuses what would be put below it.
+// A registration that fails at any key leaves nothing of itself behind. In the place of the
+// registry a volatile key refuses what would be put below it, and a denied one refuses everything.
 
+#include "StandInRegistry.h"
 #include "Support.h"
-#include "platform/RegistryKey.h"
 
 #include <set>
 
@@ -10,9 +10,7 @@ namespace corvina::test {
 namespace {
 
 using Install = HRESULT(STDAPICALLTYPE*)(BOOL, LPCWSTR);
-
-constexpr const wchar_t* place = L"Software\\CorvinaRegistrationTest";
-const std::wstring classes = L"Software\\Classes";
+using Register = HRESULT(STDAPICALLTYPE*)();
 
 // A key that every library has a part of.
 bool isShared(const std::wstring& key) {
@@ -27,102 +25,6 @@ DWORD bytesOf(const std::wstring& text) {
     return static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t));
 }
 
-// Stands in for the user's or the machine's registry while it lives.
-class StandInRegistry {
-public:
-    explicit StandInRegistry(HKEY replaced) : replaced_(replaced) {
-        ::RegDeleteTreeW(HKEY_CURRENT_USER, place);
-        ::RegCreateKeyExW(HKEY_CURRENT_USER, place, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr,
-                          root_.put(), nullptr);
-        ::RegCreateKeyExW(root_.get(), classes.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr,
-                          ofClasses_.put(), nullptr);
-        ::RegOverridePredefKey(replaced_, root_.get());
-        if (replaced_ == HKEY_LOCAL_MACHINE) // where the system puts type libraries
-            ::RegOverridePredefKey(HKEY_CLASSES_ROOT, ofClasses_.get());
-    }
-    StandInRegistry(const StandInRegistry&) = delete;
-    StandInRegistry& operator=(const StandInRegistry&) = delete;
-    ~StandInRegistry() {
-        ::RegOverridePredefKey(HKEY_CLASSES_ROOT, nullptr);
-        ::RegOverridePredefKey(replaced_, nullptr);
-        ofClasses_.reset();
-        root_.reset();
-        ::RegDeleteTreeW(HKEY_CURRENT_USER, place);
-    }
-
-    // From now on no key can be made below this one.
-    void close(const std::wstring& key) const {
-        create(key.substr(0, key.rfind(L'\\')), REG_OPTION_NON_VOLATILE);
-        create(key, REG_OPTION_VOLATILE);
-    }
-
-    void remove(const std::wstring& key) const { ::RegDeleteTreeW(root_.get(), key.c_str()); }
-    void removeValue(const std::wstring& key, const wchar_t* name) const {
-        ::RegDeleteKeyValueW(root_.get(), key.c_str(), name);
-    }
-    void write(const std::wstring& key, const std::wstring& text,
-               const wchar_t* name = nullptr) const {
-        ASSERT_EQ(ERROR_SUCCESS,
-                  ::RegSetKeyValueW(root_.get(), key.c_str(), name, REG_SZ, text.c_str(),
-                                    static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t))));
-    }
-    [[nodiscard]] std::wstring read(const std::wstring& key) const {
-        wchar_t text[MAX_PATH]{};
-        DWORD bytes = sizeof text;
-        ::RegGetValueW(root_.get(), key.c_str(), nullptr, RRF_RT_REG_SZ, nullptr, text, &bytes);
-        return text;
-    }
-
-    // How long a value is in the registry; 0 if there is none.
-    [[nodiscard]] DWORD bytes(const std::wstring& key, const wchar_t* name) const {
-        RegistryKey opened;
-        DWORD found = 0;
-        if (::RegOpenKeyExW(root_.get(), key.c_str(), 0, KEY_READ, opened.put()) == ERROR_SUCCESS)
-            ::RegQueryValueExW(opened.get(), name, nullptr, nullptr, nullptr, &found);
-        return found;
-    }
-
-    // Every key below Software\Classes.
-    [[nodiscard]] std::set<std::wstring> keys() const {
-        std::set<std::wstring> found;
-        collect(classes, found);
-        return found;
-    }
-
-private:
-    void create(const std::wstring& key, DWORD options) const {
-        RegistryKey made;
-        ASSERT_EQ(ERROR_SUCCESS, ::RegCreateKeyExW(root_.get(), key.c_str(), 0, nullptr, options,
-                                                   KEY_READ, nullptr, made.put(), nullptr));
-    }
-    void collect(const std::wstring& key, std::set<std::wstring>& found) const {
-        RegistryKey opened;
-        if (::RegOpenKeyExW(root_.get(), key.c_str(), 0, KEY_READ, opened.put()) != ERROR_SUCCESS)
-            return;
-        wchar_t name[256];
-        for (DWORD index = 0, length = 256;
-             ::RegEnumKeyExW(opened.get(), index, name, &length, nullptr, nullptr, nullptr,
-                             nullptr) == ERROR_SUCCESS;
-             ++index, length = 256) {
-            const std::wstring child = key + L"\\" + name;
-            found.insert(child);
-            collect(child, found);
-        }
-    }
-
-    HKEY replaced_;
-    RegistryKey root_;
-    RegistryKey ofClasses_;
-};
-
-struct UserRegistry : StandInRegistry {
-    UserRegistry() : StandInRegistry(HKEY_CURRENT_USER) {}
-};
-
-struct MachineRegistry : StandInRegistry {
-    MachineRegistry() : StandInRegistry(HKEY_LOCAL_MACHINE) {}
-};
-
 class FailingRegistration : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -132,6 +34,13 @@ protected:
         ASSERT_NE(nullptr, install);
     }
     void TearDown() override { ::FreeLibrary(library); }
+
+    // What regsvr32 calls without /i.
+    [[nodiscard]] HRESULT call(const char* name) const {
+        const auto entry =
+            reinterpret_cast<Register>(reinterpret_cast<void*>(::GetProcAddress(library, name)));
+        return entry ? entry() : E_NOTIMPL;
+    }
 
     HMODULE library = nullptr;
     Install install = nullptr;
@@ -220,6 +129,15 @@ TEST_F(FailingRegistration, of_the_type_library_leaves_the_one_before) {
     EXPECT_EQ(L"Corvina audio player and graph controls 1.0", registry.read(classes + libraryKey));
 }
 
+TEST_F(FailingRegistration, of_a_part_of_the_type_library_leaves_the_whole_one_before) {
+    const MachineRegistry registry;
+    ASSERT_EQ(S_OK, install(TRUE, nullptr));
+    const DeniedKey denied(registry, classes + libraryKey + L"\\FLAGS");
+    const auto before = registry.keys();
+    EXPECT_TRUE(FAILED(install(TRUE, nullptr)));
+    EXPECT_EQ(before, registry.keys());
+}
+
 TEST_F(FailingRegistration, sets_every_value_back_to_the_byte_and_takes_new_ones_away) {
     const std::wstring server = classes + playerKey + L"\\InprocServer32";
     const UserRegistry registry;
@@ -277,6 +195,24 @@ TEST_F(FailingRegistration, for_the_machine_changes_nothing_of_the_users_and_the
     EXPECT_EQ(S_OK, install(TRUE, L"USER"));
     EXPECT_EQ(S_OK, install(FALSE, L"User"));
     EXPECT_FALSE(registry.keys().contains(classes + playerKey));
+}
+
+TEST_F(FailingRegistration, is_none_when_regsvr32_calls_without_a_scope) {
+    const MachineRegistry registry;
+    EXPECT_EQ(S_OK, call("DllRegisterServer"));
+    EXPECT_EQ(libraryPath(), registry.read(classes + playerKey + L"\\InprocServer32"));
+    EXPECT_EQ(S_OK, call("DllUnregisterServer"));
+    EXPECT_FALSE(registry.keys().contains(classes + playerKey));
+}
+
+TEST_F(FailingRegistration, being_taken_away_is_reported_after_all_else_is_gone) {
+    const UserRegistry registry;
+    ASSERT_EQ(S_OK, install(TRUE, L"user"));
+    const DeniedKey denied(registry, classes + playerKey);
+    EXPECT_EQ(E_ACCESSDENIED, install(FALSE, L"user"));
+    EXPECT_FALSE(registry.keys().contains(classes + L"\\Corvina.cPlayer"));
+    EXPECT_FALSE(registry.keys().contains(classes + libraryKey));
+    EXPECT_TRUE(registry.keys().contains(classes + playerKey));
 }
 
 } // namespace

@@ -283,9 +283,9 @@ protected:
         RECT box{};
         return ::GetWindowRgnBox(control->base().window(), &box);
     }
-    void goOver(bool designing) {
+    void goOver(bool designing, DISPID changed = DISPID_AMBIENT_USERMODE) {
         site->designing = designing;
-        as<IOleControl>()->OnAmbientPropertyChange(DISPID_AMBIENT_USERMODE);
+        as<IOleControl>()->OnAmbientPropertyChange(changed);
     }
 };
 
@@ -297,6 +297,14 @@ TEST_F(Invisible, a_control_is_seen_at_design_time_alone) {
     goOver(false);
     EXPECT_EQ(NULLREGION, regionKind());
     as<IOleInPlaceObject>()->InPlaceDeactivate();
+    EXPECT_EQ(ERROR, regionKind());
+}
+
+TEST_F(Invisible, a_control_looks_at_the_mode_if_anything_may_have_changed) {
+    EXPECT_EQ(S_OK, activate());
+    goOver(true, DISPID_AMBIENT_BACKCOLOR);
+    EXPECT_EQ(NULLREGION, regionKind());
+    goOver(true, DISPID_UNKNOWN);
     EXPECT_EQ(ERROR, regionKind());
 }
 
