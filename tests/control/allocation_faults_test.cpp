@@ -288,6 +288,17 @@ TEST_F(AllocationFaults, of_what_a_container_calls_are_survived) {
         ComPtr<IEnumConnectionPoints> all;
         return points->EnumConnectionPoints(all.put());
     });
+    ComPtr<IEnumConnectionPoints> all;
+    ASSERT_EQ(S_OK, points->EnumConnectionPoints(all.put()));
+    eachFails("Clone", [&] {
+        auto* copy = reinterpret_cast<IEnumConnectionPoints*>(0x1234); // left over in the variable
+        const HRESULT result = all->Clone(&copy);
+        if (SUCCEEDED(result))
+            copy->Release();
+        else
+            EXPECT_EQ(nullptr, copy);
+        return result;
+    });
 }
 
 } // namespace
