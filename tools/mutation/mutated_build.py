@@ -30,13 +30,14 @@ def replace_if_other(path, content, mode=None):
 
 
 def copy_tree():
-    """Copies all but the code below src/, which write_mutants() writes."""
+    """Copies everything. Code below src/ that is there already stays as write_mutants() wrote it."""
     files = run(["git", "ls-files", "-co", "--exclude-standard"], cwd=ROOT, capture_output=True,
                 text=True).stdout.split("\n")
     for name in files:
         path = os.path.join(ROOT, name)
-        if name and os.path.isfile(path) and not is_code(name):
-            replace_if_other(os.path.join(TREE, name), open(path, "rb").read(), os.stat(path).st_mode)
+        copy = os.path.join(TREE, name)
+        if name and os.path.isfile(path) and not (is_code(name) and os.path.exists(copy)):
+            replace_if_other(copy, open(path, "rb").read(), os.stat(path).st_mode)
     for folder in ("codecs", "media", "wine"):
         link = os.path.join(TREE, "build", folder)
         os.makedirs(os.path.dirname(link), exist_ok=True)
