@@ -107,8 +107,6 @@ ComPtr<IPictureDisp> pictureOf(Bitmap bitmap) {
     if (SUCCEEDED(
             ::OleCreatePictureIndirect(&description, IID_IPictureDisp, TRUE, picture.putVoid())))
         (void)bitmap.release();
-    else
-        picture.reset();
     return picture;
 }
 

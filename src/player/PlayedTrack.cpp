@@ -62,8 +62,7 @@ std::int32_t PlayedTrack::read(void* destination, std::int32_t bytes, bool exact
         bytes = static_cast<std::int32_t>(std::min<std::int64_t>(bytes, left));
     }
     std::int32_t delivered = 0;
-    if (bytes > 0)
-        converter_.GetSamples(destination, bytes, delivered);
+    converter_.GetSamples(destination, bytes, delivered);
     position_ += delivered / frameBytes;
     return delivered;
 }

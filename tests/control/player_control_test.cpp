@@ -1,13 +1,11 @@
 // The registered player as a C++ host uses it, in a container and without one.
 
 #include "PlayerControlFixture.h"
+#include "support/HiddenWindow.h"
 #include "support/ProcessObjects.h"
-#include "support/TempFolder.h"
-#include "support/WavBytes.h"
 
 #include <string>
 #include <thread>
-#include <utility>
 #include <vector>
 
 using namespace corvina;
@@ -235,104 +233,26 @@ TEST_F(PlayerControl, shows_and_closes_its_about_box) {
     EXPECT_TRUE(seen);
 }
 
-// A file that plays for a second.
-std::wstring wave(TempFolder& folder) {
-    return folder.write(L"tone.wav", plainWav(pcm(44100, 2, 16), noise(44100 * 4)));
+// The owners of the boxes that were to be created while none could be.
+std::vector<HWND> ownersOfRefusedBoxes;
+
+LRESULT CALLBACK refuseBoxes(int code, WPARAM wParam, LPARAM lParam) {
+    wchar_t kind[20]{};
+    if (code != HCBT_CREATEWND || ::GetClassNameW(reinterpret_cast<HWND>(wParam), kind, 20) == 0 ||
+        std::wstring(kind) != L"#32770")
+        return ::CallNextHookEx(nullptr, code, wParam, lParam);
+    ownersOfRefusedBoxes.push_back(reinterpret_cast<CBT_CREATEWND*>(lParam)->lpcs->hwndParent);
+    return 1;
 }
 
-TEST_F(PlayerControl, may_be_released_while_it_plays) {
-    TempFolder folder;
-    player->Init(&number);
-    ASSERT_EQ(S_OK, player->PlayStart(Bstr(wave(folder)).get(), -1, 0, &number));
-    ASSERT_EQ(0, number);
-    dispatchWaitingMessages();
-    player.reset();
-    dispatchWaitingMessages();
-}
-
-TEST_F(PlayerControl, raises_no_event_while_it_is_destroyed) {
-    TempFolder folder;
-    EventSink sink(DIID___cPlayer);
-    // Without the connection point, which would keep the control alive.
-    ComPtr<IConnectionPoint> point;
-    DWORD cookie = 0;
-    ASSERT_EQ(S_OK, player.query<IConnectionPointContainer>()->FindConnectionPoint(DIID___cPlayer,
-                                                                                   point.put()));
-    ASSERT_EQ(S_OK, point->Advise(&sink, &cookie));
-    point.reset();
-    player->Init(&number);
-    ASSERT_EQ(S_OK, player->PlayStart(Bstr(wave(folder)).get(), -1, 0, &number));
-    ASSERT_EQ(0, number);
-    dispatchWaitingMessages();
-    EXPECT_FALSE(sink.received.empty());
-    sink.received.clear();
-    player.reset();
-    EXPECT_TRUE(sink.received.empty());
-}
-
-TEST_F(PlayerControl, may_lose_its_container_while_it_plays_and_plays_on) {
-    TempFolder folder;
-    EventSink sink(DIID___cPlayer);
-    sink.connect(player.get(), DIID___cPlayer);
-    {
-        Container container;
-        ASSERT_EQ(S_OK, container.attach(player.get()));
-        player->Init(&number);
-        ASSERT_EQ(S_OK, player->PlayStart(Bstr(wave(folder)).get(), -1, 0, &number));
-        ASSERT_EQ(0, number);
-    }
-    VARIANT_BOOL playing = VARIANT_TRUE;
-    EXPECT_TRUE(pumpUntil([&] { return player->IsPlaying(&playing) == S_OK && !playing; }));
-    ASSERT_FALSE(sink.received.empty());
-    // DonePlay, StateChanged, Ended.
-    ASSERT_GE(sink.received.size(), 3u);
-    const std::vector<DISPID> last{(sink.received.end() - 3)->id, (sink.received.end() - 2)->id,
-                                   sink.received.back().id};
-    EXPECT_EQ((std::vector<DISPID>{1, 4, 3}), last);
-}
-
-// What OutputDebugString raises, in either width.
-constexpr DWORD ansiDebugOutput = 0x40010006;
-constexpr DWORD wideDebugOutput = 0x4001000A;
-int debugOutputs = 0;
-
-LONG CALLBACK countDebugOutput(EXCEPTION_POINTERS* raised) {
-    const DWORD code = raised->ExceptionRecord->ExceptionCode;
-    debugOutputs += code == ansiDebugOutput || code == wideDebugOutput;
-    return EXCEPTION_CONTINUE_SEARCH;
-}
-
-TEST_F(PlayerControl, writes_no_debug_output) {
-    TempFolder folder;
-    void* const counter = ::AddVectoredExceptionHandler(TRUE, &countDebugOutput);
-    ::OutputDebugStringA("counted");
-    EXPECT_EQ(1, std::exchange(debugOutputs, 0));
-    player->Init(&number);
-    EXPECT_EQ(1, open(L"no such file.wav"));
-    ASSERT_EQ(S_OK, player->PlayStart(Bstr(wave(folder)).get(), -1, 0, &number));
-    VARIANT_BOOL playing = VARIANT_TRUE;
-    EXPECT_TRUE(pumpUntil([&] { return player->IsPlaying(&playing) == S_OK && !playing; }));
-    player->DeInit(&number);
-    player.reset();
-    EXPECT_EQ(0, debugOutputs);
-    ::RemoveVectoredExceptionHandler(counter);
-}
-
-TEST_F(PlayerControl, may_be_released_in_its_done_play_handler) {
-    TempFolder folder;
-    EventSink sink(DIID___cPlayer);
-    sink.connect(player.get(), DIID___cPlayer);
-    bool done = false;
-    sink.handler = [&](const EventSink::Event& event) {
-        if (event.id != errEvent) {
-            sink.disconnect();
-            player.reset();
-            done = true;
-        }
-    };
-    player->Init(&number);
-    ASSERT_EQ(S_OK, player->PlayStart(Bstr(wave(folder)).get(), -1, 0, &number));
-    EXPECT_TRUE(pumpUntil([&] { return done; }));
+TEST_F(PlayerControl, goes_on_if_the_box_cannot_be_shown_over_the_active_window) {
+    const HiddenWindow form;
+    ::SetActiveWindow(form.handle());
+    ownersOfRefusedBoxes.clear();
+    const HHOOK hook = ::SetWindowsHookExW(WH_CBT, &refuseBoxes, nullptr, ::GetCurrentThreadId());
+    EXPECT_EQ(S_OK, player->About());
+    ::UnhookWindowsHookEx(hook);
+    EXPECT_EQ(std::vector<HWND>{form.handle()}, ownersOfRefusedBoxes);
 }
 
 } // namespace

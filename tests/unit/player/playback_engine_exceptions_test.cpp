@@ -31,6 +31,32 @@ TEST_F(PlaybackFaults, an_overflow_at_the_first_read_ends_the_playback) {
     expectTheNextPlaybackWorks();
 }
 
+TEST_F(PlaybackFaults, a_failed_reset_after_a_thrown_failure_is_reported_too) {
+    startAndFill();
+    script.onRead = [] { throwOverflow(); };
+    fakeWave.faults.arm("waveOutReset", 1, once, MMSYSERR_NODRIVER);
+    playOut();
+    EXPECT_THAT(host.events,
+                ElementsAre(L"WindowProcOut|6|Overflow", L"StopPlayAudio:waveOutReset|6|6",
+                            L"StopPlayAudio:waveOutReset|5|5", L"DonePlay"));
+    EXPECT_FALSE(fakeWave.open);
+    expectTheNextPlaybackWorks();
+}
+
+TEST_F(PlaybackFaults, the_file_is_closed_as_soon_as_reading_it_has_thrown) {
+    startAndFill();
+    script.log.clear();
+    script.onRead = [] { throwOverflow(); };
+    fakeWave.finishAll();
+    handleReturnedBuffers();
+    EXPECT_EQ(host.countOf(L"DonePlay"), 0);
+    EXPECT_THAT(script.log, ElementsAre(L"Close"));
+    EXPECT_EQ(fakeAcm.openStreams, 0);
+    dispatchWaitingMessages();
+    EXPECT_EQ(host.countOf(L"DonePlay"), 1);
+    expectTheNextPlaybackWorks();
+}
+
 TEST_F(PlaybackFaults, want_of_memory_while_refilling_is_reported_as_7) {
     startAndFill();
     script.onRead = [] { throw std::bad_alloc(); };
@@ -200,6 +226,22 @@ TEST_F(ThrowingSupply, ends_the_playback_also_if_it_throws_between_two_buffers) 
     EXPECT_THAT(events, ElementsAre(L"WindowProcOut", L"StopPlayAudio:waveOutReset", L"DonePlay",
                                     L"Ended 3"));
     EXPECT_TRUE(engine.done());
+}
+
+using EngineAlone = ThrowingSupply;
+
+TEST_F(EngineAlone, closes_its_device_when_it_is_destroyed_in_mid_play) {
+    {
+        PlaybackEngine other(*this, *this, options, platform);
+        other.connect(window.handle());
+        ASSERT_EQ(other.start(-1, track(30'000)), 0);
+        EXPECT_TRUE(fakeWave.open);
+    }
+    EXPECT_FALSE(fakeWave.open);
+    EXPECT_TRUE(fakeTimers.empty());
+    MSG message;
+    EXPECT_FALSE(::PeekMessageA(&message, window.handle(), MM_WOM_CLOSE, MM_WOM_DONE, PM_REMOVE));
+    EXPECT_THAT(events, ElementsAre());
 }
 
 } // namespace

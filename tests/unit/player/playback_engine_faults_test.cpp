@@ -60,6 +60,14 @@ TEST_F(PlaybackFaults, a_post_that_returns_another_number_is_the_result) {
     expectTheNextPlaybackWorks();
 }
 
+TEST_F(PlaybackFaults, messages_of_a_failed_start_fill_no_buffer_of_the_next) {
+    windowFaults.arm("PostMessage", 5, once, 1400);
+    ASSERT_EQ(start(), 1400);
+    startAndFill();
+    EXPECT_EQ(fakeWave.queued.size(), 8u);
+    EXPECT_THAT(host.events, IsEmpty()) << "a ninth buffer is not filled";
+}
+
 TEST_F(PlaybackFaults, a_failed_start_leaves_the_close_message_of_the_playback_before) {
     playUntilClosed();
     fakeWave.faults.arm("waveOutPrepareHeader", 3);
@@ -223,6 +231,25 @@ TEST_F(PlaybackFaults,
     EXPECT_EQ(start(), 1400);
     dispatchWaitingMessages();
     EXPECT_EQ(host.countOf(L"DonePlay"), 1);
+}
+
+TEST_F(PlaybackFaults, a_buffer_that_comes_back_at_the_next_start_is_none_of_the_next_playback) {
+    script.data = noise(buffer * 4);
+    startAndFill();
+    for (int i = 0; i < 3; ++i)
+        fakeWave.finishOne();
+    dispatchWaitingMessages();
+    // Counted as the last one, which the device still has, so that it does not close.
+    ::SendMessageA(host.window.handle(), MM_WOM_DONE, 0, 0);
+    ASSERT_TRUE(fakeWave.open);
+    ASSERT_EQ(fakeWave.queued.size(), 1u);
+    host.events.clear();
+    script.data = noise(buffer * 20);
+    startAndFill();
+    EXPECT_EQ(fakeWave.queued.size(), 8u);
+    EXPECT_TRUE(host.events.empty()) << "a ninth buffer is not filled";
+    playOut();
+    EXPECT_EQ(host.events, endOfPlayback);
 }
 
 TEST_F(PlaybackFaults, a_device_that_never_closes_is_left_to_itself_with_its_buffers) {

@@ -76,6 +76,19 @@ TEST_F(Recovery, plays_the_next_file_that_was_fed_to_the_lost_device) {
     EXPECT_THAT(host.progress, ElementsAre(L"State 1", L"Next next.test", L"State 0", L"Ended 0"));
 }
 
+TEST_F(Recovery, stays_with_that_device_for_a_next_file_of_another_format) {
+    script.otherFormats[L"next.test"] = pcm(22050, 1, 16);
+    options().nextFile = folder.write(L"next.test", {0});
+    ASSERT_EQ(start(3), 0);
+    dispatchWaitingMessages();
+    loseDevice();
+    playOut();
+    EXPECT_EQ(fakeWave.opens, 3);
+    EXPECT_EQ(fakeWave.format.nSamplesPerSec, 22050u);
+    EXPECT_EQ(fakeWave.device, WAVE_MAPPER);
+    EXPECT_THAT(host.progress, ElementsAre(L"State 1", L"Next next.test", L"State 0", L"Ended 0"));
+}
+
 TEST_F(Recovery, is_done_again_and_again) {
     startAndFill();
     loseDevice();

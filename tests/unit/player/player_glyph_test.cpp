@@ -87,8 +87,11 @@ TEST_F(Glyph, fits_into_bounds_that_are_smaller_than_itself) {
 }
 
 TEST_F(Glyph, leaves_the_pen_and_the_brush_of_the_host_selected) {
-    const HGDIOBJ pen = ::GetCurrentObject(picture.dc(), OBJ_PEN);
-    const HGDIOBJ brush = ::GetCurrentObject(picture.dc(), OBJ_BRUSH);
+    // Not those that a picture begins with, which the glyph may select as well.
+    const HGDIOBJ pen = ::GetStockObject(WHITE_PEN);
+    const HGDIOBJ brush = ::GetStockObject(LTGRAY_BRUSH);
+    ::SelectObject(picture.dc(), pen);
+    ::SelectObject(picture.dc(), brush);
     draw(true);
     EXPECT_EQ(::GetCurrentObject(picture.dc(), OBJ_PEN), pen);
     EXPECT_EQ(::GetCurrentObject(picture.dc(), OBJ_BRUSH), brush);

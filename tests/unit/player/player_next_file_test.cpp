@@ -80,6 +80,17 @@ TEST_F(NextFile, whose_device_cannot_be_opened_ends_the_playback_with_an_error) 
     EXPECT_THAT(host.progress, ElementsAre(L"State 1", L"State 0", L"Ended 3"));
 }
 
+TEST_F(NextFile, whose_device_gets_no_messages_ends_the_playback) {
+    script.otherFormats[L"next.other"] = pcm(22050, 1, 16);
+    startAndFill();
+    windowFaults.arm("PostMessage", 1);
+    playOut();
+    EXPECT_EQ(fakeWave.opens, 2);
+    EXPECT_FALSE(fakeWave.open);
+    EXPECT_EQ(host.events, endOfPlayback);
+    EXPECT_THAT(host.progress, ElementsAre(L"State 1", L"Next next.other", L"State 0", L"Ended 0"));
+}
+
 TEST_F(NextFile, that_no_source_reads_or_opens_is_reported) {
     options().nextFile = folder.write(L"next.xyz", {0});
     startAndFill();

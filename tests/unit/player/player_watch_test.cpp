@@ -47,6 +47,17 @@ TEST_F(Watch, has_a_timer_while_something_plays) {
     EXPECT_THAT(fakeTimers, IsEmpty());
 }
 
+TEST_F(Watch, has_no_timer_any_longer_when_its_window_or_the_player_is_given_up) {
+    startAndFill();
+    host.player.windowDestroyed();
+    EXPECT_THAT(fakeTimers, IsEmpty());
+    ASSERT_EQ(host.init(), 0);
+    startAndFill();
+    EXPECT_GT(interval(), 0u);
+    host.player.DeInit();
+    EXPECT_THAT(fakeTimers, IsEmpty());
+}
+
 TEST_F(Watch, may_be_as_often_as_each_millisecond) {
     options().positionInterval = 1;
     startAndFill();

@@ -137,6 +137,17 @@ TEST_F(RingSound, brings_back_what_the_settings_of_its_beginning_have_changed) {
     EXPECT_EQ(left(buffer, 520), 16000);
 }
 
+TEST_F(RingSound, reaches_each_of_two_changes_within_a_buffer_where_it_belongs) {
+    const WaveBuffer& buffer = send(sound, 16000);
+    sound.setSettings(volume(50), 100);
+    sound.setSettings(volume(100), 500);
+    EXPECT_EQ(left(buffer, 100), 16000);
+    EXPECT_EQ(left(buffer, 120), 4000);
+    EXPECT_EQ(left(buffer, 500), 4000);
+    EXPECT_EQ(left(buffer, 520), 16000);
+    EXPECT_EQ(left(buffer, 1999), 16000);
+}
+
 TEST_F(RingSound, forgets_a_change_that_an_earlier_one_replaces) {
     const WaveBuffer& first = send(sound, 16000);
     const WaveBuffer& second = send(sound, 16000);
