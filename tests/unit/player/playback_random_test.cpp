@@ -7,7 +7,7 @@
 namespace corvina::test {
 namespace {
 
-class RandomHost : public PlaybackFaults {
+class RandomHost : public PlaybackFaults, public testing::WithParamInterface<unsigned> {
 protected:
     RandomHost() {
         script.moves = true;
@@ -242,17 +242,17 @@ protected:
         host.init();
     }
 
-    std::mt19937 random{12345};
+    std::mt19937 random{GetParam()};
     std::wstring next;
     std::wstring other;
     int depth = 0;
     long starts = 0;
 };
 
-TEST_F(RandomHost, gets_one_Ended_for_each_start_in_ten_thousand_sequences) {
+TEST_P(RandomHost, gets_one_Ended_for_each_start_in_a_thousand_sequences) {
     script.data = noise(buffer * 4 + 500);
     long all = 0;
-    for (int sequence = 0; sequence < 10'000; ++sequence) {
+    for (int sequence = 0; sequence < 1000; ++sequence) {
         host.progress.clear();
         host.events.clear();
         fakeWave.written.clear();
@@ -276,12 +276,14 @@ TEST_F(RandomHost, gets_one_Ended_for_each_start_in_ten_thousand_sequences) {
         ASSERT_EQ(host.player.State(), PLAY_STOPPED) << "sequence " << sequence;
         all += starts;
     }
-    EXPECT_GT(all, 10'000);
+    EXPECT_GT(all, 1000);
     host.onErr = nullptr;
     host.onDonePlay = nullptr;
     host.onProgress = nullptr;
     expectTheNextPlaybackWorks();
 }
+
+INSTANTIATE_TEST_SUITE_P(TenTimes, RandomHost, testing::Range(12345u, 12355u));
 
 } // namespace
 } // namespace corvina::test
