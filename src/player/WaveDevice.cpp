@@ -17,6 +17,7 @@ MMRESULT WaveDevice::open(std::int32_t index, const WAVEFORMATEX& format, HWND w
                       reinterpret_cast<DWORD_PTR>(window), 0, CALLBACK_WINDOW | mapping);
     if (result == MMSYSERR_NOERROR)
         handle_ = opened;
+    motion_ = Motion::running;
     position_ = 0;
     responds_ = true;
     return result;
@@ -42,16 +43,33 @@ MMRESULT WaveDevice::write(WAVEHDR& header) noexcept {
 }
 
 MMRESULT WaveDevice::reset() noexcept {
+    motion_ = Motion::running;
     position_ = 0;
     return wave_.outReset(handle_);
+}
+
+MMRESULT WaveDevice::pause() noexcept {
+    const MMRESULT result = wave_.outPause(handle_);
+    if (result == MMSYSERR_NOERROR && motion_ == Motion::running)
+        motion_ = Motion::pausing;
+    return result;
+}
+
+MMRESULT WaveDevice::resume() noexcept {
+    const MMRESULT result = wave_.outRestart(handle_);
+    if (result == MMSYSERR_NOERROR)
+        motion_ = Motion::running;
+    return result;
 }
 
 std::int64_t WaveDevice::position(const PlayedFormat& format) noexcept {
     MMTIME time{};
     time.wType = TIME_SAMPLES;
     responds_ = wave_.outGetPosition(handle_, &time, sizeof time) == MMSYSERR_NOERROR;
-    if (!responds_)
+    if (!responds_ || motion_ == Motion::paused)
         return position_;
+    if (motion_ == Motion::pausing)
+        motion_ = Motion::paused;
     // A device may count in bytes instead. Either number has 32 bits and begins again after 27
     // hours of CD sound or earlier, so only the way since the last query is taken from it.
     const auto unit =

@@ -31,17 +31,22 @@ public:
     [[nodiscard]] MMRESULT write(WAVEHDR& header) noexcept;
     // The position begins at 0 again.
     MMRESULT reset() noexcept;
-    MMRESULT pause() noexcept { return wave_.outPause(handle_); }
-    MMRESULT resume() noexcept { return wave_.outRestart(handle_); }
+    MMRESULT pause() noexcept;
+    MMRESULT resume() noexcept;
 
-    // Frames played since the last reset. The last known number if the device does not say.
+    // Frames played since the last reset. The last known number if the device does not say. During
+    // a pause it is what the first query after its begin found: a device may go on to count what it
+    // has fetched and not played.
     [[nodiscard]] std::int64_t position(const PlayedFormat& format) noexcept;
     // Whether the last query succeeded.
     [[nodiscard]] bool responds() const noexcept { return responds_; }
 
 private:
+    enum class Motion { running, pausing, paused };
+
     const WaveApi& wave_;
     HWAVEOUT handle_ = nullptr;
+    Motion motion_ = Motion::running;
     std::int64_t position_ = 0;
     bool responds_ = true;
 };

@@ -74,8 +74,10 @@ void WaveOutput::restart(bool paused) noexcept {
     ring_->restart();
     watchedFrame_ = 0;
     device_.reset();
-    if (paused)
+    if (paused) {
         device_.pause();
+        static_cast<void>(device_.position(format_)); // before it can count what comes next
+    }
 }
 
 std::int64_t WaveOutput::heardFrame() noexcept {

@@ -146,6 +146,44 @@ TEST_F(Device, begins_at_0_after_a_reset_and_after_it_was_opened_again) {
     EXPECT_EQ(positionAt(5), 5);
 }
 
+TEST_F(Device, stands_still_during_a_pause_though_the_driver_counts_on) {
+    ASSERT_EQ(open(), 0u);
+    EXPECT_EQ(positionAt(100), 100);
+    ASSERT_EQ(device.pause(), 0u);
+    EXPECT_EQ(positionAt(150), 150) << "what was played until the pause";
+    EXPECT_EQ(positionAt(4560), 150);
+    ASSERT_EQ(device.pause(), 0u);
+    EXPECT_EQ(positionAt(5000), 150);
+    fakeWave.faults.arm("waveOutRestart", 1);
+    EXPECT_NE(device.resume(), 0u);
+    EXPECT_EQ(positionAt(5001), 150);
+    ASSERT_EQ(device.resume(), 0u);
+    EXPECT_EQ(positionAt(5002), 5002);
+}
+
+TEST_F(Device, that_refuses_a_pause_counts_on) {
+    ASSERT_EQ(open(), 0u);
+    fakeWave.faults.arm("waveOutPause", 1);
+    EXPECT_NE(device.pause(), 0u);
+    EXPECT_EQ(positionAt(100), 100);
+    EXPECT_EQ(positionAt(200), 200);
+}
+
+TEST_F(Device, counts_again_after_a_reset_or_another_opening_during_a_pause) {
+    ASSERT_EQ(open(), 0u);
+    ASSERT_EQ(device.pause(), 0u);
+    EXPECT_EQ(positionAt(100), 100);
+    ASSERT_EQ(device.reset(), 0u);
+    EXPECT_EQ(positionAt(10), 10);
+    EXPECT_EQ(positionAt(20), 20);
+    ASSERT_EQ(device.pause(), 0u);
+    EXPECT_EQ(positionAt(30), 30);
+    ASSERT_EQ(device.close(), 0u);
+    ASSERT_EQ(open(), 0u);
+    EXPECT_EQ(positionAt(5), 5);
+    EXPECT_EQ(positionAt(6), 6);
+}
+
 TEST_F(Device, keeps_its_last_position_and_says_so_if_the_driver_says_none) {
     ASSERT_EQ(open(), 0u);
     EXPECT_EQ(positionAt(1000), 1000);
