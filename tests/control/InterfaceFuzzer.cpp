@@ -28,7 +28,8 @@ void InterfaceFuzzer::call() {
                               &InterfaceFuzzer::callMembers, &InterfaceFuzzer::callDispatch,
                               &InterfaceFuzzer::sendMessage, &InterfaceFuzzer::callQuickActivate};
     latest = static_cast<int>(random_.below(std::size(calls)));
-    (this->*calls[latest])();
+    const Call chosen = calls[latest];
+    (this->*chosen)();
 }
 
 void InterfaceFuzzer::callObject() {

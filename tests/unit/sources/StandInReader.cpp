@@ -86,7 +86,7 @@ public:
         type->subtype = format_.subtype;
         type->cbFormat = static_cast<ULONG>(format_.block.size());
         type->pbFormat = format_.withoutBlock ? nullptr : block;
-        std::memcpy(block, format_.block.data(), format_.block.size());
+        std::ranges::copy(format_.block, block);
         return result; // what a failed call has written is there all the same
     }
     HRESULT STDMETHODCALLTYPE SetMediaType(WM_MEDIA_TYPE* type) override {

@@ -50,7 +50,8 @@ protected:
     Samples readAll() {
         const Bytes bytes = readToEnd(source, 300).bytes;
         Samples samples(bytes.size() / sizeof(std::int16_t));
-        std::memcpy(samples.data(), bytes.data(), bytes.size());
+        if (!bytes.empty())
+            std::memcpy(samples.data(), bytes.data(), bytes.size());
         return samples;
     }
     void readABit() {
