@@ -83,6 +83,28 @@ TEST_F(Subclass, postprocessing_calls_the_old_procedure_after_the_client_and_its
     EXPECT_THAT(calls, ElementsAre("first", "old"));
 }
 
+TEST_F(Subclass, the_old_procedure_is_called_once_for_a_client_that_changes_its_mind) {
+    first.response = emrPreprocess;
+    first.handle = [this](HWND, UINT, WPARAM, LPARAM) {
+        calls.emplace_back("first");
+        first.response = emrPostProcess;
+        return 1;
+    };
+    attach(first);
+    EXPECT_EQ(send(), 1);
+    EXPECT_THAT(calls, ElementsAre("old", "first"));
+}
+
+TEST_F(Subclass, a_client_that_returns_nothing_returns_0) {
+    struct Silent : SubclassClient {
+        HRESULT STDMETHODCALLTYPE WindowProc(long, long, long, long, long*) override {
+            return S_OK;
+        }
+    } silent;
+    attach(silent);
+    EXPECT_EQ(send(), 0);
+}
+
 TEST_F(Subclass, the_old_procedure_gets_the_messages_arguments) {
     attach(first);
     for (const EMsgResponse response : {emrPreprocess, emrPostProcess}) {
