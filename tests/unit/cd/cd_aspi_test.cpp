@@ -87,6 +87,13 @@ TEST_F(AspiBackend, two_hundred_and_fifty_five_adapters_end) {
     EXPECT_EQ(backend.DeviceCount(), 1);
 }
 
+TEST_F(AspiBackend, initialised_again_lists_every_drive_once) {
+    aspi.addCdRom(0, 3);
+    EXPECT_EQ(backend.InitMe(), 0);
+    EXPECT_EQ(backend.InitMe(), 0);
+    EXPECT_EQ(backend.DeviceCount(), 1);
+}
+
 TEST_F(AspiBackend, skips_an_adapter_that_does_not_respond) {
     aspi.supportInfo = 0x0102;
     aspi.deafAdapters = {0};
