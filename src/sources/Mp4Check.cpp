@@ -146,7 +146,7 @@ private:
         if (inFragments)
             return true;
         const std::vector<std::uint8_t> run = start(runs, 20);
-        return *times > 0 && *runCount > 0 && bigEndian(&run[8], 4) == 1 &&
+        return *times > 0 && *runCount > 0 && run.size() == 20 && bigEndian(&run[8], 4) == 1 &&
                bigEndian(&run[12], 4) > 0 && bigEndian(&run[16], 4) >= 1 &&
                bigEndian(&run[16], 4) <= *formats && firstSampleIsThere(tables);
     }
@@ -185,7 +185,7 @@ private:
         const std::optional<std::uint64_t> chunks =
             entries(wide ? widePlaces : places, versionAndFlags, wide ? 8 : 4);
         const std::vector<std::uint8_t> size = start(sizes, 16);
-        if (!chunks || *chunks == 0 || size.size() < 12)
+        if (!chunks || *chunks == 0 || place.size() < (wide ? 16U : 12U) || size.size() < 12)
             return false;
         std::uint64_t bytes = bigEndian(&size[4], 4);
         const std::uint64_t samples = bigEndian(&size[8], 4);

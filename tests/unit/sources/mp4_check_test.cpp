@@ -2,6 +2,7 @@
 
 #include "Mp4Bytes.h"
 #include "sources/Mp4Check.h"
+#include "support/FaultyFiles.h"
 #include "support/Media.h"
 #include "support/TempFolder.h"
 
@@ -86,6 +87,16 @@ TEST_F(Mp4Check, tables_that_contradict_each_other_are_refused) {
 TEST_F(Mp4Check, pictures_with_broken_tables_are_refused_with_their_sound) {
     EXPECT_TRUE(plays(movie_));
     EXPECT_FALSE(plays(withNumber(movie_, "stsc", 8, 2)));
+}
+
+// A file on a network or a stick may go between two reads.
+TEST_F(Mp4Check, a_file_of_which_a_part_cannot_be_read_leaves_the_host_alive) {
+    for (const wchar_t* name : {L"clip.m4a", L"clip.mp4"})
+        forEachFault(fileFaults, [&] {
+            const bool plays = mayBePlayed(mediaFile(name), faultyFileApi);
+            EXPECT_TRUE(plays || fileFaults.struck() > 0);
+            EXPECT_EQ(openFiles, 0);
+        });
 }
 
 TEST_F(Mp4Check, tags_may_be_anything) {
