@@ -147,9 +147,10 @@ std::int32_t DecWAV::Read(void* buffer, std::int32_t bytes, std::int32_t& bytesR
     // The doubled limit is meant: a smaller file is read past its data chunk, whatever follows it,
     // as long as no more than half of the request lies there. So its last buffer is served whole
     // instead of ending in the middle, and the next read finds the position past the end.
-    const std::int32_t limit =
-        data_.size >= largeData ? end : subtract32(multiply32(2, end), position);
-    const bool cut = add32(position, bytes) > limit;
+    // Large data may end at the last position that there is.
+    const bool cut = data_.size >= largeData
+                         ? std::int64_t{position} + bytes > end
+                         : add32(position, bytes) > subtract32(multiply32(2, end), position);
     bytesRead = access_.read(file_, buffer, cut ? end - position : bytes);
     return cut ? SourceResult::endOfData : SourceResult::done;
 }

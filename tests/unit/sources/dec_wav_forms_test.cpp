@@ -87,6 +87,30 @@ TEST_F(DecWAVTest, rf64_lengths_that_no_file_reaches_mean_to_the_end) {
     }
 }
 
+TEST_F(DecWAVTest, rf64_files_beyond_2_gb_end_where_positions_do) {
+    const Bytes head = longForm("RF64", {}, 0x90000000u);
+    const std::wstring path = folder_.write(L"large.wav", head);
+    const HANDLE file =
+        ::CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    LARGE_INTEGER size{};
+    size.QuadPart = 0x90001000;
+    ASSERT_TRUE(::SetFilePointerEx(file, size, nullptr, FILE_BEGIN) && ::SetEndOfFile(file));
+    ::CloseHandle(file);
+    ASSERT_EQ(wav_.OpenSource(path), 0);
+    const std::int32_t seconds = wav_.Duration() / 1000;
+    ASSERT_EQ(seek(seconds, 1), 0);
+    std::int32_t got = 0;
+    std::int32_t result = 0;
+    std::int32_t all = 0;
+    for (int reads = 0; result == 0 && reads < 10; ++reads) {
+        result = read(100'000, got);
+        all += got;
+    }
+    EXPECT_EQ(result, 5);
+    EXPECT_EQ(all, 0x7FFFFFFF - static_cast<std::int32_t>(head.size()) - seconds * 176400);
+    EXPECT_TRUE(wav_.EndOfStream());
+}
+
 TEST_F(DecWAVTest, a_riff_file_that_the_system_refuses_is_not_read_in_another_way) {
     fileFaults.arm("mmioDescend", 1);
     EXPECT_EQ(open(plainWav(pcm(44100, 2, 16), noise(100))), 1);
