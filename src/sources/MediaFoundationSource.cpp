@@ -7,6 +7,7 @@
 #include "sources/Mp4Check.h"
 #include "sources/Mp4SoundEnd.h"
 #include "sources/Mp4Tags.h"
+#include "stream/FileName.h"
 #include "stream/PcmFormat.h"
 #include "stream/SeekTarget.h"
 
@@ -43,15 +44,16 @@ std::int32_t MediaFoundationSource::OpenSource(const std::wstring& source) {
     forget();
     if (!library_->start())
         return noLibrary;
-    if (!mayBePlayed(source) || !firstFrameIsWhole(source))
+    const FileName name = fileName(source);
+    if (name.impossible || !mayBePlayed(source) || !firstFrameIsWhole(source))
         return SourceResult::notOpen;
     auto reader = std::make_unique<BoundedMediaReader>(library_, longestCall_);
-    const BoundedMediaReader::Opened opened = reader->open(source);
+    const BoundedMediaReader::Opened opened = reader->open(name.wide);
     if (opened != BoundedMediaReader::Opened::yes)
         return opened == BoundedMediaReader::Opened::unreadable ? SourceResult::notOpen : unusable;
     reader_ = std::move(reader);
     ended_ = !reader_->read(block_);
-    describe(source);
+    describe(name.wide);
     return SourceResult::done;
 }
 
@@ -86,6 +88,8 @@ std::int32_t MediaFoundationSource::CloseSource() {
 std::int32_t MediaFoundationSource::Read(void* buffer, std::int32_t bytes,
                                          std::int32_t& bytesRead) {
     bytesRead = 0;
+    if (!reader_)
+        return SourceResult::endOfData;
     auto* const target = static_cast<std::uint8_t*>(buffer);
     while (bytesRead < bytes) {
         if (offset_ == blockBytes() && !fetchBlock())

@@ -1,5 +1,7 @@
 #include "sources/Mp4Boxes.h"
 
+#include "stream/FileName.h"
+
 #include <algorithm>
 #include <cstring>
 
@@ -12,7 +14,7 @@ constexpr std::uint64_t mostBytes = 1 << 20; // of a content; no text is so long
 
 Mp4Boxes::Mp4Boxes(const std::wstring& path, const FileApi& files)
     : files_(files),
-      file_(files, files.createFileWide(path.c_str(), GENERIC_READ,
+      file_(files, files.createFileWide(fileName(path).wide.c_str(), GENERIC_READ,
                                         FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                                         nullptr, OPEN_EXISTING, 0, nullptr)) {}
 

@@ -5,6 +5,7 @@
 #include "runtime/Text.h"
 #include "sources/MediaFileSize.h"
 #include "sources/Utf8Text.h"
+#include "stream/FileName.h"
 #include "stream/PcmFormat.h"
 #include "stream/SeekTarget.h"
 
@@ -40,6 +41,8 @@ constexpr std::int32_t oggContainer = 0x00200000;
 constexpr std::int64_t mpegPreRoll = std::int64_t{8} * 1152;
 
 constexpr std::int32_t mostChannels = 64;
+// The format record has no place for the bytes of a second of more.
+constexpr std::int32_t mostHertz = std::numeric_limits<std::int32_t>::max() / 4;
 
 struct TagRule {
     std::int32_t type; // the library's number of the text
@@ -131,10 +134,11 @@ std::int32_t SndfileSource::OpenSource(const std::wstring& source) {
         return noLibrary;
     CloseSource();
     forget();
-    file_ = library_.openWide(source, forReading, info_);
+    const FileName name = fileName(source);
+    file_ = name.impossible ? 0 : library_.openWide(name.wide, forReading, info_);
     if (file_ == 0)
         return SourceResult::notOpen;
-    if (prepare(source))
+    if (prepare(name.wide))
         return SourceResult::done;
     CloseSource();
     forget();
@@ -148,7 +152,8 @@ void SndfileSource::forget() {
 }
 
 bool SndfileSource::prepare(const std::wstring& path) {
-    if (info_.channels < 1 || info_.channels > mostChannels || info_.sampleRate < 1)
+    if (info_.channels < 1 || info_.channels > mostChannels || info_.sampleRate < 1 ||
+        info_.sampleRate > mostHertz)
         return false;
     format_ = pcmFormat(static_cast<DWORD>(info_.sampleRate),
                         static_cast<WORD>(std::min(info_.channels, 2)), 16);

@@ -6,8 +6,10 @@
 // MPEG have tags.
 //
 // Without the library OpenSource, CloseSource, Read and SeekTo return 3; without an open file the
-// last three return 1. A seek out of range, or one that the library refuses, returns 4. What a
-// closed file was, its format, times and tags, is known until the next open.
+// last three return 1. OpenSource returns 1 for a file that the library refuses, and 12 for one
+// with a number of channels or a rate that cannot be played. A seek out of range, or one that the
+// library refuses, returns 4. What a closed file was, its format, times and tags, is known until
+// the next open.
 
 #include "sources/DecodedSource.h"
 #include "sources/SndfileLibrary.h"

@@ -1,5 +1,6 @@
 #include "sources/TagLibrary.h"
 
+#include "stream/FileName.h"
 #include "stream/LibrarySearch.h"
 
 #include <memory>
@@ -30,9 +31,11 @@ bool TagLibrary::load() {
 
 FileTags TagLibrary::read(const std::wstring& path) {
     FileTags result;
-    if (!load())
+    const FileName name = fileName(path);
+    if (name.impossible || !load())
         return result;
-    const std::unique_ptr<const TagsOfFile, FreeTagsFunction> found(read_(path.c_str()), free_);
+    const std::unique_ptr<const TagsOfFile, FreeTagsFunction> found(read_(name.wide.c_str()),
+                                                                    free_);
     if (!found)
         return result;
     for (std::size_t index = 0; index < found->tagCount; ++index)

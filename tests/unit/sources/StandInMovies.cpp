@@ -183,8 +183,9 @@ HRESULT WINAPI createType(IMFMediaType** type) {
     return movie.failing == "MFCreateMediaType" ? failed(type) : makeType(type);
 }
 
-HRESULT WINAPI createFile(MF_FILE_ACCESSMODE, MF_FILE_OPENMODE, MF_FILE_FLAGS, LPCWSTR,
+HRESULT WINAPI createFile(MF_FILE_ACCESSMODE, MF_FILE_OPENMODE, MF_FILE_FLAGS, LPCWSTR path,
                           IMFByteStream** file) {
+    movie.openedPath = path;
     *file = nullptr;
     return movie.failing == "MFCreateFile" ? E_FAIL : S_OK;
 }

@@ -42,6 +42,7 @@ struct StandInMovie {
     bool repeatsLast = false;            // then the last of them comes again and again
     std::string failing = {};            // the name of a call that fails
 
+    std::wstring openedPath = {};
     std::vector<std::pair<DWORD, BOOL>> selections = {}; // streams that were switched on or off
     GUID wantedKind{};
     GUID wantedCoding{};

@@ -85,6 +85,21 @@ TEST_F(MovieSound, of_a_file_that_no_reader_takes_returns_1) {
     }
 }
 
+TEST_F(MovieSound, of_a_file_with_a_long_name_is_opened_by_the_name_that_the_system_takes) {
+    layBlocks(2);
+    const std::wstring name = L"C:\\" + std::wstring(300, L'a') + L".aac";
+    EXPECT_EQ(source.OpenSource(name), 0);
+    EXPECT_EQ(movie.openedPath, L"\\\\?\\" + name);
+    EXPECT_EQ(open(), 0);
+    EXPECT_EQ(movie.openedPath, L"a file that only the stand-in has.aac");
+}
+
+TEST_F(MovieSound, of_a_device_is_none) {
+    layBlocks(2);
+    EXPECT_EQ(source.OpenSource(L"C:\\music\\aux.m4a"), 1);
+    EXPECT_EQ(movie.openedPath, L"");
+}
+
 TEST_F(MovieSound, waits_for_a_library_that_can_be_started) {
     layBlocks(2);
     movie.failing = "MFStartup";
@@ -106,6 +121,18 @@ TEST_F(MovieSound, of_a_failed_open_leaves_nothing_of_the_file_before) {
     EXPECT_THAT(readAll(), IsEmpty());
     EXPECT_EQ(seek(0), 4);
     EXPECT_EQ(movie.readers, 0);
+}
+
+TEST_F(MovieSound, of_a_closed_file_is_not_read_on) {
+    layBlocks(2);
+    ASSERT_EQ(open(), 0);
+    readABit();
+    EXPECT_EQ(source.CloseSource(), 0);
+    Bytes buffer(10, 0xEE);
+    std::int32_t got = -1;
+    EXPECT_EQ(source.Read(buffer.data(), 10, got), 5);
+    EXPECT_EQ(got, 0);
+    EXPECT_EQ(buffer, Bytes(10, 0xEE));
 }
 
 TEST_F(MovieSound, is_let_go_of_with_its_source) {

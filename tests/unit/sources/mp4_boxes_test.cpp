@@ -22,11 +22,13 @@ struct LargeFile {
     bool fails = false;       // where its size is asked for
     bool unreadable = false;
     int open = 0;
+    std::wstring openedPath = {};
 };
 LargeFile file;
 
-HANDLE WINAPI openFile(LPCWSTR, DWORD, DWORD, LPSECURITY_ATTRIBUTES, DWORD, DWORD, HANDLE) {
+HANDLE WINAPI openFile(LPCWSTR path, DWORD, DWORD, LPSECURITY_ATTRIBUTES, DWORD, DWORD, HANDLE) {
     ++file.open;
+    file.openedPath = path;
     return &file;
 }
 
@@ -173,6 +175,13 @@ TEST_F(LargeMp4, has_ten_thousand_boxes_of_a_level_at_most) {
                       [&](const Mp4Boxes::Box&) { ++count; });
         EXPECT_EQ(count, expected);
     }
+}
+
+TEST_F(LargeMp4, with_a_long_name_is_opened_by_the_name_that_the_system_takes) {
+    lay(1000, {});
+    const std::wstring name = L"C:\\" + std::wstring(300, L'a') + L".mp4";
+    EXPECT_EQ(Mp4Boxes(name, largeFiles).whole().size, 1000u);
+    EXPECT_EQ(file.openedPath, L"\\\\?\\" + name);
 }
 
 TEST_F(LargeMp4, that_cannot_be_opened_has_no_box) {

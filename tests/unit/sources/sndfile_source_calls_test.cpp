@@ -62,9 +62,23 @@ TEST_F(SndfileSourceCalls, one_channel_and_64_and_one_frame_a_second_are_played)
     EXPECT_EQ(opened().SampleRate(), 1);
 }
 
-TEST_F(SndfileSourceCalls, a_file_without_channels_or_a_rate_returns_12_and_is_closed) {
+TEST_F(SndfileSourceCalls, a_long_name_goes_to_the_library_as_the_system_takes_it) {
+    const std::wstring name = L"C:\\" + std::wstring(300, L'a') + L".flac";
+    SndfileSource source(StandIns::api());
+    EXPECT_EQ(source.OpenSource(name), 0);
+    EXPECT_EQ(openedPath, L"\\\\?\\" + name);
+}
+
+TEST_F(SndfileSourceCalls, the_name_of_a_device_is_no_file) {
+    SndfileSource source(StandIns::api());
+    EXPECT_EQ(source.OpenSource(L"C:\\music\\aux.flac"), 1);
+    EXPECT_THAT(libraries.calls, IsEmpty());
+}
+
+TEST_F(SndfileSourceCalls, a_file_without_channels_or_a_possible_rate_returns_12_and_is_closed) {
     for (const auto& [channels, rate] :
-         {std::pair{0, 1000}, std::pair{-1, 1000}, std::pair{65, 1000}, std::pair{2, 0}}) {
+         {std::pair{0, 1000}, std::pair{-1, 1000}, std::pair{65, 1000}, std::pair{2, 0},
+          std::pair{2, 0x7FFFFFFF}, std::pair{1, 0x40000000}}) {
         results.info.channels = channels;
         results.info.sampleRate = rate;
         libraries.calls.clear();

@@ -258,12 +258,14 @@ TEST_F(TagsOfFiles, damaged_in_any_place_give_what_is_left_of_them) {
 // The library itself.
 
 int freed = 0;
+std::wstring readPath;
 std::size_t pictureBytes = 0;
 
 const TagsOfFile* __cdecl readStandIn(const wchar_t* path) {
     static const TagOfFile tags[] = {{L"TITLE", L"Song"}};
     static const std::uint8_t picture[] = {1, 2, 3};
     static TagsOfFile found;
+    readPath = path;
     found = {tags, 1, pictureBytes ? picture : nullptr, pictureBytes};
     return std::wstring(path) == L"none" ? nullptr : &found;
 }
@@ -275,6 +277,7 @@ class TagLibraryStandIn : public testing::Test {
 protected:
     TagLibraryStandIn() {
         freed = 0;
+        readPath.clear();
         pictureBytes = 3;
         libraries.add("CorvinaTags.dll", {{"CorvinaReadTags", standIn(&readStandIn)},
                                           {"CorvinaFreeTags", standIn(&freeStandIn)}});
@@ -303,6 +306,16 @@ TEST_F(TagLibraryStandIn, that_is_missing_or_lacks_a_function_gives_no_tags_unti
     EXPECT_EQ(std::count(libraries.loads.begin(), libraries.loads.end(), "free CorvinaTags.dll"), 2)
         << "one that lacks a function is let go";
     EXPECT_EQ(library.read(L"a").tags.size(), 1u);
+}
+
+TEST_F(TagLibraryStandIn, is_given_a_long_name_as_the_system_takes_it_and_no_device) {
+    TagLibrary library(StandIns::api());
+    const std::wstring name = L"C:\\" + std::wstring(300, L'a') + L".mp3";
+    EXPECT_EQ(library.read(name).tags.size(), 1u);
+    EXPECT_EQ(readPath, L"\\\\?\\" + name);
+    readPath.clear();
+    EXPECT_THAT(library.read(L"C:\\music\\aux.mp3").tags, IsEmpty());
+    EXPECT_EQ(readPath, L"");
 }
 
 TEST_F(TagLibraryStandIn, that_is_missing_gives_no_tags) {
