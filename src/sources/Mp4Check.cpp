@@ -146,7 +146,7 @@ private:
         if (inFragments)
             return true;
         const std::vector<std::uint8_t> run = start(runs, 20);
-        return *times > 0 && *runCount > 0 && run.size() == 20 && bigEndian(&run[8], 4) == 1 &&
+        return *times > 0 && *runCount > 0 && run.size() >= 20 && bigEndian(&run[8], 4) == 1 &&
                bigEndian(&run[12], 4) > 0 && bigEndian(&run[16], 4) >= 1 &&
                bigEndian(&run[16], 4) <= *formats && firstSampleIsThere(tables);
     }
