@@ -2,7 +2,8 @@
 
 // MP3, WMA and WMV files, decoded by the system's Windows Media runtime (wmvcore.dll), whose
 // synchronous reader delivers 16-bit PCM. The runtime is loaded when the source is created; without
-// it every open fails. Blocks are taken of every stream: the pictures of a WMV file come as well.
+// it every open fails. Of a file with several streams all but the chosen sound are switched off:
+// the pictures of a WMV file do not come.
 //
 // Results: OpenSource 0, 1 the reader cannot open the file, 3 no reader, 12 no 16-bit PCM or no
 // header. CloseSource 0, 1 not open, 3 no reader. Read 0, 5. SeekTo 0, 4 refused.
