@@ -21,6 +21,13 @@ std::wstring longForm(const std::wstring& full) {
     return std::wstring(verbatim) + full;
 }
 
+// Whether the functions for ANSI names read this one as it was written. A host may have switched
+// them to the code page of the console, which has only the characters of ASCII in the same places.
+bool isReadAsAnsi(std::wstring_view path) {
+    return ::AreFileApisANSI() || std::all_of(path.begin(), path.end(),
+                                              [](wchar_t character) { return character < 0x80; });
+}
+
 } // namespace
 
 std::wstring fullPath(const std::wstring& path) {
@@ -44,7 +51,7 @@ FileName fileName(const std::wstring& path) {
     const bool isLong = full.size() >= MAX_PATH;
     name.wide = isLong && !prefixed ? longForm(full) : path;
     AnsiText ansi = toAnsi(path);
-    name.fitsAnsi = !ansi.lossy && !isLong;
+    name.fitsAnsi = !ansi.lossy && !isLong && isReadAsAnsi(path);
     if (name.fitsAnsi)
         name.ansi = std::move(ansi.text);
     return name;

@@ -1,8 +1,8 @@
 #pragma once
 
 // How the name of a file is passed to the system and to libraries. The functions that take ANSI
-// names come first; a name that they cannot take, because of its characters or its length, goes to
-// their counterparts for wide names.
+// names come first; a name that they cannot take, because of its characters, its length or the code
+// page that the host has set for them, goes to their counterparts for wide names.
 
 #include <string>
 #include <string_view>

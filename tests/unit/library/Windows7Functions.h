@@ -28,7 +28,8 @@ gdiplus.dll:
     GdipAlloc GdipCloneImage GdipCreateBitmapFromHBITMAP GdipDisposeImage GdipFree
     GdipSaveImageToFile GdiplusShutdown GdiplusStartup
 kernel32.dll:
-    AcquireSRWLockExclusive AddVectoredExceptionHandler CloseHandle CompareStringOrdinal
+    AcquireSRWLockExclusive AddVectoredExceptionHandler AreFileApisANSI CloseHandle
+    CompareStringOrdinal
     CreateEventA CreateEventW CreateFileA CreateFileMappingW CreateFileW CreateHardLinkW
     CreateSemaphoreA CreateThread DeleteCriticalSection DeleteFileW DeviceIoControl DuplicateHandle
     EnterCriticalSection FileTimeToSystemTime FindClose FindFirstFileA FindFirstFileW

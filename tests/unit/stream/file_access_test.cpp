@@ -1,5 +1,6 @@
 #include "stream/FileAccess.h"
 
+#include "stream/FileListing.h"
 #include "support/FaultyFiles.h"
 #include "support/TempFolder.h"
 #include "support/WavBytes.h"
@@ -133,6 +134,19 @@ TEST_F(FileAccessTest, names_that_the_code_page_has_are_opened_in_it) {
     EXPECT_TRUE(access_.exists(path));
     EXPECT_EQ(fileFaults.calls("CreateFile"), 1);
     EXPECT_EQ(fileFaults.calls("CreateFileWide"), 0);
+}
+
+// A host may have switched the functions for ANSI names to the code page of the console.
+TEST_F(FileAccessTest, names_open_their_own_files_whichever_code_page_the_host_has_set_for_them) {
+    const std::wstring path = folder_.write(L"Gr\u00FC\u00DFe.wav", {1});
+    const std::wstring plain = folder_.write(L"plain.wav", {2});
+    ::SetFileApisToOEM();
+    EXPECT_TRUE(access_.exists(path));
+    EXPECT_TRUE(access_.exists(plain));
+    EXPECT_TRUE(isFileListed(path));
+    ::SetFileApisToANSI();
+    EXPECT_TRUE(access_.exists(path));
+    EXPECT_EQ(fileFaults.calls("CreateFileWide"), 1);
 }
 
 TEST_F(FileAccessTest, a_path_beyond_260_characters_opens) {
