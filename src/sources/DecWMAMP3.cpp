@@ -172,6 +172,8 @@ void DecWMAMP3::copySample(std::uintptr_t target, std::int32_t bytes) noexcept {
 }
 
 std::int32_t DecWMAMP3::SeekTo(std::int32_t value, std::int32_t& mode) {
+    if (!reader_)
+        return seekRefused;
     // Not to 100: at the very end the reader has nothing to deliver.
     constexpr std::int32_t lastPercent = 99;
     const std::optional<std::uint64_t> target = seekTarget(
@@ -182,7 +184,7 @@ std::int32_t DecWMAMP3::SeekTo(std::int32_t value, std::int32_t& mode) {
         },
         lastPercent);
     constexpr LONGLONG toTheEnd = 0;
-    if (!target || !reader_ || reader_->SetRange(*target, toTheEnd) != S_OK)
+    if (!target || reader_->SetRange(*target, toTheEnd) != S_OK)
         return seekRefused;
     dropSample();
     (void)fetchNextSample();

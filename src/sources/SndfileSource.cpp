@@ -223,7 +223,25 @@ std::int32_t SndfileSource::Read(void* buffer, std::int32_t bytes, std::int32_t&
     return got < wanted ? SourceResult::endOfData : SourceResult::done;
 }
 
+// In pieces if they go by way of memory of our own, which a high rate and many channels would make
+// large.
 std::int32_t SndfileSource::readFrames(std::int16_t* to, std::int32_t frames) {
+    if (info_.channels <= 2 && !asFloat_)
+        return decode(to, frames);
+    constexpr std::int32_t piece = 4096;
+    const std::size_t outputChannels = format_.nChannels;
+    std::int32_t read = 0;
+    std::int32_t wanted = 0;
+    std::int32_t got = 0;
+    do {
+        wanted = std::min(frames - read, piece);
+        got = readPiece(to + static_cast<std::size_t>(read) * outputChannels, wanted);
+        read += got;
+    } while (got == wanted && read < frames);
+    return read;
+}
+
+std::int32_t SndfileSource::readPiece(std::int16_t* to, std::int32_t frames) {
     if (info_.channels <= 2)
         return decode(to, frames);
     unmixed_.resize(static_cast<std::size_t>(frames) * static_cast<std::size_t>(info_.channels));

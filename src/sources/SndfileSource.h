@@ -42,6 +42,7 @@ private:
     void readTags();
     [[nodiscard]] std::vector<DWORD> speakers();
     [[nodiscard]] std::int32_t readFrames(std::int16_t* to, std::int32_t frames);
+    [[nodiscard]] std::int32_t readPiece(std::int16_t* to, std::int32_t frames);
     [[nodiscard]] std::int32_t decode(std::int16_t* to, std::int32_t frames);
     [[nodiscard]] bool seekFrame(std::int64_t frame);
     [[nodiscard]] std::int32_t milliseconds(std::int64_t frames) const;

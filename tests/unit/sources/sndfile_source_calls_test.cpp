@@ -2,6 +2,8 @@
 
 #include "SndfileSourceFixture.h"
 
+#include "support/GuardedNew.h"
+
 #include <gmock/gmock.h>
 
 namespace corvina::test {
@@ -208,6 +210,29 @@ TEST_F(SndfileSourceCalls, a_read_that_the_library_fails_gives_nothing_and_is_th
             EXPECT_THAT(reading.samples, IsEmpty());
             EXPECT_EQ(source.Position(), 0);
         }
+}
+
+// The rate that a damaged header names decides how much is read at a time.
+TEST_F(SndfileSourceCalls, what_is_mixed_down_takes_little_memory_however_much_is_read) {
+    constexpr std::int32_t frames = 100'000;
+    for (const std::int32_t format : {flac, floats}) {
+        results.info.format = format;
+        results.info.channels = 64;
+        results.frame.assign(64, 8192);
+        results.floatFrame.assign(64, 0.25F);
+        SndfileSource& source = opened();
+        std::vector<std::int16_t> samples(std::size_t{frames} * 2);
+        (void)takeLargestBlock();
+        std::int32_t got = 0;
+        EXPECT_EQ(source.Read(samples.data(), frames * 4, got), 0);
+        EXPECT_LE(takeLargestBlock(), std::size_t{4} << 20);
+        EXPECT_EQ(got, frames * 4);
+        EXPECT_EQ(std::count(samples.begin(), samples.end(), 8192), frames * 2);
+        results.delivers = 10;
+        EXPECT_EQ(source.Read(samples.data(), frames * 4, got), 5);
+        EXPECT_EQ(got, 40);
+        results.delivers = everything;
+    }
 }
 
 TEST_F(SndfileSourceCalls, the_speakers_of_more_than_two_channels_are_those_of_the_map) {
