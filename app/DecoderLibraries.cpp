@@ -23,7 +23,9 @@ struct Kind {
 const std::array<Kind, 4> kinds{{
     {{L"ogg"}, {L"ogg.dll", L"vorbis.dll", L"vorbisfile.dll"}},
     {{L"ape"}, {L"MACDll.dll"}},
-    {{L"au", L"snd", L"aif", L"aiff", L"aifc", L"voc", L"vox"}, {L"libsndfile.dll"}},
+    {{L"au", L"snd", L"aif", L"aiff", L"aifc", L"voc", L"vox", L"flac", L"oga", L"opus", L"w64",
+      L"caf"},
+     {L"libsndfile.dll"}},
     {{L"mp3", L"wma", L"wmv"}, {L"wmvcore.dll"}},
 }};
 

@@ -24,7 +24,7 @@ struct Kind {
 
 // The functions of the APE library are called as if they were imported, so a missing one is a
 // run-time error.
-const std::array<Kind, 6> kinds{{
+const std::array<Kind, 8> kinds{{
     {L"tune.wav", {}},
     {L"tune.mp3", {}},
     {.file = L"tune.ogg",
@@ -32,6 +32,8 @@ const std::array<Kind, 6> kinds{{
      .other = L"libsndfile.dll"},
     {L"tune.au", {L"libsndfile.dll"}},
     {L"tune.aiff", {L"libsndfile.dll"}},
+    {L"tune.flac", {L"libsndfile.dll"}},
+    {L"tune.opus", {L"libsndfile.dll"}},
     {L"tune.ape", {L"MACDll.dll"}, 99, "File not found: MACDll.dll"},
 }};
 
