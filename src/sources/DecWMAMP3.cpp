@@ -21,6 +21,8 @@ constexpr std::int32_t unusable = 12;
 constexpr std::int32_t seekRefused = 4;
 
 constexpr std::int32_t playbackRights = 1;
+// A reader that goes on with blocks without sound would keep the host waiting.
+constexpr int mostEmptyBlocks = 10'000; // in a row
 constexpr DWORD largestSample = std::numeric_limits<std::int32_t>::max();
 
 } // namespace
@@ -144,6 +146,7 @@ bool DecWMAMP3::fetchNextSample() {
 std::int32_t DecWMAMP3::Read(void* buffer, std::int32_t bytes, std::int32_t& bytesRead) {
     const auto target = reinterpret_cast<std::uintptr_t>(buffer);
     bytesRead = 0;
+    int emptyBlocks = 0;
     while (bytesRead < bytes) {
         const std::int32_t left = sampleLength_ - sampleOffset_;
         const std::int32_t needed = bytes - bytesRead;
@@ -157,6 +160,9 @@ std::int32_t DecWMAMP3::Read(void* buffer, std::int32_t bytes, std::int32_t& byt
             bytesRead += left;
         }
         if (!fetchNextSample())
+            return SourceResult::endOfData;
+        emptyBlocks = sampleLength_ == 0 ? emptyBlocks + 1 : 0;
+        if (emptyBlocks == mostEmptyBlocks)
             return SourceResult::endOfData;
     }
     return SourceResult::done;

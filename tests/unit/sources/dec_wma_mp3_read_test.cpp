@@ -111,6 +111,20 @@ TEST_F(WindowsMedia, a_read_before_any_open_fetches_in_vain_and_returns_5) {
     EXPECT_EQ(library.calls.back(), "GetNextSample 0");
 }
 
+TEST_F(WindowsMedia, ten_thousand_empty_blocks_in_a_row_are_the_end) {
+    for (const auto& [count, result] : {std::pair{9'999, 0}, std::pair{10'000, 5}}) {
+        std::vector<StandInBlock> blocks(static_cast<std::size_t>(count));
+        blocks.push_back({.bytes = counting(0, 10)});
+        layFile(second, std::move(blocks));
+        library.noting = false;
+        DecWMAMP3 source(standInApi);
+        ASSERT_EQ(source.OpenSource(L"song.wma"), 0);
+        const ReadResult read = readFrom(source, 10);
+        EXPECT_EQ(read.result, result);
+        EXPECT_EQ(read.bytes.size(), result == 0 ? 10u : 0u);
+    }
+}
+
 TEST_F(WindowsMedia, a_read_of_no_bytes_or_fewer_does_nothing) {
     DecWMAMP3 source(standInApi);
     source.OpenSource(L"song.wma");
