@@ -135,18 +135,27 @@ std::int32_t DecSND::readItems(void* to, std::int32_t items) {
 }
 
 // As whole numbers the library would return floating-point samples either near silence or blown up
-// to the file's loudest one.
+// to the file's loudest one. In pieces, for a high rate would make memory of our own large.
 std::int32_t DecSND::readFloats(void* to, std::int32_t items) {
-    floats_.resize(static_cast<std::size_t>(std::max(items, std::int32_t{0})));
-    const std::int32_t got = std::min(library_.readFloat(file_, floats_.data(), items), items);
-    auto* const samples = static_cast<std::uint8_t*>(to);
-    for (std::int32_t item = 0; item < got; ++item) {
-        const std::int16_t sample =
-            rounding_.round(double{floats_[static_cast<std::size_t>(item)]});
-        std::memcpy(samples + static_cast<std::size_t>(item) * sizeof sample, &sample,
-                    sizeof sample);
-    }
-    return got;
+    const std::int32_t piece = 1024 * std::max(info_.channels, std::int32_t{1});
+    auto* sample = static_cast<std::uint8_t*>(to);
+    std::int32_t read = 0;
+    std::int32_t wanted = 0;
+    std::int32_t got = 0;
+    do {
+        wanted = std::clamp(items - read, std::int32_t{0}, piece);
+        floats_.resize(static_cast<std::size_t>(wanted));
+        got =
+            std::clamp(library_.readFloat(file_, floats_.data(), wanted), std::int32_t{0}, wanted);
+        for (std::int32_t item = 0; item < got; ++item) {
+            const std::int16_t rounded =
+                rounding_.round(double{floats_[static_cast<std::size_t>(item)]});
+            std::memcpy(sample, &rounded, sizeof rounded);
+            sample += sizeof rounded;
+        }
+        read += got;
+    } while (got == wanted && read < items);
+    return read;
 }
 
 std::int32_t DecSND::SeekTo(std::int32_t value, std::int32_t& mode) {

@@ -2,6 +2,7 @@
 
 #include "SndFixture.h"
 #include "runtime/RuntimeError.h"
+#include "support/GuardedNew.h"
 
 #include <gmock/gmock.h>
 
@@ -148,6 +149,24 @@ TEST_F(SndCalls, floating_point_files_are_read_as_such_and_keep_their_level) {
         EXPECT_EQ(source.Read(samples, 18, got), 5);
         EXPECT_EQ(got, 16);
     }
+}
+
+// The rate that a damaged header names decides how much is read at a time.
+TEST_F(SndCalls, floating_point_samples_take_little_memory_however_much_is_read) {
+    addExport("sf_read_float", &sfReadFloat);
+    results.info.format = 0x030006;
+    results.floats.assign(200'000, 0.25F);
+    DecSND& source = opened();
+    std::vector<std::int16_t> samples(150'001);
+    (void)takeLargestBlock();
+    std::int32_t got = 0;
+    EXPECT_EQ(source.Read(samples.data(), 300'000, got), 0);
+    EXPECT_LE(takeLargestBlock(), 100'000u);
+    EXPECT_EQ(got, 300'000);
+    EXPECT_EQ(std::count(samples.begin(), samples.end(), 8192), 150'000);
+    results.floats.assign(10, 0.25F);
+    EXPECT_EQ(source.Read(samples.data(), 300'000, got), 5);
+    EXPECT_EQ(got, 20);
 }
 
 TEST_F(SndCalls, a_closed_file_still_has_its_duration_and_is_at_its_start) {
