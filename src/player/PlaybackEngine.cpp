@@ -20,15 +20,9 @@ constexpr std::int32_t conversionImpossible = 5;
 PlaybackEngine::PlaybackEngine(PlayerEvents& events, TrackSupply& supply,
                                const PlaybackOptions& options, const PlayerPlatform& platform)
     : events_(events), supply_(supply), options_(options), trace_(platform.trace),
-      messages_(platform.windows), output_(platform.wave), timer_(platform.windows,
-                                                                  [this] {
-                                                                      // A handler may release the
-                                                                      // owner of all this.
-                                                                      PlayerEvents& owner = events_;
-                                                                      owner.hold();
-                                                                      tick();
-                                                                      owner.letGo();
-                                                                  }),
+      messages_(platform.windows), output_(platform.wave),
+      watchTimer_(platform.windows, [this] { onTimer(&PlaybackEngine::watch); }),
+      positionTimer_(platform.windows, [this] { onTimer(&PlaybackEngine::reportPosition); }),
       life_(events) {}
 
 PlaybackEngine::~PlaybackEngine() {
@@ -68,10 +62,9 @@ void PlaybackEngine::disconnect() noexcept {
     messages_.discardReturned();
     while (messages_.discardClose())
         ;
-    timer_.stop();
+    stopTimers();
     messages_.setWindow(nullptr);
-    // The player closes its source; one that is the engine's alone closes itself.
-    tracks_.forget();
+    abandonTracks();
     done_ = true;
 }
 
@@ -88,6 +81,10 @@ std::int32_t PlaybackEngine::start(std::int32_t deviceIndex, TrackQueue::Track t
     const bool closedFormer = closeFormerDevice();
     ++playback_;
     ++session_;
+    // Of a playback whose close message has not come. A start that failed leaves a track whose
+    // source may be the new one's.
+    if (!tracks_.uses(track->source()))
+        abandonTracks();
     // The converter of a start that fails stays until the next start or stop.
     const bool convertible = track->begin();
     tracks_.begin(std::move(track));
@@ -102,7 +99,7 @@ std::int32_t PlaybackEngine::start(std::int32_t deviceIndex, TrackQueue::Track t
         messages_.discardClose();
     paused_ = false;
     done_ = false;
-    intervalChanged();
+    startTimers();
     const std::uint32_t session = session_;
     life_.begun(playback_);
     if (session == session_ && !primed_)
@@ -261,10 +258,14 @@ void PlaybackEngine::fill(WaveBuffer& buffer) {
 void PlaybackEngine::countDrained() {
     if (state_ != PlaybackState::draining)
         return;
-    if (++drained_ == WaveRing::playedBuffers)
-        closeDrained();
-    else if (drained_ + lost_ == WaveRing::playedBuffers)
+    if (++drained_ == WaveRing::playedBuffers) {
+        const std::uint32_t session = session_;
+        reportHeard();
+        if (session == session_ && state_ == PlaybackState::draining)
+            closeDrained();
+    } else if (drained_ + lost_ == WaveRing::playedBuffers) {
         life_.end(playback_, PLAYEND_ERROR);
+    }
 }
 
 void PlaybackEngine::deviceClosed() {

@@ -60,6 +60,8 @@ public:
     [[nodiscard]] TrackQueue::Place heard();
     // The peak of what is heard now, in parts of full scale. Mono sound has it in every channel.
     [[nodiscard]] double level(std::int32_t channel);
+    // Somebody has moved a source, which may be the one that is played.
+    void sourceMoved(const cSoundSTRM& source, std::int32_t seconds);
     // A playback that has not ended has this source.
     [[nodiscard]] bool uses(const cSoundSTRM* source) const noexcept;
 
@@ -100,6 +102,7 @@ private:
 
     std::int32_t resetDevice();
     void dropTracks();
+    void abandonTracks() noexcept;
     void giveBackUnheard();
     void failPlayback(std::uint32_t session);
     void loseDevice();
@@ -107,7 +110,11 @@ private:
     [[nodiscard]] bool closeAtOnce() noexcept;
 
     void reportHeard();
-    void tick() noexcept;
+    void startTimers() noexcept;
+    void stopTimers() noexcept;
+    void onTimer(void (PlaybackEngine::*task)()) noexcept;
+    void watch();
+    void reportPosition();
 
     PlayerEvents& events_;
     TrackSupply& supply_;
@@ -115,7 +122,8 @@ private:
     const PlaybackTrace trace_;
     WaveMessages messages_;
     WaveOutput output_;
-    WindowTimer timer_;
+    WindowTimer watchTimer_; // sees what is heard, and whether the device plays at all
+    WindowTimer positionTimer_;
     PlaybackLife life_;
 
     PlaybackState state_ = PlaybackState::closed;

@@ -73,6 +73,17 @@ void PlaybackEngine::dropTracks() {
     tracks_.close();
 }
 
+// What is left of a playback that ends without its close message.
+void PlaybackEngine::abandonTracks() noexcept {
+    try {
+        giveBackUnheard();
+        tracks_.close();
+    } catch (...) {
+        // A source that could not be closed is closed when it is opened again or destroyed.
+        tracks_.forget();
+    }
+}
+
 void PlaybackEngine::giveBackUnheard() {
     for (const TrackQueue::Track& track : tracks_.unheard())
         supply_.giveBack(track);

@@ -30,11 +30,29 @@ void PlaybackEngine::soundChanged() {
 void PlaybackEngine::intervalChanged() noexcept {
     if (done_ && !playing())
         return;
-    const auto wished = static_cast<UINT>(options_.positionInterval);
-    timer_.start(messages_.window(), wished == 0 ? watchIntervalMs : wished);
+    if (options_.positionInterval > 0)
+        positionTimer_.start(messages_.window(), static_cast<UINT>(options_.positionInterval));
+    else
+        positionTimer_.stop();
+}
+
+void PlaybackEngine::startTimers() noexcept {
+    watchTimer_.start(messages_.window(), watchIntervalMs);
+    intervalChanged();
+}
+
+void PlaybackEngine::stopTimers() noexcept {
+    watchTimer_.stop();
+    positionTimer_.stop();
 }
 
 void PlaybackEngine::jump(std::int32_t milliseconds) {
+    const std::uint32_t session = session_;
+    // A next file that is heard already is not given back as the next one.
+    if (playing())
+        reportHeard();
+    if (session != session_)
+        return;
     const bool running = state_ == PlaybackState::feeding || state_ == PlaybackState::draining;
     const TrackQueue::Track track = running ? heard().track : nullptr;
     if (!track)
@@ -51,10 +69,14 @@ void PlaybackEngine::jump(std::int32_t milliseconds) {
     static_cast<void>(
         messages_.postReturned(idle, reinterpret_cast<LPARAM>(&output_.ring().first().header)));
     // The messages of the buffers that were dropped wait in the queue; the new sound must not.
-    const std::uint32_t session = session_;
     for (std::size_t i = 0; i < WaveRing::playedBuffers; ++i)
         if (session == session_ && playing() && messages_.discardOneReturned())
             handleMessage(MM_WOM_DONE);
+}
+
+void PlaybackEngine::sourceMoved(const cSoundSTRM& source, std::int32_t seconds) {
+    if (const TrackQueue::Track& track = tracks_.current(); track && track->source() == &source)
+        track->sourceMoved(seconds);
 }
 
 // Raises NextStarted for the tracks whose first frame has been heard.
@@ -70,34 +92,46 @@ void PlaybackEngine::reportHeard() {
     }
 }
 
-void PlaybackEngine::tick() noexcept {
+void PlaybackEngine::onTimer(void (PlaybackEngine::*task)()) noexcept {
+    // A handler may release the owner of all this.
+    PlayerEvents& owner = events_;
+    owner.hold();
     const std::uint32_t session = session_;
     try {
-        if (!playing()) {
-            timer_.stop();
-            return;
-        }
-        const bool messagesDue =
-            state_ == PlaybackState::draining && drained_ + lost_ < WaveRing::playedBuffers;
-        if (output_.stalled(paused_, messagesDue)) {
-            // Without a buffer in the device it is the messages that are lost: a host's loop drops
-            // them.
-            if (output_.ring().anyQueued())
-                loseDevice();
-            else
-                closeDrained();
-        }
-        if (session == session_ && playing())
-            reportHeard();
-        if (session == session_ && playing() && !paused_ && options_.positionInterval > 0)
-            if (const TrackQueue::Place place = heard(); place.track)
-                events_.PositionChanged(place.milliseconds);
+        if (playing())
+            (this->*task)();
+        else
+            stopTimers();
     } catch (...) {
         stopFeeding();
         life_.setReason(playback_, PLAYEND_ERROR);
         reportCurrentException(events_);
         failPlayback(session);
     }
+    owner.letGo();
+}
+
+void PlaybackEngine::watch() {
+    const std::uint32_t session = session_;
+    const bool messagesDue =
+        state_ == PlaybackState::draining && drained_ + lost_ < WaveRing::playedBuffers;
+    if (output_.stalled(paused_, messagesDue)) {
+        // Without a buffer in the device it is the messages that are lost: a host's loop drops
+        // them.
+        if (output_.ring().anyQueued())
+            loseDevice();
+        else
+            closeDrained();
+    }
+    if (session == session_ && playing())
+        reportHeard();
+}
+
+void PlaybackEngine::reportPosition() {
+    if (paused_)
+        return;
+    if (const TrackQueue::Place place = heard(); place.track)
+        events_.PositionChanged(place.milliseconds);
 }
 
 } // namespace corvina

@@ -3,6 +3,7 @@
 #include "platform/ErrorBoxes.h"
 #include "player/WaveLength.h"
 #include "runtime/FirstFailure.h"
+#include "runtime/RuntimeError.h"
 #include "stream/PcmFormat.h"
 
 #include <algorithm>
@@ -10,6 +11,19 @@
 #include <utility>
 
 namespace corvina {
+namespace {
+
+// Where a source is that was moved there. Sources are moved to whole seconds, or, without a
+// lead-in, to the block of compressed sound before.
+std::int64_t reachedMs(cSoundSTRM& source, std::int64_t asked) {
+    constexpr std::int64_t longestBlock = 500;
+    if (source.hasLeadIn())
+        return asked;
+    const std::int64_t reached = source.Info().Position();
+    return reached < asked && reached >= asked - longestBlock ? reached : asked;
+}
+
+} // namespace
 
 PlayedTrack::PlayedTrack(std::wstring file, std::shared_ptr<cSoundSTRM> source, const AcmApi& acm,
                          cCallback* observer)
@@ -50,9 +64,7 @@ std::optional<std::int64_t> PlayedTrack::frames() {
 }
 
 std::int32_t PlayedTrack::durationMs() {
-    const std::optional<std::int64_t> known = frames();
-    return known ? static_cast<std::int32_t>(format().millisecondsOf(*known))
-                 : statedDurationMs(*source_);
+    return corvina::durationMs(frames(), *source_);
 }
 
 std::int32_t PlayedTrack::read(void* destination, std::int32_t bytes, bool exactly) {
@@ -61,10 +73,36 @@ std::int32_t PlayedTrack::read(void* destination, std::int32_t bytes, bool exact
         const std::int64_t left = std::max<std::int64_t>(*frames() - position_, 0) * frameBytes;
         bytes = static_cast<std::int32_t>(std::min<std::int64_t>(bytes, left));
     }
+    if (moved_)
+        bytes = std::min(bytes, moved_->bytesBefore);
     std::int32_t delivered = 0;
     converter_.GetSamples(destination, bytes, delivered);
     position_ += delivered / frameBytes;
+    if (moved_)
+        moved_->bytesBefore = delivered == bytes ? moved_->bytesBefore - delivered : 0;
     return delivered;
+}
+
+void PlayedTrack::sourceMoved(std::int32_t seconds) {
+    // A converter that has met the end of the source reads no more of it.
+    if (!open_ || converter_.EndOfStream())
+        return;
+    const std::int64_t asked = std::int64_t{seconds} * 1000;
+    std::int64_t reached = asked;
+    try {
+        reached = reachedMs(*source_, asked);
+    } catch (const RuntimeError&) {
+        // The source cannot say where it is.
+    }
+    moved_ = {.bytesBefore = converter_.bytesAhead(), .frame = format().framesOf(reached)};
+}
+
+bool PlayedTrack::goOnWhereMoved() noexcept {
+    if (!moved_ || moved_->bytesBefore > 0)
+        return false;
+    position_ = moved_->frame;
+    moved_.reset();
+    return true;
 }
 
 bool PlayedTrack::finished(bool exactly) {
@@ -89,13 +127,9 @@ bool PlayedTrack::seek(std::int32_t milliseconds) {
     constexpr std::int32_t second = 1000;
     if (!open_ || !goTo(milliseconds / second) || !beginAgain())
         return false;
-    // Sources are moved to whole seconds, or, without a lead-in, to the block of compressed sound
-    // before; the rest is read and dropped.
-    constexpr std::int32_t longestBlock = 500;
-    const std::int32_t asked = milliseconds / second * second;
-    const std::int32_t reached = source_->hasLeadIn() ? asked : source_->Info().Position();
-    position_ =
-        format().framesOf(reached < asked && reached >= asked - longestBlock ? reached : asked);
+    moved_.reset();
+    position_ = format().framesOf(reachedMs(*source_, milliseconds / second * second));
+    // The rest is read and dropped.
     std::int64_t excess = (format().framesOf(milliseconds) - position_) * format().frameBytes();
     std::array<std::uint8_t, 8000> dropped;
     while (excess > 0) {

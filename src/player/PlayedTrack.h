@@ -52,10 +52,19 @@ public:
 
     // Goes on at that time of the file. False if the source cannot: it is read where it was.
     [[nodiscard]] bool seek(std::int32_t milliseconds);
+    // Somebody else has moved the source. What the converter holds comes before that place, and
+    // read stops there until goOnWhereMoved, which is true if the next frame is the one moved to.
+    void sourceMoved(std::int32_t seconds);
+    [[nodiscard]] bool goOnWhereMoved() noexcept;
     // Closes source and converter. Harmless afterwards.
     void close();
 
 private:
+    struct Moved {
+        std::int32_t bytesBefore = 0;
+        std::int64_t frame = 0;
+    };
+
     [[nodiscard]] bool beginAgain();
     [[nodiscard]] bool goTo(std::int32_t seconds);
     [[nodiscard]] std::optional<std::int64_t> frames();
@@ -67,6 +76,7 @@ private:
     cCallback* const observer_;
     cPCM converter_;
     std::int64_t position_ = 0;
+    std::optional<Moved> moved_;
     bool open_ = true;
     bool mixed_ = false;
 };

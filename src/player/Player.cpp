@@ -87,6 +87,11 @@ std::int32_t Player::DeInit() {
 }
 
 void Player::shutdown() noexcept {
+    try {
+        closeCurrentSource();
+    } catch (...) {
+        // The source closes itself when it is opened again or destroyed.
+    }
     engine_.disconnect();
     codecs_.reset();
     if (client_) {
@@ -97,11 +102,6 @@ void Player::shutdown() noexcept {
     }
     client_ = nullptr;
     window_ = nullptr;
-    try {
-        closeCurrentSource();
-    } catch (...) {
-        // The source closes itself when it is opened again or destroyed.
-    }
     engine_.reportEnds();
 }
 
@@ -179,12 +179,15 @@ std::int32_t Player::PlayStart(const std::wstring& file, std::int32_t deviceInde
 // -1 if there is no output device of that name now.
 std::int32_t Player::deviceNamed(const std::wstring& name) const {
     const std::int32_t count = countAudioDevices(platform_.wave, AudioDirection::output);
-    for (std::int32_t i = 0; i < count; ++i) {
-        AudioDevice device;
-        if (describeAudioDevice(platform_.wave, i, AudioDirection::output, device) == 0 &&
-            device.name == name)
-            return i;
-    }
+    for (std::int32_t i = 0; i < count; ++i)
+        try {
+            AudioDevice device;
+            if (describeAudioDevice(platform_.wave, i, AudioDirection::output, device) == 0 &&
+                device.name == name)
+                return i;
+        } catch (const RuntimeError&) {
+            // Nobody can know its name.
+        }
     return -1;
 }
 
@@ -223,7 +226,8 @@ std::int32_t Player::PositionSet(std::int32_t seconds) {
     if (cSoundSTRM* const source = currentSource()) {
         const NoErrorBoxes quiet;
         std::int32_t mode = SeekMode::seconds;
-        static_cast<void>(source->SeekTo(seconds, mode));
+        if (source->SeekTo(seconds, mode) == SourceResult::done)
+            engine_.sourceMoved(*source, seconds);
     }
     return 0;
 }

@@ -114,6 +114,7 @@ public:
 private:
     [[nodiscard]] cSoundInf& openedFile() const;
     [[nodiscard]] cSoundSTRM* currentSource() const noexcept;
+    [[nodiscard]] std::wstring describedFile() const;
     void closeCurrentSource();
     [[nodiscard]] SourceList::Source freshSource(const SourceList::Source& used);
     [[nodiscard]] std::int32_t deviceNamed(const std::wstring& name) const;

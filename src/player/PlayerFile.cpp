@@ -46,21 +46,20 @@ std::int32_t Player::Info_Samplerate() const {
 std::int32_t Player::DurationMs() {
     if (const TrackQueue::Place place = engine_.heard(); place.track)
         return place.track->durationMs();
-    if (!source_ || !opened_)
-        return 0;
-    const std::optional<std::int64_t> frames = countFrames(file_, *source_);
-    const std::int32_t rate = source_->Info().SampleRate();
-    return frames && rate > 0 ? static_cast<std::int32_t>(*frames * 1000 / rate)
-                              : statedDurationMs(*source_);
+    const std::wstring file = describedFile();
+    cSoundSTRM* const source = currentSource();
+    return file.empty() ? 0 : durationMs(countFrames(file, *source), *source);
+}
+
+// Empty if none is open.
+std::wstring Player::describedFile() const {
+    if (next_.heardSource())
+        return next_.heardFile();
+    return source_ && opened_ ? file_ : std::wstring();
 }
 
 FileFacts& Player::facts() {
-    std::wstring file;
-    if (next_.heardSource())
-        file = next_.heardFile();
-    else if (source_ && opened_)
-        file = file_;
-    facts_.setFile(file);
+    facts_.setFile(describedFile());
     return facts_;
 }
 

@@ -25,17 +25,23 @@ void TrackQueue::begin(Track track) {
 }
 
 void TrackQueue::append(bool announced) {
+    addSegment(announced);
+    bytesSinceBegin_ = 0;
+}
+
+void TrackQueue::addSegment(bool announced) {
     segments_.push_back({.deviceFrame = fedFrames_,
                          .trackFrame = current_->position(),
                          .track = current_,
                          .announced = announced});
-    bytesSinceBegin_ = 0;
 }
 
 TrackQueue::Filled TrackQueue::fill(std::span<std::uint8_t> block, const Options& options) {
     const auto wanted = static_cast<std::int32_t>(block.size());
     Filled filled;
     while (!filled.ended) {
+        if (current_->goOnWhereMoved())
+            addSegment(true);
         const std::int32_t got =
             current_->read(block.data() + filled.bytes, wanted - filled.bytes, options.exactly);
         filled.bytes += got;

@@ -68,7 +68,10 @@ private:
     };
 
     [[nodiscard]] bool advance(const Options& options);
+    // The current track begins, once or again.
     void append(bool announced);
+    // It goes on at another place.
+    void addSegment(bool announced);
 
     Track current_;
     Track other_;

@@ -1,5 +1,6 @@
 #include "player/WaveLength.h"
 
+#include "player/PlayedFormat.h"
 #include "runtime/RuntimeError.h"
 #include "stream/FileAccess.h"
 #include "stream/RiffChunk.h"
@@ -8,6 +9,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 
 namespace corvina {
 namespace {
@@ -68,6 +70,14 @@ std::optional<std::int64_t> countFrames(const std::wstring& file, cSoundSTRM& so
     // The last block may be filled up with what is no sound.
     const std::int64_t counted = countedByWriter(file);
     return counted > 0 && counted <= inData ? counted : inData;
+}
+
+std::int32_t durationMs(const std::optional<std::int64_t>& frames, cSoundSTRM& source) {
+    const PlayedFormat format{.sampleRate = source.Info().SampleRate()};
+    if (!frames || format.sampleRate <= 0)
+        return statedDurationMs(source);
+    constexpr std::int64_t most = std::numeric_limits<std::int32_t>::max();
+    return static_cast<std::int32_t>(std::min(format.millisecondsOf(*frames), most));
 }
 
 std::int32_t statedDurationMs(cSoundSTRM& source) {

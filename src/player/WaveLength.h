@@ -15,6 +15,11 @@ class cSoundSTRM;
 // the file's format cannot be counted.
 [[nodiscard]] std::optional<std::int64_t> countFrames(const std::wstring& file, cSoundSTRM& source);
 
+// So many frames, or what the source says of its length if their number is not known, in
+// milliseconds. No more than a number can hold.
+[[nodiscard]] std::int32_t durationMs(const std::optional<std::int64_t>& frames,
+                                      cSoundSTRM& source);
+
 // What the source says in milliseconds; 0 if it has no length that a number can hold, as damaged
 // files may.
 [[nodiscard]] std::int32_t statedDurationMs(cSoundSTRM& source);

@@ -35,6 +35,8 @@ public:
     [[nodiscard]] bool EndOfStream() const noexcept { return ended_; }
     // The source has reported the end of its data, and no converted samples are left.
     [[nodiscard]] bool Exhausted() const noexcept;
+    // Bytes of output that are returned before the source is read again.
+    [[nodiscard]] std::int32_t bytesAhead() const noexcept { return available_ - readOffset_; }
     [[nodiscard]] std::int32_t OutputSamplerate() const noexcept;
     [[nodiscard]] std::int16_t OutputChannels() const noexcept;
     [[nodiscard]] std::int16_t OutputBitsPerSample() const noexcept;

@@ -27,6 +27,7 @@ struct Script {
     // Of the files with these names, in place of the above.
     std::map<std::wstring, Bytes> otherData;
     std::map<std::wstring, WAVEFORMATEX> otherFormats;
+    std::map<std::wstring, std::int32_t> otherDurations;
     // SeekTo moves; otherwise it only returns seekResult.
     bool moves = false;
     std::int32_t openResult = 0;
@@ -115,7 +116,10 @@ public:
         return static_cast<std::int32_t>(format().nAvgBytesPerSec) * 8;
     }
     std::int32_t Position() override { return script.positionMs; }
-    std::int32_t Duration() override { return script.durationMs; }
+    std::int32_t Duration() override {
+        const auto found = script.otherDurations.find(name_);
+        return found == script.otherDurations.end() ? script.durationMs : found->second;
+    }
 
 private:
     [[nodiscard]] const Bytes& data() const {

@@ -58,6 +58,60 @@ TEST_F(NextFile, is_to_be_played_next_again_if_the_playback_is_stopped_before) {
                                            L"Next next.other", L"State 0", L"Ended 0"));
 }
 
+TEST_F(NextFile, is_the_one_whose_duration_is_said_also_after_the_end) {
+    script.durationMs = 453;
+    script.otherDurations[L"next.other"] = 454;
+    startAndFill();
+    EXPECT_EQ(host.player.DurationMs(), 453);
+    playOut();
+    EXPECT_EQ(host.player.DurationMs(), 454);
+    ASSERT_EQ(host.player.OpenAudioFile(file), 0);
+    EXPECT_EQ(host.player.DurationMs(), 453);
+}
+
+TEST_F(NextFile, that_is_shorter_than_a_block_has_begun_when_the_last_block_was_played) {
+    script.data = noise(buffer * 10 - 4000);
+    script.otherData[L"next.other"] = noise(400, 7);
+    startAndFill();
+    playOut();
+    EXPECT_THAT(host.progress, ElementsAre(L"State 1", L"Next next.other", L"State 0", L"Ended 0"));
+    EXPECT_EQ(host.player.NextFile(), L"") << "it was heard";
+    EXPECT_EQ(host.events, endOfPlayback);
+}
+
+TEST_F(NextFile, of_another_format_is_the_next_one_still_if_its_turn_is_taken_by_a_start) {
+    script.otherFormats[L"next.other"] = pcm(22050, 1, 16);
+    startAndFill();
+    while (fakeWave.open) {
+        fakeWave.finishAll();
+        handleReturnedBuffers();
+    }
+    ASSERT_EQ(start(), 0) << "the close message still waits";
+    EXPECT_EQ(host.player.NextFile(), next);
+    EXPECT_EQ(options().nextFile, next);
+    dispatchWaitingMessages();
+}
+
+TEST_F(NextFile, in_which_a_jump_leads_has_begun_even_if_no_message_has_said_so) {
+    script.durationMs = 453;
+    startAndFill();
+    playBuffers(9);
+    fakeWave.framesBeyond = 2000 + 441;
+    ASSERT_EQ(host.player.PositionMs(), 10);
+    EXPECT_EQ(host.player.NextFile(), next);
+    fakeWave.written.clear();
+    host.player.setPositionMs(100);
+    EXPECT_EQ(host.progress.back(), L"Next next.other");
+    EXPECT_EQ(host.player.NextFile(), L"");
+    EXPECT_EQ(host.player.PositionMs(), 100);
+    playOut();
+    const Bytes& sound = script.otherData[L"next.other"];
+    ASSERT_GE(fakeWave.written.size(), sound.size() - 4410 * 4);
+    EXPECT_TRUE(std::equal(sound.begin() + 4410 * 4, sound.end(), fakeWave.written.begin()));
+    EXPECT_THAT(host.progress, ElementsAre(L"State 1", L"Next next.other", L"State 0", L"Ended 0"));
+    EXPECT_EQ(host.events, endOfPlayback);
+}
+
 TEST_F(NextFile, of_another_format_is_played_on_the_same_device_and_is_the_next_no_longer) {
     script.otherFormats[L"next.other"] = pcm(22050, 1, 16);
     ASSERT_EQ(start(3), 0);

@@ -268,6 +268,32 @@ MMRESULT WINAPI nameDevices(UINT_PTR index, LPWAVEOUTCAPSA caps, UINT) {
     return MMSYSERR_NOERROR;
 }
 
+// Its name fills the field, which GetDetailsDevice raises an error for.
+MMRESULT WINAPI nameOnlyTheLast(UINT_PTR index, LPWAVEOUTCAPSA caps, UINT size) {
+    if (index != 0)
+        return nameDevices(index, caps, size);
+    *caps = {};
+    std::memset(caps->szPname, 'x', sizeof caps->szPname);
+    return MMSYSERR_NOERROR;
+}
+
+TEST_F(PlayerTest, a_device_is_found_by_its_name_behind_one_whose_name_cannot_be_read) {
+    WaveApi named = fakeWaveApi;
+    named.outGetNumDevs = &countThree;
+    named.outGetDevCaps = &nameOnlyTheLast;
+    BarePlayer other({named, systemWindowApi, fakeAcmApi, systemFileApi, &makeScriptedSources});
+    ASSERT_EQ(other.init(), 0);
+    other.player.settings().options().device = L"Headphones";
+    EXPECT_EQ(other.player.PlayStart(file, -1, 0), 0);
+    EXPECT_EQ(fakeWave.device, 2u);
+    other.player.shutdown();
+    dispatchWaitingMessages();
+    ASSERT_EQ(other.init(), 0);
+    other.player.settings().options().device = L"not there";
+    EXPECT_EQ(other.player.PlayStart(file, -1, 0), MMSYSERR_BADDEVICEID);
+    other.player.shutdown();
+}
+
 TEST_F(PlayerTest, a_device_that_is_set_by_its_name_is_opened_by_its_number) {
     WaveApi named = fakeWaveApi;
     named.outGetNumDevs = &countThree;

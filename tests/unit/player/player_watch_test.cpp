@@ -30,9 +30,12 @@ protected:
         while (fakeWave.finishOne())
             dispatchWaitingMessages();
     }
-    static UINT interval() {
-        EXPECT_EQ(fakeTimers.size(), 1u);
-        return fakeTimers.begin()->second.first;
+    static std::vector<UINT> intervals() {
+        std::vector<UINT> all;
+        for (const auto& [id, timer] : fakeTimers)
+            all.push_back(timer.first);
+        std::sort(all.begin(), all.end());
+        return all;
     }
 };
 
@@ -40,7 +43,7 @@ TEST_F(Watch, has_a_timer_while_something_plays) {
     host.player.intervalChanged();
     EXPECT_THAT(fakeTimers, IsEmpty());
     startAndFill();
-    EXPECT_GT(interval(), 0u) << "also if no event is to come of it";
+    EXPECT_THAT(intervals(), ElementsAre(100u)) << "also if no event is to come of it";
     host.player.PlayStop();
     dispatchWaitingMessages();
     tickTimers();
@@ -53,7 +56,7 @@ TEST_F(Watch, has_no_timer_any_longer_when_its_window_or_the_player_is_given_up)
     EXPECT_THAT(fakeTimers, IsEmpty());
     ASSERT_EQ(host.init(), 0);
     startAndFill();
-    EXPECT_GT(interval(), 0u);
+    EXPECT_THAT(intervals(), ElementsAre(100u));
     host.player.DeInit();
     EXPECT_THAT(fakeTimers, IsEmpty());
 }
@@ -61,7 +64,7 @@ TEST_F(Watch, has_no_timer_any_longer_when_its_window_or_the_player_is_given_up)
 TEST_F(Watch, may_be_as_often_as_each_millisecond) {
     options().positionInterval = 1;
     startAndFill();
-    EXPECT_EQ(interval(), 1u);
+    EXPECT_THAT(intervals(), ElementsAre(1u, 100u));
     host.progress.clear();
     fakeWave.framesBeyond = 441;
     tickTimers();
@@ -72,11 +75,21 @@ TEST_F(Watch, takes_another_interval_at_once) {
     startAndFill();
     options().positionInterval = 250;
     host.player.intervalChanged();
-    EXPECT_EQ(interval(), 250u);
+    EXPECT_THAT(intervals(), ElementsAre(100u, 250u));
     ASSERT_EQ(host.init(), 0); // which sets done
     options().positionInterval = 70;
     host.player.intervalChanged();
-    EXPECT_EQ(interval(), 70u) << "as long as the device plays";
+    EXPECT_THAT(intervals(), ElementsAre(70u, 100u)) << "as long as the device plays";
+}
+
+// So long as no tick comes, a device that is lost is not missed.
+TEST_F(Watch, is_kept_several_times_a_second_however_seldom_the_position_is_reported) {
+    options().positionInterval = 3600 * 1000;
+    startAndFill();
+    EXPECT_THAT(intervals(), ElementsAre(100u, 3600000u));
+    options().positionInterval = 0;
+    host.player.intervalChanged();
+    EXPECT_THAT(intervals(), ElementsAre(100u));
 }
 
 TEST_F(Watch, sees_a_next_file_begin_between_two_buffers) {
