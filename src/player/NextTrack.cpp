@@ -3,6 +3,7 @@
 #include "platform/ErrorBoxes.h"
 #include "player/PlayerEvents.h"
 #include "player/SourceList.h"
+#include "runtime/RuntimeError.h"
 #include "stream/FileListing.h"
 
 #include <utility>
@@ -15,7 +16,12 @@ std::wstring NextTrack::file() const {
 
 TrackQueue::Track NextTrack::takeNext() {
     const std::wstring file = std::exchange(options_.nextFile, {});
-    TrackQueue::Track track = file.empty() ? nullptr : open(file);
+    TrackQueue::Track track;
+    try {
+        track = file.empty() ? nullptr : open(file);
+    } catch (const RuntimeError& error) {
+        failures_.push_back({error.number(), error.text()});
+    }
     if (track)
         fed_ = file;
     return track;
@@ -23,7 +29,7 @@ TrackQueue::Track NextTrack::takeNext() {
 
 TrackQueue::Track NextTrack::open(const std::wstring& file) {
     const auto failed = [this](const wchar_t* description) -> TrackQueue::Track {
-        failures_.push_back(description);
+        failures_.push_back({1, description});
         return nullptr;
     };
     if (!isFileListed(file, platform_.files))
@@ -58,8 +64,8 @@ void NextTrack::nextHeard(const TrackQueue::Track& track) {
 }
 
 void NextTrack::reportFailures() {
-    for (const wchar_t* const description : std::exchange(failures_, {}))
-        events_.Err(L"NextFile", 1, description);
+    for (const Failure& failure : std::exchange(failures_, {}))
+        events_.Err(L"NextFile", failure.number, failure.description);
 }
 
 } // namespace corvina

@@ -8,6 +8,7 @@
 #include "player/PlayerPlatform.h"
 #include "player/TrackSupply.h"
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -37,6 +38,11 @@ public:
     void reportFailures() override;
 
 private:
+    struct Failure {
+        std::int32_t number = 0;
+        std::wstring description;
+    };
+
     [[nodiscard]] TrackQueue::Track open(const std::wstring& file);
 
     PlayerEvents& events_;
@@ -45,7 +51,7 @@ private:
     cCallback* const observer_;
     std::wstring fed_; // taken, but not heard yet
     TrackQueue::Track heard_;
-    std::vector<const wchar_t*> failures_;
+    std::vector<Failure> failures_;
 };
 
 } // namespace corvina

@@ -11,19 +11,6 @@
 #include <utility>
 
 namespace corvina {
-namespace {
-
-// Where a source is that was moved there. Sources are moved to whole seconds, or, without a
-// lead-in, to the block of compressed sound before.
-std::int64_t reachedMs(cSoundSTRM& source, std::int64_t asked) {
-    constexpr std::int64_t longestBlock = 500;
-    if (source.hasLeadIn())
-        return asked;
-    const std::int64_t reached = source.Info().Position();
-    return reached < asked && reached >= asked - longestBlock ? reached : asked;
-}
-
-} // namespace
 
 PlayedTrack::PlayedTrack(std::wstring file, std::shared_ptr<cSoundSTRM> source, const AcmApi& acm,
                          cCallback* observer)
@@ -87,14 +74,32 @@ void PlayedTrack::sourceMoved(std::int32_t seconds) {
     // A converter that has met the end of the source reads no more of it.
     if (!open_ || converter_.EndOfStream())
         return;
+    moved_ = {.bytesBefore = converter_.bytesAhead(), .frame = frameReached(seconds)};
+}
+
+// Where a source is that was moved to that second. It may have gone to the block of compressed
+// sound before, unless that is a lead-in.
+std::int64_t PlayedTrack::frameReached(std::int32_t seconds) {
+    if (const std::optional<std::int32_t> rate = misstatedRate(*source_))
+        return std::int64_t{seconds} * *rate / source_->WFXPointer()->nBlockAlign;
+    constexpr std::int64_t longestBlock = 500;
     const std::int64_t asked = std::int64_t{seconds} * 1000;
-    std::int64_t reached = asked;
+    if (source_->hasLeadIn())
+        return format().framesOf(asked);
     try {
-        reached = reachedMs(*source_, asked);
+        const std::int64_t reached = source_->Info().Position();
+        const bool isBlock = reached < asked && reached >= asked - longestBlock;
+        return format().framesOf(isBlock ? reached : asked);
     } catch (const RuntimeError&) {
-        // The source cannot say where it is.
+        return format().framesOf(asked); // it cannot say where it is
     }
-    moved_ = {.bytesBefore = converter_.bytesAhead(), .frame = format().framesOf(reached)};
+}
+
+// The second, as the source counts them, that holds the frame or begins before it.
+std::int32_t PlayedTrack::secondOf(std::int64_t frame) {
+    const std::optional<std::int32_t> rate = misstatedRate(*source_);
+    return static_cast<std::int32_t>(rate ? frame * source_->WFXPointer()->nBlockAlign / *rate
+                                          : frame / std::max(format().sampleRate, 1));
 }
 
 bool PlayedTrack::goOnWhereMoved() noexcept {
@@ -113,9 +118,13 @@ bool PlayedTrack::finished(bool exactly) {
 
 bool PlayedTrack::goTo(std::int32_t seconds) {
     const NoErrorBoxes quiet;
-    std::int32_t mode = SeekMode::seconds;
-    if (source_->SeekTo(seconds, mode) == SourceResult::done)
-        return true;
+    try {
+        std::int32_t mode = SeekMode::seconds;
+        if (source_->SeekTo(seconds, mode) == SourceResult::done)
+            return true;
+    } catch (const RuntimeError&) {
+        // A header of zeros says nothing of seconds.
+    }
     // A source that cannot be moved can be opened again, which is its beginning.
     if (seconds != 0)
         return false;
@@ -124,13 +133,14 @@ bool PlayedTrack::goTo(std::int32_t seconds) {
 }
 
 bool PlayedTrack::seek(std::int32_t milliseconds) {
-    constexpr std::int32_t second = 1000;
-    if (!open_ || !goTo(milliseconds / second) || !beginAgain())
+    const std::int64_t wanted = format().framesOf(milliseconds);
+    const std::int32_t second = secondOf(wanted);
+    if (!open_ || !goTo(second) || !beginAgain())
         return false;
     moved_.reset();
-    position_ = format().framesOf(reachedMs(*source_, milliseconds / second * second));
-    // The rest is read and dropped.
-    std::int64_t excess = (format().framesOf(milliseconds) - position_) * format().frameBytes();
+    position_ = frameReached(second);
+    // Sources are moved to whole seconds; the rest is read and dropped.
+    std::int64_t excess = (wanted - position_) * format().frameBytes();
     std::array<std::uint8_t, 8000> dropped;
     while (excess > 0) {
         const auto piece =

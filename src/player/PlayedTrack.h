@@ -67,6 +67,8 @@ private:
 
     [[nodiscard]] bool beginAgain();
     [[nodiscard]] bool goTo(std::int32_t seconds);
+    [[nodiscard]] std::int64_t frameReached(std::int32_t seconds);
+    [[nodiscard]] std::int32_t secondOf(std::int64_t frame);
     [[nodiscard]] std::optional<std::int64_t> frames();
 
     const std::wstring file_;

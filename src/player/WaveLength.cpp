@@ -26,6 +26,17 @@ std::int64_t framesInWaveBlock(const WAVEFORMATEX& format) {
     }
 }
 
+// The format of an opened WAV file; null if another source has opened it, or if it has no blocks.
+const WAVEFORMATEX* waveFormat(cSoundSTRM& source) {
+    const std::vector<std::wstring> extensions = source.Extensions();
+    const auto serves = [&](const wchar_t* extension) {
+        return std::find(extensions.begin(), extensions.end(), extension) != extensions.end();
+    };
+    const WAVEFORMATEX* const format = source.WFXPointer();
+    const bool isWave = (serves(L"wav") || serves(L"wave")) && format && format->nBlockAlign != 0;
+    return isWave ? format : nullptr;
+}
+
 // The chunk in which writers of compressed sound count its frames. 0 if there is none.
 std::int64_t countedByWriter(const std::wstring& file) {
     const RiffChunk fact = findWaveChunk(file, "fact");
@@ -42,13 +53,20 @@ std::int64_t countedByWriter(const std::wstring& file) {
 
 } // namespace
 
+std::optional<std::int32_t> misstatedRate(cSoundSTRM& source) {
+    const WAVEFORMATEX* const format = waveFormat(source);
+    if (!format || framesInWaveBlock(*format) != 1)
+        return std::nullopt;
+    const DWORD stated = format->nAvgBytesPerSec;
+    const bool usable = stated > 0 && stated <= std::numeric_limits<std::int32_t>::max();
+    if (!usable || stated == format->nSamplesPerSec * format->nBlockAlign)
+        return std::nullopt;
+    return static_cast<std::int32_t>(stated);
+}
+
 std::optional<std::int64_t> countFrames(const std::wstring& file, cSoundSTRM& source) {
-    const std::vector<std::wstring> extensions = source.Extensions();
-    const auto serves = [&](const wchar_t* extension) {
-        return std::find(extensions.begin(), extensions.end(), extension) != extensions.end();
-    };
-    const WAVEFORMATEX* const format = source.WFXPointer();
-    if (!(serves(L"wav") || serves(L"wave")) || !format || format->nBlockAlign == 0)
+    const WAVEFORMATEX* const format = waveFormat(source);
+    if (!format)
         return std::nullopt;
     const std::int64_t inBlock = framesInWaveBlock(*format);
     if (inBlock == 0)

@@ -15,6 +15,10 @@ class cSoundSTRM;
 // the file's format cannot be counted.
 [[nodiscard]] std::optional<std::int64_t> countFrames(const std::wstring& file, cSoundSTRM& source);
 
+// The bytes in what the source of a WAV file of uncompressed sound takes for a second, because the
+// header says so, if that is wrong.
+[[nodiscard]] std::optional<std::int32_t> misstatedRate(cSoundSTRM& source);
+
 // So many frames, or what the source says of its length if their number is not known, in
 // milliseconds. No more than a number can hold.
 [[nodiscard]] std::int32_t durationMs(const std::optional<std::int64_t>& frames,

@@ -35,8 +35,9 @@ struct Script {
     std::int32_t positionMs = 0;
     std::int32_t durationMs = 0;
     std::vector<std::pair<std::wstring, std::wstring>> tags;
-    // Called before each Read and each CloseSource; may throw.
+    // Called before each Read, each CloseSource and each OpenSource; may throw.
     std::function<void()> onRead;
+    std::function<void(const std::wstring& name)> onOpen;
     std::function<void()> onClose;
 
     // What the player did: "Open name", "Close", "Seek value mode".
@@ -68,6 +69,8 @@ public:
         name_ = Source.substr(Source.find_last_of(L'\\') + 1);
         script.log.push_back(L"Open " + name_);
         script.errorModes.insert(::GetThreadErrorMode());
+        if (script.onOpen)
+            script.onOpen(name_);
         position_ = 0;
         open_ = script.openResult == 0;
         return script.openResult;

@@ -244,6 +244,56 @@ TEST_F(TrackOfWav, of_several_bytes_to_a_frame_ends_exactly_with_its_last_frame)
     EXPECT_EQ(track.position(), 450);
 }
 
+TEST_F(TrackOfWav, goes_to_its_frames_whatever_its_rate_of_bytes_says) {
+    const Bytes sound = noise(3000);
+    for (const DWORD rate : {1000u, 250u, 7u, 4000u}) {
+        WAVEFORMATEX format = pcm(500, 1, 16);
+        format.nAvgBytesPerSec = rate;
+        PlayedTrack track = open(WavBytes().format(format).chunk("data", sound));
+        ASSERT_TRUE(track.begin());
+        for (const std::int32_t milliseconds : {2346, 0, 1000, 2998}) {
+            ASSERT_TRUE(track.seek(milliseconds)) << rate;
+            EXPECT_EQ(track.position(), milliseconds / 2) << rate;
+            EXPECT_EQ(track.read(buffer.data(), 2, true), 2) << rate;
+            EXPECT_EQ(buffer[0], sound[static_cast<std::size_t>(milliseconds)]) << rate;
+        }
+        track.close();
+    }
+}
+
+TEST_F(TrackOfWav, knows_where_it_was_moved_to_by_a_wrong_rate_of_bytes) {
+    const Bytes sound = noise(3000);
+    WAVEFORMATEX format = pcm(500, 1, 16);
+    format.nAvgBytesPerSec = 251;
+    auto source = std::make_shared<DecWAV>();
+    const std::wstring file =
+        folder.write(L"a.wav", WavBytes().format(format).chunk("data", sound).bytes());
+    ASSERT_EQ(source->OpenSource(file), 0);
+    PlayedTrack track(file, source, fakeAcmApi, nullptr);
+    ASSERT_TRUE(track.begin());
+    std::int32_t mode = SeekMode::seconds;
+    ASSERT_EQ(source->SeekTo(3, mode), SourceResult::done);
+    track.sourceMoved(3);
+    ASSERT_TRUE(track.goOnWhereMoved());
+    EXPECT_EQ(track.position(), 753 / 2);
+    EXPECT_EQ(track.read(buffer.data(), 2, true), 2);
+    EXPECT_EQ(buffer[0], sound[752]);
+}
+
+TEST_F(TrackOfWav, without_a_rate_of_bytes_begins_again_and_goes_nowhere_else) {
+    WAVEFORMATEX format = pcm(1000, 1, 8);
+    format.nAvgBytesPerSec = 0;
+    const Bytes sound = noise(3000);
+    PlayedTrack track = open(WavBytes().format(format).chunk("data", sound));
+    ASSERT_TRUE(track.begin());
+    EXPECT_FALSE(track.seek(2000));
+    EXPECT_EQ(track.read(buffer.data(), 100, true), 100) << "it is read where it was";
+    EXPECT_EQ(buffer[0], sound[0]);
+    ASSERT_TRUE(track.seek(0));
+    EXPECT_EQ(track.read(buffer.data(), 100, true), 100);
+    EXPECT_EQ(buffer[99], sound[99]);
+}
+
 TEST_F(TrackOfWav, lasts_as_long_as_its_frames_and_not_as_its_rate_of_bytes_says) {
     WAVEFORMATEX format = pcm(1000, 1, 8);
     format.nAvgBytesPerSec = 250;

@@ -162,5 +162,20 @@ TEST_F(NextFile, that_no_source_reads_or_opens_is_reported) {
     EXPECT_EQ(host.player.NextFile(), L"");
 }
 
+TEST_F(NextFile, that_raises_an_error_when_it_is_opened_is_reported_and_the_one_before_is_heard) {
+    script.onOpen = [](const std::wstring& name) {
+        if (name == L"next.other")
+            throw RuntimeError(53, L"File not found");
+    };
+    startAndFill();
+    playOut();
+    ASSERT_GE(fakeWave.written.size(), script.data.size());
+    EXPECT_TRUE(std::equal(script.data.begin(), script.data.end(), fakeWave.written.begin()));
+    EXPECT_THAT(host.events, ElementsAre(L"NextFile|53|File not found",
+                                         L"StopPlayAudio:waveOutReset|5|5", L"DonePlay"));
+    EXPECT_THAT(host.progress, ElementsAre(L"State 1", L"State 0", L"Ended 0"));
+    EXPECT_EQ(host.player.NextFile(), L"");
+}
+
 } // namespace
 } // namespace corvina::test
