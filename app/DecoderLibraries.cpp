@@ -18,15 +18,19 @@ constexpr long couldNotOpen = 3; // a result of PlayStart and OpenAudioFile
 struct Kind {
     std::initializer_list<const wchar_t*> extensions;
     std::initializer_list<const wchar_t*> libraries; // each may need those before it
+    const wchar_t* other = nullptr;                  // reads these files in their place
 };
 
-const std::array<Kind, 4> kinds{{
-    {{L"ogg"}, {L"ogg.dll", L"vorbis.dll", L"vorbisfile.dll"}},
+constexpr const wchar_t* sndfile = L"libsndfile.dll";
+
+const std::array<Kind, 5> kinds{{
+    {{L"ogg"}, {L"ogg.dll", L"vorbis.dll", L"vorbisfile.dll"}, sndfile},
     {{L"ape"}, {L"MACDll.dll"}},
     {{L"au", L"snd", L"aif", L"aiff", L"aifc", L"voc", L"vox", L"flac", L"oga", L"opus", L"w64",
       L"caf"},
-     {L"libsndfile.dll"}},
-    {{L"mp3", L"wma", L"wmv"}, {L"wmvcore.dll"}},
+     {sndfile}},
+    {{L"mp3", L"mp2"}, {L"wmvcore.dll"}, sndfile},
+    {{L"wma", L"wmv", L"asf"}, {L"wmvcore.dll"}},
 }};
 
 std::wstring extensionOf(const std::wstring& file) {
@@ -57,13 +61,15 @@ std::wstring missingLibraryWords(long result, const std::wstring& file) {
     if (result != couldNotOpen && result != comFailure)
         return {};
     const std::wstring extension = extensionOf(file);
-    for (const Kind& kind : kinds)
-        if (std::find(kind.extensions.begin(), kind.extensions.end(), extension) !=
-            kind.extensions.end())
-            for (const wchar_t* library : kind.libraries)
-                if (!loads(library))
-                    return std::wstring(library) + L" is missing or damaged; without it no " +
-                           extension + L" file can be played.";
+    const auto kind = std::ranges::find_if(kinds, [&](const Kind& each) {
+        return std::ranges::find(each.extensions, extension) != each.extensions.end();
+    });
+    if (kind == kinds.end() || (kind->other && loads(kind->other)))
+        return {};
+    for (const wchar_t* library : kind->libraries)
+        if (!loads(library))
+            return std::wstring(library) + L" is missing or damaged; without it no " + extension +
+                   L" file can be played.";
     return {};
 }
 

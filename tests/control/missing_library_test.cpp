@@ -24,7 +24,7 @@ struct Kind {
 
 // The functions of the APE library are called as if they were imported, so a missing one is a
 // run-time error.
-const std::array<Kind, 8> kinds{{
+const std::array<Kind, 9> kinds{{
     {L"tune.wav", {}},
     {L"tune.mp3", {}},
     {.file = L"tune.ogg",
@@ -34,6 +34,7 @@ const std::array<Kind, 8> kinds{{
     {L"tune.aiff", {L"libsndfile.dll"}},
     {L"tune.flac", {L"libsndfile.dll"}},
     {L"tune.opus", {L"libsndfile.dll"}},
+    {L"clip.w64", {L"libsndfile.dll"}},
     {L"tune.ape", {L"MACDll.dll"}, 99, "File not found: MACDll.dll"},
 }};
 
@@ -96,6 +97,15 @@ TEST_P(DistributionWithout, a_library_fails_for_its_formats_alone_and_names_it) 
         EXPECT_EQ(printed.find(named) != std::string::npos, wanted) << printed;
         EXPECT_EQ(printed.find(kind.words) != std::string::npos, wanted) << printed;
     }
+}
+
+TEST_F(Distribution, names_no_library_for_a_damaged_file_that_another_one_would_read) {
+    layOutWithout(L"ogg.dll");
+    folder.write(L"damaged.ogg", Bytes(1000));
+    std::string printed;
+    EXPECT_EQ(play(L"--info damaged.ogg", printed), 3);
+    EXPECT_EQ(printed.find("is missing"), std::string::npos) << printed;
+    EXPECT_NE(printed.find("Could not open file"), std::string::npos) << printed;
 }
 
 TEST_F(Distribution, passes_over_a_file_that_it_cannot_play_and_plays_the_next) {
