@@ -11,7 +11,8 @@
 namespace corvina {
 
 std::wstring NextTrack::file() const {
-    return options_.nextFile.empty() ? fed_ : options_.nextFile;
+    const TrackQueue::Track fed = fed_.lock();
+    return options_.nextFile.empty() && fed ? fed->file() : options_.nextFile;
 }
 
 TrackQueue::Track NextTrack::takeNext() {
@@ -23,7 +24,7 @@ TrackQueue::Track NextTrack::takeNext() {
         failures_.push_back({error.number(), error.text()});
     }
     if (track)
-        fed_ = file;
+        fed_ = track;
     return track;
 }
 
@@ -55,11 +56,12 @@ void NextTrack::giveBack(const TrackQueue::Track& track) {
     // A file that was set meanwhile follows in its place.
     if (options_.nextFile.empty())
         options_.nextFile = track->file();
-    fed_.clear();
+    fed_.reset();
 }
 
 void NextTrack::nextHeard(const TrackQueue::Track& track) {
-    fed_.clear();
+    if (fed_.lock() == track)
+        fed_.reset();
     heard_ = track;
 }
 

@@ -49,7 +49,7 @@ private:
     PlaybackOptions& options_;
     const PlayerPlatform& platform_;
     cCallback* const observer_;
-    std::wstring fed_; // taken, but not heard yet
+    std::weak_ptr<PlayedTrack> fed_; // taken last, but not heard yet
     TrackQueue::Track heard_;
     std::vector<Failure> failures_;
 };

@@ -297,6 +297,7 @@ bool PlaybackEngine::continueWithOther() {
     const std::int32_t result = openSession(deviceIndex_, format);
     if (result != 0) {
         life_.setReason(playback_, PLAYEND_ERROR);
+        supply_.giveBack(other);
         events_.Err(L"StartPlayAudio:waveOutOpen", result, std::to_wstring(result));
         return false;
     }

@@ -58,6 +58,9 @@ public:
     // What is heard now; no track if nothing plays. The last place until the host is notified of
     // the end.
     [[nodiscard]] TrackQueue::Place heard();
+    // The same in milliseconds: what is heard behind the end of the file, to the end of the last
+    // block, is no part of it. 0 if nothing plays.
+    [[nodiscard]] std::int32_t heardMs();
     // The peak of what is heard now, in parts of full scale. Mono sound has it in every channel.
     [[nodiscard]] double level(std::int32_t channel);
     // Somebody has moved a source, which may be the one that is played.

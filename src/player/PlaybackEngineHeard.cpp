@@ -6,6 +6,8 @@
 #include "player/PlayerEvents.h"
 #include "runtime/RuntimeError.h"
 
+#include <algorithm>
+
 namespace corvina {
 namespace {
 
@@ -16,6 +18,12 @@ constexpr UINT watchIntervalMs = 100;
 TrackQueue::Place PlaybackEngine::heard() {
     const bool runs = (playing() || !done_) && tracks_.current();
     return runs ? tracks_.placeAt(output_.heardFrame()) : TrackQueue::Place{};
+}
+
+std::int32_t PlaybackEngine::heardMs() {
+    const TrackQueue::Place place = heard();
+    const std::int32_t duration = place.track ? place.track->durationMs() : 0;
+    return duration > 0 ? std::min(place.milliseconds, duration) : place.milliseconds;
 }
 
 double PlaybackEngine::level(std::int32_t channel) {
@@ -128,10 +136,8 @@ void PlaybackEngine::watch() {
 }
 
 void PlaybackEngine::reportPosition() {
-    if (paused_)
-        return;
-    if (const TrackQueue::Place place = heard(); place.track)
-        events_.PositionChanged(place.milliseconds);
+    if (!paused_ && heard().track)
+        events_.PositionChanged(heardMs());
 }
 
 } // namespace corvina

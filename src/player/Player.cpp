@@ -10,7 +10,6 @@
 #include "stream/FileListing.h"
 #include "subclass/MSubclass.h"
 
-#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -233,12 +232,7 @@ std::int32_t Player::PositionSet(std::int32_t seconds) {
 }
 
 std::int32_t Player::PositionMs() {
-    const TrackQueue::Place place = engine_.heard();
-    if (!place.track)
-        return 0;
-    // What is heard behind the end, to the end of the last block, is no part of the file.
-    const std::int32_t duration = place.track->durationMs();
-    return duration > 0 ? std::min(place.milliseconds, duration) : place.milliseconds;
+    return engine_.heardMs();
 }
 
 void Player::setPositionMs(std::int32_t milliseconds) {

@@ -132,6 +132,26 @@ TEST_F(NextFile, whose_device_cannot_be_opened_ends_the_playback_with_an_error) 
     EXPECT_THAT(host.events, ElementsAre(L"StartPlayAudio:waveOutOpen|4|4",
                                          L"StopPlayAudio:waveOutReset|5|5", L"DonePlay"));
     EXPECT_THAT(host.progress, ElementsAre(L"State 1", L"State 0", L"Ended 3"));
+    EXPECT_EQ(options().nextFile, next) << "it was not heard";
+    EXPECT_EQ(host.player.NextFile(), next);
+}
+
+TEST_F(NextFile, behind_a_short_one_is_the_next_until_it_is_heard) {
+    script.otherData[L"next.other"] = noise(buffer, 7);
+    script.otherData[L"third.test"] = noise(buffer * 10, 8);
+    const std::wstring third = folder.write(L"third.test", {0});
+    startAndFill();
+    playBuffers(2);
+    ASSERT_EQ(options().nextFile, L"") << "it is queued";
+    options().nextFile = third;
+    playBuffers(1);
+    ASSERT_EQ(options().nextFile, L"") << "this one, too";
+    playBuffers(7);
+    EXPECT_EQ(host.progress.back(), L"Next next.other");
+    EXPECT_EQ(host.player.NextFile(), third);
+    playBuffers(1);
+    EXPECT_EQ(host.progress.back(), L"Next third.test");
+    EXPECT_EQ(host.player.NextFile(), L"");
 }
 
 TEST_F(NextFile, whose_device_gets_no_messages_ends_the_playback) {

@@ -121,6 +121,11 @@ TEST_F(Watch, does_not_count_what_is_heard_behind_the_end_of_a_short_file) {
     EXPECT_EQ(host.player.PositionMs(), 0);
     fakeWave.framesBeyond = 441;
     EXPECT_EQ(host.player.PositionMs(), 1);
+    options().positionInterval = 50;
+    host.player.intervalChanged();
+    host.progress.clear();
+    tickTimers();
+    EXPECT_THAT(host.progress, ElementsAre(L"Position 1"));
 }
 
 TEST_F(Watch, sees_the_samples_that_were_sent_last_until_the_end) {
