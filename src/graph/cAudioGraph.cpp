@@ -67,6 +67,13 @@ HRESULT cAudioGraph::put(int property, Value value) noexcept {
     return enter([&] { return ole().setProperty(property, static_cast<std::int32_t>(value)); });
 }
 
+template <typename Value>
+HRESULT cAudioGraph::putZeroOrOne(int property, Value value, const wchar_t* words) noexcept {
+    if (isZeroOrOne(value))
+        return put(property, value);
+    return enter([words] { throw RuntimeError(380, words); });
+}
+
 HRESULT cAudioGraph::getBoolean(int property, VARIANT_BOOL* result) noexcept {
     return enterReturning(
         result, [&] { return ole().property(property) != 0 ? VARIANT_TRUE : VARIANT_FALSE; });
@@ -80,7 +87,8 @@ HRESULT cAudioGraph::get_GraphStyle(AudioGraphStyle* result) {
     return get(graphStyle, result);
 }
 HRESULT cAudioGraph::put_GraphStyle(AudioGraphStyle value) {
-    return put(graphStyle, value);
+    return putZeroOrOne(graphStyle, value,
+                        L"GraphStyle must be 0 (AMPLITUDE_STYLE) or 1 (FREQUENCY_STYLE)");
 }
 HRESULT cAudioGraph::get_Bands(LONG* result) {
     return get(bands, result);
@@ -122,7 +130,7 @@ HRESULT cAudioGraph::get_BorderStyle(BorderStyle* result) {
     return get(borderStyle, result);
 }
 HRESULT cAudioGraph::put_BorderStyle(BorderStyle value) {
-    return put(borderStyle, value);
+    return putZeroOrOne(borderStyle, value, L"BorderStyle must be 0 (StyleNone) or 1 (StyleFixed)");
 }
 
 HRESULT cAudioGraph::get_hWnd(LONG* result) {
@@ -195,20 +203,15 @@ HRESULT cAudioGraph::get_LevelScale(AudioGraphLevelScale* result) {
     return get(levelScale, result);
 }
 HRESULT cAudioGraph::put_LevelScale(AudioGraphLevelScale value) {
-    if (isZeroOrOne(value))
-        return put(levelScale, value);
-    return enter([] {
-        throw RuntimeError(380, L"LevelScale must be 0 (LINEAR_SCALE) or 1 (DECIBEL_SCALE)");
-    });
+    return putZeroOrOne(levelScale, value,
+                        L"LevelScale must be 0 (LINEAR_SCALE) or 1 (DECIBEL_SCALE)");
 }
 HRESULT cAudioGraph::get_FrequencyAxis(AudioGraphFrequencyAxis* result) {
     return get(frequencyAxis, result);
 }
 HRESULT cAudioGraph::put_FrequencyAxis(AudioGraphFrequencyAxis value) {
-    if (isZeroOrOne(value))
-        return put(frequencyAxis, value);
-    return enter(
-        [] { throw RuntimeError(380, L"FrequencyAxis must be 0 (BAND_AXIS) or 1 (OCTAVE_AXIS)"); });
+    return putZeroOrOne(frequencyAxis, value,
+                        L"FrequencyAxis must be 0 (BAND_AXIS) or 1 (OCTAVE_AXIS)");
 }
 HRESULT cAudioGraph::get_PeakHold(VARIANT_BOOL* result) {
     return getBoolean(peakHold, result);

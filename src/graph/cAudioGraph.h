@@ -60,6 +60,10 @@ private:
     template <typename Value>
     HRESULT put(int property, Value value) noexcept;
 
+    // words: of the error that any other value raises.
+    template <typename Value>
+    HRESULT putZeroOrOne(int property, Value value, const wchar_t* words) noexcept;
+
     HRESULT getBoolean(int property, VARIANT_BOOL* result) noexcept;
     HRESULT putBoolean(int property, VARIANT_BOOL value) noexcept;
 

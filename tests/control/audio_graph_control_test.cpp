@@ -58,7 +58,9 @@ TEST_F(GraphControl, every_number_and_colour_can_be_written_and_read) {
 TEST_F(GraphControl, a_style_that_does_not_exist_is_an_invalid_property_value) {
     for (const int value : {2, -1, 100}) {
         EXPECT_EQ(invalidProperty, graph->put_GraphStyle(static_cast<AudioGraphStyle>(value)));
+        EXPECT_NE(std::wstring::npos, errorText().find(L"FREQUENCY_STYLE")) << value;
         EXPECT_EQ(invalidProperty, graph->put_BorderStyle(static_cast<BorderStyle>(value)));
+        EXPECT_NE(std::wstring::npos, errorText().find(L"StyleFixed")) << value;
     }
     AudioGraphStyle style{};
     BorderStyle border = StyleFixed;
