@@ -109,7 +109,8 @@ private:
     using TagMember = std::wstring TagTexts::*;
     HRESULT getTag(TagMember tag, BSTR* result) noexcept;
     HRESULT putTag(TagMember tag, BSTR value) noexcept;
-    void fireNumber(DISPID event, std::int32_t number) noexcept;
+    void fireNumber(DISPID event, std::int32_t number,
+                    EventSource::WhenFrozen whenFrozen = EventSource::WhenFrozen::keepAll) noexcept;
 
     // PlayerEvents
     void Err(const std::wstring& functionName, std::int32_t number,

@@ -187,7 +187,8 @@ void cPlayer::StateChanged(PlayState state) noexcept {
 }
 
 void cPlayer::PositionChanged(std::int32_t milliseconds) noexcept {
-    fireNumber(positionChangedEvent, milliseconds);
+    // Of a time in which a host holds its events back only the last position is of use.
+    fireNumber(positionChangedEvent, milliseconds, EventSource::WhenFrozen::keepLatest);
 }
 
 void cPlayer::NextStarted(const std::wstring& file) noexcept {
@@ -198,9 +199,10 @@ void cPlayer::NextStarted(const std::wstring& file) noexcept {
     }
 }
 
-void cPlayer::fireNumber(DISPID event, std::int32_t number) noexcept {
+void cPlayer::fireNumber(DISPID event, std::int32_t number,
+                         EventSource::WhenFrozen whenFrozen) noexcept {
     try {
-        ole().events().fire(event, {number});
+        ole().events().fire(event, {number}, whenFrozen);
     } catch (const std::bad_alloc&) {
         // Without memory for its argument the event is lost.
     }

@@ -60,6 +60,29 @@ TEST_F(PlayerControl, is_not_kept_alive_by_the_events_of_its_timer) {
     player->DeInit(&number);
 }
 
+TEST_F(PlayerControl, raises_only_the_latest_position_when_its_events_thaw) {
+    TempFolder folder;
+    EventSink sink(DIID___cPlayer);
+    ASSERT_EQ(S_OK, sink.connect(player.get(), DIID___cPlayer));
+    constexpr DISPID positionChanged = 5;
+    int positions = 0;
+    sink.handler = [&](const EventSink::Event& event) { positions += event.id == positionChanged; };
+    const auto control = player.query<IOleControl>();
+    player->Init(&number);
+    ASSERT_EQ(S_OK, player->put_PositionInterval(10));
+    ASSERT_EQ(S_OK, player->PlayStart(Bstr(wave(folder)).get(), -1, 0, &number));
+    ASSERT_EQ(0, number);
+    ASSERT_TRUE(pumpUntil([&] { return positions > 0; }));
+    control->FreezeEvents(TRUE);
+    positions = 0;
+    const ULONGLONG end = ::GetTickCount64() + 300;
+    EXPECT_TRUE(pumpUntil([&] { return ::GetTickCount64() >= end; }));
+    EXPECT_EQ(0, positions);
+    control->FreezeEvents(FALSE);
+    EXPECT_EQ(1, positions);
+    player->DeInit(&number);
+}
+
 TEST_F(PlayerControl, may_be_released_while_it_plays) {
     TempFolder folder;
     player->Init(&number);
