@@ -135,8 +135,11 @@ void PlaybackEngine::watch() {
         reportHeard();
 }
 
+// The place in a next file is reported behind its NextStarted.
 void PlaybackEngine::reportPosition() {
-    if (!paused_ && heard().track)
+    const std::uint32_t session = session_;
+    reportHeard();
+    if (session == session_ && playing() && !paused_ && heard().track)
         events_.PositionChanged(heardMs());
 }
 

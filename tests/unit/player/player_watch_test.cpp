@@ -106,6 +106,21 @@ TEST_F(Watch, sees_a_next_file_begin_between_two_buffers) {
     EXPECT_THAT(host.progress, ElementsAre(L"Next next.test"));
 }
 
+TEST_F(Watch, says_that_a_next_file_has_begun_before_it_reports_a_place_in_it) {
+    script.otherData[L"next.test"] = noise(buffer * 10, 7);
+    options().nextFile = folder.write(L"next.test", {0});
+    options().positionInterval = 50;
+    startAndFill();
+    playBuffers(11);
+    host.progress.clear();
+    fakeWave.framesBeyond = 2000 + 441;
+    const auto timers = fakeTimers;
+    for (const auto& [id, timer] : timers)
+        if (timer.first == 50)
+            timer.second(nullptr, WM_TIMER, id, 0);
+    EXPECT_THAT(host.progress, ElementsAre(L"Next next.test", L"Position 10"));
+}
+
 TEST_F(Watch, knows_the_place_also_of_a_playback_over_which_Init_was_called) {
     startAndFill();
     fakeWave.framesBeyond = 441;
