@@ -102,7 +102,7 @@ TEST_F(PlayerPosition, set_back_while_the_last_blocks_play_begins_to_feed_again)
     expectTheNextPlaybackWorks();
 }
 
-// What the device has and half a second in the converter, 1 s in all, plays out first.
+// The half second that the converter has read, and the device has in part, plays out first.
 TEST_F(PlayerPosition, is_that_which_PositionSet_has_set_from_when_it_is_heard) {
     script.data = noise(second * 10);
     script.durationMs = 10000;
