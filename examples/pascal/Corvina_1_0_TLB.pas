@@ -533,7 +533,7 @@ Type
    function PlayStop:Integer;safecall;
     // PlayStart : Opens sAudioFile and plays it on DeviceIndex (0-based, -1 for the wave mapper); lBufferSize has no effect. Returns 0, -201 while playing, 1, 2 or 3 as OpenAudioFile, 5 when no conversion is possible, or the device result. Errors as OpenAudioFile, and 6 for an impossible format. 
    function PlayStart(sAudioFile:WideString;DeviceIndex:Integer;lBufferSize:Integer):Integer;safecall;
-    // GetID3Tags : Fills the Tag_ texts from the opened file; the last three characters of strFile (ogg, mp3, ape, wma) select the tag names. Returns 0. Error 91 without an opened file. 
+    // GetID3Tags : Fills the Tag_ texts from the opened file; the last three characters of strFile (ogg, mp3, ape, wma, asf) select the tag names. Returns 0. Error 91 without an opened file. 
    function GetID3Tags(strFile:WideString):Integer;safecall;
     // OpenAudioFile : Opens strFile with the source for its extension. Returns 0, 1 (no such file), 2 (format not supported) or 3 (could not be opened); a failure also raises Err. Error 1, 53 or 453 if a decoder library lacks a function or MACDll.dll is missing. 
    function OpenAudioFile(strFile:WideString):Integer;safecall;
@@ -687,7 +687,7 @@ Type
    function PlayStop:Integer;dispid 22;
     // PlayStart : Opens sAudioFile and plays it on DeviceIndex (0-based, -1 for the wave mapper); lBufferSize has no effect. Returns 0, -201 while playing, 1, 2 or 3 as OpenAudioFile, 5 when no conversion is possible, or the device result. Errors as OpenAudioFile, and 6 for an impossible format. 
    function PlayStart(sAudioFile:WideString;DeviceIndex:Integer;lBufferSize:Integer):Integer;dispid 23;
-    // GetID3Tags : Fills the Tag_ texts from the opened file; the last three characters of strFile (ogg, mp3, ape, wma) select the tag names. Returns 0. Error 91 without an opened file. 
+    // GetID3Tags : Fills the Tag_ texts from the opened file; the last three characters of strFile (ogg, mp3, ape, wma, asf) select the tag names. Returns 0. Error 91 without an opened file. 
    function GetID3Tags(strFile:WideString):Integer;dispid 24;
     // OpenAudioFile : Opens strFile with the source for its extension. Returns 0, 1 (no such file), 2 (format not supported) or 3 (could not be opened); a failure also raises Err. Error 1, 53 or 453 if a decoder library lacks a function or MACDll.dll is missing. 
    function OpenAudioFile(strFile:WideString):Integer;dispid 25;
