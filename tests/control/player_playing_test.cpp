@@ -39,39 +39,44 @@ TEST_F(PlayerControl, has_samples_for_a_graph_only_while_it_plays) {
     EXPECT_FALSE(feed->latestSamples(block));
 }
 
-TEST_F(PlayerControl, is_not_kept_alive_by_the_events_of_its_timer) {
+class PlayerPositions : public PlayerControl {
+protected:
+    void SetUp() override {
+        PlayerControl::SetUp();
+        constexpr DISPID positionChanged = 5;
+        ASSERT_EQ(S_OK, sink.connect(player.get(), DIID___cPlayer));
+        sink.handler = [this](const EventSink::Event& event) {
+            positions += event.id == positionChanged;
+        };
+    }
+    void start(long interval) {
+        ASSERT_EQ(S_OK, player->put_PositionInterval(interval));
+        ASSERT_EQ(S_OK, player->PlayStart(Bstr(wave(folder)).get(), -1, 0, &number));
+        ASSERT_EQ(0, number);
+    }
+
     TempFolder folder;
-    EventSink sink(DIID___cPlayer);
-    ASSERT_EQ(S_OK, sink.connect(player.get(), DIID___cPlayer));
-    constexpr DISPID positionChanged = 5;
+    EventSink sink{DIID___cPlayer};
     int positions = 0;
-    sink.handler = [&](const EventSink::Event& event) { positions += event.id == positionChanged; };
+};
+
+TEST_F(PlayerPositions, do_not_keep_the_player_alive) {
     const auto references = [&] {
         player->AddRef();
         return player->Release();
     };
     player->Init(&number);
     const ULONG before = references();
-    ASSERT_EQ(S_OK, player->put_PositionInterval(20));
-    ASSERT_EQ(S_OK, player->PlayStart(Bstr(wave(folder)).get(), -1, 0, &number));
-    ASSERT_EQ(0, number);
+    start(20);
     EXPECT_TRUE(pumpUntil([&] { return positions >= 2; }));
     EXPECT_EQ(before, references());
     player->DeInit(&number);
 }
 
-TEST_F(PlayerControl, raises_only_the_latest_position_when_its_events_thaw) {
-    TempFolder folder;
-    EventSink sink(DIID___cPlayer);
-    ASSERT_EQ(S_OK, sink.connect(player.get(), DIID___cPlayer));
-    constexpr DISPID positionChanged = 5;
-    int positions = 0;
-    sink.handler = [&](const EventSink::Event& event) { positions += event.id == positionChanged; };
+TEST_F(PlayerPositions, come_once_with_the_latest_when_frozen_events_thaw) {
     const auto control = player.query<IOleControl>();
     player->Init(&number);
-    ASSERT_EQ(S_OK, player->put_PositionInterval(10));
-    ASSERT_EQ(S_OK, player->PlayStart(Bstr(wave(folder)).get(), -1, 0, &number));
-    ASSERT_EQ(0, number);
+    start(10);
     ASSERT_TRUE(pumpUntil([&] { return positions > 0; }));
     control->FreezeEvents(TRUE);
     positions = 0;

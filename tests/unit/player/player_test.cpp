@@ -277,39 +277,46 @@ MMRESULT WINAPI nameOnlyTheLast(UINT_PTR index, LPWAVEOUTCAPSA caps, UINT size) 
     return MMSYSERR_NOERROR;
 }
 
-TEST_F(PlayerTest, a_device_is_found_by_its_name_behind_one_whose_name_cannot_be_read) {
-    WaveApi named = fakeWaveApi;
-    named.outGetNumDevs = &countThree;
-    named.outGetDevCaps = &nameOnlyTheLast;
-    BarePlayer other({named, systemWindowApi, fakeAcmApi, systemFileApi, &makeScriptedSources});
-    ASSERT_EQ(other.init(), 0);
-    other.player.settings().options().device = L"Headphones";
-    EXPECT_EQ(other.player.PlayStart(file, -1, 0), 0);
+class NamedDevices : public PlayerTest {
+protected:
+    explicit NamedDevices(decltype(WaveApi::outGetDevCaps) name = &nameDevices)
+        : other{{named(name), systemWindowApi, fakeAcmApi, systemFileApi, &makeScriptedSources}} {}
+
+    std::int32_t startOn(const wchar_t* device) {
+        EXPECT_EQ(other.init(), 0);
+        other.player.settings().options().device = device;
+        const std::int32_t result = other.player.PlayStart(file, -1, 0);
+        other.player.shutdown();
+        dispatchWaitingMessages();
+        return result;
+    }
+
+private:
+    const WaveApi& named(decltype(WaveApi::outGetDevCaps) name) {
+        wave.outGetNumDevs = &countThree;
+        wave.outGetDevCaps = name;
+        return wave;
+    }
+
+    WaveApi wave = fakeWaveApi;
+    BarePlayer other;
+};
+
+struct OneNamedDevice : NamedDevices {
+    OneNamedDevice() : NamedDevices(&nameOnlyTheLast) {}
+};
+
+TEST_F(OneNamedDevice, is_found_behind_others_whose_names_cannot_be_read) {
+    EXPECT_EQ(startOn(L"Headphones"), 0);
     EXPECT_EQ(fakeWave.device, 2u);
-    other.player.shutdown();
-    dispatchWaitingMessages();
-    ASSERT_EQ(other.init(), 0);
-    other.player.settings().options().device = L"not there";
-    EXPECT_EQ(other.player.PlayStart(file, -1, 0), MMSYSERR_BADDEVICEID);
-    other.player.shutdown();
+    EXPECT_EQ(startOn(L"not there"), MMSYSERR_BADDEVICEID);
 }
 
-TEST_F(PlayerTest, a_device_that_is_set_by_its_name_is_opened_by_its_number) {
-    WaveApi named = fakeWaveApi;
-    named.outGetNumDevs = &countThree;
-    named.outGetDevCaps = &nameDevices;
-    BarePlayer other({named, systemWindowApi, fakeAcmApi, systemFileApi, &makeScriptedSources});
-    ASSERT_EQ(other.init(), 0);
-    other.player.settings().options().device = L"Headphones";
-    EXPECT_EQ(other.player.PlayStart(file, -1, 0), 0);
+TEST_F(NamedDevices, are_opened_by_their_numbers) {
+    EXPECT_EQ(startOn(L"Headphones"), 0);
     EXPECT_EQ(fakeWave.device, 2u);
-    other.player.shutdown();
-    dispatchWaitingMessages();
-    ASSERT_EQ(other.init(), 0);
-    other.player.settings().options().device = L"Loudspeaker";
-    EXPECT_EQ(other.player.PlayStart(file, -1, 0), 0);
+    EXPECT_EQ(startOn(L"Loudspeaker"), 0);
     EXPECT_EQ(fakeWave.device, 1u);
-    other.player.shutdown();
 }
 
 } // namespace
