@@ -2,9 +2,20 @@
 
 #include "platform/GdiHandles.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace corvina {
+namespace {
+
+// No window is beyond this, and within it widths, heights and sums with a size do not overflow.
+constexpr LONG furthest = 1 << 28;
+
+LONG bounded(LONG place) noexcept {
+    return std::clamp(place, -furthest, furthest);
+}
+
+} // namespace
 
 unsigned InPlacePart::changeTo(State state) noexcept {
     state_ = state;
@@ -138,6 +149,9 @@ void InPlacePart::hide() noexcept {
 }
 
 RECT InPlacePart::sized(RECT position) const noexcept {
+    // A container may give any numbers.
+    position = {bounded(position.left), bounded(position.top), bounded(position.right),
+                bounded(position.bottom)};
     if (extent_.fixed()) {
         const SIZE size = extent_.pixels();
         position.right = position.left + size.cx;

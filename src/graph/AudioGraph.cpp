@@ -22,8 +22,8 @@ LONG borderOf(const GraphSettings& settings) noexcept {
 // What the border leaves of the control.
 SIZE pictureSize(const GraphSettings& settings, SIZE control) noexcept {
     const LONG taken = 2 * borderOf(settings);
-    return {std::clamp(control.cx - taken, LONG{0}, longestSide),
-            std::clamp(control.cy - taken, LONG{0}, longestSide)};
+    return {std::clamp(control.cx, taken, taken + longestSide) - taken,
+            std::clamp(control.cy, taken, taken + longestSide) - taken};
 }
 
 std::span<const double> usedLevels(const BandLevels& bands, std::int32_t count) noexcept {

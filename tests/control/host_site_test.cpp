@@ -4,6 +4,8 @@
 #include "HostSite.h"
 #include "ViewSink.h"
 
+#include <limits>
+
 using namespace corvina;
 using namespace corvina::test;
 
@@ -211,6 +213,18 @@ TEST_F(Hosted, the_container_is_notified_of_the_focus) {
     ::SendMessageW(window(), WM_SETFOCUS, 0, 0);
     ::SendMessageW(window(), WM_KILLFOCUS, 0, 0);
     EXPECT_EQ((std::vector<BOOL>{TRUE, FALSE}), site->focus);
+}
+
+TEST_F(Hosted, a_rectangle_of_any_numbers_is_as_large_as_a_window_can_be) {
+    ASSERT_EQ(S_OK, verb(OLEIVERB_INPLACEACTIVATE));
+    constexpr LONG least = std::numeric_limits<LONG>::min();
+    constexpr LONG most = std::numeric_limits<LONG>::max();
+    const RECT everything{least, least, most, most};
+    EXPECT_EQ(S_OK, as<IOleInPlaceObject>()->SetObjectRects(&everything, &everything));
+    RECT client{};
+    ::GetClientRect(window(), &client);
+    EXPECT_GE(client.right, 32767);
+    EXPECT_GE(client.bottom, 32767);
 }
 
 TEST_F(Hosted, an_ambient_property_repaints_if_it_is_the_background_or_may_be) {
