@@ -142,7 +142,7 @@ void AudioGraph::clear(const GraphSettings& settings) {
 
 void AudioGraph::paint(HDC dc, const RECT& bounds, SIZE size) {
     const LONG border = borderOf(shown_);
-    const Frame control(bounds, size);
+    const Frame control(bounds, {std::max(size.cx, LONG{0}), std::max(size.cy, LONG{0})});
     if (border > 0)
         paintBorder(dc, control);
     const SIZE picture = pictureSize(shown_, size);
