@@ -243,7 +243,8 @@ TEST_F(Hosted, an_ambient_property_repaints_if_it_is_the_background_or_may_be) {
 
 TEST_F(Hosted, a_fixed_size_is_asked_for_when_the_control_is_activated) {
     use(fixedSizeClass);
-    site->results["TransformCoords"] = E_NOTIMPL; // a container without units of its own
+    // A container without units of its own.
+    site->results["TransformCoords"] = E_NOTIMPL;
     ASSERT_EQ(S_OK, verb(OLEIVERB_INPLACEACTIVATE));
     ASSERT_EQ(1u, site->rectangles.size());
     EXPECT_EQ(100, site->rectangles[0].right);
